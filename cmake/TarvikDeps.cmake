@@ -1,0 +1,28 @@
+# The libraries that TARVIK stands on. Each room links only what it uses.
+
+find_package(PkgConfig REQUIRED)
+find_package(Threads REQUIRED)
+find_package(Boost REQUIRED)
+find_package(ZLIB REQUIRED)
+find_package(BZip2 REQUIRED)
+find_package(TIFF REQUIRED)
+find_package(OpenSSL REQUIRED COMPONENTS Crypto)
+find_package(TBB REQUIRED)
+find_package(nlohmann_json REQUIRED)
+pkg_check_modules(LZ4 REQUIRED IMPORTED_TARGET liblz4)
+pkg_check_modules(HWY REQUIRED IMPORTED_TARGET libhwy)
+pkg_check_modules(DEFLATE REQUIRED IMPORTED_TARGET libdeflate)
+pkg_check_modules(HDF5 REQUIRED IMPORTED_TARGET hdf5)
+
+find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets OpenGL OpenGLWidgets Svg Xml Test)
+
+if(TARVIK_BUILD_TESTS)
+    find_package(GTest REQUIRED)
+    # Debian's own Python has the packages that the tests compare with; another one first in the
+    # path may not.
+    find_program(TARVIK_PYTHON NAMES python3 PATHS /usr/bin NO_DEFAULT_PATH REQUIRED)
+    find_program(TARVIK_XVFB_RUN xvfb-run REQUIRED)
+endif()
+if(TARVIK_BUILD_BENCH)
+    find_package(benchmark REQUIRED)
+endif()

@@ -1,0 +1,78 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Shared pixel memory: pooled, aligned, reference-counted blocks, and leased views of foreign
+// memory.
+#pragma once
+
+#include <boost/smart_ptr/intrusive_ptr.hpp>
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+
+namespace morvend::image {
+
+class PixelBuffer;
+using PixelBufferPtr = boost::intrusive_ptr<PixelBuffer>;
+
+/// One block of pixel memory. Begins at a multiple of 64 bytes; at least 64 readable and, unless
+/// leased, writable bytes follow its end, so that vector loops need no tail.
+///
+/// Large blocks come from a pool of reused, 2 MiB-aligned buffers on huge pages: the first touch of
+/// fresh 4 KiB pages costs more than decoding an image into them.
+/// Thread: any; the pool and the count are thread-safe, the bytes are the caller's matter.
+class PixelBuffer {
+public:
+    /// A block of `bytes` with undefined content.
+    /// @throws MRuntimeException when memory is short
+    static PixelBufferPtr allocate(std::size_t bytes);
+
+    /// A read-only view of memory that belongs to somebody else; `release` is called once, from
+    /// whatever thread drops the last reference. `data` must be a multiple of 64 and readable for
+    /// 64 bytes past its end.
+    static PixelBufferPtr lease(const void* data, std::size_t bytes, std::function<void()> release);
+
+    const std::byte* cdata() const { return _data; }
+    /// Writable bytes; only for the sole owner of a block that is not leased.
+    std::byte* data() { return _data; }
+    std::size_t size() const { return _size; }
+    bool readOnly() const { return _readOnly; }
+
+    /// Number of this content, unique in the process and never 0: two images of equal identity
+    /// show the same pixels, so that work on an unchanged mask is done once.
+    std::uint64_t identity() const { return _identity; }
+    /// Gives the block a new identity. Called before its bytes are changed.
+    void renew();
+
+    /// No other reference exists; whoever sees true may write.
+    bool unique() const { return _references.load(std::memory_order_acquire) == 1; }
+
+    /// Frees the blocks that wait in the pool for reuse.
+    static void trimPool();
+    /// Bytes that wait in the pool.
+    static std::size_t pooledBytes();
+
+    PixelBuffer(const PixelBuffer&) = delete;
+    PixelBuffer& operator=(const PixelBuffer&) = delete;
+
+private:
+    PixelBuffer() = default;
+    ~PixelBuffer();
+    friend void intrusive_ptr_add_ref(PixelBuffer* buffer) noexcept;
+    friend void intrusive_ptr_release(PixelBuffer* buffer) noexcept;
+
+    std::atomic<std::size_t> _references{0};
+    std::byte* _data = nullptr;
+    std::size_t _size = 0;
+    std::size_t _capacity = 0;  // of a pooled block; 0 for a lease
+    bool _readOnly = false;
+    std::uint64_t _identity = 0;
+    std::function<void()> _release;
+};
+
+void intrusive_ptr_add_ref(PixelBuffer* buffer) noexcept;
+void intrusive_ptr_release(PixelBuffer* buffer) noexcept;
+
+}  // namespace morvend::image

@@ -1,0 +1,130 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Plain files by positioned reads, unpacked files in memory.
+#include "imagelib/io/formats/base/ByteSource.h"
+
+#include "imagelib/image/MException.h"
+#include "imagelib/io/formats/base/Unpack.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <system_error>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace morvend::imglib {
+
+namespace {
+
+std::string systemError(int number) { return std::generic_category().message(number); }
+
+class FileSource : public ByteSource {
+public:
+    explicit FileSource(const std::string& path)
+        : ByteSource(path)
+    {
+        // Without O_NONBLOCK the opening of a named pipe would wait for its writer for ever.
+        _file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+        if (_file < 0)
+            throw MNoFileAccessException("Cannot open file: " + systemError(errno) + ": " + path);
+        struct stat status = {};
+        if (::fstat(_file, &status) != 0 || !S_ISREG(status.st_mode)) {
+            ::close(_file);
+            throw MNoFileAccessException((S_ISDIR(status.st_mode)
+                                              ? "Cannot open file: it is a directory: "
+                                              : "Cannot open file: it is no regular file: ") +
+                                         path);
+        }
+    }
+    FileSource(const FileSource&) = delete;
+    FileSource& operator=(const FileSource&) = delete;
+    ~FileSource() override { ::close(_file); }
+
+    std::uint64_t size() const override
+    {
+        struct stat status = {};
+        if (::fstat(_file, &status) != 0)
+            throw MRuntimeException("Cannot read file: " + systemError(errno) + ": " + path());
+        return static_cast<std::uint64_t>(status.st_size);
+    }
+
+    std::size_t readSome(std::uint64_t offset, void* target, std::size_t count) const override
+    {
+        std::size_t done = 0;
+        while (done < count) {
+            const ssize_t got = ::pread(_file, static_cast<char*>(target) + done, count - done,
+                                        static_cast<off_t>(offset + done));
+            if (got < 0 && errno == EINTR)
+                continue;
+            if (got < 0)
+                throw MRuntimeException("Cannot read file: " + systemError(errno) + ": " + path());
+            if (got == 0)
+                break;
+            done += static_cast<std::size_t>(got);
+        }
+        return done;
+    }
+
+private:
+    int _file = -1;
+};
+
+class MemorySource : public ByteSource {
+public:
+    MemorySource(std::string path, std::vector<std::byte> bytes)
+        : ByteSource(std::move(path))
+        , _bytes(std::move(bytes))
+    {}
+
+    std::uint64_t size() const override { return _bytes.size(); }
+    std::span<const std::byte> memory() const override { return _bytes; }
+
+    std::size_t readSome(std::uint64_t offset, void* target, std::size_t count) const override
+    {
+        if (offset >= _bytes.size())
+            return 0;
+        const std::size_t got = std::min(count, _bytes.size() - static_cast<std::size_t>(offset));
+        std::memcpy(target, _bytes.data() + offset, got);
+        return got;
+    }
+
+private:
+    std::vector<std::byte> _bytes;
+};
+
+}  // namespace
+
+std::shared_ptr<const ByteSource> ByteSource::open(const std::string& path)
+{
+    auto file = std::make_shared<const FileSource>(path);
+    if (const Packing packing = packingOf(file->head(4)); packing != Packing::None)
+        return fromMemory(path, unpack(*file, packing, MostUnpacked));
+    return file;
+}
+
+std::shared_ptr<const ByteSource> ByteSource::fromMemory(std::string path,
+                                                         std::vector<std::byte> bytes)
+{
+    return std::make_shared<const MemorySource>(std::move(path), std::move(bytes));
+}
+
+void ByteSource::read(std::uint64_t offset, void* target, std::size_t count, const char* what) const
+{
+    const std::size_t got = readSome(offset, target, count);
+    if (got != count)
+        throw MRuntimeException(std::string(what) + " ends after " + std::to_string(got) + " of " +
+                                std::to_string(count) + " bytes: " + path());
+}
+
+std::string ByteSource::head(std::size_t count) const
+{
+    std::string bytes(count, '\0');
+    bytes.resize(readSome(0, bytes.data(), count));
+    return bytes;
+}
+
+}  // namespace morvend::imglib

@@ -1,0 +1,59 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The bytes of an image file, whether it lies plain on disk or is compressed as a whole.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace morvend::imglib {
+
+/// Random access to the bytes of a file. Files that begin as gzip or bzip2 are unpacked into memory
+/// once, at opening; all others are read by position, never mapped, so that a file which shrinks
+/// while it is read is an error and not a crash.
+/// Thread: any number of threads may read one source.
+class ByteSource {
+public:
+    /// Largest size of an unpacked file.
+    static constexpr std::uint64_t MostUnpacked = std::uint64_t(4) << 30;
+
+    /// @throws MNoFileAccessException when the file can't be opened or is no regular file,
+    /// MRuntimeException when a compressed file is damaged or unpacks to more than MostUnpacked
+    static std::shared_ptr<const ByteSource> open(const std::string& path);
+    /// Bytes in memory under a name, for tests and for parts of files.
+    static std::shared_ptr<const ByteSource> fromMemory(std::string path,
+                                                        std::vector<std::byte> bytes);
+
+    virtual ~ByteSource() = default;
+
+    /// The path as it was opened; belongs into every error message.
+    const std::string& path() const { return _path; }
+    /// Size in bytes after unpacking. Asked from the file anew, which may have grown.
+    virtual std::uint64_t size() const = 0;
+    /// Reads up to `count` bytes at `offset`, fewer only at the end of the file.
+    /// @throws MRuntimeException when the system reports an error
+    virtual std::size_t readSome(std::uint64_t offset, void* target, std::size_t count) const = 0;
+    /// All bytes when they lie in memory, else an empty span.
+    virtual std::span<const std::byte> memory() const { return {}; }
+
+    /// Reads exactly `count` bytes. `what` names them in the message, as in "pixel data".
+    /// @throws MRuntimeException "<what> ends after n of m bytes: <path>"
+    void read(std::uint64_t offset, void* target, std::size_t count, const char* what) const;
+    /// The first bytes of the file, at most `count`, for the test of its format.
+    std::string head(std::size_t count = 4096) const;
+
+protected:
+    explicit ByteSource(std::string path)
+        : _path(std::move(path))
+    {}
+
+private:
+    std::string _path;
+};
+
+}  // namespace morvend::imglib

@@ -1,0 +1,133 @@
+#!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 the TARVIK authors
+# SPDX-License-Identifier: MIT
+"""Checks that the arrows between rooms point down only.
+
+A room may include itself and every room that it can reach over the arrows of ARROWS. Tests and
+benchmarks may include everything. imagelib and the path helpers know no Qt; nothing below the
+graphical rooms knows a widget.
+"""
+
+import pathlib
+import re
+import sys
+
+# Folder or file (without ending) to room; the longest match counts.
+ROOMS = {
+    "imagelib/image": "image",
+    "imagelib/codec": "codec",
+    "imagelib/display": "display",
+    "imagelib/ipc": "ipc",
+    "imagelib/io/formats/base": "formatbase",
+    "imagelib/io/formats/cbf": "cbf",
+    "imagelib/io/formats/tiff": "tiff",
+    "imagelib/io/formats/edf": "edf",
+    "imagelib/io/formats/hdf5": "hdf5",
+    "imagelib/io": "io",
+    "src/MFilesystemUtils": "paths",
+    "src/logic/support": "support",
+    "src/logic/DebugMutex": "support",
+    "src/logic/records": "records",
+    "src/logic/synchronizer": "records",
+    "src/logic/analysis": "analysis",
+    "src/logic/IntegratedHistogram": "analysis",
+    "src/logic/loading": "loading",
+    "src/logic/ImageLoaderThread": "loading",
+    "src/logic/preload": "preload",
+    "src/logic/PreloaderService": "preload",
+    "src/logic": "logic",
+    "src/gui/kit": "guikit",
+    "src/gui/render": "render",
+    "src/gui/imagedrawer": "render",
+    "src/gui": "gui",
+    "src/bin/image": "tool",
+    "src/bin": "bin",
+    "demo": "demo",
+}
+
+ARROWS = {
+    "image": [],
+    "paths": ["image"],
+    "codec": ["image"],
+    "display": ["image"],
+    "ipc": ["display"],
+    "formatbase": ["image"],
+    "cbf": ["formatbase", "codec"],
+    "tiff": ["formatbase", "codec"],
+    "edf": ["formatbase", "codec"],
+    "hdf5": ["formatbase", "codec"],
+    "io": ["cbf", "tiff", "edf", "hdf5", "paths"],
+    "support": [],
+    "records": ["display", "support"],
+    "analysis": ["records"],
+    "preload": ["io", "ipc", "support"],
+    "loading": ["preload", "analysis", "io", "support"],
+    "logic": ["loading"],
+    "guikit": ["support", "display"],
+    "render": ["logic", "guikit"],
+    "gui": ["render"],
+    "tool": ["io", "display"],
+    "bin": ["gui"],
+    "demo": ["io"],
+}
+
+WITHOUT_QT = {"image", "paths", "codec", "display", "ipc", "formatbase", "cbf", "tiff", "edf",
+              "hdf5", "io", "demo"}
+WITH_WIDGETS = {"guikit", "render", "gui", "bin"}
+WIDGETS = re.compile(r"Q(Widget|Application|MainWindow|Dialog|MessageBox|Layout|[HV]BoxLayout"
+                     r"|Label|PushButton|ToolButton|ToolBar|Splitter|OpenGLWidget|FileDialog"
+                     r"|ComboBox|CheckBox|ScrollArea|Action|Menu|Style.*)")
+INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
+
+root = pathlib.Path(__file__).resolve().parent.parent
+
+
+def room_of(path):
+    without_ending = path[: -len(pathlib.PurePath(path).suffix)] if "." in path else path
+    matches = [folder for folder in ROOMS
+               if path.startswith(folder + "/") or without_ending == folder]
+    return ROOMS[max(matches, key=len)] if matches else None
+
+
+def reachable(room):
+    found, open_rooms = {room}, [room]
+    while open_rooms:
+        for below in ARROWS[open_rooms.pop()]:
+            if below not in found:
+                found.add(below)
+                open_rooms.append(below)
+    return found
+
+
+def faults(path):
+    name = str(path.relative_to(root))
+    room = room_of(name)
+    if room is None:
+        yield f"{name}: belongs to no room; add its folder to tools/check-includes.py"
+        return
+    allowed = reachable(room)
+    for number, line in enumerate(path.read_text(errors="replace").splitlines(), 1):
+        match = INCLUDE.match(line)
+        if not match:
+            continue
+        bracket, target = match.groups()
+        if bracket == "<":
+            if room in WITHOUT_QT and re.fullmatch(r"(Qt\w+/)?Q\w+", target):
+                yield f"{name}:{number}: room {room} knows no Qt: {target}"
+            elif room not in WITH_WIDGETS and WIDGETS.fullmatch(target.split("/")[-1]):
+                yield f"{name}:{number}: room {room} knows no widgets: {target}"
+            continue
+        candidates = [target, "src/" + target, str(pathlib.PurePath(name).parent / target)]
+        known = [each for each in candidates if (root / each).is_file()]
+        other = room_of(known[0]) if known else None
+        if other is not None and other not in allowed:
+            yield f"{name}:{number}: room {room} may not include room {other}: {target}"
+
+
+found = [fault
+         for folder in ("imagelib", "src", "demo")
+         for path in sorted((root / folder).rglob("*"))
+         if path.suffix in {".h", ".cpp"}
+         for fault in faults(path)]
+print("\n".join(found), end="\n" if found else "")
+sys.exit(1 if found else 0)

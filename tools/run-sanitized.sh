@@ -1,0 +1,16 @@
+#!/usr/bin/env bash
+# SPDX-FileCopyrightText: 2026 the TARVIK authors
+# SPDX-License-Identifier: MIT
+#
+# Builds and runs the tests under a sanitizer: tools/run-sanitized.sh asan|tsan [ctest arguments]
+set -euo pipefail
+cd "$(dirname "$0")/.."
+preset=${1:?asan or tsan}
+shift
+cmake --preset "$preset" >/dev/null
+cmake --build --preset "$preset"
+# Mesa and fontconfig keep what they allocate once, and their code is not built for the thread
+# sanitizer: both are left out by name.
+export LSAN_OPTIONS=suppressions=$PWD/tools/lsan.supp:print_suppressions=0
+export TSAN_OPTIONS=suppressions=$PWD/tools/tsan.supp:halt_on_error=1
+ctest --preset "$preset" -j "$(nproc)" "$@"

@@ -20,7 +20,7 @@ add_library(tarvik_options INTERFACE)
 target_compile_features(tarvik_options INTERFACE cxx_std_20)
 target_compile_options(tarvik_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor
-    -Woverloaded-virtual -Wcast-align -Wunused -Wnull-dereference -Wformat=2
+    -Woverloaded-virtual -Wcast-align -Wunused -Wformat=2
     $<$<BOOL:${TARVIK_WERROR}>:-Werror>)
 if(TARVIK_SANITIZE)
     target_compile_options(tarvik_options INTERFACE

@@ -7,7 +7,6 @@
 #include "imagelib/image/MException.h"
 
 #include <cstdlib>
-#include <limits>
 #include <mutex>
 #include <new>
 #include <string>
@@ -23,6 +22,7 @@ constexpr std::size_t Alignment = 64;
 constexpr std::size_t Padding = 64;
 constexpr std::size_t HugePage = std::size_t(2) << 20;
 constexpr std::size_t SmallestPooled = std::size_t(256) << 10;
+constexpr std::size_t MostBytes = std::size_t(1) << 38;  // beyond any machine: a lying size
 constexpr std::size_t MostPooled = std::size_t(512) << 20;
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -130,7 +130,7 @@ PixelBufferPtr PixelBuffer::allocate(std::size_t bytes)
     // The object goes first, so that a block can't be lost when memory is short.
     PixelBufferPtr buffer(new PixelBuffer);
     Block block;
-    if (bytes <= std::numeric_limits<std::size_t>::max() / 2) {
+    if (bytes <= MostBytes) {
         const std::size_t padded = bytes + Padding;
         if (Pooling && padded >= SmallestPooled)
             block = Pool::instance().take(padded);

@@ -1,0 +1,182 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+// The model of one image view.
+#pragma once
+
+#include "imagelib/display/MDrawingList.h"
+#include "imagelib/image/MImage.h"
+#include "logic/analysis/statistics/ImageStatistics.h"
+#include "logic/records/ContrastData.h"
+#include "logic/records/PeakData.h"
+#include "logic/records/PlottingMode.h"
+#include "logic/records/StatisticsData.h"
+#include "logic/records/ViewportData.h"
+#include "logic/service/CursorInfo.h"
+
+#include <QObject>
+#include <QSharedPointer>
+#include <QSize>
+#include <QString>
+
+#include <list>
+#include <memory>
+#include <string>
+
+class TarvikCore;
+
+/// The model of one image view, and the only object that its widgets talk to: they copy a record,
+/// change it and hand it back by a setter, and show what the signals return.
+///
+/// A service has no image until the first newImageSignal(); from then on it always has one. A
+/// failed load changes nothing and ends in imageLoadErrorSignal(). Thread: GUI only.
+class TarvikService : public QObject {
+    Q_OBJECT
+public:
+    using MColorTable = morvend::imglib::MColorTable;
+    using MDrawingList = morvend::imglib::MDrawingList<>;
+    using MImage = morvend::imglib::MImage;
+    using Header = morvend::imglib::MBasicImageOptionalData<>;
+
+    /// Services are made by TarvikCore::newService.
+    explicit TarvikService(TarvikCore& core);
+    ~TarvikService() override;
+
+    // The records that the views of a group share.
+    ContrastData contrastData() const;
+    ViewportData viewportData() const;
+    StatisticsData statisticsData() const;
+    PeakData peakData() const;
+
+    /// The image with its header as edited, and what belongs to it: all empty without image. The
+    /// mask is never empty with one; thumbnails have at most 200 pixels on the longer side.
+    const MImage& image() const;
+    const MImage& thumbnail() const;
+    const MImage& mask() const;
+    const MImage& thumbnailMask() const;
+    bool imageLoaded() const;
+    /// Width and height, -1 and -1 without image.
+    QSize imageSize() const;
+    /// Number of the image in its series, and the series' lowest and highest: -1 without image.
+    int imageIndex() const;
+    int firstIndex() const;
+    int lastIndex() const;
+    /// The image's file; empty without image or file.
+    QString imagePath() const;
+    /// The header's text about the image; empty when there is none.
+    QString imageDescription() const;
+    /// Null without image.
+    QSharedPointer<const ImageStatistics> statistics() const;
+    /// The header of the current image, edits included.
+    const Header& optionalData() const;
+    /// The edits that are laid over the header of each image of the series.
+    const Header& globalHeader() const;
+
+    PlottingMode plottingMode() const;
+    bool showResolutionRings() const;
+    bool highlightDefective() const;
+    bool highlightSaturated() const;
+
+    const MColorTable* defaultColorTable() const;
+    void setDefaultColorTable(const MColorTable* colorTable);
+    const std::list<const MColorTable*>& colorTables() const;
+    void setColorTables(const std::list<const MColorTable*>& colorTables);
+
+    /// The overlay of a scripting client.
+    const MDrawingList& paintList() const;
+
+    /// Name of the group of this view: image width, "_", image height, "_" and the additional sync
+    /// id; empty without image.
+    std::string syncID() const;
+    void setAdditionalSyncID(const QString& additionalSyncID);
+
+    // Geometry from the header, with edits. Positions are image pixels.
+    /// Are beam centre, pixel sizes, detector distance and wavelength known?
+    bool resolutionDefined() const;
+    /// Are beam centre and pixel sizes known?
+    bool distanceDefined() const;
+    /// Is the beam centre known?
+    bool powderPlotDefined() const;
+    /// In pixels; both NaN unless both are known.
+    void beamCentre(double& x, double& y) const;
+    /// Whole pixels from the beam centre to a point, -1 without beam centre.
+    int computePowderRadius(int x, int y) const;
+    /// Metres from the beam centre on the detector, -1 when not defined.
+    double distance(int x, int y) const;
+    /// Resolution in Angstrom, -1 when not defined; infinite at the beam centre.
+    double resolution(int x, int y) const;
+    /// Text of a pixel's value, "0" outside the image, empty without image.
+    QString intensityString(int x, int y) const;
+
+public slots:
+    // Setters of a record store it, signal it in any case, and hand it to the group when it is new
+    // there.
+    void setContrastData(ContrastData data);
+    void setViewportData(ViewportData data);
+    /// Without image the record is only stored. A centred circle that is active moves the beam
+    /// centre of the series.
+    void setStatisticsData(StatisticsData data);
+    void setPeakData(PeakData data);
+
+    /// Opens the series that a file belongs to at that file's image. The name is in the encoding
+    /// of the file system, as QFile::encodeName makes it.
+    void openImage(const char* fileName);
+    /// Goes to an image of the open series; without image nothing happens.
+    void openImage(int imageIndex);
+    /// Appends an image to a series in memory and shows it.
+    void openImage(morvend::imglib::MImage image);
+    /// Goes n images forward, or back when negative; without image nothing happens.
+    /// @param signalLoadError false keeps a failed load quiet
+    void nextImage(int n = 1, bool signalLoadError = true);
+    /// Goes to the last image of the series; without image nothing happens.
+    void openLast(bool signalLoadError = true);
+    /// Looks for images that were added to the series; imageContainerChangedSignal() follows.
+    void scanImageContainer();
+    /// Scans whenever the folder of the image changes.
+    void watchImageContainer(bool watch);
+
+    void setPlottingMode(PlottingMode mode);
+    void toggleShowResolutionRings(bool show);
+    void toggleHighlightDefective(bool highlight);
+    void toggleHighlightSaturated(bool highlight);
+
+    void addToPaintList(const MDrawingList& list);
+    void setPaintList(MDrawingList list);
+    void clearPaintList();
+
+    /// Announces what is under the cursor; negative coordinates mean that it has left the image.
+    void setCursorCoordinates(double imgX, double imgY);
+
+    /// Drops all header edits.
+    void resetHeader();
+    /// Lays header values over the image and all further ones of its series. The start angle goes
+    /// on counting from image to image; it needs a step.
+    void applyHeaderToSeries(const Header& header);
+
+signals:
+    /// A new image is there. Contrast and viewport may have changed with it: receivers read them.
+    void newImageSignal();
+    void imageLoadErrorSignal(QString message);
+    void headerChangedSignal();
+    void newViewportSignal(ViewportData data);
+    void newContrastSignal(ContrastData data);
+    void newStatisticsSignal(StatisticsData data);
+    void newPeakSignal(PeakData data);
+    /// The series was scanned for new images.
+    void imageContainerChangedSignal();
+    void plottingModeSignal(PlottingMode mode);
+    void resolutionRingsSignal(bool show);
+    void resolutionDefinedSignal(bool defined);
+    void powderPlotDefinedSignal(bool defined);
+    void defectiveSignal(bool highlight);
+    void saturatedSignal(bool highlight);
+    void paintListSignal();
+    void cursorInfoSignal(CursorInfo info);
+
+private slots:
+    void _newImageSlot();
+    void _scanImageContainterSlot(const QString& path);  // the spelling is part of the interface
+
+private:
+    class TarvikServicePrivate;
+    const std::unique_ptr<TarvikServicePrivate> _d;
+};

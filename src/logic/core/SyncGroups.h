@@ -1,0 +1,52 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+// The groups of views that share one kind of record.
+#pragma once
+
+#include "logic/synchronizer.h"
+
+#include <map>
+#include <string>
+
+/// All groups of one record T by their sync id. A group exists as long as it has a member; its
+/// record goes with the last one. Thread: GUI only.
+template <class T>
+class SyncGroups {
+public:
+    /// Makes the observer a member of a group, which is created when it is the first. The observer
+    /// takes the group's record over in silence.
+    void attach(AbstractObserver<T>& observer, const std::string& syncId)
+    {
+        Synchronizer<T>& group = _groups[syncId];
+        group.setEnabled(_enabled);
+        observer.join(group);
+    }
+
+    /// Takes the observer out of its group; without one nothing happens.
+    void detach(AbstractObserver<T>& observer)
+    {
+        for (auto group = _groups.begin(); group != _groups.end(); ++group) {
+            if (!group->second.detach(observer))
+                continue;
+            if (group->second.empty())
+                _groups.erase(group);
+            return;
+        }
+    }
+
+    /// Do changes spread? Switching on makes all members take over their group's record.
+    /// @returns whether the value is another one than before
+    bool setEnabled(bool enabled)
+    {
+        if (enabled == _enabled)
+            return false;
+        _enabled = enabled;
+        for (auto& [syncId, group] : _groups)
+            group.setEnabled(enabled);
+        return true;
+    }
+
+private:
+    std::map<std::string, Synchronizer<T>> _groups;
+    bool _enabled = true;
+};

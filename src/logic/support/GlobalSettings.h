@@ -1,0 +1,22 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+// The settings of the machine, which only an administrator can write.
+#pragma once
+
+#include <QSettings>
+
+/// Settings of the machine, made for each use on the stack of the thread that uses it.
+///
+/// The file is "MORVEND/TARVIK.conf" in /Library/Preferences where that folder exists, else in
+/// /etc/xdg. It holds one key, accessibleInUserMode.
+class GlobalSettings : public QSettings {
+    Q_OBJECT
+public:
+    /// bool, true when absent: may users without rights to write this file drive the detector?
+    static const QString accessibleInUserMode;
+
+    /// Opens the file and prints each key that it holds on standard output, one per line.
+    GlobalSettings();
+    /// The same over another file, for tests.
+    explicit GlobalSettings(const QString& path);
+};

@@ -1,0 +1,78 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+// The centre of a viewer or daemon process: services of views, their groups, colour tables.
+#pragma once
+
+#include "logic/core/ObjectGenerator.h"
+#include "logic/core/SyncGroups.h"
+#include "logic/records/ContrastData.h"
+#include "logic/records/PeakData.h"
+#include "logic/records/StatisticsData.h"
+#include "logic/records/ViewportData.h"
+
+#include <QObject>
+#include <QString>
+
+#include <list>
+#include <set>
+
+class TarvikService;
+
+/// Creates and deletes the services of all views, ties views of one sync id together and holds the
+/// colour tables. Thread: GUI only, except what ObjectGenerator brings here.
+class TarvikCore : public QObject {
+    Q_OBJECT
+public:
+    using MColorTable = morvend::imglib::MColorTable;
+
+    TarvikCore();
+    /// Deletes the remaining services.
+    ~TarvikCore() override;
+
+    /// A new service, owned by the core. The default colour table of this moment becomes the
+    /// service's; a later change does not reach it.
+    /// @param additionalSyncID keeps views with different ones in different groups
+    TarvikService* newService(const QString& additionalSyncID);
+    /// Deletes a service as soon as the event loop is reached again.
+    void deleteService(TarvikService* service);
+
+    /// Makes an observer a member of the group of a sync id; it takes over the group's record in
+    /// silence. A new group has a default record.
+    void attach(AbstractObserver<ContrastData>& observer, const char* syncID);
+    void attach(AbstractObserver<ViewportData>& observer, const char* syncID);
+    void attach(AbstractObserver<StatisticsData>& observer, const char* syncID);
+    void attach(AbstractObserver<PeakData>& observer, const char* syncID);
+    /// Takes an observer out of its group; without one nothing happens.
+    void detach(AbstractObserver<ContrastData>& observer);
+    void detach(AbstractObserver<ViewportData>& observer);
+    void detach(AbstractObserver<StatisticsData>& observer);
+    void detach(AbstractObserver<PeakData>& observer);
+
+    /// Makes the table of this identifier the default; it must be one of the tables (asserted).
+    void setDefaultColorTable(const QString& name);
+
+public slots:
+    /// Do changes of a record spread through groups? A change of the flag is signalled once;
+    /// switching on makes all views of a group take over the record that was set last.
+    void synchronizeViewportSlot(bool flag);
+    void synchronizeContrastSlot(bool flag);
+    void synchronizeStatisticsSlot(bool flag);
+    void synchronizePeaksSlot(bool flag);
+
+    void generateObjectSlot(ObjectGenerator* generator);
+
+signals:
+    void synchronizeViewportSignal(bool flag);
+    void synchronizeContrastSignal(bool flag);
+    void synchronizeStatisticsSignal(bool flag);
+    void synchronizePeaksSignal(bool flag);
+
+private:
+    std::set<TarvikService*> _services;
+    SyncGroups<ContrastData> _contrastGroups;
+    SyncGroups<ViewportData> _viewportGroups;
+    SyncGroups<StatisticsData> _statisticsGroups;
+    SyncGroups<PeakData> _peakGroups;
+    std::list<const MColorTable*> _colorTables;
+    const MColorTable* _defaultColorTable = nullptr;
+};

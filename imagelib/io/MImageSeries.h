@@ -1,0 +1,79 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The unit of reading: one file, a numbered set of files, an HDF5 master with its data files, or
+// images in memory, all addressed by one image number.
+#pragma once
+
+#include "imagelib/image/MImage.h"
+
+#include <cstddef>
+#include <memory>
+#include <string>
+
+namespace morvend::imglib {
+
+/// An ordered set of images with integer numbers.
+///
+/// | series | numbers |
+/// |---|---|
+/// | numbered files, one image each | as in the names; gaps occur |
+/// | frames of one CBF, TIFF or EDF file | from 0 |
+/// | HDF5 master with its data files | from 1 |
+/// | images in memory | from 0; the oldest go when the bound is reached |
+///
+/// Every image carries a header; its imageDescription is the name of its file, with the number
+/// behind it where the file holds several images, unless the file gives a text of its own.
+///
+/// Errors: MExceptions with file, place and reason. A failure leaves the series as it was: at() may
+/// fail for one image while others can be read. Thread: callers take turns.
+class MImageSeries {
+public:
+    /// An empty series that keeps up to `memorySize` pushed images, at least one. Images of files
+    /// are read anew each time and not kept.
+    explicit MImageSeries(std::size_t memorySize);
+    MImageSeries(MImageSeries&& other) noexcept;
+    MImageSeries& operator=(MImageSeries&& other) noexcept;
+    ~MImageSeries();
+
+    /// Opens a file and with it the whole series that it belongs to. Lists the folder of a numbered
+    /// file once, opens no other file than the one named.
+    /// @returns the number of the image that `path` names
+    /// @throws MNoFileAccessException, MUnknownFormatException, or what the format's reader says
+    int open(const std::string& path);
+    /// Becomes an empty series in memory that keeps up to `memorySize` images, at least one.
+    /// @throws MBadParameterException when it is negative
+    void open(int memorySize);
+    /// Appends an image to a series in memory.
+    /// @throws MRuntimeException when the series was opened from a file
+    void pushBack(const MImage& image);
+
+    /// The image of a number. A number that the last look at the folder did not show is tried all
+    /// the same: its file may have come since.
+    /// @throws MOutOfRangeException for a number outside of first() to last() that has no image,
+    /// another MException for an image in between that is missing or can't be read
+    MImage at(std::size_t number) const;
+    MImage operator[](std::size_t number) const { return at(number); }
+
+    /// No series is open, or none of its images is there yet.
+    bool empty() const;
+    /// Lowest and highest number; -1 for an empty series.
+    int first() const;
+    int last() const;
+    /// The file that holds the image of a number, as an absolute path.
+    /// @throws MRuntimeException for a series in memory, MOutOfRangeException for a number that the
+    /// series can't have
+    std::string pathToImage(std::size_t number) const;
+    /// Looks for images that were added or removed since the last look. A folder or file that
+    /// can't be read now leaves what is known: its writer may be at work.
+    void update();
+
+    /// "CBF", "TIFF", "EDF" or "HDF5"; "memory" for images in memory, empty before the first image.
+    std::string formatName() const;
+
+private:
+    class Private;
+    std::unique_ptr<Private> _d;
+};
+
+}  // namespace morvend::imglib

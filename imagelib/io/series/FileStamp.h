@@ -1,0 +1,38 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// What tells whether a path still leads to the same file with the same content.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace morvend::imglib {
+
+/// Identity, size and time of a file at one moment.
+class FileStamp {
+public:
+    FileStamp() = default;
+    /// Of the file at `path` now; of no file when there is none.
+    explicit FileStamp(const std::string& path);
+
+    /// Is there a file at all?
+    bool exists() const { return _exists; }
+    /// The same file, whatever was written into it?
+    bool sameFile(const FileStamp& other) const
+    {
+        return _exists == other._exists && _device == other._device && _node == other._node;
+    }
+    /// The same file with the same size and time?
+    bool operator==(const FileStamp&) const = default;
+
+private:
+    bool _exists = false;
+    std::uint64_t _device = 0;
+    std::uint64_t _node = 0;
+    std::int64_t _size = 0;
+    std::int64_t _seconds = 0;
+    std::int64_t _nanoseconds = 0;
+};
+
+}  // namespace morvend::imglib

@@ -1,0 +1,84 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Frames by number, and the changes of their container.
+#include "imagelib/io/series/FrameSeries.h"
+
+#include "imagelib/io/FormatRegistry.h"
+
+#include <algorithm>
+#include <limits>
+#include <string_view>
+#include <utility>
+
+namespace morvend::imglib {
+
+namespace {
+
+bool isHdf5(const ImageFile& file) { return std::string_view(file.format()) == "HDF5"; }
+
+}  // namespace
+
+FrameSeries::FrameSeries(std::string path, std::unique_ptr<ImageFile> file)
+    : _path(std::move(path))
+    , _stamp(_path)
+    , _file(std::move(file))
+{}
+
+bool FrameSeries::suits(const ImageFile& file) { return isHdf5(file) || file.frameCount() > 1; }
+
+int FrameSeries::openedNumber() const { return first() + static_cast<int>(_file->openedFrame()); }
+
+int FrameSeries::last() const
+{
+    constexpr std::size_t Most = std::numeric_limits<int>::max() - 1;
+    return first() + static_cast<int>(std::min(_file->frameCount(), Most)) - 1;
+}
+
+std::size_t FrameSeries::position(int number) const
+{
+    if (number < first() || number > last())
+        outOfRange(number, _path);
+    return static_cast<std::size_t>(number - first());
+}
+
+MImage FrameSeries::at(int number) const
+{
+    if (!isHdf5(*_file) && outdated(FileStamp(_path)))
+        reopen();
+    MImage image = _file->frame(position(number));
+    std::string name = fileName(_path);
+    if (_file->frameCount() > 1)
+        name += " - image " + std::to_string(number);
+    describe(image, name);
+    return image;
+}
+
+std::string FrameSeries::pathToImage(int number) const { return _file->framePath(position(number)); }
+
+void FrameSeries::update()
+{
+    try {
+        if (outdated(FileStamp(_path)))
+            reopen();
+        else
+            _file->update();
+    } catch (const MException&) {
+        // A writer may be in the middle of its work; the next look will see the result.
+    }
+}
+
+bool FrameSeries::outdated(const FileStamp& now) const
+{
+    return now.exists() && !(isHdf5(*_file) ? now.sameFile(_stamp) : now == _stamp);
+}
+
+void FrameSeries::reopen() const
+{
+    // Stamped before the reading: what is written meanwhile counts as a change.
+    const FileStamp stamp(_path);
+    _file = FormatRegistry::open(_path);
+    _stamp = stamp;
+}
+
+}  // namespace morvend::imglib

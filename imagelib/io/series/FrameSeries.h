@@ -1,0 +1,46 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The frames of one container: a file of several images, an HDF5 master, or a file without number.
+#pragma once
+
+#include "imagelib/io/formats/base/ImageFile.h"
+#include "imagelib/io/series/FileStamp.h"
+#include "imagelib/io/series/Series.h"
+
+#include <memory>
+
+namespace morvend::imglib {
+
+/// Keeps the container open. A file that was replaced is opened anew; so is one that was written
+/// to, except HDF5, whose reader follows its writer by itself.
+class FrameSeries : public Series {
+public:
+    /// `file` was opened from `path`.
+    FrameSeries(std::string path, std::unique_ptr<ImageFile> file);
+
+    /// Is the file a series by itself, whatever its name? True for several frames and for HDF5,
+    /// whose writers append to the container even while it has one frame.
+    static bool suits(const ImageFile& file);
+
+    /// The number of the frame that the path names.
+    int openedNumber() const;
+
+    const char* format() const override { return _file->format(); }
+    int first() const override { return _file->firstNumber(); }
+    int last() const override;
+    MImage at(int number) const override;
+    std::string pathToImage(int number) const override;
+    void update() override;
+
+private:
+    std::size_t position(int number) const;
+    bool outdated(const FileStamp& now) const;
+    void reopen() const;
+
+    std::string _path;
+    mutable FileStamp _stamp;
+    mutable std::unique_ptr<ImageFile> _file;
+};
+
+}  // namespace morvend::imglib

@@ -1,0 +1,89 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Numbered files: which there are, and their images.
+#include "imagelib/io/series/NumberedSeries.h"
+
+#include "imagelib/io/FormatRegistry.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <unistd.h>
+
+namespace morvend::imglib {
+
+namespace {
+
+using Member = SeriesFinder::Member;
+
+auto lowerBound(const std::vector<Member>& members, int number)
+{
+    return std::lower_bound(members.begin(), members.end(), number,
+                            [](const Member& left, int right) { return left.number < right; });
+}
+
+bool padded(const Member& member)
+{
+    return static_cast<int>(std::to_string(member.number).size()) < member.digits;
+}
+
+}  // namespace
+
+NumberedSeries::NumberedSeries(SeriesFinder finder, std::unique_ptr<ImageFile> opened)
+    : _finder(std::move(finder))
+    , _format(opened->format())
+    , _opened(std::move(opened))
+{
+    look();
+    // A folder that lets files be opened but not be listed shows the opened one at least.
+    const Member mine = _finder.opened();
+    const auto place = lowerBound(_members, mine.number);
+    if (place == _members.end() || place->number != mine.number)
+        _members.insert(place, mine);
+}
+
+void NumberedSeries::look()
+{
+    std::vector<Member> members = _finder.list();
+    if (members.empty())
+        return;
+    _members = std::move(members);
+    const auto example = padded(_finder.opened())
+                             ? _members.end()
+                             : std::find_if(_members.begin(), _members.end(), padded);
+    _padding = example == _members.end() ? _finder.opened().digits : example->digits;
+}
+
+Member NumberedSeries::member(int number) const
+{
+    const auto place = lowerBound(_members, number);
+    if (place != _members.end() && place->number == number)
+        return *place;
+    return {number, _padding};
+}
+
+MImage NumberedSeries::at(int number) const
+{
+    // What was opened serves once, right after the opening: later the file may have changed.
+    std::unique_ptr<ImageFile> file = std::exchange(_opened, nullptr);
+    const std::string path = pathToImage(number);
+    if (number != _finder.number() || !file) {
+        if ((number < first() || number > last()) && ::access(path.c_str(), F_OK) != 0)
+            outOfRange(number, path);
+        file = FormatRegistry::open(path);
+    }
+    MImage image = file->frame(file->openedFrame());
+    describe(image, fileName(path));
+    return image;
+}
+
+std::string NumberedSeries::pathToImage(int number) const { return _finder.path(member(number)); }
+
+void NumberedSeries::update()
+{
+    _opened.reset();
+    look();
+}
+
+}  // namespace morvend::imglib

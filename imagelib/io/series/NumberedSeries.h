@@ -1,0 +1,41 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Files with numbers in their names, one image each.
+#pragma once
+
+#include "imagelib/io/formats/base/ImageFile.h"
+#include "imagelib/io/series/Series.h"
+#include "imagelib/io/series/SeriesFinder.h"
+
+#include <memory>
+#include <vector>
+
+namespace morvend::imglib {
+
+/// Every image is read from its file anew, so that a file which was rewritten shows its new
+/// content. Knows its files from one listing of the folder.
+class NumberedSeries : public Series {
+public:
+    /// `opened` is the file that the finder was made from; the first at() of its number uses it.
+    NumberedSeries(SeriesFinder finder, std::unique_ptr<ImageFile> opened);
+
+    const char* format() const override { return _format.c_str(); }
+    int first() const override { return _members.front().number; }
+    int last() const override { return _members.back().number; }
+    MImage at(int number) const override;
+    std::string pathToImage(int number) const override;
+    void update() override;
+
+private:
+    void look();
+    SeriesFinder::Member member(int number) const;
+
+    SeriesFinder _finder;
+    std::string _format;
+    std::vector<SeriesFinder::Member> _members;  // by rising number, never empty
+    int _padding = 0;  // least digits in the name of a file that is not known
+    mutable std::unique_ptr<ImageFile> _opened;
+};
+
+}  // namespace morvend::imglib

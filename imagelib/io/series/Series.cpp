@@ -1,0 +1,37 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// What all kinds of series share.
+#include "imagelib/io/series/Series.h"
+
+#include <utility>
+
+namespace morvend::imglib {
+
+void Series::pushBack(const MImage&)
+{
+    throw MRuntimeException("A series of files takes no image from memory");
+}
+
+void Series::describe(MImage& image, const std::string& text)
+{
+    if (!std::as_const(image).optionalData().imageDescription())
+        image.optionalData().setImageDescription(text);
+}
+
+std::string Series::fileName(const std::string& path)
+{
+    return path.substr(path.rfind('/') + 1);  // all of it without a slash
+}
+
+void Series::outOfRange(int number, const std::string& path) const
+{
+    const std::string name = std::to_string(number);
+    if (empty())
+        throw MOutOfRangeException("There is no image " + name + ": the series is empty");
+    throw MOutOfRangeException("There is no image " + name + " in the series, which goes from " +
+                               std::to_string(first()) + " to " + std::to_string(last()) +
+                               (path.empty() ? "" : ": " + path));
+}
+
+}  // namespace morvend::imglib

@@ -6,18 +6,27 @@
 
 #include "imagelib/image/MBasicImageOptionalData.h"
 
+#include <string>
 #include <string_view>
 
 namespace morvend::imglib {
 
 /// Reads every known line of a header text into its field; other fields stay as they are. Accepts
 /// CR LF, LF and mixed line ends, "key: value", "key = value" and "key value unit", lines continued
-/// by a backslash, and lines with or without the leading '#'. Values that are no numbers are
-/// skipped, never guessed. Sets neither rawHeader nor imageDescription.
+/// by a backslash, and lines with or without the leading '#'. Of several lines with the same key
+/// the first one with a value counts. Values that are no numbers are skipped, never guessed. An
+/// "Energy" line gives the wavelength where no "Wavelength" line does. Sets neither rawHeader nor
+/// imageDescription.
 void parseHeaderLines(std::string_view text, MBasicImageOptionalData<>& header);
 
 /// Writes the known fields as header lines, "# Key value unit" with CR LF ends, such that
 /// parseHeaderLines reads the same values back. The sensor thickness is among them.
 std::string headerLines(const MBasicImageOptionalData<>& header);
+
+/// The lines of the rawHeader that an image was read with, brought up to date: lines whose fields
+/// still have the value they state, and lines that are not known here, stay to the letter; lines
+/// of changed fields are replaced and of cleared fields left out; missing ones follow at the end.
+/// Equals headerLines() where the rawHeader does not consist of header lines.
+std::string mergedHeaderLines(const MBasicImageOptionalData<>& header);
 
 }  // namespace morvend::imglib

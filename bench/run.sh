@@ -1,0 +1,23 @@
+#!/usr/bin/env bash
+# SPDX-FileCopyrightText: 2026 the TARVIK authors
+# SPDX-License-Identifier: MIT
+#
+# Builds and runs all benchmarks with repetitions and prints a table of their medians and ratios.
+#   bench/run.sh [name part] [benchmark arguments]
+# The results stand in build/ci/bench-results/*.json. TARVIK_HWY_TARGET=AVX2 holds the libraries to that
+# instruction set. A quiet machine gives ratios that repeat within 10 %.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+part=${1:-}
+[ $# -eq 0 ] || shift
+build=build/ci
+cmake --preset ci >/dev/null
+cmake --build --preset ci
+results=$build/bench-results
+mkdir -p "$results"
+for program in "$build"/bin/bench_*"$part"*; do
+    name=$(basename "$program")
+    "$program" --benchmark_repetitions=3 --benchmark_report_aggregates_only=true \
+        --benchmark_out="$results/$name${TARVIK_HWY_TARGET:+-$TARVIK_HWY_TARGET}.json" --benchmark_out_format=json "$@"
+done
+python3 bench/compare.py "$results"/*.json

@@ -1,0 +1,60 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The image area of the main window: frames tiled in a near-square grid.
+#pragma once
+
+#include "gui/kit/AbstractSubWindow.h"
+#include "gui/kit/MdiSplitter.h"
+
+#include <QList>
+#include <QWidget>
+
+#include <memory>
+#include <vector>
+
+class QSvgRenderer;
+
+/// Tiles its frames and knows which of them is the active one. Frames are never moved by hand; the
+/// borders between them are, until a frame comes or goes. Without frames it shows the logo.
+class MdiArea : public QWidget {
+    Q_OBJECT
+public:
+    explicit MdiArea(QWidget* parent = nullptr);
+    ~MdiArea() override;
+
+    /// Number of frames in each column, from left to right; one empty column without frames.
+    static std::vector<int> columnHeights(int frames);
+
+    /// Takes a frame over, tiles anew and makes it the active one.
+    void addSubWindow(AbstractSubWindow* frame);
+    /// Hides a frame and deletes it from the event loop; ignores frames that are not here. When it
+    /// was the active one, the first of the others becomes active.
+    void removeSubWindow(AbstractSubWindow* frame);
+    /// Null without frames.
+    AbstractSubWindow* activeSubWindow() const { return _activeSubWindow; }
+    /// In order of creation.
+    const QList<AbstractSubWindow*>& subWindowList() const { return _subWindows; }
+    MdiSplitter* mainSplitter() const { return _mainSplitter; }
+
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
+public slots:
+    void _closeActiveSubwindow();
+    void _processGotActivated(AbstractSubWindow* frame);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private slots:
+    void _removeSlot(AbstractSubWindow* frame);
+
+private:
+    void _rearrange();
+    MdiSplitter* _column(int index) const;
+
+    QList<AbstractSubWindow*> _subWindows;
+    AbstractSubWindow* _activeSubWindow = nullptr;
+    MdiSplitter* _mainSplitter;
+    std::unique_ptr<QSvgRenderer> _logo;
+};

@@ -1,0 +1,28 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Pictures of the resources as icons.
+#include "gui/kit/SvgIcon.h"
+
+#include "gui/kit/Resources.h"
+
+#include <QPainter>
+#include <QPixmap>
+#include <QSvgRenderer>
+
+QIcon svgIcon(const QString& resource, const QSize& size)
+{
+    initResources();
+    QSvgRenderer renderer(resource);
+    QIcon icon;
+    for (const int density : {1, 2}) {
+        QPixmap picture(size * density);
+        picture.fill(Qt::transparent);
+        QPainter painter(&picture);
+        renderer.render(&painter);
+        painter.end();
+        picture.setDevicePixelRatio(density);
+        icon.addPixmap(picture);
+    }
+    return icon;
+}

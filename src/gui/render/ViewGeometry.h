@@ -1,0 +1,53 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Where image pixels stand in a view, and the way back.
+#pragma once
+
+#include "logic/records/ViewportData.h"
+
+#include <QMatrix4x4>
+#include <QRect>
+#include <QRectF>
+#include <QSize>
+
+namespace render {
+
+/// The geometry of one view: screen pixel = (scale * image pixel - offset) * zoom.
+///
+/// Screen pixels count from the view's top left corner, in the unit of widget coordinates; image
+/// pixel n reaches from n to n + 1. A value; pure.
+class ViewGeometry {
+public:
+    /// @param image  size of the image, empty without one
+    /// @param view  size of the view
+    /// @param scale  pixels of the picture on show for each image pixel
+    ViewGeometry(QSize image, QSize view, const ViewportData& viewport, double scale = 1.0);
+
+    double imageX(double screenX) const;
+    double imageY(double screenY) const;
+    /// Truncated; held within the range of int.
+    int screenX(double imageX) const;
+    int screenY(double imageY) const;
+
+    /// The part of the image on show, in image pixels; zero when no part of it is.
+    QRectF visibleRange() const;
+    /// The view in coordinates of the viewport, which know no scale; zero without image.
+    QRectF windowToImage() const;
+    /// The part of the view that the image covers; null without image.
+    QRect imageBoundary() const;
+
+    /// The visible part in fractions of the image: columns and rows of the unit square to it.
+    QMatrix4x4 selectRegionMatrix() const;
+    /// Fractions of the image to clip coordinates of the view.
+    QMatrix4x4 transformationMatrix() const;
+
+private:
+    QSize _image;
+    QSize _view;
+    ViewportData _viewport;
+    double _zoom;
+    double _scale;
+};
+
+}  // namespace render

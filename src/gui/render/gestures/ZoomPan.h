@@ -1,0 +1,34 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Zoom and pan as arithmetic on viewports.
+#pragma once
+
+#include "logic/records/ViewportData.h"
+
+#include <QPoint>
+#include <QPointF>
+#include <QSize>
+
+namespace render {
+
+/// The image centred at one screen pixel for each image pixel.
+ViewportData centredViewport(QSize image, QSize view);
+
+/// One step in or out, with an image point held at a screen point.
+/// @param step  +1 or -1, clamped with the zoom power's range
+ViewportData zoomedAbout(const ViewportData& viewport, QPointF imagePoint, QPoint screenPoint,
+                         int step);
+
+/// Moved by a drag.
+/// @param drag  screen pixels since the last step; fractions of image pixels are kept
+/// @param scale  pixels of the picture on show for each image pixel
+/// @param direction  +1 moves the image with the cursor, -1 against it
+ViewportData panned(const ViewportData& viewport, QPoint drag, double scale, int direction);
+
+/// The viewport to adopt when `wanted` follows on `current`. A move may not enlarge the empty
+/// border around the image; each axis is decided by itself. A change of zoom is taken as it is.
+ViewportData withoutWiderBorder(const ViewportData& wanted, const ViewportData& current,
+                                QSize image, QSize view);
+
+}  // namespace render

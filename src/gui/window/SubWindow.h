@@ -1,0 +1,96 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// One image view of the main window.
+#pragma once
+
+#include "gui/kit/AbstractSubWindow.h"
+#include "imagelib/display/MDrawingList.h"
+#include "imagelib/image/MImage.h"
+
+#include <QRectF>
+#include <QSize>
+#include <QString>
+
+class ImageDrawerMain;
+class MainWindow;
+class SubWindowTitleBar;
+class TarvikService;
+
+/// A frame around one image view, with the controls of that view in its title bar. It does not own
+/// the service of the view, but lives and dies with it.
+///
+/// Its slots copy a record of the service, change a field and hand it back. A load that fails ends
+/// in an error dialog; the image before stays. Thread: GUI only.
+class SubWindow : public AbstractSubWindow {
+    Q_OBJECT
+public:
+    using MDrawingList = morvend::imglib::MDrawingList<>;
+    using MImage = morvend::imglib::MImage;
+
+    SubWindow(MainWindow& mainWindow, TarvikService* service, bool useGlsl);
+    ~SubWindow() override;
+
+    TarvikService* service() const { return _service; }
+    ImageDrawerMain* imageDrawer() const { return _imageDrawer; }
+    /// One step in or out (1 or -1) about the centre of the view.
+    void zoom(int step);
+    /// The part of the image on show, in image pixels.
+    QRectF visibileRange() const;  // the spelling is part of the interface
+    /// Size of the view in screen pixels.
+    QSize displaySize() const;
+
+public slots:
+    /// Opens a file and makes its folder the one where the next file is looked for.
+    void loadFile(QString fileName);
+    void loadImage(const MImage* image);
+    void addToPaintList(const MDrawingList* list);
+    void setPaintList(const MDrawingList* list);
+    void clearPaintList();
+    void goTo(int imageNumber);
+    void setOffsetX(double offsetX);
+    void setOffsetY(double offsetY);
+    /// @param zoomPower  zoom as a power of two, held within -2 to 6
+    void setZoomPower(int zoomPower);
+    void setViewport(double offsetX, double offsetY, int zoomPower);
+    void setForeground(double foreground);
+    void setBackground(double background);
+    void setContrast(double foreground, double background);
+    /// A title that new images don't overwrite, until unsetTitle().
+    void setTitle(QString windowTitle);
+    void unsetTitle();
+    /// Takes a colour table by its identifier or its short name: HDR, GS, H, RB. Other names change
+    /// nothing.
+    void setColorMode(QString colormode);
+    void showResolutionRings();
+    void hideResolutionRings();
+
+signals:
+    /// A new file was asked for.
+    void changedFile();
+    void aboutToTerminate(QObject* window);
+
+protected:
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+private slots:
+    void _newImageSlot();
+    void _errorSlot(const QString& message);
+    void _activate(Qt::WindowStates oldState, Qt::WindowStates newState);
+
+private:
+    template <class Change>
+    void _changeViewport(Change&& change);
+    template <class Change>
+    void _changeContrast(Change&& change);
+    void _setActions();
+
+    MainWindow& _mainWindow;
+    TarvikService* _service;
+    Qt::WindowStates _windowState;
+    ImageDrawerMain* _imageDrawer;
+    SubWindowTitleBar* _controls;
+    bool _titleFixed = false;
+};

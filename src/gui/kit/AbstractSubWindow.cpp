@@ -13,10 +13,7 @@
 
 namespace {
 
-unsigned char colorPart(int value)
-{
-    return static_cast<unsigned char>(std::clamp(value, 0, 255));
-}
+unsigned char colorPart(int value) { return static_cast<unsigned char>(std::clamp(value, 0, 255)); }
 
 }  // namespace
 
@@ -59,15 +56,9 @@ void AbstractSubWindow::setWidget(QWidget* widget)
     _layout->addWidget(widget, 1);
 }
 
-void AbstractSubWindow::hideToolButtons()
-{
-    _setToolButtonsVisible(false);
-}
+void AbstractSubWindow::hideToolButtons() { _setToolButtonsVisible(false); }
 
-void AbstractSubWindow::showToolButtons()
-{
-    _setToolButtonsVisible(true);
-}
+void AbstractSubWindow::showToolButtons() { _setToolButtonsVisible(true); }
 
 void AbstractSubWindow::setActiveColor(int red, int green, int blue)
 {

@@ -88,10 +88,7 @@ void MdiArea::_processGotActivated(AbstractSubWindow* frame)
     }
 }
 
-void MdiArea::_removeSlot(AbstractSubWindow* frame)
-{
-    removeSubWindow(frame);
-}
+void MdiArea::_removeSlot(AbstractSubWindow* frame) { removeSubWindow(frame); }
 
 MdiSplitter* MdiArea::_column(int index) const
 {

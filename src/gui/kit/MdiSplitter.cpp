@@ -14,7 +14,4 @@ MdiSplitter::MdiSplitter(Qt::Orientation orientation, QWidget* parent)
     setSizePolicy(QSizePolicy::MinimumExpanding, QSizePolicy::MinimumExpanding);
 }
 
-QSplitterHandle* MdiSplitter::createHandle()
-{
-    return new MdiSplitterHandle(orientation(), this);
-}
+QSplitterHandle* MdiSplitter::createHandle() { return new MdiSplitterHandle(orientation(), this); }

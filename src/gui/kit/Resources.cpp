@@ -6,7 +6,4 @@
 
 #include <QtCore/qglobal.h>
 
-void initResources()
-{
-    Q_INIT_RESOURCE(tarvik);
-}
+void initResources() { Q_INIT_RESOURCE(tarvik); }

@@ -83,15 +83,9 @@ void TitleBar::setActivated(bool activated)
     _setStyleSheet(_activated ? _activeColor : _nonActiveColor, Qt::black);
 }
 
-void TitleBar::setTitle(const QString& title)
-{
-    _titleLabel->setFullText(title);
-}
+void TitleBar::setTitle(const QString& title) { _titleLabel->setFullText(title); }
 
-QString TitleBar::shownTitle() const
-{
-    return _titleLabel->text();
-}
+QString TitleBar::shownTitle() const { return _titleLabel->text(); }
 
 void TitleBar::addWidget(QWidget* widget)
 {
@@ -99,15 +93,9 @@ void TitleBar::addWidget(QWidget* widget)
     _titleWidgets.append(widget);
 }
 
-void TitleBar::addSpacing(int pixels)
-{
-    _itemLayout->insertSpacing(_itemCount++, pixels);
-}
+void TitleBar::addSpacing(int pixels) { _itemLayout->insertSpacing(_itemCount++, pixels); }
 
-QSize TitleBar::minimumSizeHint() const
-{
-    return {0, QWidget::minimumSizeHint().height()};
-}
+QSize TitleBar::minimumSizeHint() const { return {0, QWidget::minimumSizeHint().height()}; }
 
 void TitleBar::actionEvent(QActionEvent* event)
 {

@@ -23,15 +23,9 @@ void TitleLabel::setFullText(const QString& text)
     _elide();
 }
 
-QSize TitleLabel::sizeHint() const
-{
-    return {0, TitleBar::fixedHeight};
-}
+QSize TitleLabel::sizeHint() const { return {0, TitleBar::fixedHeight}; }
 
-QSize TitleLabel::minimumSizeHint() const
-{
-    return sizeHint();
-}
+QSize TitleLabel::minimumSizeHint() const { return sizeHint(); }
 
 void TitleLabel::resizeEvent(QResizeEvent* event)
 {

@@ -8,7 +8,7 @@ namespace render {
 
 /// Pixel type of a display image: all twelve types of an image file end in one of these.
 enum class PixelKind {
-    Int,  ///< 32-bit signed
+    Int,   ///< 32-bit signed
     UInt,  ///< 32-bit unsigned
     Float  ///< 32-bit float
 };

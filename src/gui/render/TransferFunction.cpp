@@ -4,35 +4,23 @@
 // From a contrast to the numbers by which the shaders colour a pixel.
 #include "gui/render/TransferFunction.h"
 
-#include "imagelib/image/PixelTypes.h"
-
-#include <algorithm>
-#include <cmath>
-#include <limits>
+#include "imagelib/display/TransferLevels.h"
 
 namespace render {
 
 namespace {
 
-/// A level in the range of the pixel type; NaN becomes 0.
-double level(double value, PixelKind kind)
+template <class T>
+TransferFunction convert(const ContrastData& contrast, std::size_t linear, std::size_t logarithmic)
 {
-    switch (kind) {
-    case PixelKind::Int:
-        return morvend::datatypes::convertPixel<int>(value);
-    case PixelKind::UInt:
-        return morvend::datatypes::convertPixel<unsigned int>(value);
-    case PixelKind::Float:
-        break;
-    }
-    constexpr double most = std::numeric_limits<float>::max();
-    return std::isnan(value) ? 0.0 : static_cast<float>(std::clamp(value, -most, most));
-}
-
-double lowestBackground(PixelKind kind)
-{
-    return kind == PixelKind::Float ? double(std::numeric_limits<float>::min())
-                                    : std::numeric_limits<double>::lowest();
+    const auto levels = morvend::imglib::transferLevels<T>(
+        contrast.foreground, contrast.background, contrast.logForeground(), linear, logarithmic);
+    return {double(levels.foreground),
+            double(levels.background),
+            double(levels.logForeground),
+            levels.slope,
+            levels.logSlope,
+            levels.logOffset};
 }
 
 }  // namespace
@@ -40,25 +28,15 @@ double lowestBackground(PixelKind kind)
 TransferFunction TransferFunction::of(const ContrastData& contrast, PixelKind kind,
                                       std::size_t linear, std::size_t logarithmic)
 {
-    TransferFunction result;
-    result.foreground = level(contrast.foreground, kind);
-    result.background = std::max(level(contrast.background, kind), lowestBackground(kind));
-    result.logForeground = level(contrast.logForeground(), kind);
-
-    const double range = result.foreground - result.background;
-    const double logRange = result.logForeground - result.background;
-    if (range > 0)
-        result.slope = double(linear) / range;
-    if (logRange > 0 && logarithmic > 0) {
-        const double last = double(logarithmic) - 1;
-        if (range > 0) {
-            result.logSlope = last / std::log(logRange / range);
-            result.logOffset = -std::log(range) * result.logSlope;
-        } else {
-            result.logOffset = last;
-        }
+    switch (kind) {
+    case PixelKind::UInt:
+        return convert<unsigned int>(contrast, linear, logarithmic);
+    case PixelKind::Float:
+        return convert<float>(contrast, linear, logarithmic);
+    case PixelKind::Int:
+        break;
     }
-    return result;
+    return convert<int>(contrast, linear, logarithmic);
 }
 
 }  // namespace render

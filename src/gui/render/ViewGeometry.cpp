@@ -14,10 +14,7 @@ namespace render {
 
 namespace {
 
-int truncated(double value)
-{
-    return morvend::datatypes::convertPixel<int>(value);
-}
+int truncated(double value) { return morvend::datatypes::convertPixel<int>(value); }
 
 struct Extent {
     double begin = 0;
@@ -135,10 +132,10 @@ QMatrix4x4 ViewGeometry::transformationMatrix() const
     matrix.translate(static_cast<float>(-shiftX), static_cast<float>(shiftY),
                      static_cast<float>(-distance));
 
-    const auto unitImage = QMatrix4x4(static_cast<float>(2 * _image.width() / width), 0, 0, -1,  //
-                                      0, static_cast<float>(-2 * _image.height() / height), 0, 1,
-                                      0, 0, 1, 0,  //
-                                      0, 0, 0, 1);
+    const auto unitImage =
+        QMatrix4x4(static_cast<float>(2 * _image.width() / width), 0, 0, -1,                //
+                   0, static_cast<float>(-2 * _image.height() / height), 0, 1, 0, 0, 1, 0,  //
+                   0, 0, 0, 1);
     return matrix * unitImage;
 }
 

@@ -22,8 +22,8 @@ double borderMeasure(int first, int last, int viewLength)
 
 ViewportData centredViewport(QSize image, QSize view)
 {
-    return {double((image.width() - view.width()) / 2), double((image.height() - view.height()) / 2),
-            0, 0, 0};
+    return {double((image.width() - view.width()) / 2),
+            double((image.height() - view.height()) / 2), 0, 0, 0};
 }
 
 ViewportData zoomedAbout(const ViewportData& viewport, QPointF imagePoint, QPoint screenPoint,

@@ -1,0 +1,70 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Bit planes in plain C++, and the choice of the kernel.
+#include "imagelib/codec/BitPlanes.h"
+
+#include "imagelib/codec/ShuffleKernels.h"
+
+#include <cstdint>
+#include <cstring>
+
+#include <hwy/targets.h>
+
+namespace morvend::codec {
+
+namespace {
+
+/// Row k, bit i of an 8 x 8 matrix changes places with row i, bit k.
+std::uint64_t transposeBits(std::uint64_t x)
+{
+    const auto swapBits = [&x](int distance, std::uint64_t mask) {
+        const std::uint64_t t = (x ^ (x >> distance)) & mask;
+        x ^= t ^ (t << distance);
+    };
+    swapBits(7, 0x00AA00AA00AA00AA);
+    swapBits(14, 0x0000CCCC0000CCCC);
+    swapBits(28, 0x00000000F0F0F0F0);
+    return x;
+}
+
+}  // namespace
+
+void joinPlanesPlain(const std::byte* planes, std::size_t count, std::byte* bytes,
+                     std::size_t first)
+{
+    const std::size_t stride = count / 8;
+    for (std::size_t j = first; j < stride; ++j) {
+        std::uint64_t matrix = 0;
+        for (std::size_t k = 0; k < 8; ++k)
+            matrix |= std::to_integer<std::uint64_t>(planes[k * stride + j]) << (8 * k);
+        matrix = transposeBits(matrix);
+        for (std::size_t i = 0; i < 8; ++i)
+            bytes[8 * j + i] = static_cast<std::byte>(matrix >> (8 * i) & 0xff);
+    }
+}
+
+void splitPlanes(const std::byte* bytes, std::size_t count, std::byte* planes)
+{
+    const std::size_t stride = count / 8;
+    for (std::size_t j = 0; j < stride; ++j) {
+        std::uint64_t matrix = 0;
+        for (std::size_t i = 0; i < 8; ++i)
+            matrix |= std::to_integer<std::uint64_t>(bytes[8 * j + i]) << (8 * i);
+        matrix = transposeBits(matrix);
+        for (std::size_t k = 0; k < 8; ++k)
+            planes[k * stride + j] = static_cast<std::byte>(matrix >> (8 * k) & 0xff);
+    }
+}
+
+JoinPlanes joinPlanes()
+{
+#ifdef TARVIK_GFNI
+    // This target's test of the processor covers both extensions that the kernel uses.
+    if (hwy::SupportedTargets() & HWY_AVX3_DL)
+        return joinPlanesGfni;
+#endif
+    return joinPlanesVector;
+}
+
+}  // namespace morvend::codec

@@ -1,0 +1,165 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Distrustful walking over blocks, alone or on several threads.
+#include "imagelib/codec/BlockStream.h"
+
+#include "imagelib/image/MException.h"
+
+#include <algorithm>
+#include <atomic>
+#include <limits>
+
+#include <lz4.h>
+#include <tbb/blocked_range.h>
+#include <tbb/parallel_for.h>
+#include <tbb/task_arena.h>
+
+namespace morvend::codec {
+
+namespace {
+
+constexpr std::size_t LengthBytes = 4;
+constexpr std::size_t BlocksOfTask = 64;
+
+std::uint64_t bigEndian(std::span<const std::byte> bytes)
+{
+    std::uint64_t value = 0;
+    for (const std::byte byte : bytes)
+        value = value << 8 | std::to_integer<std::uint64_t>(byte);
+    return value;
+}
+
+void decodeBlocks(BlockStream stream, std::size_t count,
+                  const std::function<void(const StoredBlock&)>& decode)
+{
+    for (; count > 0 && !stream.atEnd(); --count)
+        decode(stream.next());
+}
+
+}  // namespace
+
+std::string StoredBlock::failure(const char* what) const
+{
+    return "block " + std::to_string(index) + " of the chunk " + what;
+}
+
+BlockStream::BlockStream(std::span<const std::byte> stored, std::size_t decodedBytes,
+                         std::size_t unit, std::size_t defaultBlock)
+    : _decodedBytes(decodedBytes)
+    , _end(decodedBytes - decodedBytes % unit)
+{
+    if (stored.size() < HeadBytes)
+        throw MRuntimeException("the chunk has " + std::to_string(stored.size()) +
+                                " bytes, fewer than its head");
+    const std::uint64_t announced = bigEndian(stored.first(8));
+    if (announced != decodedBytes)
+        throw MRuntimeException("the chunk announces " + std::to_string(announced) +
+                                " instead of " + std::to_string(decodedBytes) + " bytes");
+    const auto block = static_cast<std::size_t>(bigEndian(stored.subspan(8, 4)));
+    _blockBytes = block == 0 ? defaultBlock : block;
+    if (_blockBytes == 0 || _blockBytes % unit != 0)
+        throw MRuntimeException("the chunk has blocks of " + std::to_string(block) +
+                                " bytes, no multiple of " + std::to_string(unit));
+    _blockBytes = std::min(_blockBytes, _end);
+    _stored = stored.subspan(HeadBytes);
+}
+
+StoredBlock BlockStream::next()
+{
+    StoredBlock block{_index, {}, _at, std::min(_blockBytes, _end - _at)};
+    if (_stored.size() < LengthBytes)
+        throw MRuntimeException(block.failure("is missing"));
+    const auto length = static_cast<std::size_t>(bigEndian(_stored.first(LengthBytes)));
+    _stored = _stored.subspan(LengthBytes);
+    if (length > _stored.size())
+        throw MRuntimeException(block.failure("ends after ") + std::to_string(_stored.size()) +
+                                " of " + std::to_string(length) + " bytes");
+    block.stored = _stored.first(length);
+    _stored = _stored.subspan(length);
+    _at += block.bytes;
+    ++_index;
+    return block;
+}
+
+std::span<const std::byte> BlockStream::rest() const
+{
+    const std::size_t bytes = _decodedBytes - _end;
+    if (_stored.size() < bytes)
+        throw MRuntimeException("the last " + std::to_string(bytes) +
+                                " bytes of the chunk are missing");
+    return _stored.first(bytes);
+}
+
+BlockStream forEachBlock(BlockStream stream, unsigned threads,
+                         const std::function<void(const StoredBlock&)>& decode)
+{
+    if (threads <= 1) {
+        while (!stream.atEnd())
+            decode(stream.next());
+        return stream;
+    }
+    std::vector<BlockStream> tasks;
+    for (std::size_t i = 0; !stream.atEnd(); ++i) {
+        if (i % BlocksOfTask == 0)
+            tasks.push_back(stream);
+        stream.next();
+    }
+    std::atomic<std::size_t> failed{tasks.size()};
+    const auto run = [&](const tbb::blocked_range<std::size_t>& range) {
+        for (std::size_t task = range.begin(); task != range.end(); ++task) {
+            try {
+                decodeBlocks(tasks[task], BlocksOfTask, decode);
+            } catch (const MException&) {
+                std::size_t before = failed.load();
+                while (task < before && !failed.compare_exchange_weak(before, task)) {
+                }
+            }
+        }
+    };
+    tbb::task_arena arena(static_cast<int>(std::min(threads, 256U)));
+    arena.execute(
+        [&] { tbb::parallel_for(tbb::blocked_range<std::size_t>(0, tasks.size()), run); });
+    // Once more, alone: so the first failure in order is told, not the first in time.
+    if (failed < tasks.size())
+        decodeBlocks(tasks[failed], BlocksOfTask, decode);
+    return stream;
+}
+
+void appendBigEndian(std::vector<std::byte>& to, std::uint64_t value, std::size_t bytes)
+{
+    while (bytes-- > 0)
+        to.push_back(static_cast<std::byte>(value >> (8 * bytes) & 0xff));
+}
+
+bool lz4Block(std::span<const std::byte> packed, std::span<std::byte> to)
+{
+    constexpr std::size_t Most = std::numeric_limits<int>::max();
+    if (packed.size() > Most || to.size() > Most)
+        return false;
+    const int got = LZ4_decompress_safe(reinterpret_cast<const char*>(packed.data()),
+                                        reinterpret_cast<char*>(to.data()),
+                                        static_cast<int>(packed.size()),
+                                        static_cast<int>(to.size()));
+    return got >= 0 && static_cast<std::size_t>(got) == to.size();
+}
+
+void appendLz4Block(std::vector<std::byte>& to, std::span<const std::byte> block, bool mayStore)
+{
+    const std::size_t head = to.size();
+    const int bound = LZ4_compressBound(static_cast<int>(block.size()));
+    to.resize(head + LengthBytes + static_cast<std::size_t>(bound));
+    std::byte* const target = to.data() + head + LengthBytes;
+    std::size_t length = static_cast<std::size_t>(LZ4_compress_default(
+        reinterpret_cast<const char*>(block.data()), reinterpret_cast<char*>(target),
+        static_cast<int>(block.size()), bound));
+    if (mayStore && length >= block.size()) {
+        std::copy(block.begin(), block.end(), target);
+        length = block.size();
+    }
+    to.resize(head);
+    appendBigEndian(to, length, LengthBytes);
+    to.resize(head + LengthBytes + length);
+}
+
+}  // namespace morvend::codec

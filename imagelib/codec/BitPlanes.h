@@ -9,8 +9,8 @@
 
 namespace morvend::codec {
 
-/// Joins eight bit planes to bytes: bit k of bytes[8 * j + i] is bit i of planes[k * count / 8 + j].
-/// `count` is a multiple of 8; the arrays, of `count` bytes each, don't overlap.
+/// Joins eight bit planes to bytes: bit k of bytes[8 * j + i] is bit i of planes[k * count / 8 +
+/// j]. `count` is a multiple of 8; the arrays, of `count` bytes each, don't overlap.
 using JoinPlanes = void (*)(const std::byte* planes, std::size_t count, std::byte* bytes);
 
 /// The fastest kernel that this processor runs. It keeps to the targets of

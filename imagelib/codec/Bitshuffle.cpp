@@ -101,8 +101,8 @@ void decodePlain(std::span<const std::byte> stored, std::size_t elementSize, std
                                 std::to_string(decoded.size()) + " bytes");
     const Scratch scratch(std::min(blockBytes, decoded.size()));
     const JoinPlanes join = joinPlanes();
-    const std::size_t rest = overBlocks(
-        decoded.size(), elementSize, blockBytes, [&](std::size_t at, std::size_t bytes) {
+    const std::size_t rest =
+        overBlocks(decoded.size(), elementSize, blockBytes, [&](std::size_t at, std::size_t bytes) {
             unshuffleBlock(stored.subspan(at, bytes), elementSize, join, scratch.first(),
                            decoded.subspan(at, bytes));
         });
@@ -120,8 +120,8 @@ std::size_t defaultBlockElements(std::size_t elementSize)
 }
 
 void bitshuffleDecode(std::span<const std::byte> stored, std::size_t elementSize,
-                      BlockPacking packing, std::size_t blockElements,
-                      std::span<std::byte> decoded, unsigned threads)
+                      BlockPacking packing, std::size_t blockElements, std::span<std::byte> decoded,
+                      unsigned threads)
 {
     assert(elementSize > 0);
     const std::size_t blockBytes = blockBytesOf(blockElements, elementSize);
@@ -167,8 +167,7 @@ std::vector<std::byte> bitshuffleEncode(std::span<const std::byte> decoded, std:
         else
             stored.insert(stored.end(), planes.begin(), planes.end());
     };
-    const auto rest =
-        decoded.subspan(overBlocks(decoded.size(), elementSize, blockBytes, encode));
+    const auto rest = decoded.subspan(overBlocks(decoded.size(), elementSize, blockBytes, encode));
     stored.insert(stored.end(), rest.begin(), rest.end());
     return stored;
 }

@@ -21,13 +21,13 @@ std::size_t defaultBlockElements(std::size_t elementSize);
 ///
 /// With a packing the stored bytes begin with an 8-byte decoded length and a 4-byte block length in
 /// bytes (big-endian), then each block follows with a 4-byte stored length; without one there is no
-/// head, and blocks have `blockElements` elements (0: the default). The last block is shortened to a
-/// multiple of 8 elements, the rest (fewer than 8) follows as it is. Within a block of n elements
+/// head, and blocks have `blockElements` elements (0: the default). The last block is shortened to
+/// a multiple of 8 elements, the rest (fewer than 8) follows as it is. Within a block of n elements
 /// each bit of the element has n / 8 bytes of its own, lowest bit first.
 /// @throws MRuntimeException with the reason when any length disagrees or a block is damaged
 void bitshuffleDecode(std::span<const std::byte> stored, std::size_t elementSize,
-                      BlockPacking packing, std::size_t blockElements,
-                      std::span<std::byte> decoded, unsigned threads = 1);
+                      BlockPacking packing, std::size_t blockElements, std::span<std::byte> decoded,
+                      unsigned threads = 1);
 
 /// The inverse of bitshuffleDecode; packing None or Lz4, blockElements a multiple of 8 or 0.
 /// @throws MBadParameterException when the size is no multiple of the element size

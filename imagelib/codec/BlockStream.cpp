@@ -12,6 +12,7 @@
 
 #include <lz4.h>
 #include <tbb/blocked_range.h>
+#include <tbb/info.h>
 #include <tbb/parallel_for.h>
 #include <tbb/task_arena.h>
 
@@ -30,11 +31,30 @@ std::uint64_t bigEndian(std::span<const std::byte> bytes)
     return value;
 }
 
-void decodeBlocks(BlockStream stream, std::size_t count,
-                  const std::function<void(const StoredBlock&)>& decode)
+using Decode = std::function<void(const StoredBlock&)>;
+
+void decodeBlocks(BlockStream& stream, const Decode& decode,
+                  std::size_t most = std::numeric_limits<std::size_t>::max())
 {
-    for (; count > 0 && !stream.atEnd(); --count)
+    for (; most > 0 && !stream.atEnd(); --most)
         decode(stream.next());
+}
+
+/// Walks `stream` to its end, or to the block whose length is wrong; returns the places where tasks
+/// begin.
+std::vector<BlockStream> splitIntoTasks(BlockStream& stream)
+{
+    std::vector<BlockStream> tasks;
+    try {
+        for (std::size_t i = 0; !stream.atEnd(); ++i) {
+            if (i % BlocksOfTask == 0)
+                tasks.push_back(stream);
+            stream.next();
+        }
+    } catch (const MRuntimeException&) {
+        // The task that holds this block comes to it again, unless an earlier block fails first.
+    }
+    return tasks;
 }
 
 }  // namespace
@@ -91,25 +111,19 @@ std::span<const std::byte> BlockStream::rest() const
     return _stored.first(bytes);
 }
 
-BlockStream forEachBlock(BlockStream stream, unsigned threads,
-                         const std::function<void(const StoredBlock&)>& decode)
+BlockStream forEachBlock(BlockStream stream, unsigned threads, const Decode& decode)
 {
     if (threads <= 1) {
-        while (!stream.atEnd())
-            decode(stream.next());
+        decodeBlocks(stream, decode);
         return stream;
     }
-    std::vector<BlockStream> tasks;
-    for (std::size_t i = 0; !stream.atEnd(); ++i) {
-        if (i % BlocksOfTask == 0)
-            tasks.push_back(stream);
-        stream.next();
-    }
+    const std::vector<BlockStream> tasks = splitIntoTasks(stream);
     std::atomic<std::size_t> failed{tasks.size()};
     const auto run = [&](const tbb::blocked_range<std::size_t>& range) {
         for (std::size_t task = range.begin(); task != range.end(); ++task) {
             try {
-                decodeBlocks(tasks[task], BlocksOfTask, decode);
+                BlockStream blocks = tasks[task];
+                decodeBlocks(blocks, decode, BlocksOfTask);
             } catch (const MException&) {
                 std::size_t before = failed.load();
                 while (task < before && !failed.compare_exchange_weak(before, task)) {
@@ -117,12 +131,15 @@ BlockStream forEachBlock(BlockStream stream, unsigned threads,
             }
         }
     };
-    tbb::task_arena arena(static_cast<int>(std::min(threads, 256U)));
+    const int most = tbb::info::default_concurrency();
+    tbb::task_arena arena(std::min(static_cast<int>(std::min(threads, 1024U)), most));
     arena.execute(
         [&] { tbb::parallel_for(tbb::blocked_range<std::size_t>(0, tasks.size()), run); });
     // Once more, alone: so the first failure in order is told, not the first in time.
-    if (failed < tasks.size())
-        decodeBlocks(tasks[failed], BlocksOfTask, decode);
+    if (failed < tasks.size()) {
+        BlockStream blocks = tasks[failed];
+        decodeBlocks(blocks, decode, BlocksOfTask);
+    }
     return stream;
 }
 
@@ -137,10 +154,9 @@ bool lz4Block(std::span<const std::byte> packed, std::span<std::byte> to)
     constexpr std::size_t Most = std::numeric_limits<int>::max();
     if (packed.size() > Most || to.size() > Most)
         return false;
-    const int got = LZ4_decompress_safe(reinterpret_cast<const char*>(packed.data()),
-                                        reinterpret_cast<char*>(to.data()),
-                                        static_cast<int>(packed.size()),
-                                        static_cast<int>(to.size()));
+    const int got = LZ4_decompress_safe(
+        reinterpret_cast<const char*>(packed.data()), reinterpret_cast<char*>(to.data()),
+        static_cast<int>(packed.size()), static_cast<int>(to.size()));
     return got >= 0 && static_cast<std::size_t>(got) == to.size();
 }
 
@@ -157,8 +173,8 @@ void appendLz4Block(std::vector<std::byte>& to, std::span<const std::byte> block
         std::copy(block.begin(), block.end(), target);
         length = block.size();
     }
-    to.resize(head);
-    appendBigEndian(to, length, LengthBytes);
+    for (std::size_t i = 0; i < LengthBytes; ++i)
+        to[head + i] = static_cast<std::byte>(length >> (8 * (LengthBytes - 1 - i)) & 0xff);
     to.resize(head + LengthBytes + length);
 }
 

@@ -104,11 +104,10 @@ void undo(const ChunkFilter& filter, std::size_t elementSize, std::span<const st
 std::string filterText(unsigned id)
 {
     static constexpr std::pair<unsigned, const char*> Names[] = {
-        {1, "deflate"},   {2, "shuffle"},   {3, "fletcher32"},     {4, "szip"},
-        {5, "nbit"},      {6, "scale"},     {307, "bzip2"},        {32000, "LZF"},
-        {32001, "blosc"}, {32004, "LZ4"},   {32008, "bitshuffle"}, {32013, "zfp"},
-        {32015, "zstd"},  {32017, "SZ"},    {32024, "SZ3"},        {32026, "blosc2"},
-        {32028, "SPERR"}};
+        {1, "deflate"},        {2, "shuffle"},  {3, "fletcher32"}, {4, "szip"},      {5, "nbit"},
+        {6, "scale"},          {307, "bzip2"},  {32000, "LZF"},    {32001, "blosc"}, {32004, "LZ4"},
+        {32008, "bitshuffle"}, {32013, "zfp"},  {32015, "zstd"},   {32017, "SZ"},    {32024, "SZ3"},
+        {32026, "blosc2"},     {32028, "SPERR"}};
     std::string text = "filter " + std::to_string(id);
     for (const auto& [known, name] : Names)
         if (known == id)

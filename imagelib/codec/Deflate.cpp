@@ -47,7 +47,8 @@ std::vector<std::byte> deflate(std::span<const std::byte> unpacked, int level)
         libdeflate_alloc_compressor(level));
     if (!compressor)
         throw MRuntimeException("not enough memory to pack a deflate stream");
-    std::vector<std::byte> packed(libdeflate_zlib_compress_bound(compressor.get(), unpacked.size()));
+    std::vector<std::byte> packed(
+        libdeflate_zlib_compress_bound(compressor.get(), unpacked.size()));
     packed.resize(libdeflate_zlib_compress(compressor.get(), unpacked.data(), unpacked.size(),
                                            packed.data(), packed.size()));
     return packed;

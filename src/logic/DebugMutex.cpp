@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
+//
 // The checks of the checking mutex.
 #include "logic/DebugMutex.h"
 

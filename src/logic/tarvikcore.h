@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
+//
 // The centre of a viewer or daemon process: services of views, their groups, colour tables.
 #pragma once
 

@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
+//
 // The hand-over of a request for an object to the GUI thread.
 #include "logic/core/ObjectGenerator.h"
 

@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
+//
 // Makes an object on the GUI thread for a caller on another thread.
 #pragma once
 

@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
+//
 // The groups of views that share one kind of record.
 #pragma once
 

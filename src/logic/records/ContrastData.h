@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
+//
 // What a view's contrast is: two intensities and a colour table.
 #pragma once
 

@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
+//
 // Zoom and equality of viewports.
 #include "logic/records/ViewportData.h"
 

@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
+//
 // Construction of a named configuration file.
 #include "logic/support/ConfigFile.h"
 

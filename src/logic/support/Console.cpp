@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
+//
 // Writing whole lines to standard output and standard error.
 #include "logic/support/Console.h"
 

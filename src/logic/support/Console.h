@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
+//
 // The printed lines of the program: timings and information, warnings and errors.
 #pragma once
 

@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
+//
 // Where the machine's settings lie and how they are opened.
 #include "logic/support/GlobalSettings.h"
 

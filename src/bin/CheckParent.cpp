@@ -1,0 +1,28 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Polling for the parent process.
+#include "bin/CheckParent.h"
+
+#include <QCoreApplication>
+
+#include <csignal>
+
+CheckParent::CheckParent(int parentPid)
+    : _parentPid(parentPid)
+{}
+
+CheckParent::~CheckParent()
+{
+    _stop.release();
+    wait();
+}
+
+void CheckParent::run()
+{
+    // Quitting again and again is harmless, and needed when the event loop has not begun yet.
+    do {
+        if (kill(_parentPid, 0) != 0)
+            QCoreApplication::quit();
+    } while (!_stop.tryAcquire(1, 100));
+}

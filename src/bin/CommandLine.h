@@ -1,0 +1,33 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// What the arguments of the program ask for.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+#include <string>
+
+/// The meaning of a command line. Pure: parsing prints nothing and ends nothing.
+struct CommandLine {
+    enum class Role { Viewer = 0, Daemon = 1, Preloader = 2 };
+
+    Role role = Role::Viewer;
+    /// Message queue of the daemon or the preloader.
+    QString queueId;
+    /// To be opened by the viewer, each in a view of its own.
+    QStringList imageFiles;
+    /// The process ends when this one is gone; none when not positive.
+    int parentPid = 0;
+    bool glslEnabled = true;
+
+    /// Set when the process is to print `text` on standard output and end at once.
+    std::optional<int> exitCode;
+    std::string text;
+
+    /// @param arguments with the program's name first
+    /// @param version what --version prints
+    static CommandLine parse(const QStringList& arguments, const std::string& version);
+};

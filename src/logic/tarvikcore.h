@@ -16,6 +16,7 @@
 
 #include <list>
 #include <set>
+#include <tuple>
 
 class TarvikService;
 
@@ -39,15 +40,17 @@ public:
 
     /// Makes an observer a member of the group of a sync id; it takes over the group's record in
     /// silence. A new group has a default record.
-    void attach(AbstractObserver<ContrastData>& observer, const char* syncID);
-    void attach(AbstractObserver<ViewportData>& observer, const char* syncID);
-    void attach(AbstractObserver<StatisticsData>& observer, const char* syncID);
-    void attach(AbstractObserver<PeakData>& observer, const char* syncID);
+    template <class T>
+    void attach(AbstractObserver<T>& observer, const char* syncID)
+    {
+        std::get<SyncGroups<T>>(_groups).attach(observer, syncID);
+    }
     /// Takes an observer out of its group; without one nothing happens.
-    void detach(AbstractObserver<ContrastData>& observer);
-    void detach(AbstractObserver<ViewportData>& observer);
-    void detach(AbstractObserver<StatisticsData>& observer);
-    void detach(AbstractObserver<PeakData>& observer);
+    template <class T>
+    void detach(AbstractObserver<T>& observer)
+    {
+        std::get<SyncGroups<T>>(_groups).detach(observer);
+    }
 
     /// Makes the table of this identifier the default; it must be one of the tables (asserted).
     void setDefaultColorTable(const QString& name);
@@ -70,10 +73,9 @@ signals:
 
 private:
     std::set<TarvikService*> _services;
-    SyncGroups<ContrastData> _contrastGroups;
-    SyncGroups<ViewportData> _viewportGroups;
-    SyncGroups<StatisticsData> _statisticsGroups;
-    SyncGroups<PeakData> _peakGroups;
+    std::tuple<SyncGroups<ContrastData>, SyncGroups<ViewportData>, SyncGroups<StatisticsData>,
+               SyncGroups<PeakData>>
+        _groups;
     std::list<const MColorTable*> _colorTables;
     const MColorTable* _defaultColorTable = nullptr;
 };

@@ -5,10 +5,22 @@
 #pragma once
 
 /// What is known of all the pixels of one image under its mask. Filled once by ComputeStatistics
-/// on a loader's thread, then shared read-only.
+/// on a loader's thread, then shared read-only. A good pixel is one that the mask does not exclude.
 struct ImageStatistics {
-    /// The default contrast: intensities at the top of the linear part and at the bottom of the
-    /// colour table.
-    double foreground = 0;
-    double background = 0;
+    /// Smallest and largest good pixel; the first pixel of the image takes part in any case.
+    double minimum = 0;
+    double maximum = 0;
+    /// Mean and standard deviation of the good pixels; NaN when there is none.
+    double mean = 0;
+    double sigma = 0;
+    /// Good pixels of value 0.
+    unsigned int zeros = 0;
+    /// Pixels that mask bits 1 to 4 exclude.
+    unsigned int defective = 0;
+    /// Good pixels at or above the saturation value of the header; 0 without one.
+    unsigned int saturated = 0;
+    /// Sum of the good pixels.
+    double sum = 0;
+    /// Is the minimum below -2? The values -1 and -2 alone are marks, not data.
+    bool hasNegatives = false;
 };

@@ -1,0 +1,42 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// One job of a view's loader.
+#pragma once
+
+#include "logic/loading/ImageLoader.h"
+
+#include <QElapsedTimer>
+#include <QRunnable>
+
+/// Turns one request into a finished record. Deleted by the pool that runs it.
+class ImageLoaderThread : public QRunnable {
+public:
+    /// Pushed images that a series in memory keeps.
+    static constexpr int pushedImages = 25;
+
+    /// @param abort looked at once, when the job begins: a job that has begun runs to its end
+    ImageLoaderThread(ImageLoader* loader, ImageLoader::Task task, const ImageLoader::Data& data,
+                      bool signalLoadError, const std::atomic<bool>& abort);
+
+    /// The whole job. Any failure ends in ImageLoader::loadError().
+    void run() override;
+
+private:
+    void _load();
+    void _openSeries();
+    void _openIndex();
+    void _pushImage();
+    void _analyse();
+    void _deliver();
+    void _fail(const QString& message);
+    void _printSubtotal() const;
+
+    ImageLoader* const _loader;
+    const ImageLoader::Task _task;
+    ImageLoader::Data _data;
+    const bool _signalLoadError;
+    const std::atomic<bool>& _abort;
+    QElapsedTimer _total;
+    QElapsedTimer _step;
+};

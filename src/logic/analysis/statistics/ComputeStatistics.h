@@ -1,0 +1,36 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The pass over an image that fills its statistics.
+#pragma once
+
+#include "imagelib/image/MImage.h"
+#include "logic/analysis/statistics/ImageStatistics.h"
+
+/// Computes the numbers of a whole image under its mask.
+///
+/// | mask pixel type | good if | else defective if |
+/// |---|---|---|
+/// | unsigned integer | (m & 31) == 0 | (m & 30) != 0 |
+/// | signed integer | the same of its magnitude | |
+/// | bool | false | never |
+/// | float, double | equal to 0 | never |
+class ComputeStatistics {
+public:
+    using MImage = morvend::imglib::MImage;
+
+    explicit ComputeStatistics(ImageStatistics* target)
+        : _target(target)
+    {}
+
+    /// Overwrites all fields of the target. The mask has the image's size. Prints timing lines.
+    /// @throws MNotImplementedException for an image or a mask of no pixel type
+    void compute(const MImage& image, const MImage& mask) const;
+
+    /// The same for an image of pixels L and a mask of pixels R.
+    template <class L, class R>
+    void operator()(const MImage& image, const MImage& mask) const;
+
+private:
+    ImageStatistics* _target;
+};

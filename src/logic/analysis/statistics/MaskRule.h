@@ -1,0 +1,41 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Which pixels a mask excludes.
+#pragma once
+
+#include <type_traits>
+
+namespace maskrule {
+
+/// The bits of a mask pixel by which a pixel is judged.
+template <class M>
+constexpr unsigned int bits(M mask)
+{
+    if constexpr (std::is_same_v<M, bool>)
+        return mask ? 1U : 0U;
+    else if constexpr (std::is_floating_point_v<M>)
+        return mask == M(0) ? 0U : 1U;
+    else if constexpr (std::is_signed_v<M>)
+        // The magnitude, which also the smallest value has when it is unsigned.
+        return static_cast<unsigned int>(mask < 0 ? 0ULL - static_cast<unsigned long long>(mask)
+                                                  : static_cast<unsigned long long>(mask));
+    else
+        return static_cast<unsigned int>(mask);
+}
+
+/// Does a pixel take part in statistics?
+template <class M>
+constexpr bool good(M mask)
+{
+    return (bits(mask) & 31U) == 0;
+}
+
+/// Does a pixel that is not good count as defective?
+template <class M>
+constexpr bool defective(M mask)
+{
+    return (bits(mask) & 30U) != 0;
+}
+
+}  // namespace maskrule

@@ -1,0 +1,40 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// What travels from a request to load an image to the view that shows it.
+#pragma once
+
+#include "imagelib/image/MImage.h"
+#include "logic/analysis/statistics/ImageStatistics.h"
+#include "logic/records/ContrastData.h"
+#include "logic/records/PeakData.h"
+#include "logic/records/StatisticsData.h"
+#include "logic/records/ViewportData.h"
+
+#include <QSharedPointer>
+
+#include <string>
+
+/// One image with all that is computed for it, and the settings that the view had when it asked.
+/// A value; copies share the pixels.
+struct LoaderData {
+    /// In: the file to open. Out: the image's file, empty where its series has none.
+    std::string path;
+    /// In: the image to append. Out: the image.
+    morvend::imglib::MImage image;
+    /// In: the number to go to. Out: the image's number in its series.
+    int index = -1;
+    /// At most 200 pixels on the longer side, of the image's pixel type; its pixel mask is
+    /// thumbnailMask.
+    morvend::imglib::MImage thumbnail;
+    /// Of the image's size, never empty after a job.
+    morvend::imglib::MImage mask;
+    morvend::imglib::MImage thumbnailMask;
+    /// Made anew by every job.
+    QSharedPointer<ImageStatistics> statistics;
+    // Copied in by the caller and carried through unchanged.
+    ContrastData contrastData;
+    ViewportData viewportData;
+    StatisticsData statisticsData;
+    PeakData peakData;
+};

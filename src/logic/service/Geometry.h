@@ -1,0 +1,31 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Diffraction geometry from header values.
+#pragma once
+
+#include "imagelib/image/MImage.h"
+
+/// Pure functions on a header; positions are image pixels from 0. Values that the header lacks make
+/// a quantity undefined.
+namespace geometry {
+
+using Header = morvend::imglib::MBasicImageOptionalData<>;
+
+/// Are beam centre, pixel sizes, detector distance and wavelength known?
+bool resolutionDefined(const Header& header);
+/// Are beam centre and pixel sizes known?
+bool distanceDefined(const Header& header);
+/// Is the beam centre known?
+bool beamCentreDefined(const Header& header);
+
+/// Pixels from the beam centre to a point, truncated, whatever the pixel sizes are; -1 without beam
+/// centre.
+int powderRadius(const Header& header, int x, int y);
+/// Metres on the detector from the beam centre to a point; -1 when not defined.
+double distance(const Header& header, int x, int y);
+/// Resolution at a point in Angstrom by Bragg's law; infinite at the beam centre, -1 when not
+/// defined.
+double resolution(const Header& header, int x, int y);
+
+}  // namespace geometry

@@ -1,0 +1,65 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The state of one image view.
+#pragma once
+
+#include "logic/ImageLoaderThread.h"
+#include "logic/TarvikService.h"
+#include "logic/service/HeaderEdits.h"
+#include "logic/service/ViewRecord.h"
+
+#include <QElapsedTimer>
+#include <QFileSystemWatcher>
+
+/// What a service holds, and the work behind its operations; signals go out through the service.
+class TarvikService::TarvikServicePrivate {
+public:
+    TarvikServicePrivate(TarvikCore& core, TarvikService& owner);
+
+    /// Hands a request to the loader, with the view's records.
+    void open(ImageLoader::Task task, ImageLoader::Data request, bool signalLoadError);
+    /// Goes to an image of the open series; without image nothing happens.
+    void openIndex(int index, bool signalLoadError);
+
+    /// Makes a finished load visible.
+    void newImage();
+    /// Moves the view to the group of the new image's size. What the user has not changed during
+    /// the load is taken over from the group.
+    void changeGroups(const ImageLoader::Data& request);
+
+    void setStatisticsData(const StatisticsData& data);
+    /// An active centred circle and the beam centre of the header follow one another.
+    void applyPowderCentreToBeamCentre();
+    void applyBeamCentreToPowderCentre();
+
+    TarvikService& service;
+    ViewRecord<ContrastData> _contrast;
+    ViewRecord<ViewportData> _viewport;
+    ViewRecord<StatisticsData> _statisticsRecord;
+    ViewRecord<PeakData> _peaks;
+    /// Restarted by every request.
+    QElapsedTimer _loadClock;
+    MImage _image;
+    MImage _thumbnail;
+    MImage _mask;
+    MImage _thumbnailMask;
+    HeaderEdits _headerEdits;
+    PlottingMode _plottingMode = PlottingMode::Flat;
+    bool _showResolutionRings = false;
+    bool _highlightDefective = true;
+    bool _highlightSaturated = true;
+    int _imageIndex = -1;
+    std::unique_ptr<QFileSystemWatcher> _watcher;
+    QSharedPointer<ImageStatistics> _statistics;
+    std::string _imagePath;
+    QString _additionalSyncID;
+    const MColorTable* _defaultColorTable = nullptr;
+    std::list<const MColorTable*> _colorTables;
+    MDrawingList _paintList;
+    ImageLoader _imageLoader;  // last: it ends first, and its jobs with it
+
+private:
+    bool _activeCentredCircle() const;
+    bool _beamCentreIsPowderCentre() const;
+};

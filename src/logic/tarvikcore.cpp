@@ -1,0 +1,82 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Wiring of services, groups and colour tables.
+#include "logic/tarvikcore.h"
+
+#include "imagelib/display/MColorTable.h"
+#include "logic/TarvikService.h"
+
+#include <algorithm>
+
+TarvikCore::TarvikCore()
+    : _colorTables{MColorTable::hdr(), MColorTable::grey(), MColorTable::heat(),
+                   MColorTable::rainbow()}
+{
+    qRegisterMetaType<ViewportData>("ViewportData");
+    qRegisterMetaType<ContrastData>("ContrastData");
+    qRegisterMetaType<StatisticsData>("StatisticsData");
+    qRegisterMetaType<const StatisticsData*>("const StatisticsData*");
+    qRegisterMetaType<PeakData>("PeakData");
+    qRegisterMetaType<morvend::imglib::MImage>("morvend::imglib::MImage");
+}
+
+TarvikCore::~TarvikCore()
+{
+    // Services leave their groups as they go; one that waits for its deletion is still a child.
+    _services.clear();
+    qDeleteAll(findChildren<TarvikService*>(QString(), Qt::FindDirectChildrenOnly));
+}
+
+TarvikService* TarvikCore::newService(const QString& additionalSyncID)
+{
+    auto service = std::make_unique<TarvikService>(*this);
+    service->setAdditionalSyncID(additionalSyncID);
+    service->setDefaultColorTable(_defaultColorTable);
+    service->setColorTables(_colorTables);
+    _services.insert(service.get());
+    return service.release();  // a child of the core
+}
+
+void TarvikCore::deleteService(TarvikService* service)
+{
+    if (_services.erase(service) > 0)
+        service->deleteLater();
+}
+
+void TarvikCore::setDefaultColorTable(const QString& name)
+{
+    const auto table =
+        std::find_if(_colorTables.begin(), _colorTables.end(),
+                     [identifier = name.toStdString()](const MColorTable* candidate) {
+                         return candidate->identifier() == identifier;
+                     });
+    assert(table != _colorTables.end());
+    _defaultColorTable = *table;
+}
+
+void TarvikCore::synchronizeViewportSlot(bool flag)
+{
+    if (std::get<SyncGroups<ViewportData>>(_groups).setEnabled(flag))
+        emit synchronizeViewportSignal(flag);
+}
+
+void TarvikCore::synchronizeContrastSlot(bool flag)
+{
+    if (std::get<SyncGroups<ContrastData>>(_groups).setEnabled(flag))
+        emit synchronizeContrastSignal(flag);
+}
+
+void TarvikCore::synchronizeStatisticsSlot(bool flag)
+{
+    if (std::get<SyncGroups<StatisticsData>>(_groups).setEnabled(flag))
+        emit synchronizeStatisticsSignal(flag);
+}
+
+void TarvikCore::synchronizePeaksSlot(bool flag)
+{
+    if (std::get<SyncGroups<PeakData>>(_groups).setEnabled(flag))
+        emit synchronizePeaksSignal(flag);
+}
+
+void TarvikCore::generateObjectSlot(ObjectGenerator* generator) { generator->make(); }

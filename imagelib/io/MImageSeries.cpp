@@ -90,6 +90,7 @@ MImage MImageSeries::at(std::size_t number) const { return _d->series->at(toInt(
 bool MImageSeries::empty() const { return _d->series->empty(); }
 int MImageSeries::first() const { return empty() ? -1 : _d->series->first(); }
 int MImageSeries::last() const { return empty() ? -1 : _d->series->last(); }
+int MImageSeries::next(int number) const { return empty() ? -1 : _d->series->next(number); }
 void MImageSeries::update() { _d->series->update(); }
 
 std::string MImageSeries::pathToImage(std::size_t number) const

@@ -60,6 +60,8 @@ public:
     /// Lowest and highest number; -1 for an empty series.
     int first() const;
     int last() const;
+    /// Lowest number of the series above the given one, -1 when there is none: the way over gaps.
+    int next(int number) const;
     /// The file that holds the image of a number, as an absolute path.
     /// @throws MRuntimeException for a series in memory, MOutOfRangeException for a number that the
     /// series can't have

@@ -54,7 +54,10 @@ MImage FrameSeries::at(int number) const
     return image;
 }
 
-std::string FrameSeries::pathToImage(int number) const { return _file->framePath(position(number)); }
+std::string FrameSeries::pathToImage(int number) const
+{
+    return _file->framePath(position(number));
+}
 
 void FrameSeries::update()
 {

@@ -63,6 +63,13 @@ Member NumberedSeries::member(int number) const
     return {number, _padding};
 }
 
+int NumberedSeries::next(int number) const
+{
+    if (number >= last())
+        return -1;
+    return lowerBound(_members, number + 1)->number;
+}
+
 MImage NumberedSeries::at(int number) const
 {
     // What was opened serves once, right after the opening: later the file may have changed.

@@ -23,6 +23,7 @@ public:
     const char* format() const override { return _format.c_str(); }
     int first() const override { return _members.front().number; }
     int last() const override { return _members.back().number; }
+    int next(int number) const override;
     MImage at(int number) const override;
     std::string pathToImage(int number) const override;
     void update() override;

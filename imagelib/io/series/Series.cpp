@@ -4,9 +4,12 @@
 // What all kinds of series share.
 #include "imagelib/io/series/Series.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace morvend::imglib {
+
+int Series::next(int number) const { return number >= last() ? -1 : std::max(number + 1, first()); }
 
 void Series::pushBack(const MImage&)
 {

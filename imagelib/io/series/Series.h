@@ -20,6 +20,8 @@ public:
     virtual bool empty() const { return false; }
     virtual int first() const = 0;
     virtual int last() const = 0;
+    /// Without gaps, unless a kind knows better.
+    virtual int next(int number) const;
     virtual MImage at(int number) const = 0;
     virtual std::string pathToImage(int number) const = 0;
     virtual void update() {}

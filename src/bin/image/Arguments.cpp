@@ -1,0 +1,239 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Reads the command line. Pure: looks at no file.
+#include "bin/image/Arguments.h"
+
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+#include <cmath>
+#include <string_view>
+
+namespace tarvik::tool {
+
+namespace {
+
+using Command = Arguments::Command;
+
+template <class T>
+T toNumber(std::string_view text, const std::string& what)
+{
+    T value{};
+    const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error != std::errc() || stop != text.data() + text.size())
+        throw UsageError(what + " is no number that fits: \"" + std::string(text) + '"');
+    return value;
+}
+
+int toCount(std::string_view text, const std::string& what)
+{
+    const int value = toNumber<int>(text, what);
+    if (value < 0)
+        throw UsageError(what + " is negative: " + std::string(text));
+    return value;
+}
+
+double toLevel(std::string_view text, const std::string& what)
+{
+    const auto value = toNumber<double>(text, what);
+    if (!std::isfinite(value))
+        throw UsageError(what + " is not finite: " + std::string(text));
+    return value;
+}
+
+std::pair<int, int> toPixel(std::string_view text)
+{
+    const std::size_t comma = text.find(',');
+    if (comma == std::string_view::npos)
+        throw UsageError("--pixel needs X,Y: \"" + std::string(text) + '"');
+    return {toNumber<int>(text.substr(0, comma), "X of --pixel"),
+            toNumber<int>(text.substr(comma + 1), "Y of --pixel")};
+}
+
+Scale toScale(std::string_view text)
+{
+    constexpr int Most = 64;
+    const double value = toLevel(text, "--scale");
+    for (int factor = 1; factor <= Most; factor *= 2)
+        if (value * factor == 1.0)
+            return {1, factor};
+    if (value < 1 || value > Most || value != std::floor(value))
+        throw UsageError("--scale is a whole number up to " + std::to_string(Most) +
+                         " or one of 0.5, 0.25, 0.125 ...: " + std::string(text));
+    return {static_cast<int>(value), 1};
+}
+
+/// One option: the command that has it, and what it does with its value.
+struct Option {
+    std::string_view name;
+    std::vector<Command> commands;
+    bool hasValue;
+    void (*apply)(Arguments& arguments, const std::string& value);
+};
+
+const std::vector<Option>& options()
+{
+    using A = Arguments;
+    using Text = const std::string&;
+    static const std::vector<Option> all{
+        {"--frame",
+         {Command::Info, Command::Convert, Command::Render},
+         true,
+         [](A& a, Text value) { a.frame = toCount(value, "--frame"); }},
+        {"--json", {Command::Info}, false, [](A& a, Text) { a.json = true; }},
+        {"--raw-header", {Command::Info}, false, [](A& a, Text) { a.rawHeader = true; }},
+        {"--pixel",
+         {Command::Info},
+         true,
+         [](A& a, Text value) { a.pixels.push_back(toPixel(value)); }},
+        {"--all", {Command::Convert}, false, [](A& a, Text) { a.all = true; }},
+        {"--table", {Command::Render}, true, [](A& a, Text value) { a.table = value; }},
+        {"--background",
+         {Command::Render},
+         true,
+         [](A& a, Text value) { a.background = toLevel(value, "--background"); }},
+        {"--foreground",
+         {Command::Render},
+         true,
+         [](A& a, Text value) { a.foreground = toLevel(value, "--foreground"); }},
+        {"--scale", {Command::Render}, true, [](A& a, Text value) { a.scale = toScale(value); }},
+    };
+    return all;
+}
+
+const Option& findOption(const std::string& name, const std::string& commandName, Command command)
+{
+    for (const Option& option : options())
+        if (option.name == name && std::find(option.commands.begin(), option.commands.end(),
+                                             command) != option.commands.end())
+            return option;
+    throw UsageError(commandName + " has no option " + name);
+}
+
+/// Applies the options and returns the other words.
+std::vector<std::string> readOptions(const std::vector<std::string>& words, Arguments& arguments)
+{
+    std::vector<std::string> files;
+    for (std::size_t i = 1; i < words.size(); ++i) {
+        const std::string& word = words[i];
+        if (word == "--") {
+            files.insert(files.end(), words.begin() + static_cast<std::ptrdiff_t>(i) + 1,
+                         words.end());
+            break;
+        }
+        if (word.size() < 2 || word[0] != '-') {
+            files.push_back(word);
+            continue;
+        }
+        const std::size_t equals = word.find('=');
+        const std::string name = word.substr(0, equals);
+        const Option& option = findOption(name, words[0], arguments.command);
+        if (option.hasValue == (equals != std::string::npos)) {
+            option.apply(arguments, option.hasValue ? word.substr(equals + 1) : "");
+        } else if (!option.hasValue) {
+            throw UsageError(name + " takes no value");
+        } else {
+            if (++i == words.size())
+                throw UsageError(name + " needs a value");
+            option.apply(arguments, words[i]);
+        }
+    }
+    return files;
+}
+
+Command toCommand(const std::string& word)
+{
+    if (word == "info")
+        return Command::Info;
+    if (word == "convert")
+        return Command::Convert;
+    if (word == "render")
+        return Command::Render;
+    throw UsageError("There is no command " + word);
+}
+
+Arguments::Format toFormat(const std::string& path, Command command)
+{
+    using Format = Arguments::Format;
+    const std::size_t dot = path.rfind('.');
+    std::string ending = dot == std::string::npos ? "" : path.substr(dot + 1);
+    std::transform(ending.begin(), ending.end(), ending.begin(),
+                   [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
+    if (command == Command::Render) {
+        if (ending != "png")
+            throw UsageError("render writes .png files only, not " + path);
+        return Format::Png;
+    }
+    if (ending == "cbf")
+        return Format::Cbf;
+    if (ending == "tif" || ending == "tiff")
+        return Format::Tiff;
+    if (ending == "h5" || ending == "hdf5")
+        return Format::Hdf5;
+    throw UsageError("convert writes .cbf, .tif, .tiff or .h5 files, not " + path);
+}
+
+}  // namespace
+
+Arguments Arguments::parse(const std::vector<std::string>& words)
+{
+    Arguments arguments;
+    if (words.empty())
+        throw UsageError("A command is needed");
+    const auto endOfOptions = std::find(words.begin(), words.end(), "--");
+    const auto asked = [&](const char* option) {
+        return std::find(words.begin(), endOfOptions, option) != endOfOptions;
+    };
+    if (asked("--help") || asked("-h"))
+        return arguments;
+    if (words[0] == "--version") {
+        arguments.command = Command::Version;
+        return arguments;
+    }
+    arguments.command = toCommand(words[0]);
+    const std::vector<std::string> files = readOptions(words, arguments);
+    const std::size_t wanted = arguments.command == Command::Info ? 1 : 2;
+    if (files.size() != wanted)
+        throw UsageError(words[0] + " needs " + (wanted == 1 ? "one file" : "two files") +
+                         ", not " + std::to_string(files.size()));
+    arguments.file = files[0];
+    if (wanted == 2) {
+        arguments.output = files[1];
+        arguments.format = toFormat(arguments.output, arguments.command);
+    }
+    if (arguments.all && arguments.frame)
+        throw UsageError("--all and --frame exclude each other");
+    return arguments;
+}
+
+std::string Arguments::usage()
+{
+    return R"(Usage: tarvik-image info [--json] [--frame N] [--raw-header] [--pixel X,Y]... FILE
+       tarvik-image convert [--frame N | --all] FILE OUT.cbf|.tif|.tiff|.h5
+       tarvik-image render [--frame N] [--table NAME] [--background B] [--foreground F]
+                           [--scale K] FILE OUT.png
+       tarvik-image --help | --version
+
+FILE is a CBF, TIFF, EDF or HDF5 image; with it comes the whole series it belongs to.
+
+info      tells format, series, size, statistics and header of an image
+  --json        as one JSON object
+  --raw-header  with the header text of the file
+  --pixel X,Y   with the value of a pixel; may be given several times
+convert   writes an image in another format
+  --all         all images of the series: numbered files, or the frames of one HDF5 series
+render    makes a PNG picture as the viewer shows it
+  --table NAME  HDR (default), GS, H or RB, or "High Dynamic Range", "Grey Scale", "Heat",
+                "Rainbow"
+  --background B, --foreground F
+                intensities of the first and the last linear colour; computed when absent
+  --scale K     2, 3, ... enlarges; 0.5, 0.25, ... takes every second, fourth, ... pixel
+
+--frame N       the image of that number; without it the one that FILE names
+
+Exit code: 0 done, 1 a file can't be read or written, 2 wrong usage.
+)";
+}
+
+}  // namespace tarvik::tool

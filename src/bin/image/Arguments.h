@@ -1,0 +1,59 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The command line of tarvik-image as a record.
+#pragma once
+
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tarvik::tool {
+
+/// A command line that can't be understood; what() says what is wrong with it.
+class UsageError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// Size of a picture against its image: `up` picture pixels for `down` image pixels. One of the
+/// two is 1.
+struct Scale {
+    int up = 1;
+    int down = 1;
+    bool operator==(const Scale&) const = default;
+};
+
+struct Arguments {
+    enum class Command { Help, Version, Info, Convert, Render };
+    enum class Format { Cbf, Tiff, Hdf5, Png };
+
+    Command command = Command::Help;
+    std::string file;
+    std::string output;           // convert, render
+    Format format = Format::Cbf;  // of the output, by its extension
+    std::optional<int> frame;     // number in the series; the one that the file names when absent
+    // info
+    bool json = false;
+    bool rawHeader = false;
+    std::vector<std::pair<int, int>> pixels;  // x, y
+    // convert
+    bool all = false;
+    // render
+    std::string table = "HDR";
+    std::optional<double> background;
+    std::optional<double> foreground;
+    Scale scale;
+
+    /// Reads the words behind the program's name. Options may stand anywhere behind the command, as
+    /// "--name value" or "--name=value"; "--" ends them.
+    /// @throws UsageError
+    static Arguments parse(const std::vector<std::string>& words);
+
+    /// The text of --help.
+    static std::string usage();
+};
+
+}  // namespace tarvik::tool

@@ -1,0 +1,22 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The series and the image that a command works on.
+#pragma once
+
+#include "bin/image/Arguments.h"
+#include "imagelib/io/MImageSeries.h"
+
+namespace tarvik::tool {
+
+struct ChosenImage {
+    /// Opens the file and reads the image that is asked for, or the one that the file names.
+    /// @throws MException
+    explicit ChosenImage(const Arguments& arguments);
+
+    morvend::imglib::MImageSeries series{0};
+    int number = 0;
+    morvend::imglib::MImage image;
+};
+
+}  // namespace tarvik::tool

@@ -1,0 +1,72 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Walks over the images of a series and writes them.
+#include "bin/image/Convert.h"
+
+#include "bin/image/Progress.h"
+#include "bin/image/SourceGuard.h"
+#include "imagelib/io/MImageWriter.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace tarvik::tool {
+
+using namespace morvend;
+using namespace morvend::imglib;
+
+Convert::Convert(Arguments arguments)
+    : _arguments(std::move(arguments))
+    , _opened(_series.open(_arguments.file))
+{}
+
+std::string Convert::numberedName(const std::string& output, int number)
+{
+    constexpr std::size_t Digits = 5;
+    std::string text = std::to_string(number);
+    text.insert(0, Digits - std::min(Digits, text.size()), '0');
+    const std::size_t dot = output.rfind('.');
+    return output.substr(0, dot) + '_' + text + output.substr(dot);
+}
+
+std::string Convert::target(int number) const
+{
+    return _arguments.all ? numberedName(_arguments.output, number) : _arguments.output;
+}
+
+int Convert::firstNumber() const
+{
+    return _arguments.all ? _series.first() : _arguments.frame.value_or(_opened);
+}
+
+int Convert::nextNumber(int number) const { return _arguments.all ? _series.next(number) : -1; }
+
+void Convert::guardSources() const
+{
+    SourceGuard guard(_arguments.file, _series);
+    for (int number = firstNumber(); number >= 0; number = nextNumber(number))
+        guard.check(target(number));
+}
+
+void Convert::run()
+{
+    guardSources();
+    if (_arguments.format == Arguments::Format::Hdf5)
+        writeSeries();
+    else
+        writeFiles();
+}
+
+void Convert::writeFiles() const
+{
+    const MImageWriter::Format format =
+        _arguments.format == Arguments::Format::Cbf ? MImageWriter::CBF : MImageWriter::TIFF;
+    Progress progress(_series.last());
+    for (int number = firstNumber(); number >= 0; number = nextNumber(number)) {
+        progress.show(number);
+        MImageWriter::write(_series.at(static_cast<std::size_t>(number)), target(number), format);
+    }
+}
+
+}  // namespace tarvik::tool

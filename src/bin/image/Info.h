@@ -1,0 +1,28 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The command "info": tells about an image.
+#pragma once
+
+#include "bin/image/Arguments.h"
+#include "bin/image/ChosenImage.h"
+
+#include <iosfwd>
+
+namespace tarvik::tool {
+
+class Info {
+public:
+    /// @throws MException when the image can't be read or a pixel lies outside of it
+    explicit Info(Arguments arguments);
+
+    void writeText(std::ostream& out) const;
+    /// One JSON object on one line.
+    void writeJson(std::ostream& out) const;
+
+private:
+    Arguments _arguments;
+    ChosenImage _chosen;
+};
+
+}  // namespace tarvik::tool

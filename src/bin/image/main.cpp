@@ -1,0 +1,79 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// tarvik-image: tells about, converts and renders detector images without a window.
+#include "bin/image/Arguments.h"
+#include "bin/image/Convert.h"
+#include "bin/image/Info.h"
+#include "bin/image/Render.h"
+#include "imagelib/image/MException.h"
+
+#include <algorithm>
+#include <iostream>
+#include <new>
+
+namespace {
+
+using tarvik::tool::Arguments;
+
+constexpr int Done = 0;
+constexpr int Failed = 1;
+constexpr int WrongUsage = 2;
+
+int fail(std::string reason)
+{
+    // One line, whatever the reason holds.
+    std::replace_if(
+        reason.begin(), reason.end(), [](unsigned char letter) { return letter < ' '; }, ' ');
+    std::cerr << "tarvik-image: " << reason << std::endl;
+    return Failed;
+}
+
+void run(const Arguments& arguments)
+{
+    switch (arguments.command) {
+    case Arguments::Command::Help:
+        std::cout << Arguments::usage();
+        break;
+    case Arguments::Command::Version:
+        std::cout << "tarvik-image " TARVIK_VERSION "\n";
+        break;
+    case Arguments::Command::Info: {
+        const tarvik::tool::Info info(arguments);
+        if (arguments.json)
+            info.writeJson(std::cout);
+        else
+            info.writeText(std::cout);
+        break;
+    }
+    case Arguments::Command::Convert:
+        tarvik::tool::Convert(arguments).run();
+        break;
+    case Arguments::Command::Render:
+        tarvik::tool::Render::run(arguments);
+        break;
+    }
+    if (!std::cout.flush())
+        throw morvend::MRuntimeException("Cannot write to standard output");
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    std::string file;
+    try {
+        const Arguments arguments =
+            Arguments::parse(std::vector<std::string>(argv + std::min(argc, 1), argv + argc));
+        file = arguments.file;
+        run(arguments);
+        return Done;
+    } catch (const tarvik::tool::UsageError& error) {
+        std::cerr << "tarvik-image: " << error.what() << "\n\n" << Arguments::usage();
+        return WrongUsage;
+    } catch (const std::bad_alloc&) {
+        return fail("Not enough memory: " + file);
+    } catch (const std::exception& error) {
+        return fail(error.what());
+    }
+}

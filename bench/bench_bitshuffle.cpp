@@ -10,6 +10,7 @@
 #include "imagelib/codec/Lz4.h"
 #include "imagelib/codec/Shuffle.h"
 #include "imagelib/image/MImage.h"
+#include "imagelib/io/formats/hdf5/Hdf5Filters.h"
 #include "imagelib/io/formats/hdf5/Hdf5Handles.h"
 #include "tests/support/TempFolder.h"
 
@@ -58,7 +59,8 @@ std::vector<T> makeFrame(const Size& size, unsigned seed)
             }
             const double r = std::hypot(static_cast<double>(x) - cx, static_cast<double>(y) - cy);
             double left = 0.2 + 3.0 * std::exp(-r / 500), product = 1.0;
-            for (left = std::exp(-left); (product *= random() * 0x1p-32) > left;)
+            for (left = std::exp(-left);
+                 (product *= static_cast<double>(random()) * 0x1p-32) > left;)
                 ++pixel;
             if (random() % 20000 == 0)
                 pixel = static_cast<T>(random() % 30000);
@@ -106,7 +108,6 @@ Stored store(const std::string& path, const Size& size, Kind kind)
             filter.values = {sizeof(T)};
         if (filter.id == codec::BitshuffleFilter)
             filter.values = {0, 3, sizeof(T), 0, 2};
-        // A plug-in that is set local when the data set is made replaces these by its own values.
         check(H5Pset_filter(creation.id(), static_cast<H5Z_filter_t>(filter.id), H5Z_FLAG_OPTIONAL,
                             filter.values.size(), filter.values.data()),
               "filter", path);
@@ -259,6 +260,7 @@ int main(int argc, char** argv)
 {
     tarvik::bench::holdToTarget();
     benchmark::Initialize(&argc, argv);
+    registerFilters();
     registerAll();
     benchmark::RunSpecifiedBenchmarks();
 }

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <limits>
 #include <system_error>
 
 #include <fcntl.h>
@@ -54,6 +55,10 @@ public:
 
     std::size_t readSome(std::uint64_t offset, void* target, std::size_t count) const override
     {
+        // The system refuses offsets that no file can have; there is nothing to read at them.
+        constexpr std::uint64_t LargestFile = std::numeric_limits<off_t>::max();
+        if (offset > LargestFile || count > LargestFile - offset)
+            return 0;
         std::size_t done = 0;
         while (done < count) {
             const ssize_t got = ::pread(_file, static_cast<char*>(target) + done, count - done,
@@ -73,11 +78,14 @@ private:
     int _file = -1;
 };
 
+/// Bytes that some owner keeps in memory.
+template <class Owner>
 class MemorySource : public ByteSource {
 public:
-    MemorySource(std::string path, std::vector<std::byte> bytes)
+    MemorySource(std::string path, Owner owner, const std::byte* bytes, std::size_t size)
         : ByteSource(std::move(path))
-        , _bytes(std::move(bytes))
+        , _owner(std::move(owner))
+        , _bytes(bytes, size)
     {}
 
     std::uint64_t size() const override { return _bytes.size(); }
@@ -88,12 +96,14 @@ public:
         if (offset >= _bytes.size())
             return 0;
         const std::size_t got = std::min(count, _bytes.size() - static_cast<std::size_t>(offset));
-        std::memcpy(target, _bytes.data() + offset, got);
+        if (got > 0)
+            std::memcpy(target, _bytes.data() + offset, got);
         return got;
     }
 
 private:
-    std::vector<std::byte> _bytes;
+    Owner _owner;
+    std::span<const std::byte> _bytes;
 };
 
 }  // namespace
@@ -101,15 +111,28 @@ private:
 std::shared_ptr<const ByteSource> ByteSource::open(const std::string& path)
 {
     auto file = std::make_shared<const FileSource>(path);
-    if (const Packing packing = packingOf(file->head(4)); packing != Packing::None)
-        return fromMemory(path, unpack(*file, packing, MostUnpacked));
-    return file;
+    const Packing packing = packingOf(file->head(4));
+    if (packing == Packing::None)
+        return file;
+    Unpacked unpacked = unpack(*file, packing, MostUnpacked);
+    return fromMemory(path, std::move(unpacked.buffer), unpacked.size);
 }
 
 std::shared_ptr<const ByteSource> ByteSource::fromMemory(std::string path,
                                                          std::vector<std::byte> bytes)
 {
-    return std::make_shared<const MemorySource>(std::move(path), std::move(bytes));
+    const std::byte* const first = bytes.data();
+    const std::size_t size = bytes.size();
+    return std::make_shared<const MemorySource<std::vector<std::byte>>>(
+        std::move(path), std::move(bytes), first, size);
+}
+
+std::shared_ptr<const ByteSource>
+ByteSource::fromMemory(std::string path, image::PixelBufferPtr bytes, std::size_t size)
+{
+    const std::byte* const first = bytes->cdata();
+    return std::make_shared<const MemorySource<image::PixelBufferPtr>>(
+        std::move(path), std::move(bytes), first, size);
 }
 
 void ByteSource::read(std::uint64_t offset, void* target, std::size_t count, const char* what) const

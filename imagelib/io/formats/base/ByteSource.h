@@ -4,6 +4,8 @@
 // The bytes of an image file, whether it lies plain on disk or is compressed as a whole.
 #pragma once
 
+#include "imagelib/image/PixelBuffer.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -28,6 +30,9 @@ public:
     /// Bytes in memory under a name, for tests and for parts of files.
     static std::shared_ptr<const ByteSource> fromMemory(std::string path,
                                                         std::vector<std::byte> bytes);
+    /// The first `size` bytes of a buffer under a name.
+    static std::shared_ptr<const ByteSource>
+    fromMemory(std::string path, image::PixelBufferPtr bytes, std::size_t size);
 
     virtual ~ByteSource() = default;
 

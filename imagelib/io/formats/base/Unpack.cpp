@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Streaming through zlib and libbz2 with a bound on the result.
+// libdeflate and libbz2 with a bound on the result.
 #include "imagelib/io/formats/base/Unpack.h"
 
 #include "imagelib/image/MException.h"
@@ -9,143 +9,181 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <memory>
 
 #include <bzlib.h>
-#include <zlib.h>
+#include <libdeflate.h>
 
 namespace morvend::imglib {
 
 namespace {
 
-constexpr std::size_t FirstCapacity = std::size_t(1) << 20;
+using Bytes = std::span<const std::byte>;
 
-/// A growing output: `room` hands out free space, `filled` says how much of it was used.
+/// Where unpacked bytes go: memory of the caller, or a buffer that grows up to a limit.
 class Output {
 public:
-    Output(std::uint64_t most, const std::string& name)
+    Output(std::span<std::byte> target, const std::string& name)
+        : _most(target.size())
+        , _name(name)
+        , _target(target)
+    {}
+    Output(std::size_t guess, std::uint64_t most, const std::string& name)
         : _most(most)
         , _name(name)
-    {}
+    {
+        _resize(static_cast<std::size_t>(std::min<std::uint64_t>(guess, most)));
+    }
 
-    std::span<std::byte> room()
-    {
-        if (_used == _bytes.size()) {
-            if (_used >= _most)
-                throw MRuntimeException("Compressed file unpacks to more than " +
-                                        std::to_string(_most) + " bytes: " + _name);
-            const std::uint64_t wanted = std::max<std::uint64_t>(FirstCapacity, 2 * _used);
-            _bytes.resize(static_cast<std::size_t>(std::min(wanted, _most)));
-        }
-        return std::span(_bytes).subspan(
-            _used,
-            std::min<std::size_t>(_bytes.size() - _used, std::numeric_limits<unsigned int>::max()));
-    }
+    std::span<std::byte> room() const { return _target.subspan(_used); }
     void filled(std::size_t count) { _used += count; }
-    std::vector<std::byte> take()
+    std::size_t used() const { return _used; }
+
+    /// Makes more room; what is there stays.
+    void grow()
     {
-        _bytes.resize(_used);
-        return std::move(_bytes);
+        constexpr std::size_t LeastGrowth = std::size_t(1) << 20;
+        if (_target.size() >= _most)
+            tooLarge();
+        const std::uint64_t wanted = 2 * static_cast<std::uint64_t>(_target.size()) + LeastGrowth;
+        _resize(static_cast<std::size_t>(std::min(wanted, _most)));
     }
+    [[noreturn]] void tooLarge() const
+    {
+        throw MRuntimeException("Compressed data unpack to more than " + std::to_string(_most) +
+                                " bytes: " + _name);
+    }
+
+    Unpacked take() { return {std::move(_buffer), _used}; }
 
 private:
+    void _resize(std::size_t bytes)
+    {
+        image::PixelBufferPtr larger = image::PixelBuffer::allocate(bytes);
+        if (_used > 0)
+            std::memcpy(larger->data(), _target.data(), _used);
+        _buffer = std::move(larger);
+        _target = {_buffer->data(), bytes};
+    }
+
     std::uint64_t _most;
     const std::string& _name;
-    std::vector<std::byte> _bytes;
+    image::PixelBufferPtr _buffer;
+    std::span<std::byte> _target;
     std::size_t _used = 0;
 };
 
 [[noreturn]] void damaged(const char* kind, const char* reason, const std::string& name)
 {
-    throw MRuntimeException(std::string("Compressed file is damaged (") + kind + ": " + reason +
+    throw MRuntimeException(std::string("Compressed data are damaged (") + kind + ": " + reason +
                             "): " + name);
 }
 
-/// The input in pieces that fit the 32-bit counters of the libraries.
-class Input {
-public:
-    explicit Input(std::span<const std::byte> bytes)
-        : _rest(bytes)
-    {}
-    std::span<const std::byte> next()
-    {
-        const auto piece = _rest.first(std::min<std::size_t>(_rest.size(), std::size_t(1) << 30));
-        _rest = _rest.subspan(piece.size());
-        return piece;
-    }
-
-private:
-    std::span<const std::byte> _rest;
-};
-
-std::vector<std::byte> unpackDeflate(std::span<const std::byte> packed, int windowBits,
-                                     std::uint64_t most, const std::string& name)
+bool isGzip(Bytes bytes)
 {
-    z_stream stream = {};
-    if (inflateInit2(&stream, windowBits) != Z_OK)
+    return bytes.size() >= 2 && bytes[0] == std::byte(0x1f) && bytes[1] == std::byte(0x8b);
+}
+
+void unpackDeflate(Bytes packed, Packing packing, Output& output, const std::string& name)
+{
+    const std::unique_ptr<libdeflate_decompressor, decltype(&libdeflate_free_decompressor)>
+        decompressor(libdeflate_alloc_decompressor(), &libdeflate_free_decompressor);
+    if (!decompressor)
         throw MRuntimeException("Not enough memory to unpack: " + name);
-    const std::unique_ptr<z_stream, int (*)(z_stream*)> guard(&stream, inflateEnd);
-    Input input(packed);
-    Output output(most, name);
-    bool atMemberEnd = false;
-    for (;;) {
-        if (stream.avail_in == 0) {
-            const auto piece = input.next();
-            stream.next_in = reinterpret_cast<Bytef*>(const_cast<std::byte*>(piece.data()));
-            stream.avail_in = static_cast<uInt>(piece.size());
-            if (piece.empty()) {
-                if (atMemberEnd)
-                    return output.take();
-                damaged("gzip", "it ends early", name);
-            }
-        }
-        if (atMemberEnd) {
-            // Blanks or zeros behind the last member are padding, as tapes and some writers leave.
-            if (*stream.next_in != 0x1f)
-                return output.take();
-            inflateReset(&stream);
-        }
+    const auto decompress =
+        packing == Packing::Zlib ? &libdeflate_zlib_decompress_ex : &libdeflate_gzip_decompress_ex;
+    bool atEnd = false;
+    while (!atEnd) {
         const auto room = output.room();
-        stream.next_out = reinterpret_cast<Bytef*>(room.data());
-        stream.avail_out = static_cast<uInt>(room.size());
-        const int status = inflate(&stream, Z_NO_FLUSH);
-        output.filled(room.size() - stream.avail_out);
-        atMemberEnd = status == Z_STREAM_END;
-        if (status != Z_OK && status != Z_STREAM_END && status != Z_BUF_ERROR)
-            damaged("gzip", stream.msg ? stream.msg : "bad data", name);
+        std::size_t from = 0;
+        std::size_t to = 0;
+        switch (decompress(decompressor.get(), packed.data(), packed.size(), room.data(),
+                           room.size(), &from, &to)) {
+        case LIBDEFLATE_SUCCESS:
+            output.filled(to);
+            packed = packed.subspan(from);
+            atEnd = packing == Packing::Zlib || !isGzip(packed);
+            break;
+        case LIBDEFLATE_INSUFFICIENT_SPACE:
+            output.grow();
+            break;
+        default:
+            damaged(packing == Packing::Zlib ? "zlib" : "gzip", "bad data or an early end", name);
+        }
     }
 }
 
-std::vector<std::byte> unpackBzip2(std::span<const std::byte> packed, std::uint64_t most,
-                                   const std::string& name)
+/// One bzip2 stream; returns what follows it.
+Bytes unpackBzip2Stream(Bytes packed, Output& output, const std::string& name)
 {
-    Input input(packed);
-    Output output(most, name);
-    std::span<const std::byte> piece = input.next();
-    while (!piece.empty()) {
-        bz_stream stream = {};
-        if (BZ2_bzDecompressInit(&stream, 0, 0) != BZ_OK)
-            throw MRuntimeException("Not enough memory to unpack: " + name);
-        const std::unique_ptr<bz_stream, int (*)(bz_stream*)> guard(&stream, BZ2_bzDecompressEnd);
-        for (int status = BZ_OK; status != BZ_STREAM_END;) {
-            if (piece.empty())
-                piece = input.next();
-            if (piece.empty())
-                damaged("bzip2", "it ends early", name);
-            stream.next_in = reinterpret_cast<char*>(const_cast<std::byte*>(piece.data()));
-            stream.avail_in = static_cast<unsigned int>(piece.size());
-            const auto room = output.room();
-            stream.next_out = reinterpret_cast<char*>(room.data());
-            stream.avail_out = static_cast<unsigned int>(room.size());
-            status = BZ2_bzDecompress(&stream);
-            output.filled(room.size() - stream.avail_out);
-            piece = piece.last(stream.avail_in);
-            if (status != BZ_OK && status != BZ_STREAM_END)
-                damaged("bzip2", "bad data", name);
+    constexpr std::size_t MostAtOnce = std::numeric_limits<unsigned int>::max();
+    bz_stream stream = {};
+    if (BZ2_bzDecompressInit(&stream, 0, 0) != BZ_OK)
+        throw MRuntimeException("Not enough memory to unpack: " + name);
+    const std::unique_ptr<bz_stream, decltype(&BZ2_bzDecompressEnd)> guard(&stream,
+                                                                           &BZ2_bzDecompressEnd);
+    for (int status = BZ_OK; status != BZ_STREAM_END;) {
+        if (packed.empty())
+            damaged("bzip2", "it ends early", name);
+        // The library has to be asked once more when the room is used up: the end of the stream
+        // may be all that is left.
+        std::byte spill;
+        const bool full = output.room().empty();
+        const auto room = full ? std::span(&spill, 1) : output.room();
+        stream.next_in = reinterpret_cast<char*>(const_cast<std::byte*>(packed.data()));
+        stream.avail_in = static_cast<unsigned int>(std::min(packed.size(), MostAtOnce));
+        stream.next_out = reinterpret_cast<char*>(room.data());
+        stream.avail_out = static_cast<unsigned int>(std::min(room.size(), MostAtOnce));
+        const unsigned int in = stream.avail_in;
+        const unsigned int out = stream.avail_out;
+        status = BZ2_bzDecompress(&stream);
+        packed = packed.subspan(in - stream.avail_in);
+        const std::size_t got = out - stream.avail_out;
+        if (full && got > 0) {
+            output.grow();
+            output.room()[0] = spill;
         }
-        if (piece.empty())
-            piece = input.next();
+        output.filled(got);
+        if (status != BZ_OK && status != BZ_STREAM_END)
+            damaged("bzip2", "bad data", name);
     }
-    return output.take();
+    return packed;
+}
+
+void unpackTo(Bytes packed, Packing packing, Output& output, const std::string& name)
+{
+    switch (packing) {
+    case Packing::Gzip:
+    case Packing::Zlib:
+        return unpackDeflate(packed, packing, output, name);
+    case Packing::Bzip2:
+        do
+            packed = unpackBzip2Stream(packed, output, name);
+        while (packed.size() >= 3 && std::memcmp(packed.data(), "BZh", 3) == 0);
+        return;
+    case Packing::None:
+        while (output.room().size() < packed.size())
+            output.grow();
+        std::ranges::copy(packed, output.room().begin());
+        output.filled(packed.size());
+    }
+}
+
+/// Likely size of what a stream unpacks to.
+std::size_t guessSize(Bytes packed, Packing packing)
+{
+    constexpr std::size_t Least = std::size_t(64) << 10;
+    constexpr std::uint64_t BestDeflate = 1032;
+    std::uint64_t guess = 4 * static_cast<std::uint64_t>(packed.size());
+    if (packing == Packing::Gzip && packed.size() >= 18) {
+        std::uint32_t told = 0;  // a gzip member ends with its size, modulo 2^32
+        for (const std::byte each :
+             {packed.end()[-1], packed.end()[-2], packed.end()[-3], packed.end()[-4]})
+            told = told << 8 | std::to_integer<std::uint32_t>(each);
+        if (told <= BestDeflate * packed.size())
+            guess = told;
+    }
+    return std::max(Least, static_cast<std::size_t>(guess));
 }
 
 }  // namespace
@@ -159,32 +197,31 @@ Packing packingOf(std::string_view head)
     return Packing::None;
 }
 
-std::vector<std::byte> unpack(std::span<const std::byte> packed, Packing packing,
-                              std::uint64_t most, const std::string& name)
+Unpacked unpack(std::span<const std::byte> packed, Packing packing, std::uint64_t most,
+                const std::string& name)
 {
-    constexpr int GzipOnly = 16 + MAX_WBITS;
-    switch (packing) {
-    case Packing::Gzip:
-        return unpackDeflate(packed, GzipOnly, most, name);
-    case Packing::Zlib:
-        return unpackDeflate(packed, MAX_WBITS, most, name);
-    case Packing::Bzip2:
-        return unpackBzip2(packed, most, name);
-    case Packing::None:
-        break;
-    }
-    return {packed.begin(), packed.end()};
+    Output output(guessSize(packed, packing), most, name);
+    unpackTo(packed, packing, output, name);
+    return output.take();
 }
 
-std::vector<std::byte> unpack(const ByteSource& file, Packing packing, std::uint64_t most)
+Unpacked unpack(const ByteSource& file, Packing packing, std::uint64_t most)
 {
     const std::uint64_t size = file.size();
     if (size > most)
         throw MRuntimeException("Compressed file is larger than " + std::to_string(most) +
                                 " bytes: " + file.path());
-    std::vector<std::byte> packed(static_cast<std::size_t>(size));
-    packed.resize(file.readSome(0, packed.data(), packed.size()));
-    return unpack(packed, packing, most, file.path());
+    const auto packed = image::PixelBuffer::allocate(static_cast<std::size_t>(size));
+    const std::size_t got = file.readSome(0, packed->data(), packed->size());
+    return unpack({packed->cdata(), got}, packing, most, file.path());
+}
+
+std::size_t unpackInto(std::span<const std::byte> packed, Packing packing,
+                       std::span<std::byte> target, const std::string& name)
+{
+    Output output(target, name);
+    unpackTo(packed, packing, output, name);
+    return output.used();
 }
 
 }  // namespace morvend::imglib

@@ -1,9 +1,10 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Unpacking of gzip, zlib and bzip2 streams of unknown size into memory.
+// Unpacking of gzip, zlib and bzip2 streams in memory.
 #pragma once
 
+#include "imagelib/image/PixelBuffer.h"
 #include "imagelib/io/formats/base/ByteSource.h"
 
 #include <cstddef>
@@ -11,7 +12,6 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace morvend::imglib {
 
@@ -20,13 +20,26 @@ enum class Packing { None, Gzip, Zlib, Bzip2 };
 /// The packing that the first bytes of a file announce; never Zlib, whose mark is too weak.
 Packing packingOf(std::string_view head);
 
-/// Unpacks a whole file, all members of a gzip or bzip2 file one after the other.
-/// @throws MRuntimeException naming the file when the stream is damaged, ends early or unpacks to
-/// more than `most` bytes
-std::vector<std::byte> unpack(const ByteSource& file, Packing packing, std::uint64_t most);
+/// What came out of a stream: the first `size` bytes of a pooled buffer.
+struct Unpacked {
+    image::PixelBufferPtr buffer;
+    std::size_t size = 0;
+    std::span<const std::byte> bytes() const { return {buffer->cdata(), size}; }
+};
 
-/// The same for bytes in memory; `name` goes into the messages.
-std::vector<std::byte> unpack(std::span<const std::byte> packed, Packing packing,
-                              std::uint64_t most, const std::string& name);
+/// Unpacks a whole stream of unknown size; all members of a gzip or bzip2 file one after the other,
+/// whatever follows the last one is padding. `name` goes into the messages.
+/// @throws MRuntimeException naming the file when the stream is damaged, cut, or unpacks to more
+/// than `most` bytes
+Unpacked unpack(std::span<const std::byte> packed, Packing packing, std::uint64_t most,
+                const std::string& name);
+/// The same for a whole file.
+Unpacked unpack(const ByteSource& file, Packing packing, std::uint64_t most);
+
+/// Unpacks into memory of the size that is expected.
+/// @returns number of bytes unpacked
+/// @throws MRuntimeException when the stream is damaged, cut, or unpacks to more than the target
+std::size_t unpackInto(std::span<const std::byte> packed, Packing packing,
+                       std::span<std::byte> target, const std::string& name);
 
 }  // namespace morvend::imglib

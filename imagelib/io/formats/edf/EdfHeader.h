@@ -1,0 +1,61 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The text header of an EDF block.
+#pragma once
+
+#include "imagelib/io/formats/base/ByteSource.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace morvend::imglib::edf {
+
+/// "{ key = value ; ... }": keys are compared without case, the last of several equal keys holds,
+/// and keys that are missing are looked up in the general header of the file.
+/// Thread: any, once made.
+class EdfHeader {
+public:
+    /// Could these bytes be the begin of a block: '{', by itself or on the second line, and a key?
+    static bool beginsBlock(std::string_view bytes);
+    /// Reads the header that begins at `offset`; it ends with '}' and LF or CR LF, whatever the
+    /// header says of its size. `guess` is its likely size in bytes.
+    /// @throws MRuntimeException when no end is found
+    static EdfHeader read(const ByteSource& source, std::uint64_t offset, std::size_t guess);
+
+    /// Parses a block's text with its braces.
+    explicit EdfHeader(std::string text);
+
+    void setGeneral(std::shared_ptr<const EdfHeader> general) { _general = std::move(general); }
+
+    /// Value of a key without the blanks around it.
+    std::optional<std::string_view> value(std::string_view key) const;
+    /// The value as a whole number, if it is one.
+    std::optional<std::uint64_t> number(std::string_view key) const;
+    /// Is the key in this block itself?
+    bool has(std::string_view key) const { return _own(key).has_value(); }
+
+    /// Bytes in the file, up to and including the end of its last line.
+    std::size_t bytes() const { return _text.size(); }
+    /// The text for people: the general header, then this one, without the padding.
+    std::string shownText() const;
+
+private:
+    struct Entry {
+        std::size_t key, keyBytes, value, valueBytes;  // places in _text
+    };
+    std::optional<std::string_view> _own(std::string_view key) const;
+
+    std::string _text;
+    std::vector<Entry> _entries;
+    std::shared_ptr<const EdfHeader> _general;
+};
+
+/// Are two ASCII texts equal but for the case of their letters?
+bool sameWithoutCase(std::string_view left, std::string_view right);
+
+}  // namespace morvend::imglib::edf

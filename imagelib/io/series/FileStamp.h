@@ -23,6 +23,8 @@ public:
     {
         return _exists == other._exists && _device == other._device && _node == other._node;
     }
+    /// The same file with more bytes?
+    bool grownFrom(const FileStamp& other) const { return sameFile(other) && _size > other._size; }
     /// The same file with the same size and time?
     bool operator==(const FileStamp&) const = default;
 

@@ -44,7 +44,7 @@ std::size_t FrameSeries::position(int number) const
 
 MImage FrameSeries::at(int number) const
 {
-    if (!isHdf5(*_file) && outdated(FileStamp(_path)))
+    if (!isHdf5(*_file) && change(FileStamp(_path)) == Change::Replaced)
         reopen();
     MImage image = _file->frame(position(number));
     std::string name = fileName(_path);
@@ -62,18 +62,25 @@ std::string FrameSeries::pathToImage(int number) const
 void FrameSeries::update()
 {
     try {
-        if (outdated(FileStamp(_path)))
-            reopen();
-        else
-            _file->update();
+        const FileStamp now(_path);
+        const Change change = this->change(now);
+        if (change == Change::Replaced)
+            return reopen();
+        _file->update();
+        if (change == Change::Grown)
+            _stamp = now;
     } catch (const MException&) {
         // A writer may be in the middle of its work; the next look will see the result.
     }
 }
 
-bool FrameSeries::outdated(const FileStamp& now) const
+FrameSeries::Change FrameSeries::change(const FileStamp& now) const
 {
-    return now.exists() && !(isHdf5(*_file) ? now.sameFile(_stamp) : now == _stamp);
+    if (!now.exists() || now == _stamp)
+        return Change::None;
+    const bool appendedTo =
+        isHdf5(*_file) ? now.sameFile(_stamp) : now.grownFrom(_stamp) && _file->frameCount() > 1;
+    return appendedTo ? Change::Grown : Change::Replaced;
 }
 
 void FrameSeries::reopen() const

@@ -12,8 +12,8 @@
 
 namespace morvend::imglib {
 
-/// Keeps the container open. A file that was replaced is opened anew; so is one that was written
-/// to, except HDF5, whose reader follows its writer by itself.
+/// Keeps the container open. One that was replaced or rewritten is opened anew; where frames are
+/// appended to several, and for HDF5 always, its reader follows the writer by itself.
 class FrameSeries : public Series {
 public:
     /// `file` was opened from `path`.
@@ -35,7 +35,8 @@ public:
 
 private:
     std::size_t position(int number) const;
-    bool outdated(const FileStamp& now) const;
+    enum class Change { None, Grown, Replaced };
+    Change change(const FileStamp& now) const;
     void reopen() const;
 
     std::string _path;

@@ -1,0 +1,133 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Frames of one container under numbers, with a container that the test controls.
+#include "imagelib/io/series/FrameSeries.h"
+
+#include "tests/support/TempFolder.h"
+
+#include <boost/optional/optional_io.hpp>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <limits>
+
+using namespace morvend;
+using imglib::FrameSeries;
+using imglib::ImageFile;
+using imglib::MImage;
+
+namespace {
+
+/// A container whose frame at position p has the pixel 100 + p.
+class Container : public ImageFile {
+public:
+    const char* kind = "HDF5";
+    std::size_t frames = 3;
+    std::size_t framesAfterUpdate = 3;
+    std::size_t damagedFrame = std::size_t(-1);
+    std::string description;
+
+    const char* format() const override { return kind; }
+    std::size_t frameCount() const override { return frames; }
+    std::size_t openedFrame() const override { return 2; }
+    int firstNumber() const override { return 1; }
+    void update() override { frames = framesAfterUpdate; }
+    std::string framePath(std::size_t position) const override
+    {
+        return "/data/x_data_" + std::to_string(position) + ".h5";
+    }
+    MImage frame(std::size_t position) const override
+    {
+        if (position == damagedFrame)
+            throw MRuntimeException("damaged");
+        MImage image(1, 1, static_cast<int>(100 + position));
+        if (!description.empty())
+            image.optionalData().setImageDescription(description);
+        return image;
+    }
+};
+
+class FramesOfAContainer : public testing::Test {
+protected:
+    FramesOfAContainer()
+        : path(folder.write("x_master.h5", "?"))
+        , owned(std::make_unique<Container>())
+        , container(owned.get())
+    {}
+    FrameSeries series() { return FrameSeries(path, std::move(owned)); }
+
+    tarvik::tests::TempFolder folder;
+    std::string path;
+    std::unique_ptr<Container> owned;
+    Container* container;
+};
+
+int pixelOf(const MImage& image) { return image.pixel<int>(0, 0, -1); }
+
+}  // namespace
+
+TEST_F(FramesOfAContainer, CountFromItsFirstNumber)
+{
+    const FrameSeries frames = series();
+    EXPECT_EQ(frames.first(), 1);
+    EXPECT_EQ(frames.last(), 3);
+    EXPECT_EQ(frames.openedNumber(), 3);
+    EXPECT_EQ(pixelOf(frames.at(1)), 100);
+    EXPECT_EQ(pixelOf(frames.at(3)), 102);
+    EXPECT_EQ(frames.pathToImage(2), "/data/x_data_1.h5");
+    for (const int number : {0, 4, std::numeric_limits<int>::max()}) {
+        EXPECT_THROW(frames.at(number), MOutOfRangeException);
+        EXPECT_THROW(frames.pathToImage(number), MOutOfRangeException);
+    }
+}
+
+TEST_F(FramesOfAContainer, AreNamedByFileAndNumberUnlessTheFileNamesThem)
+{
+    const FrameSeries frames = series();
+    EXPECT_EQ(frames.at(2).optionalData().imageDescription(), std::string("x_master.h5 - image 2"));
+    container->frames = 1;
+    EXPECT_EQ(frames.at(1).optionalData().imageDescription(), std::string("x_master.h5"));
+    container->description = "Lysozyme";
+    EXPECT_EQ(frames.at(1).optionalData().imageDescription(), std::string("Lysozyme"));
+}
+
+TEST_F(FramesOfAContainer, ADamagedFrameLeavesTheOthers)
+{
+    container->damagedFrame = 1;
+    const FrameSeries frames = series();
+    EXPECT_THROW(frames.at(2), MRuntimeException);
+    EXPECT_EQ(pixelOf(frames.at(3)), 102);
+}
+
+TEST_F(FramesOfAContainer, AppearWhenTheWriterHasAddedThem)
+{
+    FrameSeries frames = series();
+    container->framesAfterUpdate = 12;
+    EXPECT_EQ(frames.last(), 3);
+    folder.write("x_master.h5", "written to, and followed by its reader");
+    frames.update();
+    EXPECT_EQ(frames.last(), 12);
+    EXPECT_EQ(pixelOf(frames.at(12)), 111);
+}
+
+TEST_F(FramesOfAContainer, StayWhenTheFileIsGoneOrReplacedByRubbish)
+{
+    FrameSeries frames = series();
+    std::filesystem::remove(path);
+    frames.update();
+    EXPECT_EQ(frames.last(), 3);
+    folder.write("other", "no image");
+    std::filesystem::rename(folder / "other", path);
+    frames.update();
+    EXPECT_EQ(frames.last(), 3);
+    EXPECT_EQ(pixelOf(frames.at(1)), 100);
+}
+
+TEST_F(FramesOfAContainer, MoreThanAnIntCanCountEndAtTheLastInt)
+{
+    container->frames = std::size_t(1) << 33;
+    const FrameSeries frames = series();
+    EXPECT_EQ(frames.last(), std::numeric_limits<int>::max() - 1);
+    EXPECT_EQ(frames.next(frames.last()), -1);
+}

@@ -5,6 +5,8 @@
 #include "imagelib/io/FormatRegistry.h"
 
 #include "imagelib/image/MException.h"
+#include "imagelib/io/formats/edf/EdfReader.h"
+#include "imagelib/io/formats/tiff/TiffReader.h"
 
 #include <vector>
 
@@ -13,7 +15,7 @@ namespace morvend::imglib {
 std::span<const FormatRegistry::Format> FormatRegistry::formats()
 {
     // EDF comes last: its mark, an opening brace, also begins other files.
-    static const std::vector<Format> all{};
+    static const std::vector<Format> all{{"TIFF", openTiff}, {"EDF", openEdf}};
     return all;
 }
 

@@ -99,25 +99,25 @@ TEST(StatisticsData, EveryFieldCountsAndNanEqualsAnything)
     StatisticsData base;
     base.powderX = 5;
     base.powderY = 6;
-    expectChanges<StatisticsData>(
-        base, {{"defined", [](auto& data) { data.defined = true; }, true},
-               {"beginX", [](auto& data) { data.beginX = 1; }, true},
-               {"beginY", [](auto& data) { data.beginY = 1; }, true},
-               {"endX", [](auto& data) { data.endX = 1; }, true},
-               {"endY", [](auto& data) { data.endY = 1; }, true},
-               {"circleX", [](auto& data) { data.circleX = 1; }, true},
-               {"circleY", [](auto& data) { data.circleY = 1; }, true},
-               {"radius", [](auto& data) { data.radius = 1; }, true},
-               {"innerRadius", [](auto& data) { data.innerRadius = 1; }, true},
-               {"outerRadius", [](auto& data) { data.outerRadius = 1; }, true},
-               {"theta", [](auto& data) { data.theta = 1; }, true},
-               {"theta NaN", [](auto& data) { data.theta = nan; }, false},
-               {"powderX", [](auto& data) { data.powderX = 5.25; }, true},
-               {"powderX NaN", [](auto& data) { data.powderX = nan; }, false},
-               {"powderY", [](auto& data) { data.powderY = 5; }, true},
-               {"powderY NaN", [](auto& data) { data.powderY = nan; }, false},
-               {"roiActive", [](auto& data) { data.roiActive = true; }, true},
-               {"roiType", [](auto& data) { data.roiType = 4; }, true}});
+    expectChanges<StatisticsData>(base,
+                                  {{"defined", [](auto& data) { data.defined = true; }, true},
+                                   {"beginX", [](auto& data) { data.beginX = 1; }, true},
+                                   {"beginY", [](auto& data) { data.beginY = 1; }, true},
+                                   {"endX", [](auto& data) { data.endX = 1; }, true},
+                                   {"endY", [](auto& data) { data.endY = 1; }, true},
+                                   {"circleX", [](auto& data) { data.circleX = 1; }, true},
+                                   {"circleY", [](auto& data) { data.circleY = 1; }, true},
+                                   {"radius", [](auto& data) { data.radius = 1; }, true},
+                                   {"innerRadius", [](auto& data) { data.innerRadius = 1; }, true},
+                                   {"outerRadius", [](auto& data) { data.outerRadius = 1; }, true},
+                                   {"theta", [](auto& data) { data.theta = 1; }, true},
+                                   {"theta NaN", [](auto& data) { data.theta = nan; }, false},
+                                   {"powderX", [](auto& data) { data.powderX = 5.25; }, true},
+                                   {"powderX NaN", [](auto& data) { data.powderX = nan; }, false},
+                                   {"powderY", [](auto& data) { data.powderY = 5; }, true},
+                                   {"powderY NaN", [](auto& data) { data.powderY = nan; }, false},
+                                   {"roiActive", [](auto& data) { data.roiActive = true; }, true},
+                                   {"roiType", [](auto& data) { data.roiType = 4; }, true}});
 }
 
 TEST(StatisticsData, CentredCircleNeedsACentreAndBothRadii)
@@ -143,7 +143,11 @@ TEST(PeakData, EveryFieldCounts)
                             {{"defined", [](auto& data) { data.defined = true; }, true},
                              {"number", [](auto& data) { data.numberOfPeaks = 9; }, true},
                              {"more", [](auto& data) { data.highlightedPeaks.insert(3); }, true},
-                             {"others", [](auto& data) { data.highlightedPeaks = {1, 3}; }, true},
+                             {"others",
+                              [](auto& data) {
+                                  data.highlightedPeaks = {1, 3};
+                              },
+                              true},
                              {"none", [](auto& data) { data.highlightedPeaks.clear(); }, true}});
 }
 

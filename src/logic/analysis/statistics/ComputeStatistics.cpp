@@ -4,6 +4,7 @@
 // The statistics pass, written once over all pixel types.
 #include "logic/analysis/statistics/ComputeStatistics.h"
 
+#include "imagelib/display/MContrast.h"
 #include "imagelib/image/BinaryDispatcher.h"
 #include "logic/analysis/statistics/MaskRule.h"
 #include "logic/support/Assert.h"
@@ -32,6 +33,13 @@ bool saturates(T value, int saturation)
         return saturation >= 1 && std::cmp_greater_equal(value, saturation);
     else
         return false;
+}
+
+void setDefaultContrast(ImageStatistics& statistics, const morvend::imglib::MImage& image,
+                        const morvend::imglib::MImage& mask)
+{
+    const morvend::imglib::MContrast contrast(6.0, 10000);
+    contrast(statistics.foreground, statistics.background, image, &mask);
 }
 
 }  // namespace
@@ -75,6 +83,8 @@ void ComputeStatistics::operator()(const MImage& image, const MImage& mask) cons
                 .maximum = static_cast<double>(maximum),
                 .mean = mean,
                 .sigma = std::sqrt(std::abs(squares / good - mean * mean)),
+                .foreground = 0,
+                .background = 0,
                 .zeros = zeros,
                 .defective = defective,
                 .saturated = saturated,
@@ -90,4 +100,7 @@ void ComputeStatistics::compute(const MImage& image, const MImage& mask) const
     morvend::datatypes::BinaryDispatcher<const ComputeStatistics&, const MImage, const MImage,
                                          void>::Go(image, mask, *this);
     console::printTime("TIME FOR COMPUTING STATISTICS: ", clock.elapsed());
+    clock.restart();
+    setDefaultContrast(*_target, image, mask);
+    console::printTime("TIME FOR COMPUTING CONTRAST: ", clock.elapsed());
 }

@@ -13,6 +13,10 @@ struct ImageStatistics {
     /// Mean and standard deviation of the good pixels; NaN when there is none.
     double mean = 0;
     double sigma = 0;
+    /// The default contrast: intensities at the top of the linear part and at the bottom of the
+    /// colour table.
+    double foreground = 0;
+    double background = 0;
     /// Good pixels of value 0.
     unsigned int zeros = 0;
     /// Pixels that mask bits 1 to 4 exclude.

@@ -1,0 +1,183 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Groups, their switches, services and objects made for other threads.
+#include "imagelib/display/MColorTable.h"
+#include "logic/TarvikService.h"
+#include "logic/tarvikcore.h"
+
+#include <QPointer>
+#include <QSignalSpy>
+#include <QTest>
+#include <QThread>
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+namespace {
+
+using morvend::imglib::MColorTable;
+
+template <class T>
+class View : public AbstractObserver<T> {
+public:
+    explicit View(TarvikCore& core)
+        : _core(core)
+    {}
+    ~View() override { _core.detach(*this); }
+    void virtualNotify() override { ++notified; }
+    int notified = 0;
+
+private:
+    TarvikCore& _core;
+};
+
+PeakData peaks(int number)
+{
+    PeakData data;
+    data.numberOfPeaks = number;
+    return data;
+}
+
+TEST(TarvikCore, GroupLivesAsLongAsItHasMembers)
+{
+    TarvikCore core;
+    View<PeakData> first(core), second(core), other(core);
+    core.attach(first, "10_10_a");
+    first.spread(peaks(5));
+    core.attach(second, "10_10_a");
+    EXPECT_EQ(second.data().numberOfPeaks, 5);
+    EXPECT_EQ(second.notified, 0);
+    core.attach(other, "10_10_b");
+    EXPECT_EQ(other.data(), PeakData()) << "a new group has a default record";
+
+    second.spread(peaks(6));
+    EXPECT_EQ(first.notified, 1);
+    EXPECT_EQ(other.notified, 0);
+
+    core.detach(first);
+    core.detach(first);
+    core.detach(second);
+    core.attach(first, "10_10_a");
+    EXPECT_EQ(first.data(), PeakData()) << "the record went with the last member";
+}
+
+/// The switch of one kind of record spreads nothing while off and catches up when on.
+template <class T>
+void expectSwitch(void (TarvikCore::*slot)(bool), void (TarvikCore::*signal)(bool), const T& record)
+{
+    TarvikCore core;
+    QSignalSpy spy(&core, signal);
+    View<T> a(core), b(core), late(core);
+    core.attach(a, "x");
+    core.attach(b, "x");
+    (core.*slot)(true);
+    EXPECT_EQ(spy.size(), 0) << "on from the start";
+    (core.*slot)(false);
+    (core.*slot)(false);
+    EXPECT_EQ(spy.size(), 1);
+    a.spread(record);
+    EXPECT_EQ(b.notified, 0);
+    core.attach(late, "y");
+    core.detach(b);
+    core.attach(b, "y");  // a group made while switched off is off too
+    late.spread(record);
+    EXPECT_EQ(b.notified, 0);
+    (core.*slot)(true);
+    EXPECT_EQ(b.notified, 1);
+    EXPECT_EQ(b.data(), record);
+    ASSERT_EQ(spy.size(), 2);
+    EXPECT_TRUE(spy[1][0].toBool());
+}
+
+TEST(TarvikCore, EachKindOfRecordHasItsSwitch)
+{
+    StatisticsData region;
+    region.radius = 4;
+    expectSwitch<ContrastData>(&TarvikCore::synchronizeContrastSlot,
+                               &TarvikCore::synchronizeContrastSignal,
+                               ContrastData(9, 1, nullptr, false));
+    expectSwitch<ViewportData>(&TarvikCore::synchronizeViewportSlot,
+                               &TarvikCore::synchronizeViewportSignal, ViewportData(1, 2, 3, 0, 0));
+    expectSwitch<StatisticsData>(&TarvikCore::synchronizeStatisticsSlot,
+                                 &TarvikCore::synchronizeStatisticsSignal, region);
+    expectSwitch<PeakData>(&TarvikCore::synchronizePeaksSlot, &TarvikCore::synchronizePeaksSignal,
+                           peaks(3));
+}
+
+TEST(TarvikCore, DefaultColourTableReachesLaterServicesOnly)
+{
+    TarvikCore core;
+    core.setDefaultColorTable("High Dynamic Range");
+    TarvikService* early = core.newService("1");
+    core.setDefaultColorTable("Heat");
+    TarvikService* late = core.newService("1");
+    EXPECT_EQ(early->defaultColorTable(), MColorTable::hdr());
+    EXPECT_EQ(late->defaultColorTable(), MColorTable::heat());
+    EXPECT_EQ(late->colorTables(),
+              (std::list<const MColorTable*>{MColorTable::hdr(), MColorTable::grey(),
+                                             MColorTable::heat(), MColorTable::rainbow()}));
+}
+
+TEST(TarvikCoreDeathTest, UnknownColourTableIsAProgrammingError)
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_DEATH(TarvikCore().setDefaultColorTable("Grey"), "src/logic/tarvikcore");
+}
+
+TEST(TarvikCore, ServicesGoWhenToldOrWithTheCore)
+{
+    QPointer<TarvikService> told, pending, remaining;
+    {
+        TarvikCore core;
+        told = core.newService("1");
+        pending = core.newService("1");
+        remaining = core.newService("1");
+        core.deleteService(told);
+        EXPECT_TRUE(told) << "not before the event loop is reached";
+        QCoreApplication::sendPostedEvents(told, QEvent::DeferredDelete);
+        EXPECT_FALSE(told);
+        core.deleteService(pending);
+    }
+    EXPECT_FALSE(pending);
+    EXPECT_FALSE(remaining);
+}
+
+class NumberGenerator : public ObjectGenerator {
+public:
+    using ObjectGenerator::ObjectGenerator;
+    QThread* madeOn = nullptr;
+
+protected:
+    void* virtualmake() override
+    {
+        madeOn = QThread::currentThread();
+        return &madeOn;
+    }
+};
+
+TEST(ObjectGenerator, MakesAtOnceOnTheCoresThread)
+{
+    TarvikCore core;
+    NumberGenerator generator(&core);
+    QSignalSpy spy(&generator, &ObjectGenerator::generateSignal);
+    EXPECT_EQ(generator.object(), nullptr);
+    EXPECT_EQ(generator.make(), &generator.madeOn);
+    EXPECT_EQ(generator.object(), &generator.madeOn);
+    EXPECT_EQ(spy.size(), 0);
+}
+
+TEST(ObjectGenerator, MakesOnTheCoresThreadForAnother)
+{
+    TarvikCore core;
+    NumberGenerator generator(&core);
+    std::atomic<void*> made = nullptr;
+    std::thread caller([&] { made = generator.make(); });
+    EXPECT_TRUE(QTest::qWaitFor([&] { return made.load() != nullptr; }));
+    caller.join();
+    EXPECT_EQ(generator.madeOn, core.thread());
+    EXPECT_EQ(made, &generator.madeOn);
+}
+
+}  // namespace

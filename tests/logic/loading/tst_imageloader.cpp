@@ -1,0 +1,251 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Requests, results, failures and re-scans of a view's loader.
+#include "logic/ImageLoaderThread.h"
+#include "tests/support/EdfFile.h"
+
+#include <QSemaphore>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <gmock/gmock.h>
+
+#include <thread>
+
+namespace {
+
+using morvend::imglib::MImage;
+using tarvik::tests::TempFolder;
+using tarvik::tests::writeEdf;
+using testing::HasSubstr;
+
+class Loader : public testing::Test {
+protected:
+    void push(const MImage& image)
+    {
+        ImageLoader::Data request;
+        request.image = image;
+        loader.open(ImageLoader::TaskPushImage, request, true);
+    }
+    void openFile(const std::string& path, bool signalLoadError = true)
+    {
+        ImageLoader::Data request;
+        request.path = path;
+        loader.open(ImageLoader::TaskOpenSeries, request, signalLoadError);
+    }
+    void openIndex(int index, bool signalLoadError = true)
+    {
+        ImageLoader::Data request;
+        request.index = index;
+        loader.open(ImageLoader::TaskOpenIndex, request, signalLoadError);
+    }
+    /// Waits for `count` records or errors in all and returns the waiting records.
+    std::list<ImageLoader::Data> finish(int count)
+    {
+        EXPECT_TRUE(QTest::qWaitFor([&] { return done.size() + errors.size() >= count; }, 5000));
+        done.clear();
+        std::list<ImageLoader::Data> records;
+        loader.results(records);
+        return records;
+    }
+    /// The text of the one error that came.
+    std::string error()
+    {
+        finish(1);
+        EXPECT_EQ(errors.size(), 1);
+        return errors.isEmpty() ? "" : errors.takeFirst().at(0).toString().toStdString();
+    }
+
+    ImageLoader loader;
+    QSignalSpy done{&loader, &ImageLoader::newImage};
+    QSignalSpy errors{&loader, &ImageLoader::loadError};
+    QSignalSpy scans{&loader, &ImageLoader::imageContainerChangedSignal};
+};
+
+TEST_F(Loader, FinishesARecord)
+{
+    ImageLoader::Data request;
+    request.image = MImage(300, 100, 7);
+    request.path = "of no meaning here";
+    request.viewportData = ViewportData(1, 2, 3, 4, 5);
+    loader.open(ImageLoader::TaskPushImage, request, true);
+    const auto records = finish(1);
+    ASSERT_EQ(records.size(), 1U);
+    const ImageLoader::Data& record = records.front();
+    EXPECT_EQ(record.path, "");
+    EXPECT_EQ(record.index, 0);
+    EXPECT_EQ(record.image.pixel<int>(299, 99, 0), 7);
+    EXPECT_TRUE(samePixels(record.mask, MImage(300, 100, 0U)));
+    EXPECT_TRUE(samePixels(record.thumbnail, MImage(200, 66, 7)));
+    EXPECT_EQ(record.thumbnailMask.height(), 66);
+    EXPECT_TRUE(record.thumbnail.optionalData().pixel_mask());
+    EXPECT_EQ(record.statistics->mean, 7);
+    EXPECT_EQ(record.viewportData, ViewportData(1, 2, 3, 4, 5));
+    std::list<ImageLoader::Data> rest;
+    loader.results(rest);
+    EXPECT_TRUE(rest.empty()) << "records are handed over once";
+}
+
+TEST_F(Loader, PrintsATimingLineForEachStep)
+{
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    push(MImage(3, 2, 7));
+    finish(1);
+    EXPECT_THAT(testing::internal::GetCapturedStdout(),
+                testing::MatchesRegex("TIME COMPUTING MASK: [0-9]+\n"
+                                      "               SUBTOTAL TIME LOADING: [0-9]+\n"
+                                      "TIME FOR COMPUTING STATISTICS: [0-9]+\n"
+                                      "TIME FOR COMPUTING CONTRAST: [0-9]+\n"
+                                      "               SUBTOTAL TIME LOADING: [0-9]+\n"
+                                      "TIME FOR ADDITIONAL COMPUTATION: [0-9]+\n"
+                                      "               SUBTOTAL TIME LOADING: [0-9]+\n"));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "WARNING: Size of pixel mask does not match size of image\n");
+}
+
+TEST_F(Loader, KeepsTheOrderOfRequestsAndTheBoundsOfTheSeries)
+{
+    EXPECT_EQ(loader.firstIndex(), -1);
+    EXPECT_EQ(loader.lastIndex(), -1);
+    for (int i = 0; i < 30; ++i)
+        push(MImage(2, 2, i));
+    const auto records = finish(30);
+    ASSERT_EQ(records.size(), 30U);
+    int expected = 0;
+    for (const ImageLoader::Data& record : records) {
+        EXPECT_EQ(record.index, expected);
+        EXPECT_EQ(record.image.pixel<int>(0, 0, -1), expected++);
+    }
+    EXPECT_EQ(loader.firstIndex(), 5) << "a series in memory keeps 25 images";
+    EXPECT_EQ(loader.lastIndex(), 29);
+    openIndex(17);
+    EXPECT_EQ(finish(1).front().image.pixel<int>(0, 0, -1), 17);
+}
+
+TEST_F(Loader, FailuresAreToldInWords)
+{
+    openIndex(3);
+    EXPECT_THAT(error(), HasSubstr("3"));
+    push(MImage(2, 2, 1));
+    finish(1);
+    openIndex(-2);
+    EXPECT_EQ(error(), "There is no image -2 in this series");
+    push(MImage());
+    EXPECT_EQ(error(), "The image has no pixels");
+    openFile("/nowhere/x_1.cbf");
+    EXPECT_THAT(error(), HasSubstr("/nowhere/x_1.cbf"));
+    openFile("");
+    EXPECT_NE(error(), "");
+    EXPECT_EQ(loader.lastIndex(), 0) << "the series before is still there";
+}
+
+TEST_F(Loader, QuietFailureYieldsNothingAtAll)
+{
+    openFile("/nowhere/x_1.cbf", false);
+    openIndex(-1, false);
+    push(MImage(2, 2, 1));
+    EXPECT_EQ(finish(1).size(), 1U);
+    EXPECT_EQ(errors.size(), 0);
+}
+
+TEST_F(Loader, EmptyTaskQueueDropsWhatHasNotBegun)
+{
+    QSemaphore begun, goOn;
+    QObject::connect(
+        &loader, &ImageLoader::newImage, &loader,
+        [&] {
+            begun.release();
+            goOn.acquire();
+        },
+        Qt::DirectConnection);
+    for (int i = 0; i < 4; ++i)
+        push(MImage(2, 2, i));
+    begun.acquire();  // the first job is running now
+    std::thread other([&] {
+        QThread::msleep(50);
+        push(MImage(2, 2, 100));  // comes while the queue is being emptied
+        goOn.release(10);
+    });
+    loader.emptyTaskQueue();
+    other.join();
+    const auto records = finish(1);
+    ASSERT_EQ(records.size(), 1U) << "the running job's result is delivered";
+    EXPECT_EQ(records.front().index, 0);
+    push(MImage(2, 2, 5));
+    EXPECT_EQ(finish(1).front().index, 1) << "later requests are taken again";
+}
+
+TEST_F(Loader, EndsWithWorkInItsQueue)
+{
+    for (int i = 0; i < 500; ++i)
+        push(MImage(512, 512, i));
+}
+
+TEST_F(Loader, BurstOfUpdatesYieldsOneScanNowAndOneLater)
+{
+    QTest::qWait(110);
+    for (int i = 0; i < 20; ++i) {
+        loader.update();
+        QTest::qWait(2);
+    }
+    EXPECT_EQ(scans.size(), 1);
+    QTest::qWait(250);
+    EXPECT_EQ(scans.size(), 2);
+}
+
+class FileLoader : public Loader {
+protected:
+    void write(int number) { writeEdf(folder, name(number), 2, {number, 1, 2, 3}); }
+    static std::string name(int number) { return "x_" + std::to_string(1000 + number) + ".edf"; }
+    const TempFolder folder;
+};
+
+TEST_F(FileLoader, GoesThroughASeriesOfFiles)
+{
+    for (int i = 1; i <= 3; ++i)
+        write(i);
+    testing::internal::CaptureStdout();
+    openFile(folder / name(2));
+    const auto opened = finish(1);
+    EXPECT_THAT(testing::internal::GetCapturedStdout(),
+                testing::MatchesRegex("\nTIME OPENING SERIES: [0-9]+\n"
+                                      "TIME LOADING IMAGE: [0-9]+\nTIME COMPUTING MASK: .*"));
+    ASSERT_EQ(opened.size(), 1U);
+    EXPECT_EQ(opened.front().index, 1002);
+    EXPECT_EQ(opened.front().path, folder / name(2));
+    EXPECT_EQ(opened.front().image.pixel<int>(0, 0, -1), 2);
+    EXPECT_EQ(loader.firstIndex(), 1001);
+    EXPECT_EQ(loader.lastIndex(), 1003);
+
+    testing::internal::CaptureStdout();
+    openIndex(1003);
+    EXPECT_EQ(finish(1).front().image.pixel<int>(0, 0, -1), 3);
+    EXPECT_THAT(testing::internal::GetCapturedStdout(),
+                testing::StartsWith("TIME LOADING IMAGE FROM SOURCE: "));
+    openIndex(1004);
+    EXPECT_THAT(error(), HasSubstr("1004"));
+    write(4);
+    QTest::qWait(110);
+    loader.update();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return scans.size() == 1; }));
+    EXPECT_EQ(loader.lastIndex(), 1004);
+    openIndex(1004);
+    EXPECT_EQ(finish(1).front().path, folder / name(4));
+}
+
+TEST_F(FileLoader, PushedImageBeginsASeriesInMemory)
+{
+    write(1);
+    openFile(folder / name(1));
+    finish(1);
+    push(MImage(2, 2, 9));
+    const auto records = finish(1);
+    ASSERT_EQ(records.size(), 1U);
+    EXPECT_EQ(records.front().index, 0);
+    EXPECT_EQ(records.front().path, "");
+    EXPECT_EQ(loader.lastIndex(), 0);
+}
+
+}  // namespace

@@ -1,0 +1,152 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Sizes, means and marks of thumbnails.
+#include "logic/loading/MaskFixup.h"
+#include "logic/loading/Thumbnail.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <numeric>
+
+namespace {
+
+using morvend::imglib::MImage;
+
+template <class T>
+T* pixels(MImage& image)
+{
+    return static_cast<T*>(image.data());
+}
+
+struct SizeCase {
+    int width, height, thumbWidth, thumbHeight;
+};
+
+TEST(Thumbnail, LongerSideHasTwoHundredPixelsAtMost)
+{
+    for (const SizeCase& row :
+         {SizeCase{200, 100, 200, 100}, SizeCase{1000, 10, 200, 2}, SizeCase{10, 1000, 2, 200},
+          SizeCase{3000, 3000, 200, 200}, SizeCase{1, 1, 1, 1}, SizeCase{201, 200, 200, 199},
+          SizeCase{1000, 4, 200, 0}, SizeCase{4150, 4371, 189, 200}}) {
+        const MImage image(row.width, row.height, short(7));
+        const MImage thumb = thumbnail::ofImage(image, false);
+        EXPECT_EQ(thumb.width(), row.thumbWidth) << row.width << " x " << row.height;
+        EXPECT_EQ(thumb.height(), row.thumbHeight) << row.width << " x " << row.height;
+        EXPECT_EQ(thumb.type(), morvend::datatypes::INT);
+        EXPECT_EQ(thumb.typeBits(), 16U);
+        EXPECT_EQ(thumb.pixel<int>(thumb.width() - 1, 0, 7), 7);
+    }
+}
+
+TEST(Thumbnail, SmallImageIsItself)
+{
+    MImage image(200, 100, 0);
+    std::iota(pixels<int>(image), pixels<int>(image) + image.size(), -5000);
+    EXPECT_TRUE(samePixels(thumbnail::ofImage(image, true), image));
+    EXPECT_TRUE(samePixels(thumbnail::ofImage(image, false), image));
+}
+
+/// The first thumbnail pixel of an image whose first cell, of 5 x 1 pixels, holds the values.
+template <class T>
+T firstCell(const std::vector<T>& values, bool hasNegatives)
+{
+    MImage image(1000, 5, T(0));
+    for (int y = 0; y < 5; ++y)
+        std::copy(values.begin(), values.end(), pixels<T>(image) + 1000 * y);
+    return thumbnail::ofImage(image, hasNegatives).pixel<T>(0, 0, T(99));
+}
+
+TEST(Thumbnail, CellIsTheTruncatedMean)
+{
+    EXPECT_EQ(firstCell<int>({5, 5, 5, 5, 3}, false), 4);
+    EXPECT_EQ(firstCell<int>({-5, -5, -5, -5, -3}, true), -4);
+    EXPECT_EQ(firstCell<unsigned>({4294967295U, 4294967295U, 4294967295U, 4294967295U, 4294967295U},
+                                  false),
+              4294967295U);
+    EXPECT_FLOAT_EQ(firstCell<float>({1, 2, 0, 0, 0}, false), 0.6F);
+    EXPECT_EQ(firstCell<bool>({false, true, false, false, false}, false), true);
+    EXPECT_EQ(firstCell<bool>({false, false, false, false, false}, false), false);
+    const long long top = std::numeric_limits<long long>::max();
+    EXPECT_EQ(firstCell<long long>({top, top, top, top, top}, false), top);
+}
+
+TEST(Thumbnail, NegativeMarksAreNeverBlendedAway)
+{
+    EXPECT_EQ(firstCell<int>({5, 5, -1, -2, 5}, false), -1);
+    EXPECT_EQ(firstCell<int>({5, 5, -1, 5, 5}, true), 3);
+    EXPECT_EQ(firstCell<float>({5, 5, -0.5F, -1, 5}, false), -0.5F);
+    EXPECT_EQ(firstCell<signed char>({100, 100, -2, 100, 100}, false), -2);
+}
+
+TEST(Thumbnail, SingleBadPixelSurvivesInTheMask)
+{
+    MImage mask(3000, 3000, 0U);
+    pixels<unsigned>(mask)[3000 * 1517 + 1203] = 16;
+    const MImage thumb = thumbnail::ofMask(mask);
+    unsigned sum = 0;
+    for (std::size_t i = 0; i < thumb.size(); ++i)
+        sum += thumb.pixels<unsigned>()[i];
+    EXPECT_EQ(sum, 16U);
+    EXPECT_EQ(thumb.pixel<unsigned>(1203 / 15, 1517 / 15, 0), 16U);
+}
+
+TEST(Thumbnail, FirstMarkOfACellCounts)
+{
+    MImage mask(1000, 1000, 0U);
+    pixels<unsigned>(mask)[3] = 2;
+    pixels<unsigned>(mask)[1000] = 1;
+    EXPECT_EQ(thumbnail::ofMask(mask).pixel<unsigned>(0, 0, 0), 2U);
+}
+
+TEST(Thumbnail, RowsWithoutSourceAreZero)
+{
+    // One column of 7 pixels gives cells of 7 x 7: 143 rows of cells, 57 rows without any.
+    const MImage thumb = thumbnail::ofImage(MImage(7, 1000, 4U), false);
+    ASSERT_EQ(thumb.width(), 1);
+    ASSERT_EQ(thumb.height(), 200);
+    EXPECT_EQ(thumb.pixel<int>(0, 142, -1), 4);
+    EXPECT_EQ(thumb.pixel<int>(0, 143, -1), 0);
+    EXPECT_EQ(thumb.pixel<int>(0, 199, -1), 0);
+    EXPECT_EQ(thumbnail::ofMask(MImage(7, 1000, 4U)).pixel<int>(0, 199, -1), 0);
+}
+
+class Mask : public testing::Test {
+protected:
+    MImage fixed(MImage& image, const std::string& warning)
+    {
+        testing::internal::CaptureStderr();
+        MImage mask = _fixup(image);
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), warning);
+        EXPECT_EQ(image.optionalData().pixel_mask()->identity(), mask.identity());
+        return mask;
+    }
+    static constexpr const char* _warning =
+        "WARNING: Size of pixel mask does not match size of image\n";
+    MaskFixup _fixup;
+};
+
+TEST_F(Mask, OfTheRightSizeIsKept)
+{
+    MImage image(200, 200, 1);
+    const MImage own(200, 200, (unsigned char)(2));
+    image.optionalData().set_pixel_mask(own);
+    EXPECT_EQ(fixed(image, "").identity(), own.identity());
+}
+
+TEST_F(Mask, ThatIsMissingOrOfAnotherSizeIsAllGood)
+{
+    MImage plain(200, 200, 1);
+    MImage wrong(200, 200, 1);
+    wrong.optionalData().set_pixel_mask(MImage(100, 100, 1U));
+    MImage swapped(200, 100, 1);
+    swapped.optionalData().set_pixel_mask(MImage(100, 200, 1U));
+    const MImage first = fixed(plain, _warning);
+    const MImage second = fixed(wrong, _warning);
+    EXPECT_TRUE(samePixels(first, MImage(200, 200, 0U)));
+    EXPECT_EQ(first.identity(), second.identity()) << "images of a series share one";
+    EXPECT_TRUE(samePixels(fixed(swapped, _warning), MImage(200, 100, 0U)));
+}
+
+}  // namespace

@@ -1,0 +1,235 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Header edits over a series, geometry, and the texts under the cursor.
+#include "tests/logic/service/ServiceTest.h"
+
+#include <cmath>
+#include <limits>
+
+namespace {
+
+using namespace tarvik::tests;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+using Header = TarvikService::Header;
+
+class HeaderOfView : public ServiceTest {
+protected:
+    /// Shows an image with the given start angle, 0 for none.
+    void showAt(float angle)
+    {
+        MImage next = imageWithGeometry();
+        if (angle != 0)
+            next.optionalData().set_rotation_angle(angle);
+        show(view, next);
+    }
+    static Header rotation(float start, boost::optional<float> step)
+    {
+        Header header;
+        header.set_rotation_angle(start);
+        header.set_rotation_angle_step(step);
+        return header;
+    }
+    static StatisticsData circle(double x, double y, bool active = true)
+    {
+        StatisticsData data;
+        data.defined = true;
+        data.roiActive = active;
+        data.roiType = StatisticsData::CentredCircle;
+        data.outerRadius = 5;
+        data.powderX = x;
+        data.powderY = y;
+        return data;
+    }
+    void expectBeam(double x, double y) const
+    {
+        double beamX = 0, beamY = 0;
+        view->beamCentre(beamX, beamY);
+        EXPECT_EQ(beamX, x);
+        EXPECT_EQ(beamY, y);
+    }
+
+    TarvikService* view = newView();
+};
+
+TEST_F(HeaderOfView, EditsStayForTheSeriesAndAnglesGoOnCounting)
+{
+    showAt(10);
+    showAt(11);
+    Header edits = rotation(20.F, 0.5F);
+    edits.set_wavelength(0.7F);
+    SignalLog log;
+    watchAll(log, view);
+    view->applyHeaderToSeries(edits);
+    EXPECT_THAT(log.take(), ElementsAre("header"));
+    EXPECT_EQ(*view->optionalData().rotation_angle(), 20.F);
+    showAt(12);
+    EXPECT_EQ(*view->optionalData().wavelength(), 0.7F);
+    EXPECT_EQ(*view->optionalData().rotation_angle(), 20.5F);
+    EXPECT_EQ(*view->optionalData().rotation_angle_step(), 0.5F);
+    view->nextImage(-2);
+    arrive(view);
+    EXPECT_EQ(*view->optionalData().rotation_angle(), 19.5F);
+    EXPECT_EQ(*view->optionalData().detector_distance(), 0.1F) << "other fields stay";
+}
+
+TEST_F(HeaderOfView, StartAngleWithoutStepIsNoEdit)
+{
+    showAt(10);
+    view->applyHeaderToSeries(rotation(20.F, boost::none));
+    EXPECT_FALSE(view->globalHeader().rotation_angle());
+    EXPECT_EQ(*view->optionalData().rotation_angle(), 10.F);
+    showAt(0);
+    EXPECT_FALSE(view->optionalData().rotation_angle()) << "an absent angle stays absent";
+}
+
+TEST_F(HeaderOfView, EditsGoWithTheGroupAndOnReset)
+{
+    showAt(10);
+    view->applyHeaderToSeries(rotation(20.F, 1.F));
+    view->resetHeader();
+    EXPECT_EQ(*view->optionalData().rotation_angle(), 10.F);
+    EXPECT_FALSE(view->globalHeader().rotation_angle());
+
+    view->applyHeaderToSeries(rotation(20.F, 1.F));
+    show(view, image(5, 5));
+    EXPECT_FALSE(view->globalHeader().rotation_angle());
+    EXPECT_FALSE(view->optionalData().rotation_angle());
+}
+
+TEST_F(HeaderOfView, CircleThatMovesTakesTheBeamAlong)
+{
+    showAt(0);
+    SignalLog log;
+    watchAll(log, view);
+    view->setStatisticsData(circle(30.1, 40.2, false));
+    EXPECT_THAT(log.take(), ElementsAre("statistics")) << "only an active one";
+    view->setStatisticsData(circle(30.1, 40.2));
+    EXPECT_THAT(log.take(), ElementsAre("header", "statistics"));
+    expectBeam(30.1F, 40.2F);
+    EXPECT_EQ(*view->globalHeader().beam_center_x(), 30.1F);
+    view->setStatisticsData(circle(30.1, 40.2));
+    EXPECT_THAT(log.take(), ElementsAre("statistics"));
+    showAt(0);
+    expectBeam(30.1F, 40.2F);
+}
+
+TEST_F(HeaderOfView, BeamThatMovesTakesTheCircleAlong)
+{
+    showAt(0);
+    view->setStatisticsData(circle(30, 40));
+    SignalLog log;
+    watchAll(log, view);
+    Header edits;
+    edits.set_beam_center_x(60.F);
+    edits.set_beam_center_y(70.F);
+    view->applyHeaderToSeries(edits);
+    EXPECT_THAT(log.take(), ElementsAre("header", "statistics"));
+    EXPECT_EQ(view->statisticsData(), circle(60, 70));
+    view->resetHeader();
+    EXPECT_THAT(log.take(), ElementsAre("header", "statistics"));
+    EXPECT_EQ(view->statisticsData(), circle(100.5, 50));
+    expectBeam(100.5, 50);
+}
+
+TEST_F(HeaderOfView, CircleOfAGroupMovesTheBeamOfItsMembers)
+{
+    TarvikService* member = newView();
+    showAt(0);
+    show(member, imageWithGeometry());
+    SignalLog log;
+    watchAll(log, member);
+    view->setStatisticsData(circle(30, 40));
+    EXPECT_THAT(log.take(), ElementsAre("header", "statistics"));
+    EXPECT_EQ(*member->optionalData().beam_center_x(), 30.F);
+}
+
+TEST_F(HeaderOfView, GeometryFollowsTheHeader)
+{
+    showAt(0);
+    EXPECT_EQ(view->computePowderRadius(103, 54), 4);
+    EXPECT_NEAR(view->distance(130, 90), std::hypot(29.5 * 100e-6, 40 * 200e-6), 1e-9);
+    // At 8 mm from the beam and 100 mm from the sample.
+    EXPECT_NEAR(view->resolution(100, 90),
+                1 / (2 * std::sin(std::atan(std::hypot(0.5e-4, 8e-3) / 0.1) / 2)), 1e-5);
+    Header edits;
+    edits.set_beam_center_x(100.F);
+    view->applyHeaderToSeries(edits);
+    EXPECT_TRUE(std::isinf(view->resolution(100, 50)));
+    edits.set_beam_center_x(1e30F);
+    view->applyHeaderToSeries(edits);
+    EXPECT_GT(view->computePowderRadius(0, 0), 2000000000);
+}
+
+TEST_F(HeaderOfView, MissingValuesLeaveQuantitiesUndefined)
+{
+    MImage incomplete = imageWithGeometry();
+    incomplete.optionalData().set_detector_distance(boost::none);
+    show(view, incomplete);
+    EXPECT_TRUE(view->distanceDefined());
+    EXPECT_FALSE(view->resolutionDefined());
+    EXPECT_EQ(view->resolution(1, 1), -1.0);
+    incomplete.optionalData().set_x_pixel_size(boost::none);
+    show(view, incomplete);
+    EXPECT_FALSE(view->distanceDefined());
+    EXPECT_EQ(view->distance(1, 1), -1.0);
+    EXPECT_TRUE(view->powderPlotDefined());
+    incomplete.optionalData().set_beam_center_y(boost::none);
+    show(view, incomplete);
+    EXPECT_EQ(view->computePowderRadius(1, 1), -1);
+    double x = 0, y = 0;
+    view->beamCentre(x, y);
+    EXPECT_TRUE(std::isnan(x) && std::isnan(y));
+}
+
+TEST_F(HeaderOfView, CursorTextsFollowWhatIsDefined)
+{
+    const QStringList plain = {"Image X", "Image Y", "Intensity"};
+    const QStringList full = {"Distance (mm)", "Image X", "Image Y", "Intensity",
+                              QString::fromUtf8("Resolution (\xe2\x84\xab)")};
+    CursorInfo info;
+    QObject::connect(view, &TarvikService::cursorInfoSignal, view,
+                     [&](const CursorInfo& sent) { info = sent; });
+    EXPECT_TRUE(info.imgX().isNull());
+    view->setCursorCoordinates(3, 4);
+    EXPECT_EQ(info.infoKeys(), plain);
+    EXPECT_EQ(info.infoValues(), QStringList({"", "", ""}));
+    EXPECT_TRUE(info.distance().isNull());
+
+    showAt(0);
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    for (const auto& [x, y] : {std::pair{-1.0, 4.0}, std::pair{4.0, -0.1}, std::pair{nan, 4.0}}) {
+        view->setCursorCoordinates(x, y);
+        EXPECT_EQ(info.infoKeys(), full);
+        EXPECT_EQ(info.infoValues().join(""), "");
+        EXPECT_FALSE(info.distance().isNull());
+    }
+    view->setCursorCoordinates(100.9, 90.2);
+    EXPECT_EQ(info.imgX(), "100");
+    EXPECT_EQ(info.imgY(), "90");
+    EXPECT_EQ(info.intensity(), "3");
+    EXPECT_EQ(info.distance(), "8.0");
+    EXPECT_EQ(info.resolution(), "12.530");
+    view->setCursorCoordinates(1e30, 1);
+    EXPECT_EQ(info.intensity(), "0");
+}
+
+TEST_F(HeaderOfView, IntensityIsWrittenByPixelType)
+{
+    EXPECT_EQ(view->intensityString(0, 0), "");
+    const std::pair<MImage, const char*> rows[] = {{MImage(1, 1, 1234567.0F), "1.23457e+06"},
+                                                   {MImage(1, 1, 0.25), "0.25"},
+                                                   {MImage(1, 1, -2), "-2"},
+                                                   {MImage(1, 1, 4294967295U), "4294967295"},
+                                                   {MImage(1, 1, true), "1"}};
+    for (const auto& [pixels, text] : rows) {
+        show(view, pixels);
+        EXPECT_EQ(view->intensityString(0, 0), text);
+        EXPECT_EQ(view->intensityString(1, 0), "0");
+    }
+}
+
+}  // namespace

@@ -1,0 +1,147 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// From a request to the announcement of a new image.
+#include "tests/logic/service/ServiceTest.h"
+#include "tests/support/EdfFile.h"
+
+namespace {
+
+using namespace tarvik::tests;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class Opening : public ServiceTest {
+protected:
+    Opening() { watchAll(log, view); }
+    TarvikService* view = newView();
+    SignalLog log;
+};
+
+TEST_F(Opening, ViewWithoutImageKnowsNothing)
+{
+    view->openImage(5);
+    view->nextImage();
+    view->openLast();
+    view->resetHeader();
+    view->applyHeaderToSeries({});
+    QTest::qWait(50);
+    EXPECT_THAT(log.take(), IsEmpty());
+    EXPECT_FALSE(view->imageLoaded());
+    EXPECT_EQ(view->imageSize(), QSize(-1, -1));
+    EXPECT_EQ(view->imageIndex(), -1);
+    EXPECT_EQ(view->firstIndex(), -1);
+    EXPECT_EQ(view->lastIndex(), -1);
+    EXPECT_EQ(view->syncID(), "");
+    EXPECT_EQ(view->imagePath(), "");
+    EXPECT_EQ(view->imageDescription(), "");
+    EXPECT_FALSE(view->statistics());
+}
+
+TEST_F(Opening, NewImageIsAnnouncedInOrder)
+{
+    MImage shown = image();
+    shown.optionalData().setImageDescription("lysozyme");
+    testing::internal::CaptureStdout();
+    show(view, shown);
+    EXPECT_THAT(log.take(), ElementsAre("image", "statistics", "peaks", "resolution", "powder"));
+    EXPECT_THAT(testing::internal::GetCapturedStdout(),
+                testing::ContainsRegex("SUBTOTAL TIME LOADING: [0-9]+\n"
+                                       "               TOTAL TIME LOADING IMAGE: [0-9]+\n$"));
+    EXPECT_TRUE(view->imageLoaded());
+    EXPECT_EQ(view->imageSize(), QSize(8, 4));
+    EXPECT_EQ(view->imageIndex(), 0);
+    EXPECT_EQ(view->lastIndex(), 0);
+    EXPECT_EQ(view->syncID(), "8_4_1");
+    EXPECT_EQ(view->imageDescription(), "lysozyme");
+    EXPECT_EQ(view->statistics()->mean, 1);
+    EXPECT_EQ(view->mask().width(), 8);
+    EXPECT_EQ(view->thumbnail().width(), 8);
+    EXPECT_EQ(view->thumbnailMask().height(), 4);
+}
+
+TEST_F(Opening, FailedLoadChangesNothing)
+{
+    show(view, image());
+    ContrastData contrast(5, 1, MColorTable::heat(), false);
+    view->setContrastData(contrast);
+    log.take();
+    QSignalSpy errors(view, &TarvikService::imageLoadErrorSignal);
+    view->openImage("/nowhere/a_00012.cbf");
+    ASSERT_TRUE(errors.wait(5000));
+    EXPECT_THAT(errors[0][0].toString().toStdString(), HasSubstr("/nowhere/a_00012.cbf"));
+    EXPECT_THAT(log.take(), ElementsAre("error"));
+    EXPECT_EQ(view->image().pixel<int>(0, 0, -1), 1);
+    EXPECT_EQ(view->imageIndex(), 0);
+    EXPECT_EQ(view->contrastData(), contrast);
+    EXPECT_EQ(view->syncID(), "8_4_1");
+}
+
+TEST_F(Opening, QuietFailureIsQuiet)
+{
+    show(view, image());
+    log.take();
+    view->nextImage(7, false);
+    view->nextImage(-7, false);
+    show(view, image(8, 4, 2));
+    EXPECT_THAT(log.take(), testing::Not(testing::Contains("error")));
+    EXPECT_EQ(view->imageIndex(), 1);
+}
+
+TEST_F(Opening, StepsThroughImagesInMemory)
+{
+    for (int i = 0; i < 3; ++i)
+        show(view, image(8, 4, i));
+    view->nextImage(-2);
+    arrive(view);
+    EXPECT_EQ(view->imageIndex(), 0);
+    EXPECT_EQ(view->image().pixel<int>(0, 0, -1), 0);
+    view->openImage(1);
+    arrive(view);
+    EXPECT_EQ(view->imageIndex(), 1);
+    view->openLast();
+    arrive(view);
+    EXPECT_EQ(view->imageIndex(), 2);
+}
+
+TEST_F(Opening, EmptyImageIsAnError)
+{
+    QSignalSpy errors(view, &TarvikService::imageLoadErrorSignal);
+    view->openImage(MImage());
+    EXPECT_TRUE(errors.wait(5000));
+    EXPECT_FALSE(view->imageLoaded());
+}
+
+TEST_F(Opening, ViewMayGoWhileItLoads)
+{
+    for (int i = 0; i < 20; ++i)
+        view->openImage(image(2000, 1000, i));
+    core.deleteService(view);
+    QCoreApplication::sendPostedEvents(view, QEvent::DeferredDelete);
+    QCoreApplication::processEvents();
+    EXPECT_THAT(log.take(), IsEmpty());
+}
+
+TEST_F(Opening, FilesWithOddNamesOpenAndTheFolderIsWatched)
+{
+    const TempFolder folder;
+    const std::string path = writeEdf(folder, "L\xc3\xa4ufer \xe2\x84\xab 1_001.edf", 2, {1, 2});
+    view->openImage(path.c_str());
+    arrive(view);
+    EXPECT_EQ(view->imagePath().toStdString(), path);
+    EXPECT_EQ(view->lastIndex(), 1);
+    view->watchImageContainer(true);
+    QTest::qWait(110);
+    QSignalSpy scanned(view, &TarvikService::imageContainerChangedSignal);
+    writeEdf(folder, "L\xc3\xa4ufer \xe2\x84\xab 1_002.edf", 2, {3, 4});
+    ASSERT_TRUE(scanned.wait(5000));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return view->lastIndex() == 2; }));
+    view->watchImageContainer(false);
+    QTest::qWait(250);
+    scanned.clear();
+    writeEdf(folder, "L\xc3\xa4ufer \xe2\x84\xab 1_003.edf", 2, {3, 4});
+    EXPECT_FALSE(scanned.wait(300));
+}
+
+}  // namespace

@@ -1,0 +1,213 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Setting records, sharing them in a group and changing groups.
+#include "tests/logic/service/ServiceTest.h"
+
+namespace {
+
+using namespace tarvik::tests;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class ViewRecords : public ServiceTest {
+protected:
+    static ContrastData contrast(double foreground)
+    {
+        return ContrastData(foreground, 1, MColorTable::heat(), false);
+    }
+    static ViewportData viewport(double x) { return ViewportData(x, 0, 1, 0, 0); }
+    static StatisticsData region(int radius)
+    {
+        StatisticsData data;
+        data.defined = true;
+        data.radius = radius;
+        return data;
+    }
+    static PeakData peaks(int number)
+    {
+        PeakData data;
+        data.numberOfPeaks = number;
+        return data;
+    }
+    static void setAll(TarvikService* view, int value)
+    {
+        view->setContrastData(contrast(value));
+        view->setViewportData(viewport(value));
+        view->setStatisticsData(region(value));
+        view->setPeakData(peaks(value));
+    }
+    static void expectAll(const TarvikService* view, int value)
+    {
+        EXPECT_EQ(view->contrastData(), contrast(value));
+        EXPECT_EQ(view->viewportData(), viewport(value));
+        EXPECT_EQ(view->statisticsData(), region(value));
+        EXPECT_EQ(view->peakData(), peaks(value));
+    }
+};
+
+TEST_F(ViewRecords, WithoutImageAreSignalledButTheRegion)
+{
+    TarvikService* view = newView();
+    SignalLog log;
+    watchAll(log, view);
+    setAll(view, 5);
+    EXPECT_THAT(log.take(), ElementsAre("contrast", "viewport", "peaks"));
+    expectAll(view, 5);
+}
+
+TEST_F(ViewRecords, SpreadToViewsOfEqualSizeInOneMainWindow)
+{
+    TarvikService* view = newView();
+    TarvikService* member = newView();
+    TarvikService* otherSize = newView();
+    TarvikService* otherWindow = newView("2");
+    show(view, image());
+    show(member, image());
+    show(otherSize, image(4, 8));
+    show(otherWindow, image());
+    SignalLog own, members, others;
+    watchAll(own, view);
+    watchAll(members, member);
+    watchAll(others, otherSize);
+    watchAll(others, otherWindow);
+    setAll(view, 5);
+    setAll(view, 5);
+    expectAll(member, 5);
+    EXPECT_THAT(own.take(), ElementsAre("contrast", "viewport", "statistics", "peaks", "contrast",
+                                        "viewport", "statistics", "peaks"));
+    EXPECT_THAT(members.take(), ElementsAre("contrast", "viewport", "statistics", "peaks"))
+        << "the group hears of equal records once";
+    EXPECT_THAT(others.take(), IsEmpty());
+}
+
+TEST_F(ViewRecords, NewImageOfTheSameSizeKeepsThem)
+{
+    TarvikService* view = newView();
+    show(view, image());
+    setAll(view, 5);
+    show(view, image(8, 4, 9));
+    expectAll(view, 5);
+}
+
+TEST_F(ViewRecords, AreTakenFromTheGroupThatTheViewJoins)
+{
+    TarvikService* member = newView();
+    show(member, image());
+    setAll(member, 5);
+    TarvikService* view = newView();
+    SignalLog log;
+    watchAll(log, view);
+    show(view, image());
+    expectAll(view, 5);
+    EXPECT_THAT(log.take(), ElementsAre("statistics", "peaks", "image", "statistics", "peaks",
+                                        "resolution", "powder"));
+
+    show(view, image(4, 8));
+    EXPECT_FALSE(view->contrastData().defined) << "a new group begins with defaults";
+    EXPECT_EQ(view->contrastData().colorTable, MColorTable::grey()) << "the default table";
+    EXPECT_EQ(view->viewportData(), ViewportData());
+    EXPECT_EQ(view->statisticsData(), StatisticsData());
+    EXPECT_EQ(view->peakData(), PeakData());
+    setAll(view, 6);
+    expectAll(member, 5);
+
+    show(view, image());
+    expectAll(view, 5);
+}
+
+TEST_F(ViewRecords, ChangedDuringTheLoadStay)
+{
+    TarvikService* member = newView();
+    show(member, image());
+    setAll(member, 5);
+    TarvikService* view = newView();
+    view->openImage(image());
+    setAll(view, 7);
+    arrive(view);
+    expectAll(view, 7);
+    expectAll(member, 5);
+    view->setContrastData(contrast(8));
+    EXPECT_EQ(member->contrastData(), contrast(8));
+}
+
+TEST_F(ViewRecords, SwitchedOffDontSpreadAndCatchUp)
+{
+    TarvikService* view = newView();
+    TarvikService* member = newView();
+    show(view, image());
+    show(member, image());
+    core.synchronizeContrastSlot(false);
+    setAll(view, 5);
+    EXPECT_NE(member->contrastData(), contrast(5));
+    EXPECT_EQ(member->viewportData(), viewport(5));
+    core.synchronizeContrastSlot(true);
+    EXPECT_EQ(member->contrastData(), contrast(5));
+}
+
+TEST_F(ViewRecords, ViewThatGoesLeavesItsGroup)
+{
+    TarvikService* view = newView();
+    TarvikService* member = newView();
+    show(view, image());
+    show(member, image());
+    core.deleteService(member);
+    QCoreApplication::sendPostedEvents(member, QEvent::DeferredDelete);
+    setAll(view, 5);
+    expectAll(view, 5);
+}
+
+TEST_F(ViewRecords, AnswerOfAReceiverIsNotOverwritten)
+{
+    TarvikService* view = newView();
+    TarvikService* member = newView();
+    show(view, image());
+    show(member, image());
+    QObject::connect(view, &TarvikService::newContrastSignal, view, [&](const ContrastData& data) {
+        if (data.foreground == 5)
+            view->setContrastData(contrast(6));
+    });
+    view->setContrastData(contrast(5));
+    EXPECT_EQ(view->contrastData(), contrast(6));
+    EXPECT_EQ(member->contrastData(), contrast(6));
+}
+
+TEST_F(ViewRecords, FlagsSignalChangesOnly)
+{
+    TarvikService* view = newView();
+    SignalLog log;
+    watchAll(log, view);
+    EXPECT_TRUE(view->highlightDefective());
+    EXPECT_TRUE(view->highlightSaturated());
+    EXPECT_FALSE(view->showResolutionRings());
+    view->toggleHighlightDefective(true);
+    view->toggleHighlightSaturated(true);
+    view->toggleShowResolutionRings(false);
+    EXPECT_THAT(log.take(), IsEmpty());
+    view->toggleHighlightDefective(false);
+    view->toggleHighlightSaturated(false);
+    view->toggleShowResolutionRings(true);
+    EXPECT_THAT(log.take(), ElementsAre("defective", "saturated", "rings"));
+    view->setPlottingMode(PlottingMode::Flat);
+    EXPECT_THAT(log.take(), ElementsAre("plotting")) << "the mode is always signalled";
+}
+
+TEST_F(ViewRecords, PaintListGrowsAndIsReplaced)
+{
+    TarvikService* view = newView();
+    SignalLog log;
+    watchAll(log, view);
+    TarvikService::MDrawingList list;
+    list.pushBack(morvend::imglib::MDrawingPixel(1, 2, 255, 0, 0, 255));
+    list.pushBack(morvend::imglib::MDrawingPixel(3, 4, 255, 0, 0, 255));
+    view->addToPaintList(list);
+    view->addToPaintList(list);
+    EXPECT_EQ(view->paintList().size(), 4U);
+    view->setPaintList(list);
+    EXPECT_EQ(view->paintList().size(), 2U);
+    view->clearPaintList();
+    EXPECT_EQ(view->paintList().size(), 0U);
+    EXPECT_THAT(log.take(), ElementsAre("paintlist", "paintlist", "paintlist", "paintlist"));
+}
+
+}  // namespace

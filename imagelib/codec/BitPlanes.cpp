@@ -7,7 +7,6 @@
 #include "imagelib/codec/ShuffleKernels.h"
 
 #include <cstdint>
-#include <cstring>
 
 #include <hwy/targets.h>
 
@@ -30,41 +29,47 @@ std::uint64_t transposeBits(std::uint64_t x)
 
 }  // namespace
 
-void joinPlanesPlain(const std::byte* planes, std::size_t count, std::byte* bytes,
-                     std::size_t first)
+void unshuffleBitsPlain(const std::byte* planes, std::size_t count, std::size_t elementSize,
+                        std::byte* elements, std::size_t first)
 {
     const std::size_t stride = count / 8;
-    for (std::size_t j = first; j < stride; ++j) {
-        std::uint64_t matrix = 0;
-        for (std::size_t k = 0; k < 8; ++k)
-            matrix |= std::to_integer<std::uint64_t>(planes[k * stride + j]) << (8 * k);
-        matrix = transposeBits(matrix);
-        for (std::size_t i = 0; i < 8; ++i)
-            bytes[8 * j + i] = static_cast<std::byte>(matrix >> (8 * i) & 0xff);
+    for (std::size_t k = 0; k < elementSize; ++k) {
+        for (std::size_t j = first; j < stride; ++j) {
+            std::uint64_t matrix = 0;
+            for (std::size_t b = 0; b < 8; ++b)
+                matrix |= std::to_integer<std::uint64_t>(planes[(8 * k + b) * stride + j]) << 8 * b;
+            matrix = transposeBits(matrix);
+            for (std::size_t i = 0; i < 8; ++i)
+                elements[(8 * j + i) * elementSize + k] = static_cast<std::byte>(matrix >> 8 * i);
+        }
     }
 }
 
-void splitPlanes(const std::byte* bytes, std::size_t count, std::byte* planes)
+void shuffleBits(const std::byte* elements, std::size_t count, std::size_t elementSize,
+                 std::byte* planes)
 {
     const std::size_t stride = count / 8;
-    for (std::size_t j = 0; j < stride; ++j) {
-        std::uint64_t matrix = 0;
-        for (std::size_t i = 0; i < 8; ++i)
-            matrix |= std::to_integer<std::uint64_t>(bytes[8 * j + i]) << (8 * i);
-        matrix = transposeBits(matrix);
-        for (std::size_t k = 0; k < 8; ++k)
-            planes[k * stride + j] = static_cast<std::byte>(matrix >> (8 * k) & 0xff);
+    for (std::size_t k = 0; k < elementSize; ++k) {
+        for (std::size_t j = 0; j < stride; ++j) {
+            std::uint64_t matrix = 0;
+            for (std::size_t i = 0; i < 8; ++i)
+                matrix |= std::to_integer<std::uint64_t>(elements[(8 * j + i) * elementSize + k])
+                          << 8 * i;
+            matrix = transposeBits(matrix);
+            for (std::size_t b = 0; b < 8; ++b)
+                planes[(8 * k + b) * stride + j] = static_cast<std::byte>(matrix >> 8 * b);
+        }
     }
 }
 
-JoinPlanes joinPlanes()
+UnshuffleBits bitUnshuffler()
 {
 #ifdef TARVIK_GFNI
     // This target's test of the processor covers both extensions that the kernel uses.
     if (hwy::SupportedTargets() & HWY_AVX3_DL)
-        return joinPlanesGfni;
+        return unshuffleBitsGfni;
 #endif
-    return joinPlanesVector;
+    return unshuffleBitsVector;
 }
 
 }  // namespace morvend::codec

@@ -6,7 +6,6 @@
 
 #include "imagelib/codec/BitPlanes.h"
 #include "imagelib/codec/BlockStream.h"
-#include "imagelib/codec/Shuffle.h"
 #include "imagelib/image/MException.h"
 
 #include <algorithm>
@@ -21,7 +20,7 @@ namespace morvend::codec {
 
 namespace {
 
-/// Two areas of a block's size, kept by the thread as long as blocks have a usual size.
+/// The bit planes of one block, memory kept by the thread as long as blocks have a usual size.
 class Scratch {
 public:
     explicit Scratch(std::size_t bytes)
@@ -30,43 +29,25 @@ public:
         constexpr std::size_t MostKept = std::size_t(1) << 20;
         thread_local std::vector<std::byte> kept;
         if (bytes <= MostKept) {
-            if (kept.size() < 2 * bytes)
-                kept.resize(2 * bytes);
+            if (kept.size() < bytes)
+                kept.resize(bytes);
             _data = kept.data();
         } else {
-            _own = std::make_unique_for_overwrite<std::byte[]>(2 * bytes);
+            _own = std::make_unique_for_overwrite<std::byte[]>(bytes);
             _data = _own.get();
         }
     }
-    std::span<std::byte> first() const { return {_data, _bytes}; }
-    std::span<std::byte> second() const { return {_data + _bytes, _bytes}; }
+    std::span<std::byte> first(std::size_t bytes) const
+    {
+        assert(bytes <= _bytes);
+        return {_data, bytes};
+    }
 
 private:
     std::size_t _bytes;
     std::unique_ptr<std::byte[]> _own;
     std::byte* _data = nullptr;
 };
-
-/// Bit planes of one block to its elements; `bytes` is scratch of the same size.
-void unshuffleBlock(std::span<const std::byte> planes, std::size_t elementSize, JoinPlanes join,
-                    std::span<std::byte> bytes, std::span<std::byte> elements)
-{
-    const std::size_t count = planes.size() / elementSize;
-    std::byte* const joined = elementSize == 1 ? elements.data() : bytes.data();
-    for (std::size_t at = 0; at < planes.size(); at += count)
-        join(planes.data() + at, count, joined + at);
-    if (elementSize > 1)
-        byteUnshuffle(bytes.first(planes.size()), elementSize, elements);
-}
-
-void shuffleBlock(std::span<const std::byte> elements, std::size_t elementSize,
-                  std::span<std::byte> bytes, std::span<std::byte> planes)
-{
-    const std::size_t count = elements.size() / elementSize;
-    byteShuffle(elements, elementSize, bytes.first(elements.size()));
-    for (std::size_t at = 0; at < elements.size(); at += count)
-        splitPlanes(bytes.data() + at, count, planes.data() + at);
-}
 
 bool zstdBlock(std::span<const std::byte> packed, std::span<std::byte> to)
 {
@@ -100,11 +81,10 @@ void decodePlain(std::span<const std::byte> stored, std::size_t elementSize, std
         throw MRuntimeException("the chunk has " + std::to_string(stored.size()) + " instead of " +
                                 std::to_string(decoded.size()) + " bytes");
     const Scratch scratch(std::min(blockBytes, decoded.size()));
-    const JoinPlanes join = joinPlanes();
+    const UnshuffleBits unshuffle = bitUnshuffler();
     const std::size_t rest =
         overBlocks(decoded.size(), elementSize, blockBytes, [&](std::size_t at, std::size_t bytes) {
-            unshuffleBlock(stored.subspan(at, bytes), elementSize, join, scratch.first(),
-                           decoded.subspan(at, bytes));
+            unshuffle(stored.data() + at, bytes / elementSize, elementSize, decoded.data() + at);
         });
     std::copy(stored.begin() + static_cast<std::ptrdiff_t>(rest), stored.end(),
               decoded.begin() + static_cast<std::ptrdiff_t>(rest));
@@ -129,16 +109,16 @@ void bitshuffleDecode(std::span<const std::byte> stored, std::size_t elementSize
         return decodePlain(stored, elementSize, blockBytes, decoded);
     const BlockStream blocks(stored, decoded.size(), 8 * elementSize, blockBytes);
     const auto unpack = packing == BlockPacking::Lz4 ? lz4Block : zstdBlock;
-    const JoinPlanes join = joinPlanes();
+    const UnshuffleBits unshuffle = bitUnshuffler();
     const auto rest =
         forEachBlock(blocks, threads, [&](const StoredBlock& block) {
             const Scratch scratch(blocks.blockBytes());
-            const auto planes = scratch.first().first(block.bytes);
+            const auto planes = scratch.first(block.bytes);
             if (!unpack(block.stored, planes))
                 throw MRuntimeException(block.failure(
                     packing == BlockPacking::Lz4 ? "is damaged (LZ4)" : "is damaged (zstd)"));
-            unshuffleBlock(planes, elementSize, join, scratch.second(),
-                           decoded.subspan(block.at, block.bytes));
+            unshuffle(planes.data(), block.bytes / elementSize, elementSize,
+                      decoded.data() + block.at);
         }).rest();
     std::copy(rest.begin(), rest.end(), decoded.end() - static_cast<std::ptrdiff_t>(rest.size()));
 }
@@ -160,8 +140,8 @@ std::vector<std::byte> bitshuffleEncode(std::span<const std::byte> decoded, std:
         appendBigEndian(stored, blockBytes, 4);
     }
     const auto encode = [&](std::size_t at, std::size_t bytes) {
-        const auto planes = scratch.second().first(bytes);
-        shuffleBlock(decoded.subspan(at, bytes), elementSize, scratch.first(), planes);
+        const auto planes = scratch.first(bytes);
+        shuffleBits(decoded.data() + at, bytes / elementSize, elementSize, planes.data());
         if (packing == BlockPacking::Lz4)
             appendLz4Block(stored, planes, false);
         else

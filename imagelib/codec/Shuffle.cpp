@@ -26,10 +26,7 @@ void byteUnshuffle(std::span<const std::byte> shuffled, std::size_t elementSize,
 {
     assert(elementSize > 0 && shuffled.size() == elements.size());
     const std::size_t count = elementSize == 1 ? 0 : shuffled.size() / elementSize;
-    const std::size_t done = unshuffleVector(shuffled.data(), count, elementSize, elements.data());
-    for (std::size_t i = done; i < count; ++i)
-        for (std::size_t k = 0; k < elementSize; ++k)
-            elements[i * elementSize + k] = shuffled[k * count + i];
+    unshuffleBytes(shuffled.data(), count, elementSize, elements.data());
     copyRest(shuffled, count * elementSize, elements);
 }
 

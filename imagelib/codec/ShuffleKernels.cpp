@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "imagelib/codec/ShuffleKernels.cpp"
@@ -22,9 +23,10 @@ namespace hn = hwy::HWY_NAMESPACE;
 
 #if HWY_TARGET == HWY_SCALAR
 
-void join(const std::byte* planes, std::size_t count, std::byte* bytes)
+void unshuffleBits(const std::byte* planes, std::size_t count, std::size_t elementSize,
+                   std::byte* elements)
 {
-    joinPlanesPlain(planes, count, bytes);
+    unshuffleBitsPlain(planes, count, elementSize, elements);
 }
 
 std::size_t unshuffle(const std::byte*, std::size_t, std::size_t, std::byte*) { return 0; }
@@ -102,31 +104,59 @@ HWY_INLINE Vector spreadBits(const std::byte* bits)
     return hn::VecFromMask(d, hn::TestBit(placed, bit));
 }
 
-void join(const std::byte* planes, std::size_t count, std::byte* bytes)
+/// Are the bits of eight or more planes from `from` on, Lanes bytes of each, the same as those of
+/// the first one? Zeros above small counts are, and so are gaps of all ones among them.
+HWY_INLINE bool equalPlanes(const std::byte* from, std::size_t stride, std::size_t count)
 {
     const Bytes d;
-    const std::size_t stride = count / 8;
-    std::size_t j = 0;
-    for (; j + Lanes <= stride; j += Lanes) {
-        Vector rows[8];
-        auto differ = hn::Zero(d);
-        for (std::size_t k = 0; k < 8; ++k) {
-            rows[k] = load(planes + k * stride + j);
-            differ = hn::Or(differ, hn::Xor(rows[k], rows[0]));
-        }
-        std::byte* to = bytes + 8 * j;
-        if (hn::AllTrue(d, hn::Eq(differ, hn::Zero(d)))) {
-            // Zeros above small counts, and gaps of all ones among them: a byte is 0 or 255.
-            for (std::size_t q = 0; q < 8; ++q)
-                hn::StoreU(spreadBits(planes + j + q * (Lanes / 8)), d,
-                           reinterpret_cast<std::uint8_t*>(to + q * Lanes));
-            continue;
-        }
-        interleave(rows);
+    const Vector first = load(from);
+    auto differ = hn::Zero(d);
+    for (std::size_t b = 1; b < count; ++b)
+        differ = hn::Or(differ, hn::Xor(load(from + b * stride), first));
+    return hn::AllTrue(d, hn::Eq(differ, hn::Zero(d)));
+}
+
+/// Lanes bytes of each of eight planes to 8 * Lanes bytes.
+HWY_INLINE void join(const std::byte* planes, std::size_t stride, std::byte* bytes)
+{
+    if (equalPlanes(planes, stride, 8)) {
         for (std::size_t q = 0; q < 8; ++q)
-            storeBlocks(transposeBits(rows[q]), to + 16 * q, 128);
+            hn::StoreU(spreadBits(planes + q * (Lanes / 8)), Bytes(),
+                       reinterpret_cast<std::uint8_t*>(bytes + q * Lanes));
+        return;
     }
-    joinPlanesPlain(planes, count, bytes, j);
+    Vector rows[8];
+    for (std::size_t b = 0; b < 8; ++b)
+        rows[b] = load(planes + b * stride);
+    interleave(rows);
+    for (std::size_t q = 0; q < 8; ++q)
+        storeBlocks(transposeBits(rows[q]), bytes + 16 * q, 128);
+}
+
+/// 8 * Lanes elements from their lowest bytes and one plane that stands for all planes above.
+template <class T>
+HWY_INLINE void widen(const std::byte* low, const std::byte* upperPlane, std::byte* elements)
+{
+    const hn::Repartition<T, Bytes> d;
+    const hn::Rebind<std::uint8_t, decltype(d)> bytes;
+    const hn::RebindToSigned<decltype(d)> signedWide;
+    const hn::RebindToSigned<decltype(bytes)> signedBytes;
+    constexpr std::size_t Step = Lanes / sizeof(T);
+    const auto* from = reinterpret_cast<const std::uint8_t*>(low);
+    auto* to = reinterpret_cast<T*>(elements);
+    if (hn::AllTrue(Bytes(), hn::Eq(load(upperPlane), hn::Zero(Bytes())))) {
+        for (std::size_t i = 0; i < 8 * Lanes; i += Step)
+            hn::StoreU(hn::PromoteTo(d, hn::LoadU(bytes, from + i)), d, to + i);
+        return;
+    }
+    alignas(32) std::uint8_t upper[8 * Lanes];
+    for (std::size_t q = 0; q < 8; ++q)
+        hn::Store(spreadBits(upperPlane + q * (Lanes / 8)), Bytes(), upper + q * Lanes);
+    for (std::size_t i = 0; i < 8 * Lanes; i += Step) {
+        const auto sign = hn::BitCast(signedBytes, hn::LoadU(bytes, upper + i));
+        const auto high = hn::ShiftLeft<8>(hn::BitCast(d, hn::PromoteTo(signedWide, sign)));
+        hn::StoreU(hn::Or(hn::PromoteTo(d, hn::LoadU(bytes, from + i)), high), d, to + i);
+    }
 }
 
 template <std::size_t Size>
@@ -144,6 +174,7 @@ std::size_t unshuffleSize(const std::byte* shuffled, std::size_t count, std::byt
     return i;
 }
 
+/// Unshuffles whole vectors; returns the number of elements done.
 std::size_t unshuffle(const std::byte* shuffled, std::size_t count, std::size_t elementSize,
                       std::byte* elements)
 {
@@ -159,6 +190,50 @@ std::size_t unshuffle(const std::byte* shuffled, std::size_t count, std::size_t 
     }
 }
 
+/// 8 * Lanes elements of Size bytes from Lanes bytes of each of their planes.
+template <std::size_t Size>
+HWY_INLINE void unshuffleStep(const std::byte* planes, std::size_t stride, std::byte* elements)
+{
+    alignas(32) std::byte bytes[Size * 8 * Lanes];
+    join(planes, stride, Size == 1 ? elements : bytes);
+    if constexpr (Size == 2 || Size == 4) {
+        using T = std::conditional_t<Size == 2, std::uint16_t, std::uint32_t>;
+        if (equalPlanes(planes + 8 * stride, stride, 8 * (Size - 1)))
+            return widen<T>(bytes, planes + 8 * stride, elements);
+    }
+    for (std::size_t k = 1; k < Size; ++k)
+        join(planes + 8 * k * stride, stride, bytes + 8 * k * Lanes);
+    if constexpr (Size > 1)
+        unshuffleSize<Size>(bytes, 8 * Lanes, elements);
+}
+
+template <std::size_t Size>
+void unshuffleBlock(const std::byte* planes, std::size_t count, std::byte* elements)
+{
+    const std::size_t stride = count / 8;
+    std::size_t j = 0;
+    for (; j + Lanes <= stride; j += Lanes)
+        unshuffleStep<Size>(planes + j, stride, elements + 8 * j * Size);
+    unshuffleBitsPlain(planes, count, Size, elements, j);
+}
+
+void unshuffleBits(const std::byte* planes, std::size_t count, std::size_t elementSize,
+                   std::byte* elements)
+{
+    switch (elementSize) {
+    case 1:
+        return unshuffleBlock<1>(planes, count, elements);
+    case 2:
+        return unshuffleBlock<2>(planes, count, elements);
+    case 4:
+        return unshuffleBlock<4>(planes, count, elements);
+    case 8:
+        return unshuffleBlock<8>(planes, count, elements);
+    default:
+        return unshuffleBitsPlain(planes, count, elementSize, elements);
+    }
+}
+
 #endif
 
 }  // namespace morvend::codec::HWY_NAMESPACE
@@ -167,18 +242,22 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace morvend::codec {
 
-HWY_EXPORT(join);
+HWY_EXPORT(unshuffleBits);
 HWY_EXPORT(unshuffle);
 
-void joinPlanesVector(const std::byte* planes, std::size_t count, std::byte* bytes)
+void unshuffleBitsVector(const std::byte* planes, std::size_t count, std::size_t elementSize,
+                         std::byte* elements)
 {
-    HWY_DYNAMIC_DISPATCH(join)(planes, count, bytes);
+    HWY_DYNAMIC_DISPATCH(unshuffleBits)(planes, count, elementSize, elements);
 }
 
-std::size_t unshuffleVector(const std::byte* shuffled, std::size_t count, std::size_t elementSize,
-                            std::byte* elements)
+void unshuffleBytes(const std::byte* shuffled, std::size_t count, std::size_t elementSize,
+                    std::byte* elements)
 {
-    return HWY_DYNAMIC_DISPATCH(unshuffle)(shuffled, count, elementSize, elements);
+    std::size_t i = HWY_DYNAMIC_DISPATCH(unshuffle)(shuffled, count, elementSize, elements);
+    for (; i < count; ++i)
+        for (std::size_t k = 0; k < elementSize; ++k)
+            elements[i * elementSize + k] = shuffled[k * count + i];
 }
 
 }  // namespace morvend::codec

@@ -8,12 +8,13 @@
 
 namespace morvend::codec {
 
-/// joinPlanes (BitPlanes.h) by the widest vectors of up to 32 bytes.
-void joinPlanesVector(const std::byte* planes, std::size_t count, std::byte* bytes);
+/// UnshuffleBits (BitPlanes.h) by the widest vectors of up to 32 bytes.
+void unshuffleBitsVector(const std::byte* planes, std::size_t count, std::size_t elementSize,
+                         std::byte* elements);
 
-/// Puts as many elements together as whole vectors hold, from `count` first bytes, `count` second
-/// bytes, and so on; returns their number. elementSize 2, 4 or 8; 0 for any other.
-std::size_t unshuffleVector(const std::byte* shuffled, std::size_t count, std::size_t elementSize,
-                            std::byte* elements);
+/// Puts `count` elements of any size together from their first bytes, all second bytes, and so on;
+/// by vectors for the sizes 2, 4 and 8.
+void unshuffleBytes(const std::byte* shuffled, std::size_t count, std::size_t elementSize,
+                    std::byte* elements);
 
 }  // namespace morvend::codec

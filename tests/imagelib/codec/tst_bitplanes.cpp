@@ -45,34 +45,34 @@ INSTANTIATE_TEST_SUITE_P(Targets, EachTarget, testing::ValuesIn(targets()), [](c
     return row.param ? std::string(hwy::TargetName(row.param)) : std::string("Automatic");
 });
 
-Bytes joinedByDefinition(const Bytes& planes)
+Bytes unshuffledByDefinition(const Bytes& planes, std::size_t size)
 {
-    const std::size_t count = planes.size();
-    Bytes bytes(count);
+    const std::size_t count = planes.size() / size;
+    Bytes elements(planes.size());
     for (std::size_t element = 0; element < count; ++element)
-        for (std::size_t bit = 0; bit < 8; ++bit)
-            if (std::to_integer<unsigned>(planes[bit * count / 8 + element / 8]) >> element % 8 & 1)
-                bytes[element] |= static_cast<std::byte>(1U << bit);
-    return bytes;
+        for (std::size_t bit = 0; bit < 8 * size; ++bit) {
+            const std::byte plane = planes[bit * count / 8 + element / 8];
+            if (std::to_integer<unsigned>(plane) >> element % 8 & 1)
+                elements[element * size + bit / 8] |= static_cast<std::byte>(1U << bit % 8);
+        }
+    return elements;
 }
 
-TEST_P(EachTarget, JoinsPlanesByTheDefinitionAndSplitIsTheInverse)
+TEST_P(EachTarget, UnshufflesBitsByTheDefinitionAndShuffleIsTheInverse)
 {
-    for (const std::size_t count : std::initializer_list<std::size_t>{8, 16, 64, 120, 256, 264, 512,
-                                                                      520, 2048, 2048 + 72, 4096}) {
-        for (const Pattern pattern : {Pattern::Noise, Pattern::Sparse, Pattern::Gaps}) {
-            Bytes planes = makeElements(pattern, count, 1);
-            if (pattern == Pattern::Gaps)  // equal planes take a road of their own
-                for (std::size_t i = count / 8; i < count; ++i)
-                    planes[i] = planes[i - count / 8];
-            Bytes joined(count);
-            joinPlanes()(planes.data(), count, joined.data());
-            EXPECT_EQ(joined, joinedByDefinition(planes)) << count << ' ' << name(pattern);
-            Bytes split(count);
-            splitPlanes(joined.data(), count, split.data());
-            EXPECT_EQ(split, planes) << count << ' ' << name(pattern);
-        }
-    }
+    for (const std::size_t size : std::initializer_list<std::size_t>{1, 2, 3, 4, 8, 12})
+        for (const std::size_t count : std::initializer_list<std::size_t>{
+                 0, 8, 16, 64, 120, 256, 264, 512, 520, 2048, 2048 + 72, 4096 + 256 + 8})
+            for (const Pattern pattern : {Pattern::Noise, Pattern::Sparse, Pattern::Gaps}) {
+                // Sparse elements and gaps have equal planes, which take roads of their own.
+                const Bytes elements = makeElements(pattern, count, size);
+                Bytes planes(elements.size());
+                shuffleBits(elements.data(), count, size, planes.data());
+                EXPECT_TRUE(unshuffledByDefinition(planes, size) == elements);
+                Bytes result(elements.size());
+                bitUnshuffler()(planes.data(), count, size, result.data());
+                EXPECT_TRUE(result == elements) << size << ' ' << count << ' ' << name(pattern);
+            }
 }
 
 TEST_P(EachTarget, UnshufflesBytesByTheDefinition)

@@ -10,8 +10,8 @@ namespace morvend::imglib::edf {
 
 class EdfHeader;
 
-/// Sets the fields whose keys have a usable value: a number, possibly followed by a unit. A value
-/// that is none ("Na") or has an unknown unit leaves its field alone. Sets rawHeader.
+/// Sets the fields whose keys have a number, possibly with a unit; any other value ("Na") leaves
+/// its field alone. Sets rawHeader.
 void readFields(const EdfHeader& from, MBasicImageOptionalData<>& header);
 
 }  // namespace morvend::imglib::edf

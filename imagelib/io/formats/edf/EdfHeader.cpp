@@ -5,6 +5,7 @@
 #include "imagelib/io/formats/edf/EdfHeader.h"
 
 #include "imagelib/image/MException.h"
+#include "imagelib/io/formats/base/HeaderWords.h"
 
 #include <algorithm>
 #include <charconv>
@@ -14,17 +15,6 @@ namespace morvend::imglib::edf {
 namespace {
 
 constexpr std::size_t LongestHeader = std::size_t(64) << 20;
-constexpr std::string_view Blanks = " \t\r\n\f\v";
-
-char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-
-std::string_view trimmed(std::string_view text)
-{
-    const std::size_t first = text.find_first_not_of(Blanks);
-    if (first == std::string_view::npos)
-        return text.substr(0, 0);
-    return text.substr(first, text.find_last_not_of(Blanks) - first + 1);
-}
 
 /// Bytes up to and including the end of the line of the closing brace; 0 when it is not there.
 /// A CR alone does not end a header: it may be the first byte of the pixels.
@@ -42,11 +32,6 @@ std::size_t findEnd(std::string_view text, std::size_t from)
 }
 
 }  // namespace
-
-bool sameWithoutCase(std::string_view left, std::string_view right)
-{
-    return std::ranges::equal(left, right, {}, lower, lower);
-}
 
 bool EdfHeader::beginsBlock(std::string_view bytes)
 {
@@ -115,8 +100,7 @@ std::optional<std::string_view> EdfHeader::_own(std::string_view key) const
 {
     const std::string_view all = _text;
     for (auto entry = _entries.rbegin(); entry != _entries.rend(); ++entry)
-        if (entry->keyBytes == key.size() &&
-            sameWithoutCase(all.substr(entry->key, entry->keyBytes), key))
+        if (entry->keyBytes == key.size() && sameWord(all.substr(entry->key, entry->keyBytes), key))
             return all.substr(entry->value, entry->valueBytes);
     return std::nullopt;
 }

@@ -55,7 +55,4 @@ private:
     std::shared_ptr<const EdfHeader> _general;
 };
 
-/// Are two ASCII texts equal but for the case of their letters?
-bool sameWithoutCase(std::string_view left, std::string_view right);
-
 }  // namespace morvend::imglib::edf

@@ -5,6 +5,7 @@
 #include "imagelib/io/formats/edf/EdfLayout.h"
 
 #include "imagelib/image/MException.h"
+#include "imagelib/io/formats/base/HeaderWords.h"
 #include "imagelib/io/formats/edf/EdfHeader.h"
 
 #include <algorithm>
@@ -61,7 +62,7 @@ private:
 
 bool holds(std::string_view text, std::string_view word)
 {
-    const auto same = [](char l, char r) { return sameWithoutCase({&l, 1}, {&r, 1}); };
+    const auto same = [](char l, char r) { return sameWord({&l, 1}, {&r, 1}); };
     return std::search(text.begin(), text.end(), word.begin(), word.end(), same) != text.end();
 }
 
@@ -69,7 +70,7 @@ void readType(const EdfHeader& header, const Complaint& complaint, EdfLayout& la
 {
     const std::string_view name = header.value("DataType").value_or("UnsignedShort");
     const auto* const found = std::ranges::find_if(
-        TypeNames, [&](const TypeName& each) { return sameWithoutCase(each.name, name); });
+        TypeNames, [&](const TypeName& each) { return sameWord(each.name, name); });
     if (found == std::end(TypeNames))
         complaint.unsupported("DataType", name);
     layout.type = found->type;
@@ -87,13 +88,13 @@ void readByteOrder(const EdfHeader& header, const Complaint& complaint, EdfLayou
 void readPacking(const EdfHeader& header, const Complaint& complaint, EdfLayout& layout)
 {
     const std::string_view name = header.value("Compression").value_or("none");
-    if (name.empty() || sameWithoutCase(name.substr(0, 2), "no") || holds(name, "raw"))
+    if (name.empty() || sameWord(name.substr(0, 2), "no") || holds(name, "raw"))
         layout.packing = Packing::None;
     else if (holds(name, "gz"))
         layout.packing = Packing::Gzip;
     else if (holds(name, "bz"))
         layout.packing = Packing::Bzip2;
-    else if (holds(name, "zlib") || sameWithoutCase(name, "z") || holds(name, "deflate"))
+    else if (holds(name, "zlib") || sameWord(name, "z") || holds(name, "deflate"))
         layout.packing = Packing::Zlib;
     else
         complaint.unsupported("Compression", name);

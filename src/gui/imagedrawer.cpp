@@ -47,45 +47,21 @@ ImageDrawer::ImageDrawer(TarvikService* service, bool useGlsl, QWidget* parent)
     connect(service, &TarvikService::saturatedSignal, this, &ImageDrawer::_saturatedSlot);
 }
 
-ImageDrawer::~ImageDrawer()
-{
-    _releaseContext();
-}
+ImageDrawer::~ImageDrawer() { _releaseContext(); }
 
-double ImageDrawer::imgX(int x) const
-{
-    return _geometry().imageX(x);
-}
+double ImageDrawer::imgX(int x) const { return _geometry().imageX(x); }
 
-double ImageDrawer::imgY(int y) const
-{
-    return _geometry().imageY(y);
-}
+double ImageDrawer::imgY(int y) const { return _geometry().imageY(y); }
 
-int ImageDrawer::screenX(double x) const
-{
-    return _geometry().screenX(x);
-}
+int ImageDrawer::screenX(double x) const { return _geometry().screenX(x); }
 
-int ImageDrawer::screenY(double y) const
-{
-    return _geometry().screenY(y);
-}
+int ImageDrawer::screenY(double y) const { return _geometry().screenY(y); }
 
-QRectF ImageDrawer::visibleRange() const
-{
-    return _geometry().visibleRange();
-}
+QRectF ImageDrawer::visibleRange() const { return _geometry().visibleRange(); }
 
-QRectF ImageDrawer::windowToImage() const
-{
-    return _geometry().windowToImage();
-}
+QRectF ImageDrawer::windowToImage() const { return _geometry().windowToImage(); }
 
-QRect ImageDrawer::imageBoundary() const
-{
-    return imageBoundary(effectiveViewportData());
-}
+QRect ImageDrawer::imageBoundary() const { return imageBoundary(effectiveViewportData()); }
 
 QRect ImageDrawer::imageBoundary(const ViewportData& viewport) const
 {
@@ -130,8 +106,7 @@ void ImageDrawer::newImageSlot()
     _image = render::DisplayImage(baseImage());
     _cpuColouring.invalidate();
     // A picture that the card can't hold is left to the processor.
-    const bool fits =
-        std::max(_image.size().width(), _image.size().height()) <= _maxTextureSize;
+    const bool fits = std::max(_image.size().width(), _image.size().height()) <= _maxTextureSize;
     makeCurrent();
     if (_scene) {
         _scene->textures().release();
@@ -224,10 +199,7 @@ void ImageDrawer::mousePressEvent(QMouseEvent* event)
     event->ignore();
 }
 
-void ImageDrawer::mouseReleaseEvent(QMouseEvent* event)
-{
-    virtualMouseReleaseEvent(event);
-}
+void ImageDrawer::mouseReleaseEvent(QMouseEvent* event) { virtualMouseReleaseEvent(event); }
 
 void ImageDrawer::mouseMoveEvent(QMouseEvent* event)
 {
@@ -267,30 +239,15 @@ void ImageDrawer::leaveEvent(QEvent* event)
     emit newCursorCoordinates(-1.0, -1.0);
 }
 
-void ImageDrawer::_changedHeaderSlot()
-{
-    update();
-}
+void ImageDrawer::_changedHeaderSlot() { update(); }
 
-void ImageDrawer::_resolutionRingsSlot(bool)
-{
-    update();
-}
+void ImageDrawer::_resolutionRingsSlot(bool) { update(); }
 
-void ImageDrawer::_defectiveSlot(bool)
-{
-    newImageSlot();
-}
+void ImageDrawer::_defectiveSlot(bool) { newImageSlot(); }
 
-void ImageDrawer::_saturatedSlot(bool)
-{
-    newImageSlot();
-}
+void ImageDrawer::_saturatedSlot(bool) { newImageSlot(); }
 
-render::ViewGeometry ImageDrawer::_geometry() const
-{
-    return _geometry(effectiveViewportData());
-}
+render::ViewGeometry ImageDrawer::_geometry() const { return _geometry(effectiveViewportData()); }
 
 render::ViewGeometry ImageDrawer::_geometry(const ViewportData& viewport) const
 {
@@ -309,8 +266,7 @@ render::Colouring ImageDrawer::_colouring() const
 void ImageDrawer::_prepareScene()
 {
     // An image that came before the view was ready, or a new context.
-    if (_service->imageLoaded() &&
-        (_image.empty() || (_useGlsl && !_scene->textures().hasImage())))
+    if (_service->imageLoaded() && (_image.empty() || (_useGlsl && !_scene->textures().hasImage())))
         newImageSlot();
 }
 

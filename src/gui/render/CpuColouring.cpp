@@ -34,11 +34,11 @@ CpuColouring::MImage CpuColouring::rgb(const DisplayImage& display, const Colour
     const ContrastData& contrast = colouring.contrast;
     morvend::imglib::MRect rect(x, y, width, height);
     MImage result;
-    morvend::imglib::MColorMap::rgb(
-        result, _image, contrast.foreground, contrast.background, contrast.logForeground(),
-        *contrast.colorTable, "ARGB", &display.mask(), &rect,
-        colouring.saturation.value_or(std::numeric_limits<int>::max()),
-        colouring.highlightDefective, colouring.saturation.has_value());
+    morvend::imglib::MColorMap::rgb(result, _image, contrast.foreground, contrast.background,
+                                    contrast.logForeground(), *contrast.colorTable, "ARGB",
+                                    &display.mask(), &rect,
+                                    colouring.saturation.value_or(std::numeric_limits<int>::max()),
+                                    colouring.highlightDefective, colouring.saturation.has_value());
     return result;
 }
 

@@ -32,10 +32,7 @@ void ImageDrawerMain::zoom(int step)
         viewport(), QPointF(imgX(centre.x()), imgY(centre.y())), centre, step > 0 ? 1 : -1));
 }
 
-ImageDrawer::MImage ImageDrawerMain::baseImage() const
-{
-    return service().image();
-}
+ImageDrawer::MImage ImageDrawerMain::baseImage() const { return service().image(); }
 
 ContrastData ImageDrawerMain::defaultContrast() const
 {

@@ -18,15 +18,9 @@ ImageProgram::ImageProgram(PixelKind kind, std::unique_ptr<QOpenGLShaderProgram>
     _locate();
 }
 
-void ImageProgram::bind()
-{
-    _program->bind();
-}
+void ImageProgram::bind() { _program->bind(); }
 
-void ImageProgram::release()
-{
-    _program->release();
-}
+void ImageProgram::release() { _program->release(); }
 
 void ImageProgram::setColouring(const Colouring& colouring)
 {
@@ -45,8 +39,8 @@ void ImageProgram::setColouring(const Colouring& colouring)
     }
     _program->setUniformValue(_glslHighlightSaturated, GLint(colouring.saturation ? 1 : 0));
     _program->setUniformValue(_glslHighlightDefective, GLint(colouring.highlightDefective ? 1 : 0));
-    _setLevels(TransferFunction::of(colouring.contrast, _kind, table.linDataSize(),
-                                    table.logDataSize()));
+    _setLevels(
+        TransferFunction::of(colouring.contrast, _kind, table.linDataSize(), table.logDataSize()));
 }
 
 void ImageProgram::_setLevels(const TransferFunction& levels)

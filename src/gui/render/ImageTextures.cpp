@@ -13,10 +13,7 @@ namespace render {
 
 namespace {
 
-QOpenGLFunctions& gl()
-{
-    return *QOpenGLContext::currentContext()->functions();
-}
+QOpenGLFunctions& gl() { return *QOpenGLContext::currentContext()->functions(); }
 
 /// Sets how pixels are read from memory, and puts back what was set.
 class UnpackState {
@@ -55,10 +52,7 @@ GLenum target(ImageTextures::Unit unit)
                : GL_TEXTURE_2D;
 }
 
-void activate(int unit)
-{
-    gl().glActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(unit));
-}
+void activate(int unit) { gl().glActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(unit)); }
 
 }  // namespace
 
@@ -139,8 +133,8 @@ void ImageTextures::_upload2d(Unit unit, int internalFormat, int width, int heig
 void ImageTextures::_upload1d(Unit unit, int size, const unsigned char* data) const
 {
     // Textures of one dimension are no part of OpenGL ES, so Qt's functions don't know them.
-    using TexImage1D = void(QOPENGLF_APIENTRYP)(GLenum, GLint, GLint, GLsizei, GLint, GLenum,
-                                                GLenum, const void*);
+    using TexImage1D =
+        void(QOPENGLF_APIENTRYP)(GLenum, GLint, GLint, GLsizei, GLint, GLenum, GLenum, const void*);
     const auto texImage1D = reinterpret_cast<TexImage1D>(
         QOpenGLContext::currentContext()->getProcAddress("glTexImage1D"));
     assert(texImage1D);

@@ -37,10 +37,7 @@ SceneRenderer::SceneRenderer()
     fill(_quadVertices, quadVertices);
 }
 
-SceneRenderer::~SceneRenderer()
-{
-    _textures.release();
-}
+SceneRenderer::~SceneRenderer() { _textures.release(); }
 
 void SceneRenderer::setColouring(PixelKind kind, const Colouring& colouring)
 {

@@ -15,7 +15,6 @@
 #include "gui/window/SubWindow.h"
 #include "gui/window/ToolBarStyle.h"
 #include "logic/TarvikService.h"
-#include "logic/support/Assert.h"
 #include "logic/tarvikcore.h"
 
 #include <QCoreApplication>
@@ -111,7 +110,6 @@ SubWindow* MainWindow::newSubWindow(SubWindow** subwindow)
     TarvikService* service = _core.newService(key);
     auto* window = new SubWindow(*this, service, _useGlsl);
     _subFrames.insert({window, service});
-    connect(window, &AbstractSubWindow::gotActivated, this, &MainWindow::_subWindowActivated);
     connect(window, &QObject::destroyed, this, &MainWindow::_handleCloseEvent);
     _mdiArea->addSubWindow(window);
     window->show();
@@ -190,8 +188,6 @@ void MainWindow::_handleCloseEvent(QObject* window)
     _core.deleteService(frame->service);
     _subFrames.erase(frame);
 }
-
-void MainWindow::_subWindowActivated(AbstractSubWindow* window) { assert(window != NULL); }
 
 void MainWindow::_createMenus()
 {

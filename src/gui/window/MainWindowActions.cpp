@@ -6,12 +6,12 @@
 
 #include "gui/mainwindow.h"
 
-MainWindowActions::MainWindowActions(MainWindow& window, const Slots& slots)
+MainWindowActions::MainWindowActions(MainWindow& window, const Slots& receivers)
     : _newWindowAction(_add(window, QStringLiteral("New Window"),
                             QStringLiteral("Open new window (Ctrl N)"), QKeySequence::New,
-                            slots.newWindow))
+                            receivers.newWindow))
     , _openAction(_add(window, QStringLiteral("Open"), QStringLiteral("Open Image File (Ctrl O)"),
-                       QKeySequence::Open, slots.open))
+                       QKeySequence::Open, receivers.open))
 {}
 
 void MainWindowActions::silenceShortcuts(bool silent)

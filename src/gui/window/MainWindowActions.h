@@ -21,7 +21,7 @@ public:
         std::function<void()> open;
     };
 
-    MainWindowActions(MainWindow& window, const Slots& slots);
+    MainWindowActions(MainWindow& window, const Slots& receivers);
 
     QAction* newWindowAction() const { return _newWindowAction; }
     QAction* openAction() const { return _openAction; }

@@ -61,61 +61,61 @@ void SubWindow::goTo(int imageNumber) { _service->openImage(imageNumber); }
 template <class Change>
 void SubWindow::_changeViewport(Change&& change)
 {
-    ViewportData data = _service->viewportData();
-    change(data);
-    data.defined = true;
-    _service->setViewportData(data);
+    ViewportData record = _service->viewportData();
+    change(record);
+    record.defined = true;
+    _service->setViewportData(record);
 }
 
 void SubWindow::setOffsetX(double offsetX)
 {
-    _changeViewport([offsetX](ViewportData& data) { data.offsetX = offsetX; });
+    _changeViewport([offsetX](ViewportData& record) { record.offsetX = offsetX; });
 }
 
 void SubWindow::setOffsetY(double offsetY)
 {
-    _changeViewport([offsetY](ViewportData& data) { data.offsetY = offsetY; });
+    _changeViewport([offsetY](ViewportData& record) { record.offsetY = offsetY; });
 }
 
 void SubWindow::setZoomPower(int zoomPower)
 {
-    _changeViewport([zoomPower](ViewportData& data) { data.setZoomPower(zoomPower); });
+    _changeViewport([zoomPower](ViewportData& record) { record.setZoomPower(zoomPower); });
 }
 
 void SubWindow::setViewport(double offsetX, double offsetY, int zoomPower)
 {
-    _changeViewport([&](ViewportData& data) {
-        data.offsetX = offsetX;
-        data.offsetY = offsetY;
-        data.setZoomPower(zoomPower);
+    _changeViewport([&](ViewportData& record) {
+        record.offsetX = offsetX;
+        record.offsetY = offsetY;
+        record.setZoomPower(zoomPower);
     });
 }
 
 template <class Change>
 void SubWindow::_changeContrast(Change&& change)
 {
-    ContrastData data = _service->contrastData();
-    change(data);
-    data.defined = true;
-    data.dragUpdate = false;
-    _service->setContrastData(data);
+    ContrastData record = _service->contrastData();
+    change(record);
+    record.defined = true;
+    record.dragUpdate = false;
+    _service->setContrastData(record);
 }
 
 void SubWindow::setForeground(double foreground)
 {
-    _changeContrast([foreground](ContrastData& data) { data.foreground = foreground; });
+    _changeContrast([foreground](ContrastData& record) { record.foreground = foreground; });
 }
 
 void SubWindow::setBackground(double background)
 {
-    _changeContrast([background](ContrastData& data) { data.background = background; });
+    _changeContrast([background](ContrastData& record) { record.background = background; });
 }
 
 void SubWindow::setContrast(double foreground, double background)
 {
-    _changeContrast([&](ContrastData& data) {
-        data.foreground = foreground;
-        data.background = background;
+    _changeContrast([&](ContrastData& record) {
+        record.foreground = foreground;
+        record.background = background;
     });
 }
 
@@ -139,9 +139,9 @@ void SubWindow::setColorMode(QString colormode)
     for (const auto* table : _service->colorTables()) {
         if (table->identifier() != name)
             continue;
-        ContrastData data = _service->contrastData();
-        data.colorTable = table;
-        _service->setContrastData(data);
+        ContrastData record = _service->contrastData();
+        record.colorTable = table;
+        _service->setContrastData(record);
         _service->setDefaultColorTable(table);
         return;
     }

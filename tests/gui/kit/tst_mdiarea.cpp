@@ -136,9 +136,9 @@ TEST_F(MdiActivation, ClosingTheActiveFrameActivatesTheFirstOfTheOthers)
     EXPECT_EQ(_area.subWindowList().size(), 2);
 }
 
-TEST_F(MdiActivation, ClosingAnotherFrameLeavesTheActiveOneAndItsFocus)
+TEST_F(MdiActivation, AnotherFrameThatGoesLeavesTheActiveOneAndItsFocus)
 {
-    QTest::mouseClick(_frames[0]->titleBar()->exitButton(), Qt::LeftButton);
+    _frames[0]->close();
     settle();
     EXPECT_FALSE(_frames[0]);
     EXPECT_TRUE(onlyActive(_frames[2]));

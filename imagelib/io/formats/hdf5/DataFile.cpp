@@ -120,12 +120,20 @@ void DataFile::append(std::span<const std::byte> pixels)
         packed = pack(pixels, _compression, _layout.bits / 8);
         pixels = packed;
     }
-    const hsize_t extent[] = {_frames + 1, static_cast<hsize_t>(_layout.height),
-                              static_cast<hsize_t>(_layout.width)};
-    check(H5Dset_extent(_data.id(), extent), "cannot add a frame", _file.path());
+    const auto setFrames = [this](std::size_t frames) {
+        const hsize_t extent[] = {frames, static_cast<hsize_t>(_layout.height),
+                                  static_cast<hsize_t>(_layout.width)};
+        return H5Dset_extent(_data.id(), extent);
+    };
+    check(setFrames(_frames + 1), "cannot add a frame", _file.path());
     const hsize_t at[] = {_frames, 0, 0};
-    check(H5Dwrite_chunk(_data.id(), H5P_DEFAULT, 0, at, pixels.size(), pixels.data()),
-          "cannot write frame " + std::to_string(_firstNumber + _frames), _file.path());
+    if (H5Dwrite_chunk(_data.id(), H5P_DEFAULT, 0, at, pixels.size(), pixels.data()) < 0) {
+        const std::string reason = takeErrorText();
+        setFrames(_frames);  // as far as possible: no frame that isn't there
+        throw MRuntimeException("HDF5: cannot write image " +
+                                std::to_string(_firstNumber + _frames) + " (" + reason +
+                                "): " + _file.path());
+    }
     ++_frames;
 }
 

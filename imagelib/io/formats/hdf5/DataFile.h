@@ -4,29 +4,13 @@
 // One data file of a NeXus series: the frames of one block, each a chunk.
 #pragma once
 
-#include "imagelib/image/MImage.h"
+#include "imagelib/io/formats/hdf5/FrameLayout.h"
 #include "imagelib/io/formats/hdf5/PendingFile.h"
 
 #include <cstddef>
 #include <span>
 
 namespace morvend::imglib::hdf5 {
-
-enum class Compression { None, Deflate, Lz4, BitshuffleLz4 };
-
-/// What all frames of a series have in common.
-struct FrameLayout {
-    int width = 0;
-    int height = 0;
-    datatypes::Type type = datatypes::NONE;
-    std::size_t bits = 0;
-
-    std::size_t bytes() const
-    {
-        return static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * (bits / 8);
-    }
-    bool operator==(const FrameLayout&) const = default;
-};
 
 /// The HDF5 type of a pixel type; one of the library's own, not to be closed.
 /// @throws MNotImplementedException for a pair that is no pixel type

@@ -64,7 +64,9 @@ const std::vector<TextField>& textFields()
 
 void setClass(nexus::MBasicNeXusTree& tree, const std::string& group, const std::string& name)
 {
-    tree.node(group).attributes.emplace("NX_class", name);
+    nexus::Node& node = tree.node(group);
+    node.value = {};  // whatever the tree says, this is a group
+    node.attributes.emplace("NX_class", name);
 }
 
 }  // namespace

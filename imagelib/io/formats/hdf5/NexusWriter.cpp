@@ -5,6 +5,7 @@
 #include "imagelib/io/formats/hdf5/NexusWriter.h"
 
 #include "imagelib/image/MException.h"
+#include "imagelib/io/formats/hdf5/DataFile.h"
 #include "imagelib/io/formats/hdf5/HeaderTree.h"
 #include "imagelib/io/formats/hdf5/TreeOutput.h"
 
@@ -21,6 +22,7 @@ namespace {
 
 const std::string Mask = "/entry/instrument/detector/pixel_mask";
 const std::string Omega = "/entry/sample/goniometer/omega";
+const std::string DependsOn = "/entry/sample/depends_on";
 const std::string Specific = "/entry/instrument/detector/detectorSpecific/";
 
 /// "/a/x_master.h5" and 2 give "/a/x_data_000002.h5".
@@ -49,14 +51,16 @@ int sizeInTree(const nexus::MBasicNeXusTree& tree, const std::string& path)
     return value >= 1 && value <= std::numeric_limits<int>::max() ? static_cast<int>(value) : 0;
 }
 
-/// Takes out of a tree what the writer writes itself: image data, mask, angles.
+/// Takes out of a tree what the writer writes itself: image data, mask, angles of frames.
 nexus::MBasicNeXusTree withoutImages(const nexus::MBasicNeXusTree& tree)
 {
     nexus::MBasicNeXusTree rest;
-    for (const auto& [path, node] : tree.nodes())
+    for (const auto& [path, node] : tree.nodes()) {
+        const bool angles = path.starts_with(Omega) && path != Omega + "_range_average";
         if (path != "/entry/data" && !path.starts_with("/entry/data/") && !path.starts_with(Mask) &&
-            path != Omega)
+            !angles)
             rest.node(path) = node;
+    }
     return rest;
 }
 
@@ -133,12 +137,13 @@ void NexusWriter::_begin(const FrameLayout& layout, const MBasicImageOptionalDat
     fileType(layout.type, layout.bits);
     // A write that failed leaves a master that can't be filled a second time.
     _master = std::make_unique<PendingFile>(_master->path());
+    _data.reset();
+    _dataFiles = 0;
     _layout = layout;
     nexus::MBasicNeXusTree tree = _tree;
     addHeader(tree, header);
     tree.node("/entry").attributes["default"] = std::string("data");
     tree.node("/entry/data").attributes["signal"] = std::string("data_000001");
-    tree.node("/entry/sample/depends_on").value = Omega;
     tree.node("/entry/instrument/detector/bit_depth_image").value =
         static_cast<std::int64_t>(layout.bits);
     tree.node(Specific + "x_pixels_in_detector").value = std::int64_t(layout.width);
@@ -192,10 +197,13 @@ void NexusWriter::_writeAngles()
         std::any_of(_angles.begin(), _angles.end(), [](double a) { return !std::isnan(a); });
     if (!known || _anglesWritten == _angles.size())
         return;
-    if (_anglesWritten > 0)
-        check(H5Ldelete(_master->id(), Omega.c_str(), H5P_DEFAULT), "cannot replace " + Omega,
-              _master->path());
     nexus::MBasicNeXusTree tree;
+    for (const std::string& path : {Omega, DependsOn}) {
+        if (H5Lexists(_master->id(), path.c_str(), H5P_DEFAULT) > 0)
+            check(H5Ldelete(_master->id(), path.c_str(), H5P_DEFAULT), "cannot replace " + path,
+                  _master->path());
+    }
+    tree.setText(DependsOn, Omega);
     nexus::Node& omega = tree.node(Omega);
     omega.value = _angles;
     omega.attributes["units"] = std::string("deg");

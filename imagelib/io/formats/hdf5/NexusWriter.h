@@ -5,7 +5,7 @@
 #pragma once
 
 #include "imagelib/image/MImage.h"
-#include "imagelib/io/formats/hdf5/DataFile.h"
+#include "imagelib/io/formats/hdf5/FrameLayout.h"
 
 #include <cstddef>
 #include <memory>
@@ -13,6 +13,11 @@
 #include <vector>
 
 namespace morvend::imglib {
+
+namespace hdf5 {
+class DataFile;
+class PendingFile;
+}  // namespace hdf5
 
 /// Writes frame by frame. The master file holds the metadata (NXmx) and external links
 /// /entry/data/data_000001 and so on to /entry/data/data of the data files, which have the master's

@@ -35,7 +35,6 @@ struct MTimer::State {
     std::condition_variable changed;
     bool armed = false;
     bool running = false;  // the function is being called
-    int waiters = 0;       // wait for that call to end
     bool ended = false;
     Clock::time_point deadline;
     std::function<void()> onTimeout;
@@ -51,11 +50,9 @@ std::function<void()> MTimer::State::disarm(std::unique_lock<std::mutex>& lock)
 {
     armed = false;
     changed.notify_all();
-    if (!onOwnThread()) {
-        ++waiters;
+    if (!onOwnThread())
         changed.wait(lock, [this] { return !running; });
-        --waiters;
-    }
+    armed = false;  // the function may have started the timer anew
     return std::exchange(onTimeout, nullptr);
 }
 
@@ -79,8 +76,6 @@ void MTimer::State::loop()
             }
             lock.lock();
             running = false;
-            // Who waits has the last word, though the function may have started the timer anew.
-            armed = armed && waiters == 0;
             changed.notify_all();
         }
     }

@@ -9,6 +9,7 @@
 #include <memory>
 #include <set>
 
+class AbstractSubWindow;
 class MainWindowActions;
 class MdiArea;
 class MdiSplitter;
@@ -68,6 +69,7 @@ protected:
 private slots:
     void _open();
     void _handleCloseEvent(QObject* window);
+    void _subWindowActivated(AbstractSubWindow* window);
 
 private:
     /// What belongs to one view.

@@ -1,12 +1,10 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// The library's error stack as text, properties and filter names.
+// The library's error stack as text and properties.
 #include "imagelib/io/formats/hdf5/Hdf5Handles.h"
 
 #include "imagelib/image/MException.h"
-
-#include <array>
 
 namespace morvend::imglib::hdf5 {
 
@@ -49,37 +47,6 @@ Properties unlockedAccess()
     Properties access(H5Pcreate(H5P_FILE_ACCESS), "no memory for file access properties", "");
     H5Pset_file_locking(access.id(), false, true);
     return access;
-}
-
-std::string filterName(H5Z_filter_t filter)
-{
-    struct Known {
-        H5Z_filter_t number;
-        const char* name;
-    };
-    static constexpr std::array<Known, 17> known{{
-        {H5Z_FILTER_DEFLATE, "deflate"},
-        {H5Z_FILTER_SHUFFLE, "shuffle"},
-        {H5Z_FILTER_FLETCHER32, "Fletcher-32 checksum"},
-        {H5Z_FILTER_SZIP, "szip"},
-        {H5Z_FILTER_NBIT, "n-bit"},
-        {H5Z_FILTER_SCALEOFFSET, "scale-offset"},
-        {307, "bzip2"},
-        {32000, "LZF"},
-        {32001, "Blosc"},
-        {32004, "LZ4"},
-        {32008, "bitshuffle"},
-        {32013, "ZFP"},
-        {32015, "Zstandard"},
-        {32017, "SZ"},
-        {32024, "SZ3"},
-        {32026, "Blosc2"},
-        {32028, "SPERR"},
-    }};
-    for (const Known& each : known)
-        if (each.number == filter)
-            return each.name;
-    return "unknown filter";
 }
 
 }  // namespace morvend::imglib::hdf5

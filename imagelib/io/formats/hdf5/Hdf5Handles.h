@@ -78,7 +78,4 @@ inline void check(herr_t status, const std::string& what, const std::string& pat
 /// on file systems without locks open.
 Properties unlockedAccess();
 
-/// Usual name of a filter number, such as "bitshuffle"; "unknown filter" for others.
-std::string filterName(H5Z_filter_t filter);
-
 }  // namespace morvend::imglib::hdf5

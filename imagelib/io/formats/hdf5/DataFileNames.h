@@ -1,0 +1,23 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The names by which the files of one HDF5 series belong together.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace morvend::imglib::hdf5 {
+
+/// Is this a data file of a series: "<prefix>_data.<ext>" or "<prefix>_data_<digits>.<ext>"?
+bool isDataFile(const std::string& path);
+
+/// The master file beside a data file: "<prefix>_master" with the same extension, "h5" or "hdf5".
+/// Empty when there is none.
+std::string masterOf(const std::string& dataFile);
+
+/// The numbered data files of the same prefix and extension beside a data file and with it, by
+/// number; the file alone when it has no number.
+std::vector<std::string> dataFilesBeside(const std::string& dataFile);
+
+}  // namespace morvend::imglib::hdf5

@@ -1,0 +1,48 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The image header of a NeXus file, from its metadata tree.
+#pragma once
+
+#include "imagelib/image/MBasicImageOptionalData.h"
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace morvend::imglib::hdf5 {
+
+/// Reads the fields of the header from a metadata tree; docs/formats/hdf5.md lists the paths. What
+/// the tree does not hold stays absent.
+class NexusHeader {
+public:
+    /// @param entry  path of the entry group, such as "/entry"; "" for the root
+    NexusHeader(nexus::MBasicNeXusTree tree, std::string entry);
+
+    /// Images that the metadata announce, over all triggers; 0 when they don't.
+    std::size_t plannedImages() const;
+    /// Paths where a pixel mask may lie, the likeliest first: in the detectors of the entry.
+    std::vector<std::string> maskPaths() const;
+
+    /// Sets the number of images of the series, which the tree of every header carries as
+    /// "<entry>/instrument/detector/detectorSpecific/nimages", and renders the raw header.
+    void setImages(std::size_t images);
+
+    /// The header of a frame, without the mask.
+    MBasicImageOptionalData<> of(std::size_t frame) const;
+
+private:
+    void _findDetectors();
+    std::vector<std::string> _inDetectors(const std::vector<std::string>& names) const;
+    void _readBeam(MBasicImageOptionalData<>& header, std::size_t frame) const;
+    void _readDetector(MBasicImageOptionalData<>& header, std::size_t frame) const;
+    void _readGeometry(MBasicImageOptionalData<>& header) const;
+    void _readTexts(MBasicImageOptionalData<>& header) const;
+
+    nexus::MBasicNeXusTree _tree;
+    std::string _entry;
+    std::string _rawHeader;
+    std::vector<std::string> _detectors;  // groups that hold a detector's values
+};
+
+}  // namespace morvend::imglib::hdf5

@@ -1,0 +1,134 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Finding of the master, reading of header and mask, watching of growing series.
+#include "imagelib/io/formats/hdf5/NexusMaster.h"
+
+#include "imagelib/image/MException.h"
+#include "imagelib/io/formats/hdf5/DataFileNames.h"
+#include "imagelib/io/formats/hdf5/DataFinder.h"
+#include "imagelib/io/formats/hdf5/MaskReader.h"
+#include "imagelib/io/formats/hdf5/MetadataTree.h"
+
+namespace morvend::imglib::hdf5 {
+
+NexusMaster::NexusMaster(const std::string& path)
+    : _path(path)
+{
+    if (_openMaster(path))
+        return;
+    if (isDataFile(path) && dataFilesBeside(path).size() > 1)
+        _state.emplace(_loadDataFiles(path));
+    else
+        _state.emplace(_load(path));
+    if (frames() == 0)
+        throw MRuntimeException("HDF5: the file holds no frames yet: " + path);
+    _openedFrame = _state->blocks.firstFrameIn(path).value_or(0);
+}
+
+bool NexusMaster::_openMaster(const std::string& path)
+{
+    const std::string master = masterOf(path);
+    if (master.empty())
+        return false;
+    try {
+        _state.emplace(_load(master));
+        if (const auto first = _state->blocks.firstFrameIn(path)) {
+            _openedFrame = *first;
+            return frames() > 0;
+        }
+    } catch (const MException&) {
+        // A master that can't be read, or knows nothing of this file, leaves the data files.
+    }
+    _state.reset();
+    return false;
+}
+
+NexusMaster::State NexusMaster::_load(const std::string& source)
+{
+    const FileState sourceState = FileState::of(source);
+    const Hdf5FilePtr file = _files.file(source);
+    ImageLinks images = findImages(_files, file);
+    NexusHeader header(readMetadata(_files, file), images.entry);
+    BlockTable blocks(_sets, source, images.blocks, header.plannedImages());
+    header.setImages(blocks.frames());
+    return {source, sourceState, {}, std::move(header), std::move(blocks)};
+}
+
+NexusMaster::State NexusMaster::_loadDataFiles(const std::string& path)
+{
+    const FileState sourceState = FileState::of(path);
+    const Hdf5FilePtr file = _files.file(path);
+    const ImageLinks images = findImages(_files, file);
+    NexusHeader header(readMetadata(_files, file), images.entry);
+    std::vector<std::string> dataFiles = dataFilesBeside(path);
+    std::vector<Place> places;
+    for (const std::string& each : dataFiles)
+        places.push_back({each, images.blocks.front()});
+    BlockTable blocks(_sets, std::move(places));
+    header.setImages(blocks.frames());
+    return {path, sourceState, std::move(dataFiles), std::move(header), std::move(blocks)};
+}
+
+MImage NexusMaster::frame(std::size_t position)
+{
+    quiet();
+    const std::size_t known = frames();
+    const BlockTable::Spot spot = _state->blocks.spot(position);
+    if (frames() != known)
+        _state->header.setImages(frames());
+    MImage image = spot.set->read(spot.frame, _sets);
+    MBasicImageOptionalData<> header = _state->header.of(position);
+    if (const MImage& mask = _maskFor(image); !mask.empty())
+        header.set_pixel_mask(mask);
+    image.setOptionalData(header);
+    return image;
+}
+
+const MImage& NexusMaster::_maskFor(const MImage& image)
+{
+    static const MImage none;
+    if (!_maskRead) {
+        MImage mask = readMask(_sets, _state->source, _state->header.maskPaths(), image.width(),
+                               image.height());
+        // An unchanged mask keeps its identity, by which others know that they know it.
+        if (_mask.empty() || !samePixels(mask, _mask))
+            _mask = std::move(mask);
+        _maskRead = true;
+    }
+    return _mask.width() == image.width() && _mask.height() == image.height() ? _mask : none;
+}
+
+void NexusMaster::update()
+{
+    quiet();
+    // An open file shows the state at its opening.
+    _sets.close();
+    _files.close();
+    try {
+        _updateState();
+    } catch (const MException&) {
+        // In the middle of a write a file reads badly; the next look will find it whole.
+    }
+}
+
+void NexusMaster::_updateState()
+{
+    const bool changed = FileState::of(_state->source) != _state->sourceState;
+    if (!_state->dataFiles.empty() && (changed || dataFilesBeside(_path) != _state->dataFiles)) {
+        _state = _loadDataFiles(_path);
+        return;
+    }
+    if (_state->dataFiles.empty() && changed) {
+        _state = _load(_state->source);
+        _maskRead = false;
+        return;
+    }
+    BlockTable blocks = _state->blocks;
+    blocks.update();
+    if (blocks.frames() != _state->blocks.frames())
+        _state->header.setImages(blocks.frames());
+    _state->blocks = std::move(blocks);
+}
+
+}  // namespace morvend::imglib::hdf5

@@ -1,0 +1,64 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// An HDF5 series as a whole: its entry, its blocks of frames, its header.
+#pragma once
+
+#include "imagelib/io/formats/hdf5/BlockTable.h"
+#include "imagelib/io/formats/hdf5/FrameSets.h"
+#include "imagelib/io/formats/hdf5/NexusHeader.h"
+
+#include <optional>
+#include <string>
+
+namespace morvend::imglib::hdf5 {
+
+/// A series opened by its master, by any of its data files, or a single file of any known layout.
+/// Thread: callers take turns.
+class NexusMaster {
+public:
+    /// @throws MException when the file can't be read, holds no images or no frame yet
+    explicit NexusMaster(const std::string& path);
+    NexusMaster(const NexusMaster&) = delete;
+    NexusMaster& operator=(const NexusMaster&) = delete;
+
+    std::size_t frames() const { return _state->blocks.frames(); }
+    /// The first frame that the opened file holds.
+    std::size_t openedFrame() const { return _openedFrame; }
+    /// A frame with its header and the mask, which all frames of the series share.
+    MImage frame(std::size_t position);
+    std::string path(std::size_t position) { return _state->blocks.path(position); }
+
+    /// Looks for new blocks and frames. What was known stays when a file is found in the middle of
+    /// a write.
+    void update();
+
+    /// Files open at this moment.
+    std::size_t openFiles() const { return _files.openCount(); }
+
+private:
+    /// All that was learnt from the files at one time.
+    struct State {
+        std::string source;  // the file of links and header
+        FileState sourceState;
+        std::vector<std::string> dataFiles;  // of a series without a master
+        NexusHeader header;
+        BlockTable blocks;
+    };
+
+    bool _openMaster(const std::string& path);
+    State _load(const std::string& source);
+    State _loadDataFiles(const std::string& path);
+    void _updateState();
+    const MImage& _maskFor(const MImage& image);
+
+    std::string _path;
+    Hdf5Files _files;
+    FrameSets _sets{_files};
+    std::optional<State> _state;
+    std::size_t _openedFrame = 0;
+    bool _maskRead = false;
+    MImage _mask;
+};
+
+}  // namespace morvend::imglib::hdf5

@@ -1,0 +1,62 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The test for the signature, and the series as an image file.
+#include "imagelib/io/formats/hdf5/NexusReader.h"
+
+#include "imagelib/image/MException.h"
+#include "imagelib/io/formats/hdf5/NexusMaster.h"
+
+#include <cstring>
+
+namespace morvend::imglib {
+
+namespace {
+
+constexpr char Signature[] = "\x89HDF\r\n\x1a\n";
+constexpr std::size_t SignatureSize = sizeof(Signature) - 1;
+constexpr std::uint64_t FirstUserBlock = 512;
+
+bool hasSignature(const ByteSource& source)
+{
+    char bytes[SignatureSize];
+    const std::uint64_t size = source.size();
+    for (std::uint64_t at = 0; at < size; at = at ? 2 * at : FirstUserBlock)
+        if (source.readSome(at, bytes, SignatureSize) == SignatureSize &&
+            std::memcmp(bytes, Signature, SignatureSize) == 0)
+            return true;
+    return false;
+}
+
+class NexusFile : public ImageFile {
+public:
+    explicit NexusFile(const std::string& path)
+        : _master(std::make_unique<hdf5::NexusMaster>(path))
+    {}
+    const char* format() const override { return "HDF5"; }
+    std::size_t frameCount() const override { return _master->frames(); }
+    MImage frame(std::size_t position) const override { return _master->frame(position); }
+    std::string framePath(std::size_t position) const override { return _master->path(position); }
+    std::size_t openedFrame() const override { return _master->openedFrame(); }
+    int firstNumber() const override { return 1; }
+    void update() override { _master->update(); }
+
+private:
+    // Reading opens files and counts blocks: the state behind the constant interface changes.
+    const std::unique_ptr<hdf5::NexusMaster> _master;
+};
+
+}  // namespace
+
+std::unique_ptr<ImageFile> openHdf5(std::shared_ptr<const ByteSource> source)
+{
+    if (!hasSignature(*source))
+        return nullptr;
+    if (!source->memory().empty())
+        throw MRuntimeException("HDF5: the file is compressed as a whole and must be unpacked "
+                                "before it can be read: " +
+                                source->path());
+    return std::make_unique<NexusFile>(source->path());
+}
+
+}  // namespace morvend::imglib

@@ -201,19 +201,6 @@ double spreadOfOthers(Quantiles& quantile, double median, double factor)
     return (median == 0.0 ? 1.0 : std::abs(median)) / factor;
 }
 
-/// Standard deviation of the background around the median.
-double noise(Sample& sample, double median, double factor, bool counts)
-{
-    Quantiles quantile(sample);
-    // The lower quartile first: signal is on the upper side.
-    double deviation = (median - quantile(0.25)) / quartile;
-    if (deviation == 0.0)
-        deviation = (quantile(0.75) - median) / quartile;
-    if (counts)
-        return std::max(deviation, photonNoise(sample, quantile(0.95)));
-    return deviation > 0.0 ? deviation : spreadOfOthers(quantile, median, factor);
-}
-
 struct Levels {
     double background;
     double foreground;
@@ -221,19 +208,28 @@ struct Levels {
 
 Levels chooseLevels(Sample& sample, double factor, bool counts)
 {
-    const double median = Quantiles(sample)(0.5);
-    const double deviation = noise(sample, median, factor, counts);
-    const auto [lowest, highest] = std::minmax_element(sample.begin(), sample.end());
+    Quantiles quantile(sample);
+    const double median = quantile(0.5);
+    const double lowest = *std::min_element(sample.begin(), sample.end());
+    const double highest = *std::max_element(sample.begin(), sample.end());
+    // The spread of the background: by the lower quartile first, as signal is on the upper side.
+    double deviation = (median - quantile(0.25)) / quartile;
+    if (deviation == 0.0)
+        deviation = (quantile(0.75) - median) / quartile;
+    const double least = counts ? photonNoise(sample, quantile(0.95)) : 0.0;
+    const bool spread = deviation > least;
+    if (!spread)
+        deviation = counts ? least : spreadOfOthers(quantile, median, factor);
 
     double foreground = median + factor * deviation;
     double background = median - factor / 2.0 * deviation;
     // A distribution without tails ends where it ends.
-    if (*highest > median && *highest < median + factor / 2.0 * deviation)
-        foreground = *highest;
-    if (*lowest < median)
-        background = std::max(background, *lowest);
+    if (spread && highest > median && highest < median + 2.0 * deviation)
+        foreground = highest;
+    if (spread && lowest < median)
+        background = std::max(background, lowest);
     // Counts start at zero wherever that costs little of the range.
-    if (*lowest >= 0.0 && background <= foreground / 4.0)
+    if (lowest >= 0.0 && background <= foreground / 4.0)
         background = 0.0;
     return {background, foreground};
 }

@@ -35,6 +35,7 @@ struct MTimer::State {
     std::condition_variable changed;
     bool armed = false;
     bool running = false;  // the function is being called
+    int waiters = 0;       // wait for that call to end
     bool ended = false;
     Clock::time_point deadline;
     std::function<void()> onTimeout;
@@ -50,9 +51,11 @@ std::function<void()> MTimer::State::disarm(std::unique_lock<std::mutex>& lock)
 {
     armed = false;
     changed.notify_all();
-    if (!onOwnThread())
+    if (!onOwnThread()) {
+        ++waiters;
         changed.wait(lock, [this] { return !running; });
-    armed = false;  // the function may have started the timer anew
+        --waiters;
+    }
     return std::exchange(onTimeout, nullptr);
 }
 
@@ -76,6 +79,8 @@ void MTimer::State::loop()
             }
             lock.lock();
             running = false;
+            // Who waits has the last word, though the function may have started the timer anew.
+            armed = armed && waiters == 0;
             changed.notify_all();
         }
     }

@@ -9,7 +9,6 @@
 #include <memory>
 #include <set>
 
-class AbstractSubWindow;
 class MainWindowActions;
 class MdiArea;
 class MdiSplitter;
@@ -69,7 +68,6 @@ protected:
 private slots:
     void _open();
     void _handleCloseEvent(QObject* window);
-    void _subWindowActivated(AbstractSubWindow* window);
 
 private:
     /// What belongs to one view.

@@ -79,6 +79,8 @@ private slots:
     void _newImageSlot();
     void _errorSlot(const QString& message);
     void _activate(Qt::WindowStates oldState, Qt::WindowStates newState);
+    void _loadNextFileSlot();
+    void _loadPreviousFileSlot();
 
 private:
     template <class Change>

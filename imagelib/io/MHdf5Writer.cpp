@@ -1,0 +1,44 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// MHdf5Writer over the writer of the HDF5 room.
+#include "imagelib/io/MHdf5Writer.h"
+
+#include "imagelib/io/formats/hdf5/NexusWriter.h"
+
+namespace morvend::imglib {
+
+namespace {
+
+hdf5::Compression compressionOf(MCompression::FILTER filter)
+{
+    if (filter & MCompression::BITSHUFFLE_LZ4)
+        return hdf5::Compression::BitshuffleLz4;
+    if (filter & MCompression::LZ4)
+        return hdf5::Compression::Lz4;
+    if (filter & MCompression::DEFLATE)
+        return hdf5::Compression::Deflate;
+    return hdf5::Compression::None;
+}
+
+}  // namespace
+
+class MHdf5Writer::Private : public NexusWriter {
+public:
+    using NexusWriter::NexusWriter;
+};
+
+MHdf5Writer::MHdf5Writer(const std::string& path, int, const nexus::MBasicNeXusTree& tree,
+                         MCompression::FILTER filter)
+    : _d(std::make_unique<Private>(path, tree, NexusWriter::Options{compressionOf(filter), 1000}))
+{}
+
+MHdf5Writer::~MHdf5Writer() = default;
+
+void MHdf5Writer::write(const MImage& image) { _d->write(image); }
+
+void MHdf5Writer::write(const image::MBasicImage<>& pixels) { _d->write(pixels); }
+
+void MHdf5Writer::flush() { _d->flush(); }
+
+}  // namespace morvend::imglib

@@ -1,0 +1,160 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The base of all widgets that show an image through OpenGL.
+#pragma once
+
+#include "gui/render/CpuColouring.h"
+#include "gui/render/DisplayImage.h"
+#include "gui/render/ViewGeometry.h"
+#include "imagelib/image/MImage.h"
+#include "logic/records/ContrastData.h"
+#include "logic/records/ViewportData.h"
+
+#include <QColor>
+#include <QElapsedTimer>
+#include <QImage>
+#include <QOpenGLWidget>
+#include <QRect>
+#include <QRectF>
+
+#include <memory>
+
+class QOpenGLContext;
+class QPainter;
+class TarvikService;
+
+namespace render {
+class SceneRenderer;
+}
+
+/// Shows one image of a service, coloured on the graphics card, and converts between widget and
+/// image coordinates. A contrast change sets some numbers in a shader and never walks the image.
+/// Without shaders the processor colours the visible part.
+///
+/// A view holds no truth of its own: gestures go to the service, and what its signals return is
+/// shown. Positions are widget coordinates. Thread: GUI only.
+class ImageDrawer : public QOpenGLWidget {
+    Q_OBJECT
+public:
+    using MImage = morvend::imglib::MImage;
+
+    /// @param service  not owned; lives as long as the view
+    /// @param useGlsl  false colours on the processor even where shaders are to be had
+    ImageDrawer(TarvikService* service, bool useGlsl, QWidget* parent = nullptr);
+    ~ImageDrawer() override;
+
+    /// The last cursor position.
+    int cursorX() const { return _cursorX; }
+    int cursorY() const { return _cursorY; }
+    /// Image coordinate under the cursor, or at a widget coordinate.
+    double imgX() const { return imgX(_cursorX); }
+    double imgY() const { return imgY(_cursorY); }
+    double imgX(int x) const;
+    double imgY(int y) const;
+    /// Widget coordinate of an image coordinate, truncated.
+    int screenX(double x) const;
+    int screenY(double y) const;
+    /// The part of the image on show, in image pixels; zero without any.
+    QRectF visibleRange() const;
+    /// The view in the viewport's coordinates; zero without image.
+    QRectF windowToImage() const;
+    /// The part of the widget that the image covers; null without image.
+    QRect imageBoundary() const;
+    QRect imageBoundary(const ViewportData& viewport) const;
+    /// The colours of a part of the image, which must lie in it (asserted): 32-bit ARGB.
+    MImage rgbData(int x, int y, int width, int height) const;
+    /// A picture of the whole scene, overlays included, of the widget's size; null before the first
+    /// paint. Hides QWidget::grab(), which would take the same scene through a pixmap.
+    QImage grab();
+
+    bool moveImage() const { return _moveImage; }
+    /// Does a drag with the left button move the image?
+    void setMoveImage(bool move) { _moveImage = move; }
+    QColor backgroundColor() const { return _backgroundColor; }
+    void setBackgroundColor(const QColor& color);
+    /// Are images coloured by shaders? Known once the view is initialized.
+    bool usesGlsl() const { return _useGlsl; }
+
+public slots:
+    /// Takes the image of the service over; asks for a first contrast and viewport where none are.
+    virtual void newImageSlot();
+    virtual void setContrastSlot(const ContrastData& contrast);
+    virtual void setViewportSlot(const ViewportData& viewport);
+
+signals:
+    /// Image coordinates; -1 and -1 when the cursor leaves the widget.
+    void newCursorCoordinates(double x, double y);
+    /// OpenGL is ready, with or without shaders.
+    void initializedSignal();
+
+protected:
+    /// The image to show.
+    virtual MImage baseImage() const = 0;
+    virtual ContrastData defaultContrast() const = 0;
+    virtual ViewportData defaultViewport() const = 0;
+    /// The viewport to adopt when one is wanted.
+    virtual ViewportData correctViewport(const ViewportData& wanted,
+                                         const ViewportData& current) const = 0;
+    /// The viewport for drawing and for coordinates.
+    virtual ViewportData effectiveViewportData() const = 0;
+    /// Pixels of the picture on show for each image pixel.
+    virtual double imageScaleFactor() const = 0;
+    /// Sign of a pan: +1 moves the image with the cursor.
+    virtual int moveDirection() const = 0;
+
+    /// Draws over the image.
+    virtual void paint(QPainter* painter);
+    // What a view adds to the events of the base.
+    virtual void virtualMousePressEvent(QMouseEvent* event);
+    virtual void virtualMouseReleaseEvent(QMouseEvent* event);
+    virtual void virtualMouseMoveEvent(QMouseEvent* event);
+    virtual void virtualWheelEvent(QWheelEvent* event);
+
+    void initializeGL() override;
+    void paintGL() override;
+    void resizeEvent(QResizeEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+
+    TarvikService& service() const { return *_service; }
+    const ViewportData& viewport() const { return _viewportData; }
+
+private slots:
+    void _changedHeaderSlot();
+    void _resolutionRingsSlot(bool show);
+    void _defectiveSlot(bool highlight);
+    void _saturatedSlot(bool highlight);
+
+private:
+    render::ViewGeometry _geometry() const;
+    render::ViewGeometry _geometry(const ViewportData& viewport) const;
+    render::Colouring _colouring() const;
+    void _prepareScene();
+    void _renderScene(QPainter& painter);
+    void _renderNative(double devicePixelRatio);
+    void _pan(const QPoint& position);
+    void _releaseContext();
+
+    TarvikService* _service;
+    bool _initialized = false;
+    render::DisplayImage _image;
+    render::CpuColouring _cpuColouring;
+    ViewportData _viewportData;
+    ContrastData _contrastData;
+    std::unique_ptr<render::SceneRenderer> _scene;  // with shaders only
+    QMetaObject::Connection _contextEnd;
+    QColor _backgroundColor = Qt::darkGray;
+    int _cursorX = 0;
+    int _cursorY = 0;
+    int _lastMoveX = 0;
+    int _lastMoveY = 0;
+    QElapsedTimer _wheelTimer;
+    bool _moveImage = true;
+    bool _glslWanted;
+    bool _useGlsl;
+    int _maxTextureSize = 0;
+};

@@ -1,0 +1,235 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The top-level window: control bar, ribbon and the tiled image views.
+#include "gui/mainwindow.h"
+
+#include "gui/kit/MdiArea.h"
+#include "gui/kit/RibbonInterface.h"
+#include "gui/kit/SvgIcon.h"
+#include "gui/kit/SvgWidget.h"
+#include "gui/window/DroppedFiles.h"
+#include "gui/window/MainWindowActions.h"
+#include "gui/window/OpenDirectory.h"
+#include "gui/window/OpenFileDialog.h"
+#include "gui/window/SubWindow.h"
+#include "gui/window/ToolBarStyle.h"
+#include "logic/TarvikService.h"
+#include "logic/tarvikcore.h"
+
+#include <QCoreApplication>
+#include <QDropEvent>
+#include <QToolBar>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace {
+
+/// Takes the room that is left in a tool bar, or a given width.
+QWidget* spacer(int minimumWidth, QSizePolicy::Policy policy)
+{
+    auto* widget = new QWidget;
+    widget->setMinimumWidth(minimumWidth);
+    widget->setSizePolicy(policy, QSizePolicy::Preferred);
+    return widget;
+}
+
+}  // namespace
+
+MainWindow::MainWindow(TarvikCore& core, bool useGlsl, bool quitOnClose)
+    : _core(core)
+    , _mdiArea(new MdiArea)
+    , _splitter(new MdiSplitter(Qt::Horizontal))
+    , _controlBar(new QToolBar(QStringLiteral("Control Bar")))
+    , _ribbon(new RibbonInterface)
+    , _useGlsl(useGlsl)
+    , _quitOnClose(quitOnClose)
+{
+    setWindowTitle(QStringLiteral("TARVIK"));
+    setWindowIcon(svgIcon(QStringLiteral(":icons/tarvik256.svg"), QSize(256, 256)));
+    QPalette black = palette();
+    black.setColor(QPalette::Window, Qt::black);
+    setPalette(black);
+    setAutoFillBackground(true);
+    setAcceptDrops(true);
+    setContextMenuPolicy(Qt::PreventContextMenu);
+    _actions = std::make_unique<MainWindowActions>(
+        *this, MainWindowActions::Slots{[this] { newSubWindow(); }, [this] { _open(); }});
+    _createMenus();
+    _createLayout();
+    resize(1200, 800);
+}
+
+MainWindow::~MainWindow()
+{
+    emit aboutToTerminate(this);
+    // Views first, then what they show; none of them may call back into a window that is going.
+    for (const SubFrame& frame : _subFrames)
+        disconnect(frame.subWindow, nullptr, this, nullptr);
+    delete _mdiArea;
+    for (const SubFrame& frame : _subFrames)
+        _core.deleteService(frame.service);
+}
+
+SubWindow* MainWindow::activeSubWindow() const
+{
+    return qobject_cast<SubWindow*>(_mdiArea->activeSubWindow());
+}
+
+QList<SubWindow*> MainWindow::subWindows() const
+{
+    QList<SubWindow*> windows;
+    for (AbstractSubWindow* frame : _mdiArea->subWindowList())
+        windows.append(qobject_cast<SubWindow*>(frame));
+    return windows;
+}
+
+QString MainWindow::openDirectory() const { return OpenDirectory::get(); }
+
+void MainWindow::setOpenDirectory(const QString& path) { OpenDirectory::set(path); }
+
+void MainWindow::enableAllSubWindows()
+{
+    for (SubWindow* window : subWindows())
+        window->setEnabled(true);
+}
+
+void MainWindow::enableNonActiveSubWindows(bool enabled)
+{
+    for (SubWindow* window : subWindows()) {
+        if (window != activeSubWindow())
+            window->setEnabled(enabled);
+    }
+}
+
+SubWindow* MainWindow::newSubWindow(SubWindow** subwindow)
+{
+    // Views of one main window synchronise with each other: its address is their key.
+    const QString key = QString::number(reinterpret_cast<quintptr>(this));
+    TarvikService* service = _core.newService(key);
+    auto* window = new SubWindow(*this, service, _useGlsl);
+    _subFrames.insert({window, service});
+    connect(window, &QObject::destroyed, this, &MainWindow::_handleCloseEvent);
+    _mdiArea->addSubWindow(window);
+    window->show();
+    if (subwindow)
+        *subwindow = window;
+    emit newSubWindowSignal(window);
+    return window;
+}
+
+SubWindow* MainWindow::newSubWindow() { return newSubWindow(nullptr); }
+
+void MainWindow::showToolBar()
+{
+    _actions->silenceShortcuts(false);
+    _controlBar->show();
+    _ribbon->show();
+}
+
+void MainWindow::hideToolBar()
+{
+    _actions->silenceShortcuts(true);
+    _controlBar->hide();
+    _ribbon->hide();
+}
+
+void MainWindow::disableClose() { _closeDisabled = true; }
+
+void MainWindow::enableClose() { _closeDisabled = false; }
+
+void MainWindow::close()
+{
+    _closeDisabled = false;
+    QMainWindow::close();
+}
+
+void MainWindow::closeEvent(QCloseEvent* event)
+{
+    event->ignore();
+    if (_closeDisabled)
+        return;
+    if (_quitOnClose) {
+        event->accept();
+        QCoreApplication::quit();
+    } else {
+        hide();
+        deleteLater();
+    }
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event) { event->acceptProposedAction(); }
+
+void MainWindow::dragMoveEvent(QDragMoveEvent* event) { event->acceptProposedAction(); }
+
+void MainWindow::dropEvent(QDropEvent* event)
+{
+    for (const QString& file : droppedFiles(*event->mimeData()))
+        newSubWindow()->loadFile(file);
+    event->acceptProposedAction();
+}
+
+void MainWindow::_open()
+{
+    const QStringList files = OpenFileDialog(this).choose();
+    if (files.isEmpty())
+        return;
+    SubWindow* window = activeSubWindow();
+    (window ? window : newSubWindow())->loadFile(files.first());
+}
+
+void MainWindow::_handleCloseEvent(QObject* window)
+{
+    const auto isWindow = [window](const SubFrame& frame) { return frame.subWindow == window; };
+    const auto frame = std::find_if(_subFrames.begin(), _subFrames.end(), isWindow);
+    if (frame == _subFrames.end())
+        return;
+    _core.deleteService(frame->service);
+    _subFrames.erase(frame);
+}
+
+void MainWindow::_createMenus()
+{
+    _controlBar->setFloatable(false);
+    _controlBar->setMovable(false);
+    _controlBar->setStyleSheet(toolBarStyle());
+    addToolBar(_controlBar);
+
+    const QString file = QStringLiteral("File");
+    _controlBar->addAction(_ribbon->addToolBar(file));
+    _ribbon->setStyleSheet(toolBarStyle());
+    _ribbon->addAction(file, _actions->newWindowAction());
+    _ribbon->addAction(file, _actions->openAction());
+    _ribbon->addSeparator(file);
+
+    _controlBar->addSeparator();
+    _controlBar->addWidget(spacer(0, QSizePolicy::Expanding));
+    auto* logo = new SvgWidget(QStringLiteral(":icons/morvend_logo.svg"));
+    logo->setHeight(15);
+    logo->setFixedWidth(logo->sizeHint().width());
+    _controlBar->addWidget(logo);
+    _controlBar->addWidget(spacer(10, QSizePolicy::Fixed));
+}
+
+void MainWindow::_createLayout()
+{
+    auto* central = new QWidget;
+    auto* rows = new QVBoxLayout(central);
+    rows->setContentsMargins(0, 0, 0, 0);
+    rows->setSpacing(0);
+
+    auto* bars = new QHBoxLayout;
+    bars->setSpacing(0);
+    bars->addWidget(_ribbon);
+    rows->addLayout(bars);
+
+    auto* area = new QWidget;
+    area->setSizePolicy(QSizePolicy::MinimumExpanding, QSizePolicy::MinimumExpanding);
+    auto* areaLayout = new QVBoxLayout(area);
+    areaLayout->setContentsMargins(0, 0, 0, 0);
+    areaLayout->addWidget(_splitter);
+    _splitter->addWidget(_mdiArea);
+    rows->addWidget(area);
+    setCentralWidget(central);
+}

@@ -1,0 +1,24 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// All that decides the colour of a pixel besides its value and its mask.
+#pragma once
+
+#include "imagelib/display/MColorTable.h"
+#include "logic/records/ContrastData.h"
+
+#include <optional>
+
+namespace render {
+
+/// Contrast and special colours of one view; a value.
+struct Colouring {
+    /// Its colour table is never null here.
+    ContrastData contrast;
+    /// From this intensity on a pixel shows the table's colour of saturation; none for no such
+    /// highlighting.
+    std::optional<int> saturation;
+    bool highlightDefective = false;
+};
+
+}  // namespace render

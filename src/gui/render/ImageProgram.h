@@ -1,0 +1,62 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// One shader program that colours images, with its uniforms.
+#pragma once
+
+#include "gui/render/Colouring.h"
+#include "gui/render/PixelKind.h"
+#include "gui/render/TransferFunction.h"
+
+#include <QMatrix4x4>
+#include <QOpenGLShaderProgram>
+
+#include <memory>
+
+namespace render {
+
+/// A linked program for one pixel type. The view's context is current wherever it is used.
+class ImageProgram {
+public:
+    /// @param program  linked; every uniform of the flat image must be in it (asserted)
+    ImageProgram(PixelKind kind, std::unique_ptr<QOpenGLShaderProgram> program);
+
+    void bind();
+    void release();
+
+    // With the program bound:
+    /// Levels, table sizes and special colours.
+    void setColouring(const Colouring& colouring);
+    /// Matrices and texture units, as ImageTextures binds them.
+    void setScene(const QMatrix4x4& transformation, const QMatrix4x4& selectRegion);
+    /// The attribute that takes the corners of the quad, two floats each.
+    int coord2d() const { return _glslCoord2d; }
+
+private:
+    void _locate();
+    void _setLevels(const TransferFunction& levels);
+
+    PixelKind _kind;
+    std::unique_ptr<QOpenGLShaderProgram> _program;
+    int _glslCoord2d = -1;
+    int _glslTransformationMatrix = -1;
+    int _glslSelectRegionMatrix = -1;
+    int _glslTextureImg = -1;
+    int _glslTextureMask = -1;
+    int _glslLogForeground = -1;
+    int _glslForeground = -1;
+    int _glslBackground = -1;
+    int _glslSlope = -1;
+    int _glslLogSlope = -1;
+    int _glslLogOffset = -1;
+    int _glslLinData = -1;
+    int _glslLogData = -1;
+    int _glslLogDataSize = -1;
+    int _glslSaturatedColor = -1;
+    int _glslDefectiveColor = -1;
+    int _glslCountCutoff = -1;
+    int _glslHighlightDefective = -1;
+    int _glslHighlightSaturated = -1;
+};
+
+}  // namespace render

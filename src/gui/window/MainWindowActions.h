@@ -1,0 +1,39 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The actions of the main window: texts, tool tips and shortcuts.
+#pragma once
+
+#include <QAction>
+#include <QList>
+#include <QShortcut>
+
+#include <functional>
+
+class MainWindow;
+
+/// Actions and the window's shortcuts for them; both call the same slot.
+class MainWindowActions {
+public:
+    /// What the actions do.
+    struct Slots {
+        std::function<void()> newWindow;
+        std::function<void()> open;
+    };
+
+    MainWindowActions(MainWindow& window, const Slots& receivers);
+
+    QAction* newWindowAction() const { return _newWindowAction; }
+    QAction* openAction() const { return _openAction; }
+
+    /// A silenced shortcut does nothing.
+    void silenceShortcuts(bool silent);
+
+private:
+    QAction* _add(MainWindow& window, const QString& text, const QString& tip,
+                  const QKeySequence& key, const std::function<void()>& slot);
+
+    QAction* _newWindowAction;
+    QAction* _openAction;
+    QList<QShortcut*> _shortcuts;
+};

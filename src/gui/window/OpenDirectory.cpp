@@ -1,0 +1,39 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The folder where the next file is looked for.
+#include "gui/window/OpenDirectory.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QSettings>
+
+namespace {
+
+const QString key = QStringLiteral("ImageDirectory");
+
+/// The folder itself or that of a file; empty when nothing is there.
+QString existingFolder(const QString& path)
+{
+    const QFileInfo info(path);
+    if (path.isEmpty() || !info.exists())
+        return {};
+    return info.isDir() ? QDir(path).absolutePath() : info.absolutePath();
+}
+
+}  // namespace
+
+QString OpenDirectory::get()
+{
+    const QSettings settings;
+    const QString folder =
+        settings.contains(key) ? existingFolder(settings.value(key).toString()) : QString();
+    return folder.isEmpty() ? QDir::currentPath() : folder;
+}
+
+void OpenDirectory::set(const QString& path)
+{
+    const QString folder = existingFolder(path);
+    if (!folder.isEmpty())
+        QSettings().setValue(key, folder);
+}

@@ -1,0 +1,58 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The dialog that asks for image files.
+#include "gui/window/OpenFileDialog.h"
+
+#include "gui/window/OpenDirectory.h"
+
+#include <QApplication>
+#include <QSignalBlocker>
+
+OpenFileDialog::OpenFileDialog(QWidget* parent)
+    : QFileDialog(parent, QString(), QStringLiteral("/"))
+{
+    setOptions(DontResolveSymlinks | DontConfirmOverwrite | DontUseNativeDialog | ReadOnly |
+               HideNameFilterDetails);
+    setFileMode(ExistingFiles);
+    setViewMode(List);
+    setNameFilters(imageFilters());
+    setDirectory(OpenDirectory::get());
+}
+
+QStringList OpenFileDialog::choose()
+{
+    // The frames must not hear of the focus moving to the dialog and back.
+    const QSignalBlocker quiet(qApp);
+    if (exec() != Accepted)
+        return {};
+    OpenDirectory::set(directory().absolutePath());
+    return selectedFiles();
+}
+
+QStringList OpenFileDialog::doubleUpper(const QStringList& endings)
+{
+    QStringList result;
+    for (const QString& ending : endings)
+        result << ending << ending.toUpper();
+    return result;
+}
+
+QString OpenFileDialog::filter(const QString& name, const QStringList& endings)
+{
+    QString result = name + '(';
+    for (const QString& ending : endings)
+        result += '*' + ending + ' ';
+    return result + ')';
+}
+
+QStringList OpenFileDialog::imageFilters()
+{
+    const QStringList images = doubleUpper({".cbf", ".tif", ".tiff", ".edf"});
+    const QStringList containers = doubleUpper({".h5", ".hdf5"});
+    QStringList masters;
+    for (const QString& ending : containers)
+        masters << "_master" + ending;
+    return {filter(QStringLiteral("Morvend images"), images + masters),
+            filter(QStringLiteral("Image files"), images + containers)};
+}

@@ -1,0 +1,26 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The dialog that asks for image files.
+#pragma once
+
+#include <QFileDialog>
+#include <QString>
+#include <QStringList>
+
+/// Shows image files, or at first only the masters of HDF5 series, in the folder where the next
+/// file is looked for; remembers the folder when files were chosen.
+class OpenFileDialog : public QFileDialog {
+    Q_OBJECT
+public:
+    explicit OpenFileDialog(QWidget* parent);
+
+    /// Runs the dialog. @returns the chosen files, none when cancelled
+    QStringList choose();
+
+    /// Each entry followed by its ending in upper case.
+    static QStringList doubleUpper(const QStringList& endings);
+    /// A name filter of a file dialog: the name and a pattern for each ending.
+    static QString filter(const QString& name, const QStringList& endings);
+    static QStringList imageFilters();
+};

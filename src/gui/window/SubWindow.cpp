@@ -1,0 +1,200 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// One image view of the main window.
+#include "gui/window/SubWindow.h"
+
+#include "gui/kit/ErrorDialog.h"
+#include "gui/mainwindow.h"
+#include "gui/render/ImageDrawerMain.h"
+#include "gui/window/DroppedFiles.h"
+#include "gui/window/SubWindowTitleBar.h"
+#include "imagelib/display/MColorTable.h"
+#include "logic/TarvikService.h"
+
+#include <QDropEvent>
+#include <QFile>
+#include <QMap>
+
+SubWindow::SubWindow(MainWindow& mainWindow, TarvikService* service, bool useGlsl)
+    : _mainWindow(mainWindow)
+    , _service(service)
+    , _imageDrawer(new ImageDrawerMain(service, useGlsl))
+    , _controls(new SubWindowTitleBar(*this))
+{
+    setAttribute(Qt::WA_DeleteOnClose);
+    setWidget(_imageDrawer);
+    setAcceptDrops(true);
+    connect(_controls->nextAction(), &QAction::triggered, this, &SubWindow::_loadNextFileSlot);
+    connect(_controls->previousAction(), &QAction::triggered, this,
+            &SubWindow::_loadPreviousFileSlot);
+    connect(service, &TarvikService::newImageSignal, this, &SubWindow::_newImageSlot);
+    connect(service, &TarvikService::imageLoadErrorSignal, this, &SubWindow::_errorSlot);
+    connect(this, &AbstractSubWindow::windowStateChanged, this, &SubWindow::_activate);
+}
+
+SubWindow::~SubWindow() { emit aboutToTerminate(this); }
+
+void SubWindow::zoom(int step) { _imageDrawer->zoom(step); }
+
+QRectF SubWindow::visibileRange() const { return _imageDrawer->visibleRange(); }
+
+QSize SubWindow::displaySize() const { return _imageDrawer->size(); }
+
+void SubWindow::loadFile(QString fileName)
+{
+    _service->openImage(QFile::encodeName(fileName).constData());
+    _mainWindow.setOpenDirectory(fileName);
+    emit changedFile();
+}
+
+void SubWindow::loadImage(const MImage* image) { _service->openImage(*image); }
+
+void SubWindow::addToPaintList(const MDrawingList* list) { _service->addToPaintList(*list); }
+
+void SubWindow::setPaintList(const MDrawingList* list) { _service->setPaintList(*list); }
+
+void SubWindow::clearPaintList() { _service->clearPaintList(); }
+
+void SubWindow::goTo(int imageNumber) { _service->openImage(imageNumber); }
+
+template <class Change>
+void SubWindow::_changeViewport(Change&& change)
+{
+    ViewportData record = _service->viewportData();
+    change(record);
+    record.defined = true;
+    _service->setViewportData(record);
+}
+
+void SubWindow::setOffsetX(double offsetX)
+{
+    _changeViewport([offsetX](ViewportData& record) { record.offsetX = offsetX; });
+}
+
+void SubWindow::setOffsetY(double offsetY)
+{
+    _changeViewport([offsetY](ViewportData& record) { record.offsetY = offsetY; });
+}
+
+void SubWindow::setZoomPower(int zoomPower)
+{
+    _changeViewport([zoomPower](ViewportData& record) { record.setZoomPower(zoomPower); });
+}
+
+void SubWindow::setViewport(double offsetX, double offsetY, int zoomPower)
+{
+    _changeViewport([&](ViewportData& record) {
+        record.offsetX = offsetX;
+        record.offsetY = offsetY;
+        record.setZoomPower(zoomPower);
+    });
+}
+
+template <class Change>
+void SubWindow::_changeContrast(Change&& change)
+{
+    ContrastData record = _service->contrastData();
+    change(record);
+    record.defined = true;
+    record.dragUpdate = false;
+    _service->setContrastData(record);
+}
+
+void SubWindow::setForeground(double foreground)
+{
+    _changeContrast([foreground](ContrastData& record) { record.foreground = foreground; });
+}
+
+void SubWindow::setBackground(double background)
+{
+    _changeContrast([background](ContrastData& record) { record.background = background; });
+}
+
+void SubWindow::setContrast(double foreground, double background)
+{
+    _changeContrast([&](ContrastData& record) {
+        record.foreground = foreground;
+        record.background = background;
+    });
+}
+
+void SubWindow::setTitle(QString windowTitle)
+{
+    setWindowTitle(windowTitle);
+    _titleFixed = true;
+}
+
+void SubWindow::unsetTitle()
+{
+    setWindowTitle(_service->imagePath());
+    _titleFixed = false;
+}
+
+void SubWindow::setColorMode(QString colormode)
+{
+    static const QMap<QString, QString> shortNames{
+        {"HDR", "High Dynamic Range"}, {"GS", "Grey Scale"}, {"H", "Heat"}, {"RB", "Rainbow"}};
+    const std::string name = shortNames.value(colormode, colormode).toStdString();
+    for (const auto* table : _service->colorTables()) {
+        if (table->identifier() != name)
+            continue;
+        ContrastData record = _service->contrastData();
+        record.colorTable = table;
+        _service->setContrastData(record);
+        _service->setDefaultColorTable(table);
+        return;
+    }
+}
+
+void SubWindow::showResolutionRings() { _service->toggleShowResolutionRings(true); }
+
+void SubWindow::hideResolutionRings() { _service->toggleShowResolutionRings(false); }
+
+void SubWindow::dragEnterEvent(QDragEnterEvent* event) { event->acceptProposedAction(); }
+
+void SubWindow::dragMoveEvent(QDragMoveEvent* event) { event->acceptProposedAction(); }
+
+void SubWindow::dropEvent(QDropEvent* event)
+{
+    const QStringList files = droppedFiles(*event->mimeData());
+    for (const QString& file : files) {
+        if (file == files.first())
+            loadFile(file);
+        else
+            _mainWindow.newSubWindow()->loadFile(file);
+    }
+    event->acceptProposedAction();
+}
+
+void SubWindow::_newImageSlot()
+{
+    if (!_titleFixed)
+        setWindowTitle(_service->imageDescription());
+    if (active())
+        _setActions();
+    update();
+}
+
+void SubWindow::_errorSlot(const QString& message)
+{
+    ErrorDialog::showMessage(message.toUtf8().constData());
+}
+
+void SubWindow::_activate(Qt::WindowStates oldState, Qt::WindowStates newState)
+{
+    Q_UNUSED(oldState)
+    _windowState = newState;
+    if (_windowState.testFlag(Qt::WindowActive))
+        _setActions();
+}
+
+void SubWindow::_loadNextFileSlot() { _service->nextImage(_controls->step(), true); }
+
+void SubWindow::_loadPreviousFileSlot() { _service->nextImage(-_controls->step(), true); }
+
+void SubWindow::_setActions()
+{
+    if (_windowState.testFlag(Qt::WindowActive))
+        _controls->setImageLoaded(_service->imageLoaded());
+}

@@ -1,0 +1,164 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The disc and its ring, written once over all pixel types.
+#include "logic/analysis/roi/CircleStatistics.h"
+
+#include "imagelib/image/BinaryDispatcher.h"
+#include "logic/analysis/roi/CoveredArea.h"
+#include "logic/analysis/roi/LineProfile.h"
+
+#include <cmath>
+
+using morvend::imglib::MImage;
+using namespace roi;
+
+namespace {
+
+constexpr double Pi = 3.141592653589793;
+constexpr double SameCoordinate = 1e-6;
+
+/// Sums over the ring and over the disc.
+struct CircleSums {
+    double ring = 0;
+    double ringSquares = 0;
+    double ringWeight = 0;
+    double disc = 0;
+    double discSquares = 0;
+    double discWeight = 0;
+    double momentX = 0;
+    double momentY = 0;
+    Extremes extremes;
+
+    void addToRing(double value, double part)
+    {
+        ring += value * part;
+        ringSquares += value * value * part;
+        ringWeight += part;
+    }
+    void addToDisc(int x, int y, double value, double part)
+    {
+        disc += value * part;
+        discSquares += value * value * part;
+        discWeight += part;
+        momentX += (x + 0.5) * value * part;
+        momentY += (y + 0.5) * value * part;
+        extremes.add(value);
+    }
+    void store(RoiStatistics& result) const
+    {
+        if (ringWeight != 0) {
+            result.backgroundMean = ring / ringWeight;
+            result.backgroundSigma = deviation(ringSquares, ringWeight, result.backgroundMean);
+        }
+        result.integral = disc;
+        result.minimum = extremes.minimum;
+        result.maximum = extremes.maximum;
+        result.centroidX = momentX;
+        result.centroidY = momentY;
+        if (discWeight != 0) {
+            result.mean = disc / discWeight;
+            result.sigma = deviation(discSquares, discWeight, result.mean);
+            result.intensity = disc - result.backgroundMean * discWeight;
+            // The statistical error of a count; not defined for a negative sum.
+            result.intensitySigma =
+                std::sqrt(result.backgroundSigma * result.backgroundSigma * discWeight + disc);
+        }
+        if (disc != 0) {  // the weight of the centroid is the intensity itself
+            result.centroidX /= disc;
+            result.centroidY /= disc;
+        }
+    }
+};
+
+/// The section along the diameter at an angle.
+struct Section {
+    double beginX;
+    double beginY;
+    double endX;
+    double endY;
+};
+
+Section section(const StatisticsData& circle)
+{
+    const double dx = circle.radius * std::cos(circle.theta);
+    const double dy = circle.radius * std::sin(circle.theta);
+    const double x = circle.circleX + 0.5;
+    const double y = circle.circleY + 0.5;
+    return {x - dx, y - dy, x + dx, y + dy};
+}
+
+template <class L, class R>
+void addSection(RoiStatistics& result, const PixelReader<L, R>& reader, const Section& ends)
+{
+    const double dx = ends.endX - ends.beginX;
+    const double dy = ends.endY - ends.beginY;
+    const bool vertical = std::abs(dx) < SameCoordinate;
+    const bool horizontal = std::abs(dy) < SameCoordinate;
+    if ((vertical && horizontal) || !std::isfinite(dx) || !std::isfinite(dy))
+        return;
+    const int beginX = static_cast<int>(ends.beginX);
+    const int beginY = static_cast<int>(ends.beginY);
+    const int endX = static_cast<int>(ends.endX);
+    const int endY = static_cast<int>(ends.endY);
+    if (vertical || horizontal) {
+        result.length = vertical ? std::abs(dy) : std::abs(dx);
+        const auto pixels = vertical ? straightPixels(beginX, beginY, beginX, endY)
+                                     : straightPixels(beginX, beginY, endX, beginY);
+        result.curve = straightCurve(readStraight(reader, pixels), result.length);
+        return;
+    }
+    const double slope = dy / dx;
+    result.length = std::abs(dx) * std::sqrt(slope * slope + 1);
+    const ObliqueLine line{{ends.beginX, ends.beginX, ends.beginY},
+                           {ends.endX, ends.endX, ends.endY},
+                           ends.beginX,
+                           ends.beginY,
+                           slope,
+                           beginX,
+                           endX,
+                           beginY,
+                           endY};
+    result.curve = obliqueCurve(readOblique(reader, crossedPixels(line)));
+}
+
+}  // namespace
+
+template <class L, class R>
+RoiStatistics ComputeCircleStatistics::operator()(const MImage& image, const MImage& mask) const
+{
+    const int radius = _selection->radius;
+    const int cx = _selection->circleX;
+    const int cy = _selection->circleY;
+    RoiStatistics result;
+    result.area = double(radius) * radius * Pi;
+    if (radius == 0)
+        return result;
+    const PixelReader<L, R> reader(image, mask);
+    const int outer = static_cast<int>(std::ceil(1.2 * radius));
+    CircleSums sums;
+    for (int x = cx - outer; x <= cx + outer; ++x) {
+        const double d = (x < cx ? x - cx + 1 : x - cx) - 0.5;
+        const int top = static_cast<int>(std::sqrt(double(outer) * outer - d * d) + cy + 0.5);
+        for (int y = top; y >= 2 * cy - top; --y) {
+            if (!reader.good(x, y))
+                continue;
+            const auto value = static_cast<double>(reader.value(x, y));
+            const double inDisc = coveredArea(x, y, radius, cx, cy);
+            if (inDisc < 1)
+                sums.addToRing(value, coveredArea(x, y, outer, cx, cy) - inDisc);
+            if (inDisc != 0)
+                sums.addToDisc(x, y, value, inDisc >= 1 ? 1.0 : inDisc);
+        }
+    }
+    sums.store(result);
+    addSection(result, reader, section(*_selection));
+    return result;
+}
+
+RoiStatistics ComputeCircleStatistics::compute(const MImage& image, const MImage& mask) const
+{
+    return morvend::datatypes::BinaryDispatcher<const ComputeCircleStatistics&, const MImage,
+                                                const MImage, RoiStatistics>::Go(image, mask,
+                                                                                 *this);
+}

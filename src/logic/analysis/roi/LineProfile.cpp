@@ -1,0 +1,100 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Curves and sums of lines.
+#include "logic/analysis/roi/LineProfile.h"
+
+namespace roi {
+
+namespace {
+
+/// Sums over the good samples, each with its weight.
+struct Sums {
+    double integral = 0;
+    double squares = 0;
+    double weight = 0;
+    Extremes extremes;
+
+    void add(const LineSample& sample, double part)
+    {
+        if (!sample.good)
+            return;
+        integral += sample.value * part;
+        squares += sample.value * sample.value * part;
+        weight += part;
+        extremes.add(sample.value);
+    }
+    void store(RoiStatistics& result) const
+    {
+        result.integral = integral;
+        result.minimum = extremes.minimum;
+        result.maximum = extremes.maximum;
+        if (weight != 0) {
+            result.mean = integral / weight;
+            result.sigma = deviation(squares, weight, result.mean);
+        }
+    }
+};
+
+int sign(int value) { return (value > 0) - (value < 0); }
+
+}  // namespace
+
+std::vector<LinePixel> straightPixels(int beginX, int beginY, int endX, int endY)
+{
+    const int stepX = sign(endX - beginX);
+    const int stepY = sign(endY - beginY);
+    const int steps = std::abs(endX - beginX) + std::abs(endY - beginY);
+    std::vector<LinePixel> pixels;
+    pixels.reserve(static_cast<std::size_t>(steps) + 1);
+    for (int i = 0; i <= steps; ++i)
+        pixels.push_back({beginX + i * stepX, beginY + i * stepY, 1.0});
+    return pixels;
+}
+
+Curve straightCurve(const std::vector<LineSample>& samples, double length)
+{
+    Curve curve;
+    curve.reserve(2 * samples.size());
+    curve.push_back({0.0, samples.front().value, samples.front().mask});
+    for (std::size_t i = 1; i < samples.size(); ++i) {
+        const double boundary = static_cast<double>(i) - 0.5;
+        curve.push_back({boundary, samples[i - 1].value, samples[i - 1].mask});
+        curve.push_back({boundary, samples[i].value, samples[i].mask});
+    }
+    curve.push_back({length, samples.back().value, samples.back().mask});
+    return curve;
+}
+
+Curve obliqueCurve(const std::vector<LineSample>& samples)
+{
+    Curve curve;
+    curve.reserve(2 * samples.size());
+    double distance = 0;
+    for (const LineSample& sample : samples) {
+        curve.push_back({distance, sample.value, sample.mask});
+        distance += sample.length;
+        curve.push_back({distance, sample.value, sample.mask});
+    }
+    return curve;
+}
+
+void sumStraight(RoiStatistics& result, const std::vector<LineSample>& samples)
+{
+    Sums sums;
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+        const bool atEnd = i == 0 || i + 1 == samples.size();
+        sums.add(samples[i], atEnd ? 0.5 : 1.0);  // as in the trapezoid rule
+    }
+    sums.store(result);
+}
+
+void sumOblique(RoiStatistics& result, const std::vector<LineSample>& samples)
+{
+    Sums sums;
+    for (const LineSample& sample : samples)
+        sums.add(sample, sample.length);
+    sums.store(result);
+}
+
+}  // namespace roi

@@ -1,0 +1,31 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Numbers and profile of a line, and the reflections it crosses.
+#pragma once
+
+#include "imagelib/image/MImage.h"
+#include "logic/analysis/roi/RoiStatistics.h"
+#include "logic/records/StatisticsData.h"
+
+/// The region "line": profile, trapezoid sums and reflections along it.
+/// Fills all but the labels that RoiComputer sets.
+class ComputeLineStatistics {
+public:
+    /// The selection must outlive the functor.
+    explicit ComputeLineStatistics(const StatisticsData& selection)
+        : _selection(&selection)
+    {}
+
+    /// Runs the functor for the pixel types of image and mask.
+    /// @throws MNotImplementedException for a type that is none of the twelve
+    RoiStatistics compute(const morvend::imglib::MImage& image,
+                          const morvend::imglib::MImage& mask) const;
+
+    template <class L, class R>
+    RoiStatistics operator()(const morvend::imglib::MImage& image,
+                             const morvend::imglib::MImage& mask) const;
+
+private:
+    const StatisticsData* _selection;
+};

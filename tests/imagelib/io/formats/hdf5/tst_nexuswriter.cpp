@@ -1,0 +1,313 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// h5py with the plug-ins reads every pixel, every header value and every link of what is written.
+#include "imagelib/image/MException.h"
+#include "imagelib/io/formats/hdf5/NexusWriter.h"
+#include "tests/support/TempFolder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+namespace morvend::imglib {
+namespace {
+
+using hdf5::Compression;
+using nlohmann::json;
+using tarvik::tests::TempFolder;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::UnorderedElementsAre;
+
+/// What h5py finds: data sets with values, attributes and check sums, by path, links followed.
+json readByPeer(const TempFolder& folder, const std::string& path)
+{
+    const std::string report = folder / "report.json";
+    const std::string command = TARVIK_PYTHON " " TARVIK_SOURCE_DIR
+                                              "/tests/imagelib/io/formats/hdf5/dump_nexus.py " +
+                                path + " " + report;
+    EXPECT_EQ(std::system(command.c_str()), 0);
+    std::ifstream file(report);
+    return json::parse(file);
+}
+
+template <class T>
+MImage frameOf(int width, int height, unsigned seed)
+{
+    MImage image(width, height, T(0));
+    auto* pixels = static_cast<T*>(image.data());
+    for (std::size_t i = 0; i < image.size(); ++i)
+        pixels[i] = static_cast<T>((i * 2654435761U + seed * 977) >> 11 & 0x7f);
+    return image;
+}
+
+/// Sum over i of (i mod 1000 + 1) * pixel, as the script computes it.
+template <class T>
+double weightedSum(const MImage& image)
+{
+    double sum = 0;
+    for (std::size_t i = 0; i < image.size(); ++i)
+        sum += static_cast<double>(i % 1000 + 1) * static_cast<double>(image.pixels<T>()[i]);
+    return sum;
+}
+
+std::vector<std::string> namesIn(const std::string& folder)
+{
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+        names.push_back(entry.path().filename());
+    return names;
+}
+
+template <class T>
+void expectPixels(Compression compression, const std::string& dtype)
+{
+    const TempFolder folder;
+    const std::string path = folder / "a_master.h5";
+    std::vector<double> sums;
+    {
+        NexusWriter writer(path, {}, {compression, 2});
+        for (unsigned i = 0; i < 5; ++i) {
+            const MImage frame = frameOf<T>(61, 47, i);
+            sums.push_back(weightedSum<T>(frame));
+            writer.write(frame);
+        }
+    }
+    const json file = readByPeer(folder, path);
+    std::vector<double> read;
+    for (const char* block : {"data_000001", "data_000002", "data_000003"}) {
+        const json& data = file.at(std::string("/entry/data/") + block);
+        EXPECT_EQ(data["dtype"], dtype);
+        for (const double sum : data["sums"])
+            read.push_back(sum);
+    }
+    EXPECT_EQ(read, sums);
+}
+
+TEST(NexusWriterPixels, OfEveryTypeAreReadByH5py)
+{
+    expectPixels<unsigned char>(Compression::BitshuffleLz4, "uint8");
+    expectPixels<char>(Compression::BitshuffleLz4, "int8");
+    expectPixels<unsigned short>(Compression::BitshuffleLz4, "uint16");
+    expectPixels<short>(Compression::BitshuffleLz4, "int16");
+    expectPixels<unsigned int>(Compression::BitshuffleLz4, "uint32");
+    expectPixels<int>(Compression::BitshuffleLz4, "int32");
+    expectPixels<unsigned long long>(Compression::BitshuffleLz4, "uint64");
+    expectPixels<float>(Compression::BitshuffleLz4, "float32");
+    expectPixels<double>(Compression::BitshuffleLz4, "float64");
+}
+
+TEST(NexusWriterPixels, OfEveryCompressionAreReadByH5py)
+{
+    for (const Compression compression :
+         {Compression::None, Compression::Deflate, Compression::Lz4, Compression::BitshuffleLz4})
+        expectPixels<unsigned int>(compression, "uint32");
+}
+
+MBasicImageOptionalData<> fullHeader()
+{
+    MBasicImageOptionalData<> header;
+    header.set_beam_center_x(1.5F);
+    header.set_beam_center_y(2.25F);
+    header.set_detector_distance(0.15F);
+    header.set_wavelength(0.9795F);
+    header.set_x_pixel_size(75e-6F);
+    header.set_y_pixel_size(172e-6F);
+    header.set_rotation_angle(10.1F);
+    header.set_rotation_angle_step(0.1F);
+    header.set_filter_transmission(0.25F);
+    header.set_saturation_value(126634);
+    header.set_sensor_thickness(450e-6F);
+    header.set_threshold_energy(6329.0F);
+    header.set_count_time(0.0999F);
+    header.set_frame_time(0.1F);
+    header.set_beam_flux(1e12F);
+    header.set_data_collection_date(std::string("2026-03-01T12:00:00.5"));
+    header.set_description(std::string("Demo detector"));
+    header.set_detector_number(std::string("E-01-0102"));
+    header.setImageDescription("a lysozyme crystal");
+    return header;
+}
+
+TEST(NexusWriterHeader, EveryFieldStandsAtItsPathWithItsUnit)
+{
+    const TempFolder folder;
+    const std::string path = folder / "a_master.h5";
+    {
+        NexusWriter writer(path, {}, {});
+        MImage frame = frameOf<unsigned int>(7, 5, 0);
+        frame.setOptionalData(fullHeader());
+        frame.optionalData().set_pixel_mask(frameOf<unsigned int>(7, 5, 3));
+        writer.write(frame);
+        frame.optionalData().set_rotation_angle(10.2F);
+        writer.write(frame);
+    }
+    const json file = readByPeer(folder, path);
+    struct Row {
+        std::string path;
+        json value, units;
+    };
+    const std::string detector = "/entry/instrument/detector/";
+    for (const Row& row : std::vector<Row>{
+             {"/entry/definition", "NXmx", nullptr},
+             {"/entry/start_time", "2026-03-01T12:00:00.5", nullptr},
+             {"/entry/title", "a lysozyme crystal", nullptr},
+             {detector + "beam_center_x", 1.5, "pixel"},
+             {detector + "beam_center_y", 2.25, "pixel"},
+             {detector + "detector_distance", 0.15, "m"},
+             {detector + "x_pixel_size", 75e-6, "m"},
+             {detector + "y_pixel_size", 172e-6, "m"},
+             {detector + "saturation_value", 126634, nullptr},
+             {detector + "sensor_thickness", 450e-6, "m"},
+             {detector + "threshold_energy", 6329.0, "eV"},
+             {detector + "count_time", 0.0999, "s"},
+             {detector + "frame_time", 0.1, "s"},
+             {detector + "description", "Demo detector", nullptr},
+             {detector + "detector_number", "E-01-0102", nullptr},
+             {detector + "bit_depth_image", 32, nullptr},
+             {"/entry/instrument/beam/wavelength", 0.9795, "angstrom"},
+             {"/entry/instrument/beam/incident_wavelength", 0.9795, "angstrom"},
+             {"/entry/instrument/beam/total_flux", 1e12, "Hz"},
+             {"/entry/instrument/attenuator/attenuator_transmission", 0.25, nullptr},
+             {"/entry/sample/goniometer/omega", {10.1, 10.2}, "deg"},
+             {"/entry/sample/goniometer/omega_range_average", 0.1, "deg"},
+             {"/entry/sample/depends_on", "/entry/sample/goniometer/omega", nullptr}}) {
+        ASSERT_TRUE(file.contains(row.path)) << row.path;
+        EXPECT_EQ(file[row.path]["value"], row.value) << row.path;
+        EXPECT_EQ(file[row.path]["attributes"].value("units", json()), row.units) << row.path;
+    }
+    EXPECT_EQ(file[detector + "pixel_mask"]["sums"],
+              json({weightedSum<unsigned int>(frameOf<unsigned int>(7, 5, 3))}));
+    EXPECT_EQ(file["/entry"]["attributes"]["NX_class"], "NXentry");
+    EXPECT_EQ(file["/entry/instrument/detector"]["attributes"]["NX_class"], "NXdetector");
+    EXPECT_EQ(file["/entry/data"]["attributes"]["signal"], "data_000001");
+}
+
+TEST(NexusWriterHeader, TreeIsWrittenAndTheImagesHeaderGoesBeforeIt)
+{
+    const TempFolder folder;
+    nexus::MBasicNeXusTree tree;
+    tree.setNumber("/entry/instrument/beam/wavelength", 3.0, "angstrom");
+    tree.setNumber("/entry/instrument/detector/detectorSpecific/ntrigger", 4);
+    tree.node("/entry/notes/list").value = std::vector<std::string>{"one", "two"};
+    tree.node("/entry/notes/numbers").value = std::vector<std::int64_t>{1, -2};
+    tree.node("/entry/data/data_000009").value = std::int64_t(5);         // image data: left out
+    tree.node("/entry/notes/list/below").value = std::int64_t(5);         // can't exist: left out
+    tree.node("/entry/sample/goniometer").value = std::string("a text");  // has to be a group
+    MImage frame = frameOf<unsigned int>(7, 5, 0);
+    frame.setOptionalData(fullHeader());
+    const std::string path = folder / "a_master.h5";
+    NexusWriter(path, tree, {}).write(frame);
+    const json file = readByPeer(folder, path);
+    EXPECT_EQ(file["/entry/instrument/beam/wavelength"]["value"], 0.9795);
+    EXPECT_EQ(file["/entry/instrument/detector/detectorSpecific/ntrigger"]["value"], 4);
+    EXPECT_EQ(file["/entry/notes/list"]["value"], json({"one", "two"}));
+    EXPECT_EQ(file["/entry/notes/numbers"]["value"], json({1, -2}));
+    EXPECT_FALSE(file.contains("/entry/data/data_000009"));
+    EXPECT_EQ(file["/entry/sample/goniometer/omega"]["value"], json({10.1}));
+}
+
+TEST(NexusWriterFiles, AreNamedAfterTheMasterAndNumberTheirImages)
+{
+    struct Row {
+        std::string master, data;
+    };
+    for (const Row& row :
+         {Row{"x_master.h5", "x_data_000002.h5"}, Row{"x.y_master.hdf5", "x.y_data_000002.hdf5"},
+          Row{"plain.h5", "plain_data_000002.h5"}, Row{"bare", "bare_data_000002.h5"}}) {
+        const TempFolder folder;
+        {
+            NexusWriter writer(folder / row.master, {}, {Compression::BitshuffleLz4, 2});
+            for (unsigned i = 0; i < 3; ++i)
+                writer.write(frameOf<unsigned short>(9, 8, i));
+        }
+        EXPECT_EQ(namesIn(folder.path()).size(), 3U);
+        ASSERT_TRUE(std::filesystem::exists(folder / row.data)) << row.data;
+        const json file = readByPeer(folder, folder / row.data);
+        EXPECT_EQ(file["/entry/data/data"]["attributes"]["image_nr_low"], 3);
+        EXPECT_EQ(file["/entry/data/data"]["attributes"]["image_nr_high"], 3);
+        EXPECT_EQ(file["/entry/data/data"]["shape"], json({1, 8, 9}));
+    }
+}
+
+TEST(NexusWriterFiles, AppearWithTheFirstFlushAndGrowWithEachOne)
+{
+    const TempFolder folder;
+    const std::string path = folder / "a_master.h5";
+    NexusWriter writer(path, {}, {});
+    EXPECT_FALSE(std::filesystem::exists(path));
+    for (unsigned frames = 1; frames <= 3; ++frames) {
+        MImage frame = frameOf<unsigned int>(30, 20, frames);
+        frame.optionalData().set_rotation_angle(static_cast<float>(frames));
+        writer.write(frame);
+        writer.flush();
+        const json file = readByPeer(folder, path);
+        EXPECT_EQ(file["/entry/data/data_000001"]["shape"], json({frames, 20, 30}));
+        EXPECT_EQ(file["/entry/sample/goniometer/omega"]["value"].size(), frames);
+    }
+}
+
+TEST(NexusWriterFiles, NothingRemainsWithoutAFrame)
+{
+    const TempFolder folder;
+    {
+        NexusWriter writer(folder / "a_master.h5", {}, {});
+        writer.flush();
+        EXPECT_THROW(writer.write(MImage()), MBadParameterException);
+    }
+    EXPECT_THAT(namesIn(folder.path()), testing::IsEmpty());
+}
+
+TEST(NexusWriterErrors, FolderThatIsNotThereIsNamed)
+{
+    const TempFolder folder;
+    try {
+        NexusWriter(folder / "none/a_master.h5", {}, {});
+        ADD_FAILURE() << "no exception";
+    } catch (const MNoFileAccessException& failure) {
+        EXPECT_THAT(failure.what(), HasSubstr(folder / "none/a_master.h5"));
+    }
+}
+
+TEST(NexusWriterErrors, ImageOfAnotherShapeIsRefusedAndTheSeriesGoesOn)
+{
+    const TempFolder folder;
+    const std::string path = folder / "a_master.h5";
+    {
+        NexusWriter writer(path, {}, {});
+        writer.write(frameOf<unsigned int>(9, 8, 0));
+        EXPECT_THROW(writer.write(frameOf<unsigned int>(8, 9, 0)), MBadParameterException);
+        EXPECT_THROW(writer.write(frameOf<unsigned short>(9, 8, 0)), MBadParameterException);
+        writer.write(frameOf<unsigned int>(9, 8, 1));
+    }
+    EXPECT_EQ(readByPeer(folder, path)["/entry/data/data_000001"]["shape"], json({2, 8, 9}));
+}
+
+TEST(NexusWriterErrors, PixelsWithoutGeometryTakeItFromTheTreeOrAreRefused)
+{
+    const TempFolder folder;
+    const MImage frame = frameOf<unsigned int>(9, 8, 0);
+    EXPECT_THROW(NexusWriter(folder / "a_master.h5", {}, {}).write(frame.imageData()),
+                 MBadParameterException);
+    nexus::MBasicNeXusTree tree;
+    const std::string specific = "/entry/instrument/detector/detectorSpecific/";
+    tree.setNumber(specific + "x_pixels_in_detector", 9);
+    tree.setNumber(specific + "y_pixels_in_detector", 8);
+    const std::string path = folder / "b_master.h5";
+    {
+        NexusWriter writer(path, tree, {});
+        writer.write(frame.imageData());
+        EXPECT_THROW(writer.write(frameOf<unsigned int>(9, 7, 0).imageData()),
+                     MBadParameterException);
+        writer.write(frame.imageData());
+    }
+    EXPECT_EQ(readByPeer(folder, path)["/entry/data/data_000001"]["shape"], json({2, 8, 9}));
+}
+
+}  // namespace
+}  // namespace morvend::imglib

@@ -1,0 +1,157 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// TIFF files byte by byte, from a table of tags written as text.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace tarvik::tests {
+
+/// Builds a file of either byte order, plain or BigTIFF. Data come first, directories behind them.
+class TiffBuilder {
+public:
+    explicit TiffBuilder(bool bigEndian = false, bool bigTiff = false)
+        : _bigEndian(bigEndian)
+        , _bigTiff(bigTiff)
+    {
+        _bytes = bigEndian ? "MM" : "II";
+        if (bigTiff)
+            _bytes += number(43, 2) + number(8, 2) + number(0, 2);
+        else
+            _bytes += number(42, 2);
+        _link = _bytes.size();
+        _bytes += number(0, offsetBytes());
+    }
+
+    /// A number in the byte order of the file.
+    std::string number(std::uint64_t value, std::size_t bytes) const
+    {
+        std::string text;
+        for (std::size_t i = 0; i < bytes; ++i) {
+            const std::size_t shift = 8 * (_bigEndian ? bytes - 1 - i : i);
+            text += static_cast<char>(value >> shift & 0xff);
+        }
+        return text;
+    }
+    /// Values in the byte order of the file.
+    template <class T>
+    std::string values(const std::vector<T>& from) const
+    {
+        std::string text;
+        for (const T each : from) {
+            std::uint64_t bits = 0;
+            std::memcpy(&bits, &each, sizeof each);
+            text += number(bits, sizeof each);
+        }
+        return text;
+    }
+
+    /// Appends data, returns their offset.
+    std::uint64_t data(const std::string& bytes)
+    {
+        const std::uint64_t offset = _bytes.size();
+        _bytes += bytes;
+        return offset;
+    }
+
+    /// Appends a directory and links it to the one before. Lines "tag type values...", type B, S,
+    /// L, Q for integers of 1, 2, 4, 8 bytes, or "tag A text" with \0 for a NUL and \r, \n; a later
+    /// line replaces an earlier one of the same tag, "tag -" removes it.
+    TiffBuilder& page(const std::string& table)
+    {
+        std::string entries;
+        const std::vector<Tag> tags = parsed(table);
+        for (const Tag& tag : tags) {
+            entries += number(tag.id, 2) + number(tag.type, 2) + number(tag.count, offsetBytes());
+            std::string value = tag.bytes;
+            if (value.size() > offsetBytes())
+                value = number(data(value), offsetBytes());
+            value.resize(offsetBytes(), '\0');
+            entries += value;
+        }
+        const std::uint64_t offset = data(number(tags.size(), _bigTiff ? 8 : 2) + entries);
+        patch(_link, offset);
+        _link = data(number(0, offsetBytes()));
+        _directory = offset;
+        return *this;
+    }
+
+    /// Makes the last directory point to an offset.
+    void linkTo(std::uint64_t offset) { patch(_link, offset); }
+    std::uint64_t lastDirectory() const { return _directory; }
+    const std::string& bytes() const { return _bytes; }
+
+private:
+    struct Tag {
+        std::uint64_t id = 0;
+        std::uint64_t type = 0;
+        std::uint64_t count = 0;
+        std::string bytes;
+    };
+
+    std::size_t offsetBytes() const { return _bigTiff ? 8 : 4; }
+    void patch(std::uint64_t at, std::uint64_t value)
+    {
+        _bytes.replace(at, offsetBytes(), number(value, offsetBytes()));
+    }
+
+    static std::string unescaped(const std::string& text)
+    {
+        std::string result;
+        for (std::size_t i = 0; i < text.size(); ++i) {
+            if (text[i] != '\\' || i + 1 == text.size()) {
+                result += text[i];
+                continue;
+            }
+            const char next = text[++i];
+            result += next == '0' ? '\0' : next == 'r' ? '\r' : next == 'n' ? '\n' : next;
+        }
+        return result;
+    }
+
+    std::vector<Tag> parsed(const std::string& table) const
+    {
+        std::vector<Tag> tags;
+        std::istringstream lines(table);
+        for (std::string line; std::getline(lines, line);) {
+            std::istringstream words(line);
+            Tag tag;
+            std::string type;
+            if (!(words >> tag.id >> type))
+                continue;
+            std::erase_if(tags, [&](const Tag& each) { return each.id == tag.id; });
+            if (type == "-")
+                continue;
+            if (type == "A") {
+                std::string text;
+                std::getline(words >> std::ws, text);
+                tag.type = 2;
+                tag.bytes = unescaped(text);
+                tag.count = tag.bytes.size();
+            } else {
+                const std::size_t bytes = type == "B" ? 1 : type == "S" ? 2 : type == "L" ? 4 : 8;
+                tag.type = type == "B" ? 1 : type == "S" ? 3 : type == "L" ? 4 : 16;
+                for (std::uint64_t value = 0; words >> value; ++tag.count)
+                    tag.bytes += number(value, bytes);
+            }
+            tags.push_back(tag);
+        }
+        std::sort(tags.begin(), tags.end(),
+                  [](const Tag& left, const Tag& right) { return left.id < right.id; });
+        return tags;
+    }
+
+    bool _bigEndian;
+    bool _bigTiff;
+    std::string _bytes;
+    std::uint64_t _link = 0;
+    std::uint64_t _directory = 0;
+};
+
+}  // namespace tarvik::tests

@@ -1,0 +1,28 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The main function of tests that show windows: the program's look, and settings of their own.
+#include "gui/kit/Look.h"
+#include "logic/support/GlobalStyle.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QFont>
+#include <QSettings>
+#include <QTemporaryDir>
+
+int main(int argc, char** argv)
+{
+    testing::InitGoogleTest(&argc, argv);
+    look::beforeApplication();
+    QCoreApplication::setOrganizationName(QStringLiteral("MORVEND"));
+    QCoreApplication::setApplicationName(QStringLiteral("TARVIK"));
+    const QTemporaryDir settings;
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
+    QApplication application(argc, argv);
+    look::applyToApplication();
+    QApplication::setFont(QFont(GLOBALSTYLE::fontFamily, 14));
+    QApplication::setQuitOnLastWindowClosed(false);
+    return RUN_ALL_TESTS();
+}

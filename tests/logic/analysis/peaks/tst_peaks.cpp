@@ -1,0 +1,167 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The peak search against the plain loop, ties included, and the random numbers.
+#include "logic/analysis/peaks/ComputePeaks.h"
+#include "logic/analysis/peaks/ImagePeaks.h"
+#include "logic/analysis/peaks/MersenneTwister.h"
+#include "logic/analysis/statistics/MaskRule.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+
+using morvend::imglib::MImage;
+
+namespace {
+
+/// The definition, pixel by pixel.
+template <class L, class R>
+std::vector<ImagePeaks::Pixel> plainPeaks(const MImage& image, const MImage& mask)
+{
+    const L* p = image.pixels<L>();
+    const R* m = mask.pixels<R>();
+    const long n = long(image.size()), w = image.width();
+    std::multiset<ImagePeaks::Pixel, ComputePeaks::Less> set;
+    for (long i = 0; i < n; ++i) {
+        if (!maskrule::good(m[i]))
+            continue;
+        if (set.size() >= 1000 && !(double(p[i]) > set.begin()->value))
+            continue;
+        bool candidate = true;
+        for (const long k : {i - w - 1, i - w, i - w + 1, i - 1})
+            candidate = candidate && !(k >= 0 && p[k] >= p[i]);
+        for (const long k : {i + 1, i + w - 1, i + w, i + w + 1})
+            candidate = candidate && !(k < n && p[k] > p[i]);
+        if (!candidate)
+            continue;
+        set.insert({int(i % w), int(i / w), double(p[i])});
+        if (set.size() > 1000)
+            set.erase(set.begin());
+    }
+    return {set.rbegin(), set.rend()};
+}
+
+void expectSame(const ImagePeaks& peaks, const std::vector<ImagePeaks::Pixel>& expected)
+{
+    ASSERT_EQ(peaks.numberOfPeaks(), int(expected.size()));
+    for (int i = 0; i < peaks.numberOfPeaks(); ++i) {
+        const auto& want = expected[std::size_t(i)];
+        ASSERT_TRUE(peaks[i].x == want.x && peaks[i].y == want.y && peaks[i].value == want.value)
+            << "rank " << i << ": (" << peaks[i].x << ", " << peaks[i].y << ") " << peaks[i].value
+            << ", expected (" << want.x << ", " << want.y << ") " << want.value;
+    }
+}
+
+struct Situation {
+    const char* name;
+    int width;
+    int height;
+    double mean;    // of the background
+    int spots;      // strong pixels
+    double masked;  // share
+};
+
+template <class L, class R>
+void compare(const Situation& situation, unsigned int seed)
+{
+    std::mt19937 random(seed);
+    MImage image(situation.width, situation.height, L(0));
+    MImage mask(situation.width, situation.height, R(0));
+    L* p = static_cast<L*>(image.data());
+    R* m = static_cast<R*>(mask.data());
+    for (std::size_t i = 0; i < image.size(); ++i) {
+        p[i] = L(situation.mean * double(random() % 1000) / 999);
+        if (double(random() % 1000) < 1000 * situation.masked)
+            m[i] = R(1);
+        if (m[i] != R(0) && random() % 4 == 0)
+            p[i] = std::numeric_limits<L>::max();
+    }
+    for (int k = 0; k < situation.spots; ++k)
+        p[random() % image.size()] = L(100 + random() % 27);
+    ImagePeaks peaks;
+    peaks.setImage(image, mask);
+    expectSame(peaks, plainPeaks<L, R>(image, mask));
+}
+
+}  // namespace
+
+TEST(Peaks, EqualThePlainLoop)
+{
+    const Situation situations[] = {
+        {"one pixel", 1, 1, 5, 0, 0},
+        {"one column", 1, 500, 5, 3, 0},
+        {"one row", 700, 1, 90, 3, 0.1},
+        {"few peaks", 37, 21, 3, 10, 0.2},
+        {"many ties", 300, 200, 2, 50, 0.05},
+        {"large with ties", 700, 500, 3, 4000, 0.02},
+        {"large, few above the bound", 900, 400, 0, 600, 0.02},
+        {"large, all equal", 600, 400, 0, 0, 0},
+        {"large, all masked", 600, 400, 9, 5, 1},
+        {"large, smooth", 800, 400, 120, 0, 0.01},
+    };
+    unsigned int seed = 1;
+    for (const Situation& situation : situations) {
+        SCOPED_TRACE(situation.name);
+        compare<int, unsigned int>(situation, ++seed);
+        compare<unsigned short, unsigned char>(situation, ++seed);
+        compare<unsigned int, unsigned int>(situation, ++seed);
+        compare<signed char, bool>(situation, ++seed);
+        compare<float, unsigned int>(situation, ++seed);
+        compare<double, float>(situation, ++seed);
+        compare<unsigned long long, long long>(situation, ++seed);
+        compare<bool, char>(situation, ++seed);
+    }
+}
+
+TEST(Peaks, NeighboursAreTakenByRawIndex)
+{
+    // The first pixel of row 1 loses to the last pixel of row 0, its left neighbour.
+    int values[] = {0, 0, 9, 5, 0, 0, 0, 0, 0};
+    MImage mask(3, 3, 0u);
+    ImagePeaks peaks;
+    peaks.setImage(MImage(3, 3, MImage::BasicImage(values, 9)), mask);
+    ASSERT_EQ(peaks.numberOfPeaks(), 1);
+    EXPECT_EQ(peaks[0].x, 2);
+    // An excluded pixel is no peak, and its neighbours lose to it all the same.
+    static_cast<unsigned int*>(mask.data())[2] = 2;
+    peaks.setImage(MImage(3, 3, MImage::BasicImage(values, 9)), mask);
+    EXPECT_EQ(peaks.numberOfPeaks(), 0);
+}
+
+TEST(Peaks, RanksOutsideTheListAreAPixelOfZeros)
+{
+    ImagePeaks peaks;
+    peaks.setImage(MImage(5, 4, 7), MImage(5, 4, 0u));  // a constant image: its first pixel
+    ASSERT_EQ(peaks.numberOfPeaks(), 1);
+    EXPECT_EQ(peaks[0].value, 7);
+    for (const int rank : {-1, 1}) {
+        EXPECT_EQ(peaks[rank].x, 0);
+        EXPECT_EQ(peaks[rank].value, 0.0);
+    }
+}
+
+TEST(Peaks, NotANumberIsNoPeak)
+{
+    MImage image(400, 400, 1.0f);
+    float* p = static_cast<float*>(image.data());
+    for (std::size_t i = 0; i < image.size(); i += 7)
+        p[i] = std::nanf("");
+    p[50'000] = 3.0f;
+    ImagePeaks peaks;
+    peaks.setImage(image, MImage(400, 400, 0u));
+    EXPECT_EQ(peaks[0].value, 3.0);
+    for (int i = 0; i < peaks.numberOfPeaks(); ++i)
+        EXPECT_FALSE(std::isnan(peaks[i].value));
+}
+
+TEST(MersenneTwister, IsThePublishedGenerator)
+{
+    for (const unsigned int seed : {0u, 5489u, 4294967295u}) {
+        MersenneTwister mine(seed);
+        std::mt19937 theirs(seed);
+        for (int i = 0; i < 2000; ++i)
+            ASSERT_EQ(mine.rand(), theirs()) << i;
+    }
+}

@@ -9,7 +9,8 @@ preset=${1:?asan or tsan}
 shift
 cmake --preset "$preset" >/dev/null
 cmake --build --preset "$preset"
-# Mesa and fontconfig keep what they allocate once, and their code is not built for the thread
+# Mesa and fontconfig keep what they allocate once; their code and that of Qt, whose thread pool and
+# queued calls synchronise unseen, is not built for the thread
 # sanitizer: both are left out by name.
 export LSAN_OPTIONS=suppressions=$PWD/tools/lsan.supp:print_suppressions=0
 export TSAN_OPTIONS=suppressions=$PWD/tools/tsan.supp:halt_on_error=1

@@ -11,8 +11,6 @@
 #include "logic/support/Assert.h"
 #include "logic/support/Console.h"
 
-#include <QMutexLocker>
-
 #include <new>
 
 using morvend::imglib::MImage;
@@ -29,6 +27,7 @@ ImageLoaderThread::ImageLoaderThread(ImageLoader* loader, ImageLoader::Task task
 
 void ImageLoaderThread::run()
 {
+    _loader->_awaitHandOver();
     if (_abort)
         return;
     _total.start();
@@ -126,7 +125,7 @@ void ImageLoaderThread::_analyse()
 void ImageLoaderThread::_deliver()
 {
     // Held until the last line is printed, so that the consumer's own line comes after it.
-    const QMutexLocker lock(&_loader->_mutex);
+    const std::lock_guard lock(_loader->_mutex);
     _loader->_noteBounds();
     _loader->_results.push_back(_data);
     emit _loader->newImage();
@@ -136,7 +135,7 @@ void ImageLoaderThread::_deliver()
 void ImageLoaderThread::_fail(const QString& message)
 {
     {
-        const QMutexLocker lock(&_loader->_mutex);
+        const std::lock_guard lock(_loader->_mutex);
         _loader->_noteBounds();
     }
     if (_signalLoadError)

@@ -6,6 +6,8 @@
 
 #include <QObject>
 
+#include <atomic>
+
 class TarvikCore;
 
 /// A subclass makes one kind of object. make() may be called from any thread; the caller must hold
@@ -32,5 +34,5 @@ protected:
 
 private:
     TarvikCore* _core;
-    void* _object = nullptr;
+    std::atomic<void*> _object = nullptr;
 };

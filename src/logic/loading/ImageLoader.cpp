@@ -8,8 +8,6 @@
 #include "logic/ImageLoaderThread.h"
 #include "logic/support/Console.h"
 
-#include <QMutexLocker>
-
 #include <string>
 
 namespace {
@@ -30,8 +28,8 @@ ImageLoader::ImageLoader(QObject* parent)
 
 ImageLoader::~ImageLoader()
 {
-    _abort = true;
-    _pool.waitForDone();
+    emptyTaskQueue();
+    const std::lock_guard lock(_mutex);
 }
 
 void ImageLoader::open(Task task, const Data& data, bool signalLoadError)
@@ -39,6 +37,9 @@ void ImageLoader::open(Task task, const Data& data, bool signalLoadError)
     if (_abort)
         return;
     auto job = std::make_unique<ImageLoaderThread>(this, task, data, signalLoadError, _abort);
+    // The pool orders hand-overs by itself, but thread checkers can't see that: the mutex tells
+    // them.
+    const std::lock_guard lock(_mutex);
     _pool.start(job.release(), 0);  // the pool owns it now
 }
 
@@ -51,19 +52,19 @@ void ImageLoader::emptyTaskQueue()
 
 void ImageLoader::results(std::list<Data>& out)
 {
-    const QMutexLocker lock(&_mutex);
+    const std::lock_guard lock(_mutex);
     out.splice(out.end(), _results);
 }
 
 int ImageLoader::firstIndex() const
 {
-    const QMutexLocker lock(&_mutex);
+    const std::lock_guard lock(_mutex);
     return _firstIndex;
 }
 
 int ImageLoader::lastIndex() const
 {
-    const QMutexLocker lock(&_mutex);
+    const std::lock_guard lock(_mutex);
     return _lastIndex;
 }
 
@@ -72,8 +73,10 @@ void ImageLoader::update()
     if (_updateClock.elapsed() >= scanPeriod) {
         _updateClock.restart();
         // One scan that has not begun yet serves all who asked for it.
-        if (!_scanQueued.exchange(true))
+        if (!_scanQueued.exchange(true)) {
+            const std::lock_guard lock(_mutex);
             _pool.start([this] { _scan(); });
+        }
     } else if (!_updateTimer.isActive()) {
         _updateTimer.start(static_cast<int>(scanPeriod));
     }
@@ -81,6 +84,7 @@ void ImageLoader::update()
 
 void ImageLoader::_scan()
 {
+    _awaitHandOver();
     _scanQueued = false;
     try {
         _series->update();
@@ -89,11 +93,13 @@ void ImageLoader::_scan()
         console::warn(std::string("WARNING: ") + error.what() + '\n');
     }
     {
-        const QMutexLocker lock(&_mutex);
+        const std::lock_guard lock(_mutex);
         _noteBounds();
     }
     emit imageContainerChangedSignal();
 }
+
+void ImageLoader::_awaitHandOver() { const std::lock_guard lock(_mutex); }
 
 void ImageLoader::_noteBounds()
 {

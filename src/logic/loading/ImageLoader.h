@@ -9,13 +9,13 @@
 
 #include <QElapsedTimer>
 #include <QObject>
-#include <QRecursiveMutex>
 #include <QThreadPool>
 #include <QTimer>
 
 #include <atomic>
 #include <list>
 #include <memory>
+#include <mutex>
 
 namespace morvend::imglib {
 class MImageSeries;
@@ -70,13 +70,15 @@ private:
     friend class ImageLoaderThread;
 
     void _scan();
+    /// What a job calls first.
+    void _awaitHandOver();
     /// Publishes the bounds of the series; the mutex is held.
     void _noteBounds();
 
     std::atomic<bool> _abort = false;
     const std::unique_ptr<morvend::imglib::MImageSeries> _series;
     MaskFixup _maskFixup;
-    mutable QRecursiveMutex _mutex;
+    mutable std::recursive_mutex _mutex;
     int _firstIndex = -1;
     int _lastIndex = -1;
     std::list<Data> _results;

@@ -29,7 +29,7 @@ ImageLoader::ImageLoader(QObject* parent)
 ImageLoader::~ImageLoader()
 {
     emptyTaskQueue();
-    const std::lock_guard lock(_mutex);
+    _awaitHandOver();
 }
 
 void ImageLoader::open(Task task, const Data& data, bool signalLoadError)
@@ -37,9 +37,7 @@ void ImageLoader::open(Task task, const Data& data, bool signalLoadError)
     if (_abort)
         return;
     auto job = std::make_unique<ImageLoaderThread>(this, task, data, signalLoadError, _abort);
-    // The pool orders hand-overs by itself, but thread checkers can't see that: the mutex tells
-    // them.
-    const std::lock_guard lock(_mutex);
+    const std::lock_guard lock(_handOver);
     _pool.start(job.release(), 0);  // the pool owns it now
 }
 
@@ -74,7 +72,7 @@ void ImageLoader::update()
         _updateClock.restart();
         // One scan that has not begun yet serves all who asked for it.
         if (!_scanQueued.exchange(true)) {
-            const std::lock_guard lock(_mutex);
+            const std::lock_guard lock(_handOver);
             _pool.start([this] { _scan(); });
         }
     } else if (!_updateTimer.isActive()) {
@@ -99,7 +97,7 @@ void ImageLoader::_scan()
     emit imageContainerChangedSignal();
 }
 
-void ImageLoader::_awaitHandOver() { const std::lock_guard lock(_mutex); }
+void ImageLoader::_awaitHandOver() { const std::lock_guard lock(_handOver); }
 
 void ImageLoader::_noteBounds()
 {

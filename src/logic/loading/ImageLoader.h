@@ -70,7 +70,8 @@ private:
     friend class ImageLoaderThread;
 
     void _scan();
-    /// What a job calls first.
+    /// What a job calls first. The pool orders hand-overs by itself, but thread checkers can't see
+    /// that: a mutex tells them.
     void _awaitHandOver();
     /// Publishes the bounds of the series; the mutex is held.
     void _noteBounds();
@@ -78,6 +79,7 @@ private:
     std::atomic<bool> _abort = false;
     const std::unique_ptr<morvend::imglib::MImageSeries> _series;
     MaskFixup _maskFixup;
+    std::mutex _handOver;
     mutable std::recursive_mutex _mutex;
     int _firstIndex = -1;
     int _lastIndex = -1;

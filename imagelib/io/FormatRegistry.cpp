@@ -6,17 +6,16 @@
 
 #include "imagelib/image/MException.h"
 #include "imagelib/io/formats/edf/EdfReader.h"
+#include "imagelib/io/formats/hdf5/NexusReader.h"
 #include "imagelib/io/formats/tiff/TiffReader.h"
-
-#include <vector>
 
 namespace morvend::imglib {
 
 std::span<const FormatRegistry::Format> FormatRegistry::formats()
 {
     // EDF comes last: its mark, an opening brace, also begins other files.
-    static const std::vector<Format> all{{"TIFF", openTiff}, {"EDF", openEdf}};
-    return all;
+    static constexpr Format All[] = {{"TIFF", openTiff}, {"HDF5", openHdf5}, {"EDF", openEdf}};
+    return All;
 }
 
 std::unique_ptr<ImageFile> FormatRegistry::open(const std::string& path)

@@ -47,7 +47,8 @@ MImage FrameSeries::at(int number) const
     if (!isHdf5(*_file) && change(FileStamp(_path)) == Change::Replaced)
         reopen();
     MImage image = _file->frame(position(number));
-    std::string name = fileName(_path);
+    const std::string main = _file->mainPath();
+    std::string name = fileName(main.empty() ? _path : main);
     if (_file->frameCount() > 1)
         name += " - image " + std::to_string(number);
     describe(image, name);

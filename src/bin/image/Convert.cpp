@@ -6,6 +6,9 @@
 
 #include "bin/image/Progress.h"
 #include "bin/image/SourceGuard.h"
+#include "bin/image/StagingFolder.h"
+#include "bin/image/StopSignals.h"
+#include "imagelib/io/MHdf5Writer.h"
 #include "imagelib/io/MImageWriter.h"
 
 #include <algorithm>
@@ -45,6 +48,8 @@ int Convert::nextNumber(int number) const { return _arguments.all ? _series.next
 void Convert::guardSources() const
 {
     SourceGuard guard(_arguments.file, _series);
+    if (_arguments.format == Arguments::Format::Hdf5)
+        return guard.check(_arguments.output);
     for (int number = firstNumber(); number >= 0; number = nextNumber(number))
         guard.check(target(number));
 }
@@ -63,10 +68,36 @@ void Convert::writeFiles() const
     const MImageWriter::Format format =
         _arguments.format == Arguments::Format::Cbf ? MImageWriter::CBF : MImageWriter::TIFF;
     Progress progress(_series.last());
+    const StopSignals stop;
     for (int number = firstNumber(); number >= 0; number = nextNumber(number)) {
+        stop.check();
         progress.show(number);
         MImageWriter::write(_series.at(static_cast<std::size_t>(number)), target(number), format);
     }
+}
+
+void Convert::writeSeries() const
+{
+    const StagingFolder staging(_arguments.output);
+    {
+        Progress progress(_series.last());
+        const StopSignals stop;
+        std::unique_ptr<MHdf5Writer> writer;
+        for (int number = firstNumber(); number >= 0; number = nextNumber(number)) {
+            stop.check();
+            progress.show(number);
+            const MImage image = _series.at(static_cast<std::size_t>(number));
+            if (!writer)
+                writer = std::make_unique<MHdf5Writer>(staging.path(), 0,
+                                                       image.optionalData().nexusTree(),
+                                                       MCompression::BITSHUFFLE_LZ4);
+            writer->write(image);
+        }
+        if (writer)
+            writer->flush();
+    }
+    SourceGuard guard(_arguments.file, _series);
+    staging.publish([&guard](const std::string& place) { guard.check(place); });
 }
 
 }  // namespace tarvik::tool

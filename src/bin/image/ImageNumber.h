@@ -13,8 +13,8 @@ namespace tarvik::tool {
 
 __extension__ typedef __int128 WideInteger;
 
-/// Exact text of an integer, shortest text that reads back the same of a floating value, and "nan",
-/// "inf", "-inf" for what is none.
+/// Exact text of an integer, shortest text that reads back as the same floating value of its width,
+/// and "nan", "inf", "-inf" for what is none.
 class ImageNumber {
 public:
     ImageNumber() = default;
@@ -23,28 +23,37 @@ public:
     explicit ImageNumber(T value)
     {
         char text[64];
-        if constexpr (std::is_floating_point_v<T>) {
-            _finite = std::isfinite(value);
+        if constexpr (std::is_same_v<T, bool> || std::is_same_v<T, char>)
+            _text = std::to_string(int(value));
+        else
             _text.assign(text, std::to_chars(text, text + sizeof text, value).ptr);
+        _json = _text;
+        if constexpr (std::is_floating_point_v<T>) {
             if (std::isnan(value))
                 _text = "nan";  // whatever its sign
-        } else if constexpr (std::is_same_v<T, bool>) {
-            _text = value ? "1" : "0";
-        } else if constexpr (std::is_same_v<T, char>) {
-            _text = std::to_string(int(value));
-        } else {
-            _text.assign(text, std::to_chars(text, text + sizeof text, value).ptr);
+            if (!std::isfinite(value))
+                _json = '"' + _text + '"';
         }
+    }
+
+    /// The value of a pixel. JSON readers know doubles only: a float becomes the double that it is.
+    template <class T>
+    static ImageNumber ofPixel(T value)
+    {
+        ImageNumber number(value);
+        if constexpr (std::is_same_v<T, float>)
+            number._json = ImageNumber(double(value))._json;
+        return number;
     }
 
     /// For people.
     const std::string& text() const { return _text; }
-    /// For JSON, which has no word for what is no number.
-    std::string json() const { return _finite ? _text : '"' + _text + '"'; }
+    /// For JSON, which has no word for what is no number: such are texts.
+    const std::string& json() const { return _json; }
 
 private:
     std::string _text = "0";
-    bool _finite = true;
+    std::string _json = "0";
 };
 
 }  // namespace tarvik::tool

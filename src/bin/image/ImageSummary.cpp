@@ -43,9 +43,10 @@ struct Summarize {
         if constexpr (std::is_floating_point_v<T>) {
             if (isNan)
                 low = high = std::numeric_limits<T>::quiet_NaN();
-            return {ImageNumber(low), ImageNumber(high), ImageNumber(static_cast<double>(sum))};
+            return {ImageNumber::ofPixel(low), ImageNumber::ofPixel(high),
+                    ImageNumber(static_cast<double>(sum))};
         } else {
-            return {ImageNumber(low), ImageNumber(high), ImageNumber(sum)};
+            return {ImageNumber::ofPixel(low), ImageNumber::ofPixel(high), ImageNumber(sum)};
         }
     }
 };
@@ -69,7 +70,7 @@ struct ValueAt {
     template <class T>
     ImageNumber operator()() const
     {
-        return ImageNumber(image.pixels<T>()[position]);
+        return ImageNumber::ofPixel(image.pixels<T>()[position]);
     }
 };
 

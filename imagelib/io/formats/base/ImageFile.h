@@ -30,6 +30,9 @@ public:
     virtual MImage frame(std::size_t position) const = 0;
     /// The file that holds a frame.
     virtual std::string framePath(std::size_t position) const = 0;
+    /// The file that users know the container by, such as the master of an opened data file; empty
+    /// when it is the opened file itself.
+    virtual std::string mainPath() const { return {}; }
     /// The frame that the opened path names: its first one.
     virtual std::size_t openedFrame() const { return 0; }
     /// Number that users give to the frame at position 0.

@@ -25,6 +25,8 @@ public:
     std::size_t frames() const { return _state->blocks.frames(); }
     /// The first frame that the opened file holds.
     std::size_t openedFrame() const { return _openedFrame; }
+    /// The file of links and header: the master, if there is one.
+    const std::string& source() const { return _state->source; }
     /// A frame with its header and the mask, which all frames of the series share.
     MImage frame(std::size_t position);
     std::string path(std::size_t position) { return _state->blocks.path(position); }

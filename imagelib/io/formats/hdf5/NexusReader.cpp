@@ -37,6 +37,7 @@ public:
     std::size_t frameCount() const override { return _master->frames(); }
     MImage frame(std::size_t position) const override { return _master->frame(position); }
     std::string framePath(std::size_t position) const override { return _master->path(position); }
+    std::string mainPath() const override { return _master->source(); }
     std::size_t openedFrame() const override { return _master->openedFrame(); }
     int firstNumber() const override { return 1; }
     void update() override { _master->update(); }

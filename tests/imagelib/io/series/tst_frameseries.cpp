@@ -27,11 +27,13 @@ public:
     std::size_t framesAfterUpdate = 3;
     std::size_t damagedFrame = std::size_t(-1);
     std::string description;
+    std::string main;
 
     const char* format() const override { return kind; }
     std::size_t frameCount() const override { return frames; }
     std::size_t openedFrame() const override { return 2; }
     int firstNumber() const override { return 1; }
+    std::string mainPath() const override { return main; }
     void update() override { frames = framesAfterUpdate; }
     std::string framePath(std::size_t position) const override
     {
@@ -86,6 +88,10 @@ TEST_F(FramesOfAContainer, AreNamedByFileAndNumberUnlessTheFileNamesThem)
 {
     const FrameSeries frames = series();
     EXPECT_EQ(frames.at(2).optionalData().imageDescription(), std::string("x_master.h5 - image 2"));
+    container->main = "/data/other_master.h5";
+    EXPECT_EQ(frames.at(2).optionalData().imageDescription(),
+              std::string("other_master.h5 - image 2"));
+    container->main.clear();
     container->frames = 1;
     EXPECT_EQ(frames.at(1).optionalData().imageDescription(), std::string("x_master.h5"));
     container->description = "Lysozyme";

@@ -1,0 +1,49 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The counting pass of the cumulative histogram.
+#pragma once
+
+#include "imagelib/image/MImage.h"
+
+#include <memory>
+
+/// What an IntegratedHistogram holds.
+struct IntergrateHistogramPrivate {
+    /// Ends of the binned range, lower inclusive, upper exclusive.
+    double lower = 0;
+    double upper = 0;
+    /// Cumulative counts, the tail below included.
+    std::unique_ptr<unsigned int[]> bins;
+    unsigned long binCount = 0;
+    /// Bins per unit of pixel value.
+    double binsPerUnit = 0;
+    /// Every counted pixel under `lower` and at or over `upper`, ascending, in the pixel type of
+    /// the image.
+    morvend::image::MBasicImage<> below{std::allocator<char>(), morvend::datatypes::INT, 32, 0};
+    morvend::image::MBasicImage<> above{std::allocator<char>(), morvend::datatypes::INT, 32, 0};
+};
+
+/// Fills bins and tails from an image under its mask. The number of bins is 1000 for each byte of
+/// an integer pixel, one unit wide, and 100000 for floating pixels, 1e-6 (float) or 1e-9 (double)
+/// wide; they stand around the mean, within the values that the type can hold. NaN is not counted.
+///
+/// Memory: two scratch arrays of the image's size from the pool of pixel memory, so that the loop
+/// never reallocates; only what the tails need of them is touched.
+class HistogramCompute {
+public:
+    HistogramCompute(IntergrateHistogramPrivate* target, double mean)
+        : _target(target)
+        , _mean(mean)
+    {}
+
+    void compute(const morvend::imglib::MImage& image, const morvend::imglib::MImage& mask) const;
+
+    template <class L, class R>
+    void operator()(const morvend::imglib::MImage& image,
+                    const morvend::imglib::MImage& mask) const;
+
+private:
+    IntergrateHistogramPrivate* _target;
+    double _mean;
+};

@@ -1,0 +1,80 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Counting for narrow types, vectorised quicksort for the others.
+#include "logic/analysis/statistics/SortPixels.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <type_traits>
+
+#include <hwy/contrib/sort/vqsort.h>
+
+namespace {
+
+/// The type of the same width and order that the sorter knows.
+template <class T>
+using Known = std::conditional_t<
+    std::is_floating_point_v<T>, T,
+    std::conditional_t<
+        sizeof(T) == 2, std::conditional_t<std::is_signed_v<T>, std::int16_t, std::uint16_t>,
+        std::conditional_t<sizeof(T) == 4,
+                           std::conditional_t<std::is_signed_v<T>, std::int32_t, std::uint32_t>,
+                           std::conditional_t<std::is_signed_v<T>, std::int64_t, std::uint64_t>>>>;
+
+template <class T>
+void countingSort(T* values, std::size_t count)
+{
+    constexpr int Lowest = std::numeric_limits<T>::min();
+    std::array<std::size_t, 256> counts{};
+    for (std::size_t i = 0; i < count; ++i)
+        ++counts[static_cast<std::size_t>(int(values[i]) - Lowest)];
+    for (std::size_t k = 0; k < counts.size(); ++k)
+        values = std::fill_n(values, counts[k], static_cast<T>(int(k) + Lowest));
+}
+
+template <class T>
+std::ptrdiff_t negativeZeros(const T* values, std::size_t count)
+{
+    if constexpr (std::is_floating_point_v<T>)
+        return std::count_if(values, values + count,
+                             [](T value) { return value == T(0) && std::signbit(value); });
+    else
+        return 0;
+}
+
+}  // namespace
+
+template <class T>
+void sortPixels(T* values, std::size_t count)
+{
+    if constexpr (sizeof(T) == 1) {
+        countingSort(values, count);
+    } else {
+        // Counted first: the minimum and maximum of processors don't keep the sign of a zero.
+        const auto negative = negativeZeros(values, count);
+        const hwy::Sorter sorter;
+        sorter(reinterpret_cast<Known<T>*>(values), count, hwy::SortAscending());
+        if (negative > 0) {
+            const auto [first, last] = std::equal_range(values, values + count, T(0));
+            std::fill(first, first + negative, -T(0));
+            std::fill(first + negative, last, T(0));
+        }
+    }
+}
+
+template void sortPixels(bool*, std::size_t);
+template void sortPixels(char*, std::size_t);
+template void sortPixels(signed char*, std::size_t);
+template void sortPixels(short*, std::size_t);
+template void sortPixels(int*, std::size_t);
+template void sortPixels(long long*, std::size_t);
+template void sortPixels(unsigned char*, std::size_t);
+template void sortPixels(unsigned short*, std::size_t);
+template void sortPixels(unsigned int*, std::size_t);
+template void sortPixels(unsigned long long*, std::size_t);
+template void sortPixels(float*, std::size_t);
+template void sortPixels(double*, std::size_t);

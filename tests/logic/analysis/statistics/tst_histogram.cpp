@@ -1,0 +1,190 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The cumulative histogram against counting by hand, for all pixel types.
+#include "logic/IntegratedHistogram.h"
+#include "logic/analysis/statistics/MaskRule.h"
+#include "logic/analysis/statistics/SortPixels.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <random>
+
+using morvend::imglib::MImage;
+
+namespace {
+
+/// Bins and tails by the definition, in plain containers.
+template <class T>
+struct PlainHistogram {
+    double lower, upper, perUnit;
+    std::vector<unsigned int> bins;
+    std::vector<T> below, above;
+
+    template <class R>
+    PlainHistogram(const std::vector<T>& pixels, const std::vector<R>& marks, double mean)
+    {
+        using Limits = std::numeric_limits<T>;
+        const bool real = std::is_floating_point_v<T>;
+        const double r = std::is_same_v<T, float> ? 9.999999974752427e-7 : real ? 1e-9 : 1;
+        perUnit = std::is_same_v<T, float> ? 1e6 : real ? 999999999.9999999 : 1;
+        bins.resize(real ? 100000 : 1000 * sizeof(T));
+        const double half = double(bins.size()) / 2;
+        lower = std::fmax((mean - half) * r, double(Limits::min()));
+        upper = std::fmin((mean + half) * r, double(Limits::max()));
+        for (std::size_t i = 0; i < pixels.size(); ++i) {
+            const T v = pixels[i];
+            if (!maskrule::good(marks[i]) || std::isnan(double(v)))
+                continue;
+            if (double(v) < lower)
+                below.push_back(v);
+            else if (double(v) >= upper)
+                above.push_back(v);
+            else
+                ++bins[std::min(bins.size() - 1,
+                                real ? std::size_t((double(v) - lower) * perUnit)
+                                     : std::size_t((long long)(v) - (long long)(lower)))];
+        }
+        bins[0] += unsigned(below.size());
+        for (std::size_t i = 1; i < bins.size(); ++i)
+            bins[i] += bins[i - 1];
+    }
+    unsigned int value(double x) const
+    {
+        const double v = std::is_integral_v<T> ? std::floor(x) : double(T(x));
+        const auto upTo = [&](const std::vector<T>& tail) {
+            return unsigned(
+                std::count_if(tail.begin(), tail.end(), [&](T each) { return double(each) <= v; }));
+        };
+        if (v < lower)
+            return upTo(below);
+        if (v >= upper)
+            return bins.back() + upTo(above);
+        return bins[std::size_t((v - lower) * perUnit)];
+    }
+};
+
+template <class T, class R>
+void compare(unsigned int seed)
+{
+    std::mt19937 random(seed);
+    std::vector<T> pixels(5000);
+    std::vector<R> marks(pixels.size(), R(0));
+    double sum = 0, count = 0;
+    const double spread = std::is_same_v<T, float> ? 0.2 : std::is_same_v<T, double> ? 1e-4 : 60;
+    for (std::size_t i = 0; i < pixels.size(); ++i) {
+        double value = spread * double(random() % 1000) / 999;
+        const auto kind = static_cast<unsigned int>(random() % 50);
+        if (kind == 0)
+            value = double(std::numeric_limits<T>::max()) / double(1 + random() % 7);
+        if (kind == 1 && !std::is_same_v<T, bool> && std::numeric_limits<T>::is_signed)
+            value = -value;
+        if (kind == 2 && std::is_floating_point_v<T>)
+            value = std::nan("");
+        if (kind == 3)
+            marks[i] = R(random() % 2 ? 1 : 64);
+        pixels[i] = value >= double(std::numeric_limits<T>::max()) ? std::numeric_limits<T>::max()
+                                                                   : T(value);
+        if (maskrule::good(marks[i]) && kind > 3) {
+            sum += double(pixels[i]);
+            ++count;
+        }
+    }
+    const double mean = sum / count;
+    const PlainHistogram<T> plain(pixels, marks, mean);
+    MImage image(100, 50, T(0));
+    MImage mask(100, 50, R(0));
+    std::copy(pixels.begin(), pixels.end(), static_cast<T*>(image.data()));
+    std::copy(marks.begin(), marks.end(), static_cast<R*>(mask.data()));
+    IntegratedHistogram histogram;
+    histogram.compute(image, mask, mean);
+    std::vector<double> places{plain.lower, plain.upper, mean, 0.0, -1.0, 1e9, -1e9};
+    for (int k = 0; k < 300; ++k)
+        places.push_back(double(pixels[random() % pixels.size()]) + (k % 3 - 1) * spread / 50);
+    for (const double x : places) {
+        if (std::isnan(x) ||
+            (std::is_integral_v<T> && (std::floor(x) > double(std::numeric_limits<T>::max()) ||
+                                       std::floor(x) < double(std::numeric_limits<T>::min()))))
+            continue;
+        if (std::is_same_v<T, bool> && x != 0 && x != 1)
+            continue;
+        ASSERT_EQ(histogram.value(x), plain.value(x)) << "at " << x << ", seed " << seed;
+    }
+}
+
+template <class T, class... Masks>
+void compareAllMasks(unsigned int seed, std::tuple<Masks...>*)
+{
+    (compare<T, Masks>(++seed), ...);
+}
+
+template <class... Images>
+void compareAllTypes(std::tuple<Images...>* all)
+{
+    unsigned int seed = 0;
+    (compareAllMasks<Images>(seed += 100, all), ...);
+}
+
+}  // namespace
+
+TEST(Histogram, EqualsCountingForAllTypes)
+{
+    compareAllTypes(static_cast<morvend::datatypes::PixelTypes*>(nullptr));
+}
+
+TEST(Histogram, IsExactInBinsAndTails)
+{
+    MImage image(2000, 1, 1000);
+    int* p = static_cast<int*>(image.data());
+    p[0] = -1;
+    p[1] = 70'000;
+    p[2] = 2999;
+    IntegratedHistogram histogram;
+    histogram.compute(image, MImage(2000, 1, 0u), 1000);  // bins from -1000 to 3000
+    EXPECT_EQ(histogram.value(-1.5), 0u);
+    EXPECT_EQ(histogram.value(-1), 1u);
+    EXPECT_EQ(histogram.value(2998.9), 1998u);
+    EXPECT_EQ(histogram.value(2999.7), 1999u);
+    EXPECT_EQ(histogram.value(69'999), 1999u);
+    EXPECT_EQ(histogram.value(70'000), 2000u);
+    EXPECT_EQ(histogram.value(1e300), 2000u);
+    EXPECT_EQ(histogram.value(std::nan("")), 0u);
+}
+
+TEST(Histogram, FloatsLieInTheTailAboveAndStayExact)
+{
+    MImage image(100, 1, 10.0f);
+    static_cast<float*>(image.data())[0] = -3.5f;
+    static_cast<float*>(image.data())[1] = std::nanf("");
+    IntegratedHistogram histogram;
+    histogram.compute(image, MImage(100, 1, 0u), 10);
+    EXPECT_EQ(histogram.value(-4), 0u);
+    EXPECT_EQ(histogram.value(-3.5), 1u);
+    EXPECT_EQ(histogram.value(9.999), 1u);
+    EXPECT_EQ(histogram.value(10), 99u);
+}
+
+TEST(Histogram, WithoutGoodPixelsOrImageItCountsNothing)
+{
+    IntegratedHistogram histogram;
+    EXPECT_EQ(histogram.value(5), 0u);
+    histogram.compute(MImage(4, 4, 3u), MImage(4, 4, 2u), std::nan(""));
+    for (const double x : {-1.0, 0.0, 3.0, 1e12})
+        EXPECT_EQ(histogram.value(x), 0u);
+    // A value below all that the type can hold is below every pixel.
+    histogram.compute(MImage(4, 4, 0u), MImage(4, 4, 0u), 0);
+    EXPECT_EQ(histogram.value(-0.5), 0u);
+    EXPECT_EQ(histogram.value(0), 16u);
+}
+
+TEST(SortPixels, OrdersZerosBySign)
+{
+    float values[] = {0.0f, -1.0f, -0.0f, 2.0f, 0.0f, -0.0f};
+    sortPixels(values, 6);
+    EXPECT_EQ(values[0], -1.0f);
+    EXPECT_TRUE(std::signbit(values[1]) && std::signbit(values[2]));
+    EXPECT_FALSE(std::signbit(values[3]) || std::signbit(values[4]));
+    EXPECT_EQ(values[5], 2.0f);
+}

@@ -101,7 +101,7 @@ DataFile::DataFile(const std::string& path, const FrameLayout& layout, Compressi
     const hsize_t none[] = {0, height, width};
     const hsize_t most[] = {H5S_UNLIMITED, height, width};
     const hsize_t chunk[] = {1, height, width};
-    const Properties creation(H5Pcreate(H5P_DATASET_CREATE), "cannot make properties", path);
+    const Properties creation = untimedDataset(path);
     check(H5Pset_chunk(creation.id(), 3, chunk), "cannot set the chunk size", path);
     check(H5Pset_fill_time(creation.id(), H5D_FILL_TIME_NEVER), "cannot set the fill time", path);
     setFilters(creation.id(), compression, static_cast<unsigned>(layout.bits / 8), path);

@@ -175,8 +175,7 @@ void NexusWriter::_writeMask(const MImage& mask)
     const MImage bits = mask.asType<unsigned int>();
     const hsize_t extent[] = {static_cast<hsize_t>(bits.height()),
                               static_cast<hsize_t>(bits.width())};
-    const Properties creation(H5Pcreate(H5P_DATASET_CREATE), "cannot make properties",
-                              _master->path());
+    const Properties creation = untimedDataset(_master->path());
     // Filters that every HDF5 library has: masks are read once, by all programs.
     check(H5Pset_chunk(creation.id(), 2, extent), "cannot set the chunk size", _master->path());
     check(H5Pset_shuffle(creation.id()), "cannot set shuffle", _master->path());

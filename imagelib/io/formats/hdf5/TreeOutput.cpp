@@ -92,6 +92,13 @@ bool writable(const std::string& name)
 
 }  // namespace
 
+Properties untimedDataset(const std::string& path)
+{
+    Properties creation(H5Pcreate(H5P_DATASET_CREATE), "cannot make properties", path);
+    check(H5Pset_obj_track_times(creation.id(), false), "cannot switch off times", path);
+    return creation;
+}
+
 TreeOutput::TreeOutput(hid_t file, std::string path)
     : _file(file)
     , _path(std::move(path))
@@ -143,8 +150,9 @@ void TreeOutput::_dataset(const std::string& name, const nexus::Node& node)
     if (const std::size_t slash = name.rfind('/'); slash > 0)
         group(name.substr(0, slash));
     withValue(node.value, _path, [&](hid_t type, hid_t space, const void* bytes) {
+        const Properties creation = untimedDataset(_path);
         const Dataset target(
-            H5Dcreate2(_file, name.c_str(), type, space, H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT),
+            H5Dcreate2(_file, name.c_str(), type, space, H5P_DEFAULT, creation.id(), H5P_DEFAULT),
             "cannot make " + name, _path);
         check(H5Dwrite(target.id(), type, H5S_ALL, H5S_ALL, H5P_DEFAULT, bytes),
               "cannot write " + name, _path);

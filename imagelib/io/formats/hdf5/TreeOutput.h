@@ -11,6 +11,9 @@
 
 namespace morvend::imglib::hdf5 {
 
+/// Creation properties of data sets that keep no time stamp: the same content gives the same file.
+Properties untimedDataset(const std::string& path);
+
 /// Writes into one open file; `path` names it in messages.
 /// Errors: MRuntimeException as fail() throws them. Thread: one at a time.
 class TreeOutput {

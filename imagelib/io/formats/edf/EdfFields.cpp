@@ -9,6 +9,7 @@
 
 #include <cmath>
 #include <limits>
+#include <optional>
 
 namespace morvend::imglib::edf {
 
@@ -27,14 +28,14 @@ constexpr double AngstromPerMetre = 1e10;
 constexpr double ElectronvoltAngstrom = 12398.42;
 
 /// The value of a key in the base unit, which a number without a unit has already.
-boost::optional<double> find(const EdfHeader& header, std::string_view key, Units units)
+std::optional<double> find(const EdfHeader& header, std::string_view key, Units units)
 {
     if (const auto found = quantityAt(wordsOf(header.value(key).value_or("")), 0, units))
         return found->value * found->factor.value_or(1);
-    return boost::none;
+    return std::nullopt;
 }
 
-boost::optional<double> wavelength(const EdfHeader& header)
+std::optional<double> wavelength(const EdfHeader& header)
 {
     if (const auto metres = find(header, "WaveLength", Lengths))
         return *metres * AngstromPerMetre;
@@ -42,14 +43,14 @@ boost::optional<double> wavelength(const EdfHeader& header)
     const auto energy = quantityAt(wordsOf(header.value("Energy").value_or("")), 0, Energies);
     if (energy && energy->factor && energy->value > 0)
         return ElectronvoltAngstrom / (energy->value * *energy->factor);
-    return boost::none;
+    return std::nullopt;
 }
 
 }  // namespace
 
 void readFields(const EdfHeader& from, MBasicImageOptionalData<>& header)
 {
-    const auto set = [&](Setter setter, const boost::optional<double>& value) {
+    const auto set = [&](Setter setter, const std::optional<double>& value) {
         if (value && std::abs(*value) <= double(std::numeric_limits<float>::max()))
             (header.*setter)(static_cast<float>(*value));
     };

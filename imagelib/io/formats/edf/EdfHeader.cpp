@@ -14,7 +14,7 @@ namespace morvend::imglib::edf {
 
 namespace {
 
-constexpr std::size_t LongestHeader = std::size_t(64) << 20;
+constexpr std::size_t LongestHeader = std::size_t(16) << 20;
 
 /// Bytes up to and including the end of the line of the closing brace; 0 when it is not there.
 /// A CR alone does not end a header: it may be the first byte of the pixels.
@@ -54,7 +54,7 @@ bool EdfHeader::beginsBlock(std::string_view bytes)
 EdfHeader EdfHeader::read(const ByteSource& source, std::uint64_t offset, std::size_t guess)
 {
     std::string text;
-    std::size_t wanted = std::max<std::size_t>(guess, 512);
+    std::size_t wanted = std::clamp<std::size_t>(guess, 512, LongestHeader);
     while (text.size() < LongestHeader) {
         const std::size_t had = text.size();
         text.resize(wanted);
@@ -66,7 +66,7 @@ EdfHeader EdfHeader::read(const ByteSource& source, std::uint64_t offset, std::s
         }
         if (text.size() < wanted)
             break;
-        wanted = 4 * text.size();
+        wanted = std::min(4 * text.size(), LongestHeader);
     }
     throw MRuntimeException("EDF: the header at byte " + std::to_string(offset) +
                             " has no end within " + std::to_string(text.size()) +
@@ -82,7 +82,10 @@ EdfHeader::EdfHeader(std::string text)
     std::size_t at = open == std::string_view::npos ? 0 : open + 1;
     const std::size_t end = close == std::string_view::npos ? all.size() : close;
     const auto place = [&](std::string_view part) {
-        return static_cast<std::size_t>(part.data() - all.data());
+        return static_cast<std::uint32_t>(part.data() - all.data());
+    };
+    const auto bytes = [](std::string_view part) {
+        return static_cast<std::uint32_t>(part.size());
     };
     while (at < end) {
         const std::size_t stop = std::min(all.find(';', at), end);
@@ -90,7 +93,7 @@ EdfHeader::EdfHeader(std::string text)
         if (const std::size_t equals = statement.find('='); equals != std::string_view::npos) {
             const std::string_view key = trimmed(statement.substr(0, equals));
             const std::string_view value = trimmed(statement.substr(equals + 1));
-            _entries.push_back({place(key), key.size(), place(value), value.size()});
+            _entries.push_back({place(key), bytes(key), place(value), bytes(value)});
         }
         at = stop + 1;
     }

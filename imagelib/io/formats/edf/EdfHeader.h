@@ -46,7 +46,7 @@ public:
 
 private:
     struct Entry {
-        std::size_t key, keyBytes, value, valueBytes;  // places in _text
+        std::uint32_t key, keyBytes, value, valueBytes;  // places in _text
     };
     std::optional<std::string_view> _own(std::string_view key) const;
 

@@ -161,15 +161,10 @@ bool BlockTable::_middleDiffers() const
                        [&](const Block& each) { return each.frames.value_or(_common) != _common; });
 }
 
-void BlockTable::_countUpTo(std::size_t end)
-{
-    for (std::size_t i = 0; i < end; ++i)
-        _open(i);
-}
-
 void BlockTable::_countAll()
 {
-    _countUpTo(_end);
+    for (std::size_t i = 0; i < _end; ++i)
+        _open(i);
     _certainty = Certainty::Counted;
     _sum();
 }
@@ -200,13 +195,11 @@ BlockTable::Spot BlockTable::spot(std::size_t position)
             throw MOutOfRangeException("HDF5: there is no image " + std::to_string(position + 1) +
                                        ", the series has " + std::to_string(_frames) + ": " +
                                        (_master.empty() ? _blocks.front().place->file : _master));
-        if (_certainty == Certainty::Estimated) {
-            _countUpTo(at->block);
-            if (_middleDiffers()) {
-                _countAll();
-                continue;
-            }
+        if (_certainty == Certainty::Estimated && (at->block > 0 || _asked)) {
+            _countAll();
+            continue;
         }
+        _asked = true;
         FrameSetPtr set = _sets->at(_place(_blocks[at->block]));
         _blocks[at->block].frames = _blocks[at->block].frames.value_or(set->frames());
         if (*_blocks[at->block].frames != _starts[at->block + 1] - _starts[at->block]) {
@@ -239,11 +232,8 @@ std::optional<std::size_t> BlockTable::firstFrameIn(const std::string& file)
     for (std::size_t i = 0; i < _end; ++i) {
         if (!_leadsTo(_blocks[i], wanted))
             continue;
-        if (_certainty == Certainty::Estimated) {
-            _countUpTo(i);
-            if (_middleDiffers())
-                _countAll();
-        }
+        if (_certainty == Certainty::Estimated && i > 0)
+            _countAll();
         return _starts[i];
     }
     if (_end == 1)

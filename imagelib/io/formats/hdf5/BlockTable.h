@@ -20,8 +20,9 @@ namespace morvend::imglib::hdf5 {
 /// - without a doubt, if the image numbers that the last block carries (attribute image_nr_low) or
 ///   the planned number of images agree with it;
 /// - never, in short series without such a proof: all blocks are counted;
-/// - for the time being, in longer ones where six more blocks agree: then the blocks in front of a
-///   frame are counted before it is read.
+/// - for the time being, in longer ones where six more blocks agree: the first block shows its
+/// first
+///   image at once, and all are counted when the next image is asked for.
 /// A block that turns out different has all of them counted. A block that can't be opened counts
 /// as one of the common size, so that its neighbours keep their numbers.
 /// Thread: callers take turns.
@@ -74,7 +75,6 @@ private:
     void _findEnd();
     void _settle();
     bool _open(std::size_t block);
-    void _countUpTo(std::size_t end);
     void _countAll();
     bool _proved(std::size_t total);
     bool _samplesAgree();
@@ -92,6 +92,7 @@ private:
     std::size_t _common = 0;  // frames of a block
     std::size_t _frames = 0;
     Certainty _certainty = Certainty::Estimated;
+    bool _asked = false;               // a frame was asked for
     std::vector<std::size_t> _starts;  // position of each block's first frame
     std::string _firstFailure;
 };

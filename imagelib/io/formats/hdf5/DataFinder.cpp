@@ -162,12 +162,15 @@ private:
                _take(entryEnd == std::string::npos ? "" : best.substr(0, entryEnd), {best});
     }
 
-    /// Accepts blocks whose first one holds images; remembers them when its link is dead.
+    /// Accepts blocks of which one holds images, looking past dead links in front of it; remembers
+    /// them when all links are dead.
     bool _take(const std::string& entry, std::vector<std::string> blocks)
     {
         if (blocks.empty())
             return false;
-        const Images images = _images(blocks.front());
+        Images images = Images::Dead;
+        for (std::size_t i = 0; i < blocks.size() && images == Images::Dead; ++i)
+            images = _images(blocks[i]);
         if (images == Images::Yes)
             _found = {entry, std::move(blocks)};
         else if (images == Images::Dead && _dead.blocks.empty())

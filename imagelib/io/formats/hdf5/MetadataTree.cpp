@@ -123,6 +123,8 @@ private:
             if (kind == H5T_INTEGER || kind == H5T_FLOAT)
                 _visitArray(path, *shape);
         }
+        if (_isImage(path, shape.value_or(std::vector<hsize_t>())) || _isVirtual(dataset))
+            return;
         std::size_t most = MostTreeElements;
         if (shape && shape->size() == 1 && shape->front() > most &&
             shape->front() <= MostLongElements - _longElements) {
@@ -134,6 +136,21 @@ private:
             node.value = std::move(*value);
             node.attributes = readAttributes(dataset);
         }
+    }
+
+    /// Images and masks have no place in the tree, however small they are.
+    static bool _isImage(const std::string& path, const std::vector<hsize_t>& shape)
+    {
+        const std::string name = path.substr(path.rfind('/') + 1);
+        return shape.size() > 2 ||
+               (shape.size() == 2 && (blockNumber(name) != -2 || name.starts_with("pixel_mask")));
+    }
+
+    /// The library follows virtual data sets that refer to each other until its stack is full.
+    static bool _isVirtual(hid_t dataset)
+    {
+        const Properties creation(H5Dget_create_plist(dataset));
+        return H5Pget_layout(creation.id()) == H5D_VIRTUAL;
     }
 
     Hdf5Files& _files;

@@ -91,9 +91,11 @@ void VirtualLayout::_addMapping(std::size_t index)
     const Dataspace source(H5Pget_virtual_srcspace(creation, index));
     const auto targetRanges = HyperslabRange::of(target.id());
     const auto sourceRanges = HyperslabRange::of(source.id());
-    if (targetRanges && sourceRanges) {
+    const bool whole = H5Sget_select_type(source.id()) == H5S_SEL_ALL;
+    if (targetRanges && (sourceRanges || whole)) {
         mapping.target = *targetRanges;
-        mapping.source = *sourceRanges;
+        // The extents of a source that is taken whole are not in the file.
+        mapping.source = whole ? std::vector<HyperslabRange>() : *sourceRanges;
     }
     takeErrorText();
     _regular = _regular && _followable(mapping);
@@ -106,16 +108,40 @@ bool VirtualLayout::_followable(const Mapping& mapping)
     const auto& source = mapping.source;
     constexpr std::size_t least = FrameShape::SmallestRank;
     constexpr std::size_t most = FrameShape::LargestRank;
-    if (target.size() < least || source.size() < least || source.size() > most)
+    const bool whole = source.empty();
+    if (target.size() < least || (!whole && (source.size() < least || source.size() > most)))
         return false;
     for (std::size_t back = 1; back <= 2; ++back) {
         const HyperslabRange& to = target[target.size() - back];
+        if (!to.contiguous() || to.points() == HyperslabRange::Endless)
+            return false;
+        if (whole)
+            continue;
         const HyperslabRange& from = source[source.size() - back];
-        if (to.points() != from.points() || !to.contiguous() || !from.contiguous())
+        if (to.points() != from.points() || !from.contiguous())
             return false;
     }
     const bool perBlock = isNumbered(mapping.file) || isNumbered(mapping.path);
-    return leadingPoints(target, perBlock) == leadingPoints(source, false);
+    return whole || leadingPoints(target, perBlock) == leadingPoints(source, false);
+}
+
+void VirtualLayout::_setSource(Part& part, const Mapping& mapping, hsize_t index)
+{
+    const auto& source = mapping.source;
+    part.ofWhole = source.empty();
+    if (part.ofWhole) {
+        part.frame = index;
+        return;
+    }
+    if (source.size() > 3) {
+        const hsize_t points = std::max<hsize_t>(source[1].points(), 1);
+        part.module = source[1].at(index % points);
+        index /= points;
+    }
+    if (source.size() > 2)
+        part.frame = source[0].at(index);
+    part.fromRow = source[source.size() - 2].start;
+    part.fromColumn = source[source.size() - 1].start;
 }
 
 Place VirtualLayout::_sourceOf(const Mapping& mapping, hsize_t block) const
@@ -138,7 +164,6 @@ void VirtualLayout::_addParts(const Mapping& mapping, std::size_t frame,
                               std::vector<Part>& parts) const
 {
     const auto& target = mapping.target;
-    const auto& source = mapping.source;
     hsize_t ordinal = 0;
     if (target.size() > 2) {
         const auto found = target[0].ordinal(frame);
@@ -158,16 +183,7 @@ void VirtualLayout::_addParts(const Mapping& mapping, std::size_t frame,
     for (hsize_t each = 0; each < modules; ++each) {
         Part part;
         part.place = _sourceOf(mapping, block);
-        hsize_t index = ordinal * module.points() + each;
-        if (source.size() > 3) {
-            const hsize_t points = std::max<hsize_t>(source[1].points(), 1);
-            part.module = source[1].at(index % points);
-            index /= points;
-        }
-        if (source.size() > 2)
-            part.frame = source[0].at(index);
-        part.fromRow = source[source.size() - 2].start;
-        part.fromColumn = source[source.size() - 1].start;
+        _setSource(part, mapping, ordinal * module.points() + each);
         part.toRow = module.at(each) * _set.shape().rows + toRows.start;
         part.toColumn = toColumns.start;
         part.rows = toRows.points();
@@ -191,12 +207,16 @@ std::optional<MImage> VirtualLayout::read(std::size_t frame, FrameSets& sets) co
         _openAllSources(sets);
         return std::nullopt;
     }
-    const std::vector<Part> parts = _parts(frame);
+    std::vector<Part> parts = _parts(frame);
     // Parts of one source frame often follow each other: the chips of a module with their gaps.
     std::map<std::tuple<std::string, std::string, hsize_t>, MImage> read;
     MImage image;
-    for (const Part& part : parts) {
+    for (Part& part : parts) {
         const FrameSetPtr source = sets.at(part.place);
+        if (part.ofWhole) {
+            part.module = part.frame % source->shape().modules;
+            part.frame /= source->shape().modules;
+        }
         _checkPart(part, *source);
         MImage& from = read[{part.place.file, part.place.path, part.frame}];
         if (from.empty())
@@ -277,14 +297,21 @@ void VirtualLayout::_copy(const Part& part, const FrameSet& source, const MImage
 
 void VirtualLayout::_openAllSources(FrameSets& sets) const
 {
+    const std::string who = _set.path() + " of " + _set.file()->path();
     for (const Mapping& mapping : _mappings) {
         if (isNumbered(mapping.file) || isNumbered(mapping.path))
-            continue;  // the extents of the data set are those of the sources that exist
+            throw MRuntimeException("HDF5: the numbered sources of " + who +
+                                    " are selected in a way that can't be followed");
         const Place place = _sourceOf(mapping, 0);
         const auto found = sets.files().find(sets.files().file(place.file), place.path);
         if (!found || !found->isDataset())
             throw MRuntimeException("HDF5: there is no data set " + place.path +
                                     ", of which frames are made: " + place.file);
+        // The library would follow virtual sources without end if they refer to each other.
+        const Properties creation(H5Dget_create_plist(found->object.id()));
+        if (H5Pget_layout(creation.id()) == H5D_VIRTUAL)
+            throw MRuntimeException("HDF5: virtual sources are selected by " + who +
+                                    " in a way that can't be followed: " + place.file);
     }
 }
 

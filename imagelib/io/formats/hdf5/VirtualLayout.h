@@ -40,11 +40,12 @@ private:
         std::string file;  // may hold "%b", the number of the block of an endless selection
         std::string path;
         std::vector<HyperslabRange> target;
-        std::vector<HyperslabRange> source;
+        std::vector<HyperslabRange> source;  // empty: the whole data set, whatever its extents
     };
     /// A rectangle of a source frame that goes to a place of the image.
     struct Part {
         Place place;
+        bool ofWhole = false;  // then `frame` counts modules too, until the source is known
         hsize_t frame = 0;
         hsize_t module = 0;
         hsize_t fromRow = 0, fromColumn = 0;
@@ -54,6 +55,7 @@ private:
 
     void _addMapping(std::size_t index);
     static bool _followable(const Mapping& mapping);
+    static void _setSource(Part& part, const Mapping& mapping, hsize_t index);
     void _addParts(const Mapping& mapping, std::size_t frame, std::vector<Part>& parts) const;
     std::vector<Part> _parts(std::size_t frame) const;
     Place _sourceOf(const Mapping& mapping, hsize_t block) const;

@@ -352,6 +352,18 @@ def virtual():
         layout[...] = h5py.VirtualSource("ring_a.h5", "data", shape=(2, HEIGHT, WIDTH))
         f.create_virtual_dataset("data", layout)
 
+    with h5py.File("ring_endless.h5", "w", libver="latest") as f:
+        plist = h5py.h5p.create(h5py.h5p.DATASET_CREATE)
+        space = h5py.h5s.create_simple((2, HEIGHT, WIDTH), (h5py.h5s.UNLIMITED, HEIGHT, WIDTH))
+        space.select_hyperslab((0, 0, 0), (h5py.h5s.UNLIMITED, 1, 1), block=(1, HEIGHT, WIDTH))
+        plist.set_virtual(space, b".", b"data", space)
+        h5py.h5d.create(f.id, b"data", h5py.h5t.NATIVE_UINT16, space, plist)
+    layout = h5py.VirtualLayout(shape=(2, HEIGHT, 2 * WIDTH), dtype="u2")
+    layout[:, :, ::2] = h5py.VirtualSource("comb.h5", "entry/data/data",
+                                           shape=(2, HEIGHT, 2 * WIDTH))[:, :, ::2]
+    with h5py.File("comb_of_comb.h5", "w", libver="latest") as f:
+        f.create_virtual_dataset("entry/data/data", layout)
+
     # Sources by number, without end.
     with h5py.File("numbered.h5", "w", libver="latest") as f:
         plist = h5py.h5p.create(h5py.h5p.DATASET_CREATE)

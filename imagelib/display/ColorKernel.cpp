@@ -52,35 +52,50 @@ public:
                                std::uint32_t* colors) const
     {
         const auto value = hn::LoadU(_d, pixels);
-        auto index = _byIntensity(value);
-        if (_rule.highlightSaturated) {
-            const auto saturated = hn::RebindMask(_du, atLeast(value, hn::Set(_d, _rule.cutoff)));
-            index = hn::IfThenElse(saturated, hn::Set(_du, _rule.saturatedColor), index);
-        }
-        if (mask)
-            index = _byMask(hn::LoadU(_du, mask), index);
+        const auto flags = mask ? hn::LoadU(_du, mask) : hn::Zero(_du);
+        const auto flagged = hn::Ne(hn::And(flags, hn::Set(_du, 31U)), hn::Zero(_du));
+        const auto special = atLeast(value, hn::Set(_d, _rule.special));
+        const bool plain = hn::AllFalse(_du, flagged) && hn::AllFalse(_d, special);
+        const auto index = HWY_LIKELY(plain) ? _weak(value) : _any(value, flags);
         hn::StoreU(hn::GatherIndex(_du, _colors, hn::BitCast(_di, index)), _du, colors);
     }
 
 private:
+    /// Pixels of the linear part and below, without flags: most vectors hold nothing else.
     template <class V>
-    HWY_INLINE auto _byIntensity(V value) const
+    HWY_INLINE auto _weak(V value) const
     {
         const auto background = hn::Set(_d, _rule.background);
-        const auto far = distance<T>(value, background);
+        auto far = hn::Sub(value, background);
+        if constexpr (std::is_same_v<T, float>)
+            return _linear(value, far);
+        else  // below `special` the distance fits into a signed integer
+            return _linear(value, hn::ConvertTo(_df, hn::BitCast(_di, far)));
+    }
+
+    template <class V, class F>
+    HWY_INLINE auto _linear(V value, F far) const
+    {
         // Held before the conversion: lanes that don't belong to the linear part may hold anything.
         const auto place = hn::Min(hn::Mul(hn::Set(_df, _rule.slope), far),
                                    hn::Set(_df, static_cast<float>(_rule.lastLinear)));
-        const auto above = hn::RebindMask(_du, hn::Gt(value, background));
-        auto index = hn::IfThenElseZero(above, hn::BitCast(_du, hn::ConvertTo(_di, place)));
+        const auto above = hn::RebindMask(_du, hn::Gt(value, hn::Set(_d, _rule.background)));
+        return hn::IfThenElseZero(above, hn::BitCast(_du, hn::ConvertTo(_di, place)));
+    }
 
-        const auto bright = atLeast(value, hn::Set(_d, _rule.foreground));
-        if (!hn::AllFalse(_d, bright)) {
-            const auto top = hn::RebindMask(_du, atLeast(value, hn::Set(_d, _rule.top)));
-            const auto upper = hn::IfThenElse(top, hn::Set(_du, _rule.topColor), _logarithmic(far));
-            index = hn::IfThenElse(hn::RebindMask(_du, bright), upper, index);
+    template <class V, class M>
+    HWY_INLINE auto _any(V value, M flags) const
+    {
+        const auto far = distance<T>(value, hn::Set(_d, _rule.background));
+        const auto bright = hn::RebindMask(_du, atLeast(value, hn::Set(_d, _rule.foreground)));
+        const auto top = hn::RebindMask(_du, atLeast(value, hn::Set(_d, _rule.top)));
+        auto index = hn::IfThenElse(bright, _logarithmic(far), _linear(value, far));
+        index = hn::IfThenElse(top, hn::Set(_du, _rule.topColor), index);
+        if (_rule.highlightSaturated) {
+            const auto saturated = hn::RebindMask(_du, atLeast(value, hn::Set(_d, _rule.cutoff)));
+            index = hn::IfThenElse(saturated, hn::Set(_du, _rule.saturatedColor), index);
         }
-        return index;
+        return _byMask(flags, index);
     }
 
     template <class V>
@@ -128,6 +143,7 @@ HWY_INLINE void colorRun(const ColorRule<T>& rule, const T* pixels, const std::u
         hwy::Prefetch(pixels + i + 1024);
         if (mask)
             hwy::Prefetch(mask + i + 1024);
+        __builtin_prefetch(colors + i + 1024, 1);
         color(pixels + i, mask ? mask + i : nullptr, colors + i);
     }
     if (i < size) {

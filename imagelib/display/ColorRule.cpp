@@ -72,6 +72,13 @@ ColorRule<T>::ColorRule(const ColorSettings& settings)
     foreground = levels.foreground;
     background = levels.background;
     slope = static_cast<float>(levels.slope);
+    // A foreground that isn't a number is above nothing.
+    special = highlightSaturated && !(foreground <= cutoff) ? cutoff : foreground;
+    if constexpr (std::is_integral_v<T>) {
+        const double farthest = static_cast<double>(background) + 2147483647.0;
+        if (static_cast<double>(special) > farthest)
+            special = static_cast<T>(farthest);
+    }
     _makeColors(settings);
 
     const bool logarithmic = logSize != 0 && levels.logForeground > foreground;

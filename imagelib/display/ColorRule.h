@@ -42,6 +42,9 @@ struct ColorRule {
     T top;
     T cutoff;
     bool highlightSaturated;
+    /// Below it, pixels are in the linear part or at the background, and not saturated; integers
+    /// are less than 2^31 above the background.
+    T special;
     /// Mask bits that mark a defective pixel; 0 when those aren't highlighted.
     std::uint32_t defectiveBits;
     float slope;

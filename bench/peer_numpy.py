@@ -1,0 +1,60 @@
+# SPDX-FileCopyrightText: 2026 the TARVIK authors
+# SPDX-License-Identifier: MIT
+"""The NumPy peers of the benchmarks: each runs a task on raw arrays in a folder and prints the median
+of its seconds.
+
+    peer_numpy.py colormap FOLDER TYPE ROUNDS FOREGROUND BACKGROUND CUTOFF
+"""
+
+import pathlib
+import statistics
+import sys
+import time
+
+import numpy as np
+
+
+def colormap(folder, kind, foreground, background, cutoff):
+    """The transfer function with all special colours, written as one would with NumPy: whole-array
+    steps in 32-bit floats, the logarithm for the few pixels that need it only."""
+    image = np.fromfile(folder / "image", kind)
+    mask = np.fromfile(folder / "mask", np.uint32)
+    linear = np.fromfile(folder / "linear", np.uint32)
+    logarithmic = np.fromfile(folder / "logarithmic", np.uint32)
+    f, b = image.dtype.type(foreground), image.dtype.type(background)
+    N, L = len(linear), len(logarithmic)
+
+    def run():
+        above = image.astype(np.float32)
+        above -= np.float32(b)
+        place = above * np.float32(N / (foreground - background))
+        np.clip(place, 0, N - 1, out=place)
+        colors = linear[place.astype(np.int32)]
+        bright = np.flatnonzero(image >= f)
+        if L:
+            slope = (L - 1) / np.log((foreground * 1e4 - background) / (foreground - background))
+            entry = slope * (np.log(above[bright]) - np.log(foreground - background))
+            colors[bright] = logarithmic[np.clip(entry, 0, L - 1).astype(np.int32)]
+        else:
+            colors[bright] = linear[N - 1]
+        colors[image >= cutoff] = 0xFF00FF00
+        colors[(mask & 1) != 0] = 0xFF000000
+        colors[(mask & 30) != 0] = 0xFF0000FF
+        return colors
+
+    return run
+
+
+def main():
+    task, folder, kind, rounds = sys.argv[1:5]
+    run = {"colormap": colormap}[task](pathlib.Path(folder), kind,
+                                       *(float(text) for text in sys.argv[5:]))
+    seconds = []
+    for _ in range(int(rounds) + 1):
+        begin = time.perf_counter()
+        run()
+        seconds.append(time.perf_counter() - begin)
+    print(statistics.median(seconds[1:]))
+
+
+main()

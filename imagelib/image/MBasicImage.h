@@ -9,6 +9,7 @@
 
 #include <cstring>
 #include <memory>
+#include <utility>
 
 namespace morvend::image {
 
@@ -19,6 +20,23 @@ template <class Allocator = std::allocator<char>>
 class MBasicImage {
 public:
     MBasicImage() = default;
+    MBasicImage(const MBasicImage&) = default;
+    /// The other one is empty afterwards.
+    MBasicImage(MBasicImage&& other) noexcept
+        : _type(std::exchange(other._type, datatypes::NONE))
+        , _bits(std::exchange(other._bits, 0))
+        , _size(std::exchange(other._size, 0))
+        , _buffer(std::move(other._buffer))
+    {}
+    MBasicImage& operator=(MBasicImage other) noexcept
+    {
+        std::swap(_type, other._type);
+        std::swap(_bits, other._bits);
+        std::swap(_size, other._size);
+        _buffer.swap(other._buffer);
+        return *this;
+    }
+    ~MBasicImage() = default;
 
     /// `size` elements of the given pixel type with undefined content.
     /// @throws MNotImplementedException for a pair that is no pixel type, MRuntimeException when

@@ -117,6 +117,18 @@ TEST(MImage, SamePixelsComparesTypeSizeAndBytes)
     EXPECT_FALSE(samePixels(image, MImage(2, 3, 2)));
 }
 
+TEST(MBasicImage, IsEmptyAfterAMove)
+{
+    const int values[] = {1, 2};
+    MImage::BasicImage first(values, 2);
+    const MImage::BasicImage second = std::move(first);
+    EXPECT_EQ(second.size(), 2u);
+    EXPECT_TRUE(first.empty());
+    EXPECT_EQ(first.type(), datatypes::NONE);
+    first = second;
+    EXPECT_EQ(first.cdata(), second.cdata());
+}
+
 TEST(MBasicImage, WritesToItsOwnElementsOnly)
 {
     const double values[] = {1.0, 2.0};

@@ -23,7 +23,7 @@ using namespace morvend::imglib;
 constexpr int Few = 10;
 constexpr int Many = 10000;
 
-/// A folder of that many CBF files of one megapixel. All are links to one file: what is measured is
+/// A folder of that many CBF files of four megapixels. All are links to one file: what is measured is
 /// the opening of one of them.
 class Series {
 public:
@@ -31,7 +31,7 @@ public:
     {
         std::minstd_rand random(1);
         std::poisson_distribution<int> counts(2);
-        MImage image(1000, 1000, 0);
+        MImage image(2000, 2000, 0);
         auto* pixels = static_cast<int*>(image.data());
         for (std::size_t i = 0; i < image.size(); ++i)
             pixels[i] = counts(random);

@@ -40,6 +40,8 @@ public:
 private:
     bool parse(const char* name, Member& member) const;
     bool isNearer(int digits, int than) const;
+    void order(std::vector<Member>& members) const;
+    void sort(std::vector<Member>& members) const;
 
     std::string _directory;  // with the slash
     std::string _prefix;

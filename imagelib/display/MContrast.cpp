@@ -142,15 +142,16 @@ Sample takeSample(const MImage& image, const MImage* mask, std::size_t wanted)
     return all.take();
 }
 
-/// Drops -1 and -2, the flags of gaps and bad pixels, unless the image holds other negative values
-/// too: then they are intensities.
+/// Drops negative values where they are flags: where all but one in a thousand pixels are -1 (gap),
+/// -2 (bad) or not negative. Otherwise they are intensities, and all stay.
 void dropFlags(Sample& sample)
 {
-    const auto isFlag = [](double value) { return value == flagGap || value == flagBad; };
-    const auto others = std::count_if(sample.begin(), sample.end(),
-                                      [&](double value) { return value < 0.0 && !isFlag(value); });
+    const auto isOther = [](double value) {
+        return value < 0.0 && value != flagGap && value != flagBad;
+    };
+    const auto others = std::count_if(sample.begin(), sample.end(), isOther);
     if (static_cast<std::size_t>(others) * 1000 <= sample.size())
-        std::erase_if(sample, isFlag);
+        std::erase_if(sample, [](double value) { return value < 0.0; });
 }
 
 /// Order statistics of a sample that isn't empty.

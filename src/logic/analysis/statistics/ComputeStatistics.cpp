@@ -92,13 +92,18 @@ void ComputeStatistics::operator()(const MImage& image, const MImage& mask) cons
                 .hasNegatives = -2.0 > static_cast<double>(minimum)};
 }
 
-void ComputeStatistics::compute(const MImage& image, const MImage& mask) const
+void ComputeStatistics::computeNumbers(const MImage& image, const MImage& mask) const
 {
     assert(!image.empty() && image.size() == mask.size());
-    QElapsedTimer clock;
-    clock.start();
     morvend::datatypes::BinaryDispatcher<const ComputeStatistics&, const MImage, const MImage,
                                          void>::Go(image, mask, *this);
+}
+
+void ComputeStatistics::compute(const MImage& image, const MImage& mask) const
+{
+    QElapsedTimer clock;
+    clock.start();
+    computeNumbers(image, mask);
     console::printTime("TIME FOR COMPUTING STATISTICS: ", clock.elapsed());
     clock.restart();
     setDefaultContrast(*_target, image, mask);

@@ -40,7 +40,7 @@ struct Size {
     const char* name;
     hsize_t width, height;
 };
-constexpr Size Sizes[] = {{"4Mpx", 2070, 2167}, {"16Mpx", 4148, 4362}};
+constexpr Size Sizes[] = {{"4Mpx", 2072, 2160}, {"16Mpx", 4152, 4336}};
 
 /// A radial background of few counts with Poisson noise, some reflections, module gaps of all ones.
 template <class T>
@@ -53,7 +53,7 @@ std::vector<T> makeFrame(const Size& size, unsigned seed)
     for (hsize_t y = 0; y < size.height; ++y)
         for (hsize_t x = 0; x < size.width; ++x) {
             T& pixel = frame[y * size.width + x];
-            if (x % 1040 >= 1030 || y % 551 >= 514) {
+            if (x % 520 >= 512 || y % 272 >= 256) {
                 pixel = static_cast<T>(~T(0));
                 continue;
             }

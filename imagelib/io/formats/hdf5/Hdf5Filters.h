@@ -10,6 +10,9 @@ namespace morvend::imglib::hdf5 {
 /// nothing. From then on the library reads and writes such chunks by our own codecs, which distrust
 /// all lengths in the file, and takes the values of the filter as they are given: for 32008 these
 /// are {0, 3, element size, elements of a block or 0, packing}.
+///
+/// The library does not compare what a filter gives with the size of a chunk: frames of foreign
+/// files go through codec::decodeChunk, which does.
 /// @throws MRuntimeException when the library refuses them. Thread: any.
 void registerFilters();
 

@@ -107,8 +107,9 @@ void FrameSet::_readThroughLibrary(std::size_t frame, std::byte* pixels) const
     const std::size_t count = _shape.framePixels();
     const auto start = _shape.coordinates(frame, 0, 0, 0);
     const auto extents = _shape.frameExtents();
-    const hsize_t elements = count;
-    const Dataspace memory(H5Screate_simple(1, &elements, nullptr));
+    // Of the shape of the selection: otherwise the library matches chunks pixel by pixel.
+    const Dataspace memory(
+        H5Screate_simple(static_cast<int>(_shape.rank), extents.data(), nullptr));
     const Dataspace stored(H5Dget_space(_dataset.id()));
     if (H5Sselect_hyperslab(stored.id(), H5S_SELECT_SET, start.data(), nullptr, extents.data(),
                             nullptr) < 0)

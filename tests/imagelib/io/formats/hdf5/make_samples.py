@@ -408,7 +408,7 @@ def headers():
         put("description", np.bytes_("Detector 1M"))
         put("detector_number", "E-01-0001")
         f["entry/instrument/detector/detectorSpecific/nimages"] = 4
-        f["entry/instrument/detector/detectorSpecific/flatfield"] = np.ones((HEIGHT, WIDTH), "f4")
+        f["entry/instrument/detector/detectorSpecific/flatfield"] = np.ones((70, 70), "f4")
         omega = f.create_dataset("entry/sample/goniometer/omega", data=[10.0, 10.5, 11.0, 11.5])
         omega.attrs["units"] = "degree"
         f["entry/sample/goniometer/omega_range_average"] = 0.5

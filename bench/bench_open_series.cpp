@@ -23,8 +23,8 @@ using namespace morvend::imglib;
 constexpr int Few = 10;
 constexpr int Many = 10000;
 
-/// A folder of that many CBF files of four megapixels. All are links to one file: what is measured is
-/// the opening of one of them.
+/// A folder of that many CBF files of four megapixels. All are links to one file: what is measured
+/// is the opening of one of them.
 class Series {
 public:
     explicit Series(int files)

@@ -5,6 +5,7 @@
 #include "imagelib/io/FormatRegistry.h"
 
 #include "imagelib/image/MException.h"
+#include "imagelib/io/formats/cbf/CbfReader.h"
 #include "imagelib/io/formats/edf/EdfReader.h"
 #include "imagelib/io/formats/hdf5/NexusReader.h"
 #include "imagelib/io/formats/tiff/TiffReader.h"
@@ -14,7 +15,8 @@ namespace morvend::imglib {
 std::span<const FormatRegistry::Format> FormatRegistry::formats()
 {
     // EDF comes last: its mark, an opening brace, also begins other files.
-    static constexpr Format All[] = {{"TIFF", openTiff}, {"HDF5", openHdf5}, {"EDF", openEdf}};
+    static constexpr Format All[] = {
+        {"CBF", openCbf}, {"TIFF", openTiff}, {"HDF5", openHdf5}, {"EDF", openEdf}};
     return All;
 }
 

@@ -61,7 +61,8 @@ class Convert(OutputCase):
                                              frames[position])
 
     def test_frames_of_a_master_become_files(self):
-        frames, _ = self.write_master(self.folder / "x_master.h5", "i4", (2, 1))
+        # fabio does not read steps of more than 32 bits.
+        frames, _ = self.write_master(self.folder / "x_master.h5", "i4", (2, 1), divisor=4)
         self.assertDone(run("convert", "--all", self.folder / "x_master.h5",
                             self.folder / "f.cbf"))
         for position, frame in enumerate(frames, 1):

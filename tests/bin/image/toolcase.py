@@ -88,8 +88,8 @@ class ToolCase(unittest.TestCase):
         little = pixels.astype(pixels.dtype.newbyteorder("<"))
         self.assertEqual(told["sha256"], hashlib.sha256(little.tobytes()).hexdigest())
 
-    def write_master(self, path, dtype, blocks):
-        frames = [counts((6, 8), dtype) for _ in range(sum(blocks))]
+    def write_master(self, path, dtype, blocks, divisor=1):
+        frames = [counts((6, 8), dtype) // divisor for _ in range(sum(blocks))]
         mask = numpy.zeros((6, 8), numpy.uint32)
         mask[2, 3:5] = 1, 8
         with h5py.File(path, "w") as master:

@@ -222,7 +222,7 @@ TEST_F(SeriesOfFiles, AnUnknownFormatIsToldWithTheKnownOnes)
         series.open(folder.write("x", "?"));
         FAIL();
     } catch (const MUnknownFormatException& error) {
-        for (const char* name : {"TIFF", "EDF", "HDF5"})
+        for (const char* name : {"CBF", "TIFF", "EDF", "HDF5"})
             EXPECT_THAT(error.what(), HasSubstr(name));
     }
 }

@@ -1,10 +1,10 @@
+#version 130
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
 // Colours one pixel of an unsigned integer image: mask and special colours first, then the
 // logarithmic table from the foreground on, the linear table above the background, and its first
 // entry below.
-#version 130
 
 uniform usampler2D textureImg;
 uniform usampler2D textureMask;

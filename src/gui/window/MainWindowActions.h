@@ -33,7 +33,7 @@ private:
     QAction* _add(MainWindow& window, const QString& text, const QString& tip,
                   const QKeySequence& key, const std::function<void()>& slot);
 
+    QList<QShortcut*> _shortcuts;  // filled along with the actions, hence first
     QAction* _newWindowAction;
     QAction* _openAction;
-    QList<QShortcut*> _shortcuts;
 };

@@ -1,0 +1,43 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// A view on the screen that shows an image from memory.
+#pragma once
+
+#include "gui/render/ImageDrawerMain.h"
+#include "imagelib/display/MColorTable.h"
+#include "logic/TarvikService.h"
+#include "logic/tarvikcore.h"
+#include "tests/support/WaitFor.h"
+
+#include <QSignalSpy>
+
+/// A core, one service and one view of a given size.
+class DrawnImage {
+public:
+    explicit DrawnImage(QSize size, bool useGlsl = true)
+    {
+        core.setDefaultColorTable("High Dynamic Range");
+        service = core.newService("test");
+        drawer = std::make_unique<ImageDrawerMain>(service, useGlsl);
+        drawer->resize(size);
+        drawer->show();
+        (void)QTest::qWaitForWindowExposed(drawer.get());
+        settle();
+    }
+    ~DrawnImage() { drawer.reset(); }
+
+    /// Loads an image and waits until it is on show.
+    bool open(const morvend::imglib::MImage& image)
+    {
+        QSignalSpy arrived(service, &TarvikService::newImageSignal);
+        service->openImage(image);
+        const bool came = arrived.count() > 0 || arrived.wait(10000);
+        settle();
+        return came;
+    }
+
+    TarvikCore core;
+    TarvikService* service = nullptr;
+    std::unique_ptr<ImageDrawerMain> drawer;
+};

@@ -1,0 +1,380 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The main window and its image views, from files to pixels and errors.
+#include "gui/mainwindow.h"
+
+#include "gui/kit/ErrorDialog.h"
+#include "gui/render/ImageDrawerMain.h"
+#include "gui/window/OpenDirectory.h"
+#include "gui/window/SubWindow.h"
+#include "imagelib/display/MColorTable.h"
+#include "logic/TarvikService.h"
+#include "logic/tarvikcore.h"
+#include "tests/support/TempFolder.h"
+#include "tests/support/WaitFor.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QComboBox>
+#include <QDropEvent>
+#include <QFileDialog>
+#include <QLabel>
+#include <QMimeData>
+#include <QPointer>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTimer>
+#include <QToolBar>
+#include <QToolButton>
+
+namespace {
+
+using morvend::imglib::MColorTable;
+using morvend::imglib::MImage;
+
+/// A readable EDF file of 8 by 4 pixels, all of one value.
+std::string edf(unsigned short value)
+{
+    std::string header = "{\nHeaderID = EH:000001:000000:000000;\nImage = 1;\n"
+                         "ByteOrder = LowByteFirst;\nDataType = UnsignedShort;\n"
+                         "Dim_1 = 8;\nDim_2 = 4;\nSize = 64;\n";
+    header.resize(1022, ' ');
+    header += "}\n";
+    for (int i = 0; i < 32; ++i) {
+        header += static_cast<char>(value & 0xff);
+        header += static_cast<char>(value >> 8);
+    }
+    return header;
+}
+
+class MainWindowTest : public testing::Test {
+protected:
+    MainWindowTest()
+    {
+        _core.setDefaultColorTable("High Dynamic Range");
+        _window = std::make_unique<MainWindow>(_core, true, true);
+        for (int i = 1; i <= 12; ++i)
+            _folder.write("x_" + QString::number(i).rightJustified(5, '0').toStdString() + ".edf",
+                          edf(static_cast<unsigned short>(i)));
+        _window->show();
+        (void)QTest::qWaitForWindowExposed(_window.get());
+        QApplication::setActiveWindow(_window.get());
+    }
+    ~MainWindowTest() override
+    {
+        _window.reset();
+        settle();
+    }
+
+    QString file(int number) const
+    {
+        return QString::fromStdString(
+            _folder / "x_" + QString::number(number).rightJustified(5, '0').toStdString() + ".edf");
+    }
+
+    /// Number of the image on show, -1 without.
+    static int shown(const SubWindow* window) { return window->service()->imageIndex(); }
+
+    static bool waitForImage(const SubWindow* window, int number)
+    {
+        return waitFor([window, number] { return shown(window) == number; });
+    }
+
+    static QToolButton* button(SubWindow* window, const QString& text)
+    {
+        for (QToolButton* candidate : window->titleBar()->findChildren<QToolButton*>()) {
+            if (candidate->defaultAction() && candidate->defaultAction()->text() == text)
+                return candidate;
+        }
+        return nullptr;
+    }
+
+    QAction* action(const QString& text) const
+    {
+        for (QAction* candidate : _window->findChildren<QAction*>()) {
+            if (candidate->text() == text)
+                return candidate;
+        }
+        return nullptr;
+    }
+
+    void drop(QWidget* target, const QList<QUrl>& urls)
+    {
+        QMimeData data;
+        data.setUrls(urls);
+        QDropEvent event(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(target, &event);
+    }
+
+    tarvik::tests::TempFolder _folder;
+    TarvikCore _core;
+    std::unique_ptr<MainWindow> _window;
+};
+
+TEST_F(MainWindowTest, TwoFilesStandInTwoFramesAndShowTheirImages)
+{
+    EXPECT_EQ(_window->windowTitle(), "TARVIK");
+    EXPECT_EQ(_window->size(), QSize(1200, 800));
+    EXPECT_EQ(_window->activeSubWindow(), nullptr);
+
+    SubWindow* first = _window->newSubWindow();
+    first->loadFile(file(1));
+    SubWindow* second = nullptr;
+    EXPECT_EQ(_window->newSubWindow(&second), second);
+    second->loadFile(file(2));
+    ASSERT_TRUE(waitForImage(first, 1) && waitForImage(second, 2));
+    settle();
+
+    EXPECT_EQ(_window->subWindows(), (QList<SubWindow*>{first, second}));
+    EXPECT_EQ(_window->activeSubWindow(), second);
+    EXPECT_NE(first->service(), second->service());
+    EXPECT_EQ(first->service()->syncID(), second->service()->syncID());
+    EXPECT_EQ(_window->openDirectory(), QString::fromStdString(_folder.path()));
+    for (SubWindow* window : {first, second}) {
+        EXPECT_EQ(window->windowTitle(), window->service()->imageDescription());
+        window->setContrast(2, 0);
+        window->setColorMode("GS");
+        EXPECT_EQ(window->visibileRange(), QRectF(0, 0, 8, 4));
+    }
+    const QPoint middle = first->imageDrawer()->imageBoundary().center();
+    EXPECT_NE(first->imageDrawer()->grab().pixelColor(middle),
+              second->imageDrawer()->grab().pixelColor(middle))
+        << "counts of 1 and 2 under a foreground of 2";
+}
+
+TEST_F(MainWindowTest, StepControlsGoThroughTheSeriesByTheStepBox)
+{
+    SubWindow* window = _window->newSubWindow();
+    settle();
+    QToolButton* next = button(window, "Next");
+    QToolButton* previous = button(window, "Previous");
+    ASSERT_TRUE(next && previous);
+    EXPECT_EQ(next->toolTip(), "Go forward within the present image series");
+    EXPECT_EQ(previous->toolTip(), "Go back within the present image series");
+    EXPECT_FALSE(next->isEnabled());
+    EXPECT_FALSE(previous->isEnabled());
+
+    window->loadFile(file(1));
+    ASSERT_TRUE(waitForImage(window, 1));
+    QTest::mouseClick(next, Qt::LeftButton);
+    EXPECT_TRUE(waitForImage(window, 2));
+    auto* steps = window->titleBar()->findChild<QComboBox*>();
+    QStringList texts;
+    for (int i = 0; i < steps->count(); ++i)
+        texts << steps->itemText(i);
+    EXPECT_EQ(texts, QStringList({"1", "5", "10", "20", "50", "100"}));
+    steps->setCurrentText("5");
+    QTest::mouseClick(next, Qt::LeftButton);
+    EXPECT_TRUE(waitForImage(window, 7));
+    QTest::mouseClick(previous, Qt::LeftButton);
+    EXPECT_TRUE(waitForImage(window, 2));
+    window->goTo(12);
+    EXPECT_TRUE(waitForImage(window, 12));
+}
+
+TEST_F(MainWindowTest, AFileThatCannotBeReadIsToldAndTheImageStays)
+{
+    const QString damaged =
+        QString::fromStdString(_folder.write("broken_00001.edf", edf(1).substr(0, 1050)));
+    SubWindow* window = _window->newSubWindow();
+    window->loadFile(file(3));
+    ASSERT_TRUE(waitForImage(window, 3));
+
+    for (const QString& name : {damaged, QString::fromStdString(_folder / "missing_00001.cbf")}) {
+        QString message;
+        const auto dialog = [] {
+            return qobject_cast<ErrorDialog*>(QApplication::activeModalWidget());
+        };
+        QTimer poll;
+        QObject::connect(&poll, &QTimer::timeout, [&] {
+            if (!dialog())
+                return;
+            message = dialog()->findChild<QLabel*>()->text();
+            QTest::mouseClick(dialog()->findChild<QPushButton*>(), Qt::LeftButton);
+        });
+        poll.start(10);
+        window->loadFile(name);
+        EXPECT_TRUE(waitFor([&message] { return !message.isEmpty(); }));
+        EXPECT_TRUE(message.contains(QFileInfo(name).fileName())) << message.toStdString();
+        EXPECT_TRUE(waitFor([&dialog] { return !dialog(); }));
+        EXPECT_EQ(shown(window), 3);
+    }
+    QTest::mouseClick(button(window, "Next"), Qt::LeftButton);
+    EXPECT_TRUE(waitForImage(window, 4)) << "the program lives on";
+}
+
+TEST_F(MainWindowTest, AFileIsStillLoadedWhileAnErrorIsOnShow)
+{
+    SubWindow* bad = _window->newSubWindow();
+    SubWindow* good = _window->newSubWindow();
+    bool loadedMeanwhile = false;
+    QTimer poll;
+    QObject::connect(&poll, &QTimer::timeout, [&] {
+        auto* dialog = qobject_cast<ErrorDialog*>(QApplication::activeModalWidget());
+        if (!dialog)
+            return;
+        if (shown(good) == 5)
+            loadedMeanwhile = true;
+        else
+            good->loadFile(file(5));
+        if (loadedMeanwhile)
+            dialog->accept();
+    });
+    poll.start(100);
+    bad->loadFile(QString::fromStdString(_folder / "missing.cbf"));
+    EXPECT_TRUE(waitFor([&loadedMeanwhile] { return loadedMeanwhile; }));
+}
+
+TEST_F(MainWindowTest, DroppedFilesOpenInTheViewAndInNewOnes)
+{
+    SubWindow* window = _window->newSubWindow();
+    drop(window, {QUrl("https://example.org/x_00009.edf"), QUrl::fromLocalFile(file(1)),
+                  QUrl::fromLocalFile(file(2))});
+    ASSERT_EQ(_window->subWindows().size(), 2);
+    EXPECT_TRUE(waitForImage(window, 1));
+    EXPECT_TRUE(waitForImage(_window->subWindows()[1], 2));
+
+    drop(_window.get(), {QUrl::fromLocalFile(file(3)), QUrl::fromLocalFile(file(4))});
+    ASSERT_EQ(_window->subWindows().size(), 4);
+    EXPECT_TRUE(waitForImage(_window->subWindows()[2], 3));
+    EXPECT_TRUE(waitForImage(_window->subWindows()[3], 4));
+}
+
+TEST_F(MainWindowTest, AClosedViewGoesWithItsService)
+{
+    SubWindow* first = _window->newSubWindow();
+    _window->newSubWindow();
+    const QPointer<TarvikService> service = first->service();
+    first->close();
+    settle();
+    EXPECT_EQ(_window->subWindows().size(), 1);
+    EXPECT_FALSE(service);
+    _window->activeSubWindow()->close();
+    settle();
+    EXPECT_EQ(_window->activeSubWindow(), nullptr);
+}
+
+TEST_F(MainWindowTest, SettersOfAViewEndInItsRecords)
+{
+    SubWindow* window = _window->newSubWindow();
+    window->loadFile(file(1));
+    ASSERT_TRUE(waitForImage(window, 1));
+    TarvikService& service = *window->service();
+    window->setViewport(1.5, -2, 100);
+    EXPECT_EQ(service.viewportData(), ViewportData(1.5, -2, 6, 0, 0));
+    window->setOffsetX(3);
+    window->setOffsetY(4);
+    window->setZoomPower(-9);
+    EXPECT_EQ(service.viewportData(), ViewportData(3, 4, -2, 0, 0));
+    window->zoom(1);
+    EXPECT_EQ(service.viewportData().zoomPower, -1);
+    window->setForeground(30);
+    window->setBackground(2);
+    EXPECT_EQ(service.contrastData(), ContrastData(30, 2, MColorTable::hdr(), false));
+
+    struct Row {
+        const char* name;
+        const MColorTable* table;
+    };
+    for (const Row& row : {Row{"H", MColorTable::heat()}, Row{"Rainbow", MColorTable::rainbow()},
+                           Row{"grey", MColorTable::rainbow()}, Row{"GS", MColorTable::grey()},
+                           Row{"HDR", MColorTable::hdr()}}) {
+        window->setColorMode(row.name);
+        EXPECT_EQ(service.contrastData().colorTable, row.table) << row.name;
+        EXPECT_EQ(service.defaultColorTable(), row.table) << row.name;
+    }
+}
+
+TEST_F(MainWindowTest, AFixedTitleStaysUntilItIsUnset)
+{
+    SubWindow* window = _window->newSubWindow();
+    window->setTitle("Mine");
+    window->loadFile(file(1));
+    ASSERT_TRUE(waitForImage(window, 1));
+    EXPECT_EQ(window->windowTitle(), "Mine");
+    window->unsetTitle();
+    EXPECT_EQ(window->windowTitle(), window->service()->imagePath());
+    window->goTo(2);
+    ASSERT_TRUE(waitForImage(window, 2));
+    EXPECT_EQ(window->windowTitle(), window->service()->imageDescription());
+}
+
+TEST_F(MainWindowTest, ActionsAndShortcutsOpenViewsUnlessTheToolBarIsHidden)
+{
+    ASSERT_TRUE(action("New Window") && action("Open"));
+    EXPECT_EQ(action("New Window")->toolTip(), "Open new window (Ctrl N)");
+    EXPECT_EQ(action("Open")->toolTip(), "Open Image File (Ctrl O)");
+    action("New Window")->trigger();
+    EXPECT_EQ(_window->subWindows().size(), 1);
+    QTest::keyClick(_window.get(), Qt::Key_N, Qt::ControlModifier);
+    EXPECT_EQ(_window->subWindows().size(), 2);
+    _window->hideToolBar();
+    QTest::keyClick(_window.get(), Qt::Key_N, Qt::ControlModifier);
+    EXPECT_EQ(_window->subWindows().size(), 2);
+    EXPECT_FALSE(_window->findChild<QToolBar*>()->isVisible());
+    _window->showToolBar();
+    QTest::keyClick(_window.get(), Qt::Key_N, Qt::ControlModifier);
+    EXPECT_EQ(_window->subWindows().size(), 3);
+    EXPECT_TRUE(_window->findChild<QToolBar*>()->isVisible());
+}
+
+TEST_F(MainWindowTest, TheOpenDialogReplacesTheActiveViewsImageByTheFirstFile)
+{
+    OpenDirectory::set(QString::fromStdString(_folder.path()));
+    const auto choose = [this](int number) {
+        QTimer::singleShot(50, _window.get(), [this, number] {
+            auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+            ASSERT_TRUE(dialog);
+            dialog->selectFile(file(number));
+            QMetaObject::invokeMethod(dialog, "accept");
+        });
+        action("Open")->trigger();
+    };
+    choose(3);
+    ASSERT_EQ(_window->subWindows().size(), 1);
+    EXPECT_TRUE(waitForImage(_window->subWindows()[0], 3));
+    choose(6);
+    EXPECT_EQ(_window->subWindows().size(), 1);
+    EXPECT_TRUE(waitForImage(_window->subWindows()[0], 6));
+}
+
+TEST_F(MainWindowTest, ViewsAreEnabledTogetherOrButTheActiveOne)
+{
+    SubWindow* first = _window->newSubWindow();
+    SubWindow* second = _window->newSubWindow();
+    _window->enableNonActiveSubWindows(false);
+    EXPECT_FALSE(first->isEnabled());
+    EXPECT_TRUE(second->isEnabled());
+    _window->enableAllSubWindows();
+    EXPECT_TRUE(first->isEnabled());
+}
+
+TEST(MainWindowClosing, EndsTheViewersProcessOrTheWindowAlone)
+{
+    TarvikCore core;
+    core.setDefaultColorTable("Grey Scale");
+    QPointer<MainWindow> scripted = new MainWindow(core, true, false);
+    scripted->show();
+    scripted->newSubWindow();
+    const QPointer<TarvikService> service = scripted->activeSubWindow()->service();
+    scripted->disableClose();
+    scripted->QWidget::close();
+    settle();
+    ASSERT_TRUE(scripted);
+    EXPECT_TRUE(scripted->isVisible());
+    scripted->close();
+    settle();
+    EXPECT_FALSE(scripted);
+    EXPECT_FALSE(service);
+
+    MainWindow viewer(core, true, true);
+    viewer.show();
+    QTimer::singleShot(0, &viewer, [&viewer] { viewer.QWidget::close(); });
+    QTimer guard;
+    guard.singleShot(10000, qApp, [] { QCoreApplication::exit(7); });
+    EXPECT_EQ(QApplication::exec(), 0);
+}
+
+}  // namespace

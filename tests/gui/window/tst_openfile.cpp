@@ -1,0 +1,81 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Which files the open dialog shows, and where it looks for them.
+#include "gui/window/OpenDirectory.h"
+#include "gui/window/OpenFileDialog.h"
+#include "tests/support/TempFolder.h"
+#include "tests/support/WaitFor.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QRegularExpression>
+#include <QSettings>
+#include <QTimer>
+
+namespace {
+
+TEST(OpenFileFilters, ShowImagesAndMastersFirstThenAllContainers)
+{
+    EXPECT_EQ(OpenFileDialog::doubleUpper({".cbf", ".h5"}),
+              QStringList({".cbf", ".CBF", ".h5", ".H5"}));
+    EXPECT_EQ(OpenFileDialog::filter("Name", {".a", ".b"}), "Name(*.a *.b )");
+    const QStringList filters = OpenFileDialog::imageFilters();
+    ASSERT_EQ(filters.size(), 2);
+    EXPECT_EQ(filters[0], "Morvend images(*.cbf *.CBF *.tif *.TIF *.tiff *.TIFF *.edf *.EDF "
+                          "*_master.h5 *_master.H5 *_master.hdf5 *_master.HDF5 )");
+    EXPECT_EQ(filters[1], "Image files(*.cbf *.CBF *.tif *.TIF *.tiff *.TIFF *.edf *.EDF "
+                          "*.h5 *.H5 *.hdf5 *.HDF5 )");
+}
+
+TEST(OpenDirectoryTest, IsTheRememberedFolderAsLongAsItExists)
+{
+    const tarvik::tests::TempFolder folder;
+    const QString path = QString::fromStdString(folder.path());
+    const QString file = QString::fromStdString(folder.write("x_00001.cbf", "x"));
+    QSettings().remove("ImageDirectory");
+    EXPECT_EQ(OpenDirectory::get(), QDir::currentPath());
+
+    OpenDirectory::set(file);
+    EXPECT_EQ(QSettings().value("ImageDirectory").toString(), path);
+    EXPECT_EQ(OpenDirectory::get(), path);
+    OpenDirectory::set(path + "/missing/x.cbf");
+    EXPECT_EQ(OpenDirectory::get(), path) << "what does not exist is ignored";
+
+    QSettings().setValue("ImageDirectory", file);
+    EXPECT_EQ(OpenDirectory::get(), path) << "a path that turned into a file gives its folder";
+    for (const QString& gone : {path + "/gone", QString()}) {
+        QSettings().setValue("ImageDirectory", gone);
+        EXPECT_EQ(OpenDirectory::get(), QDir::currentPath());
+    }
+}
+
+TEST(OpenFileDialogTest, StartsInTheOpenDirectoryAndRemembersWhereFilesWereChosen)
+{
+    const tarvik::tests::TempFolder folder;
+    const QString file = QString::fromStdString(folder.write("x_00001.cbf", "x"));
+    OpenDirectory::set(QDir::rootPath());
+    OpenFileDialog dialog(nullptr);
+    EXPECT_EQ(dialog.directory(), QDir::root());
+    EXPECT_EQ(dialog.fileMode(), QFileDialog::ExistingFiles);
+    EXPECT_TRUE(dialog.testOption(QFileDialog::ReadOnly));
+
+    QTimer::singleShot(0, &dialog, [&dialog, &file] {
+        dialog.setDirectory(QFileInfo(file).absolutePath());
+        dialog.selectFile(file);
+        QMetaObject::invokeMethod(&dialog, "accept");
+    });
+    EXPECT_EQ(dialog.choose(), QStringList(file));
+    EXPECT_EQ(OpenDirectory::get(), QFileInfo(file).absolutePath());
+
+    OpenFileDialog cancelled(nullptr);
+    QTimer::singleShot(0, &cancelled, [&cancelled] {
+        cancelled.setDirectory(QDir::root());
+        cancelled.reject();
+    });
+    EXPECT_TRUE(cancelled.choose().isEmpty());
+    EXPECT_EQ(OpenDirectory::get(), QFileInfo(file).absolutePath());
+}
+
+}  // namespace

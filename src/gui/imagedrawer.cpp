@@ -177,7 +177,8 @@ void ImageDrawer::initializeGL()
 
 void ImageDrawer::paintGL()
 {
-    if (!_initialized)
+    // The size is a passing one while windows are being laid out: no first viewport for it.
+    if (!_initialized || _resizing)
         return;
     _prepareScene();
     QPainter painter(this);
@@ -186,7 +187,9 @@ void ImageDrawer::paintGL()
 
 void ImageDrawer::resizeEvent(QResizeEvent* event)
 {
+    _resizing = true;
     QOpenGLWidget::resizeEvent(event);
+    _resizing = false;
     setViewportSlot(_viewportData);
 }
 

@@ -141,6 +141,7 @@ private:
 
     TarvikService* _service;
     bool _initialized = false;
+    bool _resizing = false;
     render::DisplayImage _image;
     render::CpuColouring _cpuColouring;
     ViewportData _viewportData;

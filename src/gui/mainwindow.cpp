@@ -230,6 +230,6 @@ void MainWindow::_createLayout()
     areaLayout->setContentsMargins(0, 0, 0, 0);
     areaLayout->addWidget(_splitter);
     _splitter->addWidget(_mdiArea);
-    rows->addWidget(area);
+    rows->addWidget(area, 1);
     setCentralWidget(central);
 }

@@ -115,18 +115,31 @@ void MdiArea::_rearrange()
 
     auto frame = _subWindows.cbegin();
     for (int column = 0; column < columns; ++column) {
-        const int rows = heights[static_cast<std::size_t>(column)];
-        for (int row = 0; row < rows; ++row) {
+        for (int row = 0; row < heights[static_cast<std::size_t>(column)]; ++row) {
             _column(column)->addWidget(*frame);
             (*frame++)->show();
         }
-        _column(column)->setSizes(QList<int>(rows, std::max(height() / rows, 1)));
     }
-    _mainSplitter->setSizes(QList<int>(columns, std::max(width() / columns, 1)));
+    _shareOut(heights);
     if (focus && _activeSubWindow && _activeSubWindow->isAncestorOf(focus))
         focus->setFocus(Qt::OtherFocusReason);
     else if (focus && _activeSubWindow == focus)
         _activeSubWindow->setFocus(Qt::OtherFocusReason);
+}
+
+void MdiArea::_shareOut(const std::vector<int>& heights)
+{
+    // Sizes must count at once: an image that arrives before the event loop has laid out its view
+    // would be centred in a view without extent.
+    layout()->invalidate();
+    layout()->activate();
+    _mainSplitter->setGeometry(contentsRect());
+    const int columns = static_cast<int>(heights.size());
+    _mainSplitter->setSizes(QList<int>(columns, std::max(width() / columns, 1)));
+    for (int column = 0; column < columns; ++column) {
+        const int rows = heights[static_cast<std::size_t>(column)];
+        _column(column)->setSizes(QList<int>(rows, std::max(height() / rows, 1)));
+    }
 }
 
 void MdiArea::paintEvent(QPaintEvent*)

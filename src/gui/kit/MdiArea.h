@@ -51,6 +51,7 @@ private slots:
 
 private:
     void _rearrange();
+    void _shareOut(const std::vector<int>& heights);
     MdiSplitter* _column(int index) const;
 
     QList<AbstractSubWindow*> _subWindows;

@@ -64,7 +64,7 @@ TitleBar::TitleBar(QWidget* parent)
     layout->addWidget(_titleLabel);
     layout->addSpacing(10);
     layout->addWidget(_exitButton);
-    _setStyleSheet(_nonActiveColor, Qt::black);
+    _setStyleSheet(_nonActiveColor);
 }
 
 void TitleBar::setActiveColor(unsigned char red, unsigned char green, unsigned char blue)
@@ -80,7 +80,7 @@ void TitleBar::setNonActiveColor(unsigned char red, unsigned char green, unsigne
 void TitleBar::setActivated(bool activated)
 {
     _activated = activated;
-    _setStyleSheet(_activated ? _activeColor : _nonActiveColor, Qt::black);
+    _setStyleSheet(_activated ? _activeColor : _nonActiveColor);
 }
 
 void TitleBar::setTitle(const QString& title) { _titleLabel->setFullText(title); }
@@ -110,12 +110,8 @@ void TitleBar::actionEvent(QActionEvent* event)
     _titleActions.append(event->action());
 }
 
-void TitleBar::_setStyleSheet(const QColor& background, const QColor& text)
+void TitleBar::_setStyleSheet(const QColor& background)
 {
-    QPalette colors = palette();
-    for (const auto role : {QPalette::WindowText, QPalette::ButtonText, QPalette::Text})
-        colors.setColor(role, text);
-    setPalette(colors);
     setStyleSheet(
         QString::fromLatin1(backgroundStyle).arg(lighter(background).name(), background.name()) +
         QString::fromLatin1(itemStyle).arg(GLOBALSTYLE::fontFamily).arg(12).arg(background.name()));

@@ -51,7 +51,7 @@ protected:
     void actionEvent(QActionEvent* event) override;
 
 private:
-    void _setStyleSheet(const QColor& background, const QColor& text);
+    void _setStyleSheet(const QColor& background);
 
     TitleLabel* _titleLabel;
     QPushButton* _exitButton;

@@ -21,6 +21,7 @@
 #include <QDropEvent>
 #include <QFileDialog>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMimeData>
 #include <QPointer>
 #include <QPushButton>
@@ -341,8 +342,9 @@ TEST_F(MainWindowTest, TheOpenDialogReplacesTheActiveViewsImageByTheFirstFile)
         QTimer::singleShot(50, _window.get(), [this, number] {
             auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
             ASSERT_TRUE(dialog);
-            dialog->selectFile(file(number));
-            QMetaObject::invokeMethod(dialog, "accept");
+            auto* name = dialog->findChild<QLineEdit*>("fileNameEdit");
+            name->setText(file(number));
+            QTest::keyClick(name, Qt::Key_Return);
         });
         action("Open")->trigger();
     };

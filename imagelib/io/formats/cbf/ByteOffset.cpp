@@ -108,6 +108,7 @@ HWY_INLINE std::uint64_t EscapeBits(const std::uint8_t* in)
     const hn::CappedTag<std::uint8_t, Step> d;
     constexpr std::size_t count = hn::MaxLanes(d);
     std::uint64_t bits = 0;
+#pragma GCC unroll 4
     for (std::size_t i = 0; i < Step; i += count) {
         alignas(8) std::uint8_t piece[8] = {};
         hn::StoreMaskBits(d, hn::Eq(hn::LoadU(d, in + i), hn::Set(d, Escape)), piece);
@@ -154,17 +155,20 @@ TARVIK_DOT_INLINE SumVector PrefixOfBytes(const std::uint8_t* in)
     const auto ones = [](std::size_t k) { return &lanes::OnesUpTo<SumLanes>[k]; };
 #if HWY_TARGET == HWY_AVX3_DL
     __m512i sums = _mm512_setzero_si512();
+#pragma GCC unroll 4
     for (std::size_t k = 0; k < fours; ++k)
         sums = _mm512_dpbusd_epi32(sums, _mm512_load_si512(ones(k)), _mm512_set1_epi32(four(k)));
     return SumVector{sums};
 #elif HWY_TARGET == HWY_AVX3
     __m512i pairs = _mm512_setzero_si512();
+#pragma GCC unroll 4
     for (std::size_t k = 0; k < fours; ++k)
         pairs = _mm512_add_epi16(
             pairs, _mm512_maddubs_epi16(_mm512_load_si512(ones(k)), _mm512_set1_epi32(four(k))));
     return SumVector{_mm512_madd_epi16(pairs, _mm512_set1_epi16(1))};
 #elif HWY_TARGET == HWY_AVX2
     __m256i pairs = _mm256_setzero_si256();
+#pragma GCC unroll 4
     for (std::size_t k = 0; k < fours; ++k)
         pairs = _mm256_add_epi16(
             pairs,
@@ -187,6 +191,7 @@ TARVIK_DOT_INLINE SumVector PrefixOfBytes(const std::uint8_t* in)
 template <class T>
 TARVIK_DOT_INLINE SumVector UnpackNarrow(const std::uint8_t* in, T* out, SumVector base)
 {
+#pragma GCC unroll 8
     for (std::size_t i = 0; i < Step; i += SumLanes) {
         const SumVector sums = PrefixOfBytes(in + i);
         StoreSums(hn::Add(base, sums), out + i);
@@ -252,6 +257,7 @@ HWY_INLINE SumVector UnpackMixed(const std::uint8_t* in, T*& out, std::uint64_t 
     const std::uint64_t pixels = ~(escapes << 1 | escapes << 2) & below;
     const std::uint64_t counts = BitsUpToByte(pixels);
     T* to = out;
+#pragma GCC unroll 8
     for (std::size_t i = 0; i < Step; i += SumLanes) {
         // A lane holds the difference that its byte begins, and 0 where it begins none.
         const auto isPixel = MaskOf(pixels >> i);

@@ -92,6 +92,7 @@ TEST_F(Loader, FinishesARecord)
     EXPECT_EQ(record.thumbnailMask.height(), 66);
     EXPECT_TRUE(record.thumbnail.optionalData().pixel_mask());
     EXPECT_EQ(record.statistics->mean, 7);
+    EXPECT_EQ(record.statistics->histogram.value(7), 30'000U);
     EXPECT_EQ(record.viewportData, ViewportData(1, 2, 3, 4, 5));
     std::list<ImageLoader::Data> rest;
     loader.results(rest);
@@ -108,6 +109,7 @@ TEST_F(Loader, PrintsATimingLineForEachStep)
                 testing::MatchesRegex("TIME COMPUTING MASK: [0-9]+\n"
                                       "               SUBTOTAL TIME LOADING: [0-9]+\n"
                                       "TIME FOR COMPUTING STATISTICS: [0-9]+\n"
+                                      "TIME FOR COMPUTING HISTOGRAM: [0-9]+\n"
                                       "TIME FOR COMPUTING CONTRAST: [0-9]+\n"
                                       "               SUBTOTAL TIME LOADING: [0-9]+\n"
                                       "TIME FOR ADDITIONAL COMPUTATION: [0-9]+\n"

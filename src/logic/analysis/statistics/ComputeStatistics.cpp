@@ -79,17 +79,15 @@ void ComputeStatistics::operator()(const MImage& image, const MImage& mask) cons
             minimum = value;
     }
     const double mean = sum / good;
-    *_target = {.minimum = static_cast<double>(minimum),
-                .maximum = static_cast<double>(maximum),
-                .mean = mean,
-                .sigma = std::sqrt(std::abs(squares / good - mean * mean)),
-                .foreground = 0,
-                .background = 0,
-                .zeros = zeros,
-                .defective = defective,
-                .saturated = saturated,
-                .sum = sum,
-                .hasNegatives = -2.0 > static_cast<double>(minimum)};
+    _target->minimum = static_cast<double>(minimum);
+    _target->maximum = static_cast<double>(maximum);
+    _target->mean = mean;
+    _target->sigma = std::sqrt(std::abs(squares / good - mean * mean));
+    _target->zeros = zeros;
+    _target->defective = defective;
+    _target->saturated = saturated;
+    _target->sum = sum;
+    _target->hasNegatives = -2.0 > _target->minimum;
 }
 
 void ComputeStatistics::computeNumbers(const MImage& image, const MImage& mask) const
@@ -105,6 +103,9 @@ void ComputeStatistics::compute(const MImage& image, const MImage& mask) const
     clock.start();
     computeNumbers(image, mask);
     console::printTime("TIME FOR COMPUTING STATISTICS: ", clock.elapsed());
+    clock.restart();
+    _target->histogram.compute(image, mask, _target->mean);
+    console::printTime("TIME FOR COMPUTING HISTOGRAM: ", clock.elapsed());
     clock.restart();
     setDefaultContrast(*_target, image, mask);
     console::printTime("TIME FOR COMPUTING CONTRAST: ", clock.elapsed());

@@ -27,7 +27,7 @@ public:
     /// @throws MNotImplementedException for an image or a mask of no pixel type
     void compute(const MImage& image, const MImage& mask) const;
 
-    /// The numbers alone, without contrast and printed lines.
+    /// The numbers alone, without histogram, contrast and printed lines.
     void computeNumbers(const MImage& image, const MImage& mask) const;
 
     /// The same for an image of pixels L and a mask of pixels R.

@@ -115,7 +115,7 @@ void HistogramCompute::operator()(const MImage& image, const MImage& mask) const
 
 void HistogramCompute::compute(const MImage& image, const MImage& mask) const
 {
-    if (image.width() != mask.width() || image.height() != mask.height())
+    if (image.size() != mask.size())
         throw morvend::MBadParameterException("The mask has another size than its image");
     morvend::datatypes::BinaryDispatcher<const HistogramCompute&, const MImage, const MImage,
                                          void>::Go(image, mask, *this);

@@ -4,8 +4,11 @@
 // Numbers over a whole image.
 #pragma once
 
+#include "logic/IntegratedHistogram.h"
+
 /// What is known of all the pixels of one image under its mask. Filled once by ComputeStatistics
-/// on a loader's thread, then shared read-only. A good pixel is one that the mask does not exclude.
+/// on a loader's thread, then shared read-only by pointer: the histogram makes it neither copied
+/// nor moved. A good pixel is one that the mask does not exclude.
 struct ImageStatistics {
     /// Smallest and largest good pixel; the first pixel of the image takes part in any case.
     double minimum = 0;
@@ -27,4 +30,6 @@ struct ImageStatistics {
     double sum = 0;
     /// Is the minimum below -2? The values -1 and -2 alone are marks, not data.
     bool hasNegatives = false;
+    /// How many good pixels lie at or below any value.
+    IntegratedHistogram histogram;
 };

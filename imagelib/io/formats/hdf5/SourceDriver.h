@@ -12,6 +12,7 @@ namespace morvend::imglib::hdf5 {
 /// - takes no locks, ever, and refuses what is no regular file instead of waiting for it;
 /// - keeps each opening apart: the library would otherwise share one cache between all openings of
 ///   a file in the process, which then show its state at the first of them;
+/// - reads plain chunks without the library's chunk cache, which trusts sizes in the file;
 /// - reports bytes that a shortened file no longer has as an error instead of as zeros.
 Properties sourceAccess();
 

@@ -80,7 +80,6 @@ void decodePlain(std::span<const std::byte> stored, std::size_t elementSize, std
     if (stored.size() != decoded.size())
         throw MRuntimeException("the chunk has " + std::to_string(stored.size()) + " instead of " +
                                 std::to_string(decoded.size()) + " bytes");
-    const Scratch scratch(std::min(blockBytes, decoded.size()));
     const UnshuffleBits unshuffle = bitUnshuffler();
     const std::size_t rest =
         overBlocks(decoded.size(), elementSize, blockBytes, [&](std::size_t at, std::size_t bytes) {

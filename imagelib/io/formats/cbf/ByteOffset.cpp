@@ -385,7 +385,8 @@ HWY_EXPORT(PackUnsigned32);
 using byteoffset::Cursor;
 
 template <class T>
-Unpacked unpackAs(std::span<const std::byte> packed, std::span<std::byte> pixels, bool vectors)
+UnpackedPixels unpackAs(std::span<const std::byte> packed, std::span<std::byte> pixels,
+                        bool vectors)
 {
     const auto* in = reinterpret_cast<const std::uint8_t*>(packed.data());
     auto* out = reinterpret_cast<T*>(pixels.data());
@@ -401,8 +402,8 @@ Unpacked unpackAs(std::span<const std::byte> packed, std::span<std::byte> pixels
     return {static_cast<std::size_t>(at.out - out), static_cast<std::size_t>(at.in - in)};
 }
 
-Unpacked unpackAny(std::span<const std::byte> packed, std::size_t pixelBytes,
-                   std::span<std::byte> pixels, bool vectors)
+UnpackedPixels unpackAny(std::span<const std::byte> packed, std::size_t pixelBytes,
+                         std::span<std::byte> pixels, bool vectors)
 {
     assert(pixels.size() % pixelBytes == 0);
     switch (pixelBytes) {
@@ -467,14 +468,14 @@ std::vector<std::byte> packAs(std::span<const std::byte> bytes)
 
 }  // namespace
 
-Unpacked unpackByteOffset(std::span<const std::byte> packed, std::size_t pixelBytes,
-                          std::span<std::byte> pixels)
+UnpackedPixels unpackByteOffset(std::span<const std::byte> packed, std::size_t pixelBytes,
+                                std::span<std::byte> pixels)
 {
     return unpackAny(packed, pixelBytes, pixels, true);
 }
 
-Unpacked unpackByteOffsetPlain(std::span<const std::byte> packed, std::size_t pixelBytes,
-                               std::span<std::byte> pixels)
+UnpackedPixels unpackByteOffsetPlain(std::span<const std::byte> packed, std::size_t pixelBytes,
+                                     std::span<std::byte> pixels)
 {
     return unpackAny(packed, pixelBytes, pixels, false);
 }

@@ -11,7 +11,7 @@
 namespace morvend::imglib {
 
 /// How much of a packed stream was unpacked.
-struct Unpacked {
+struct UnpackedPixels {
     std::size_t pixels = 0;  ///< fewer than asked for when the stream ends early
     std::size_t bytes = 0;   ///< read from the stream
 };
@@ -23,12 +23,12 @@ struct Unpacked {
 /// 4 and 0x80000000 there one of 8 bytes (x-CBF_BYTE_OFFSET of the imgCIF dictionary). Sums wrap
 /// around at the width of the pixel, so that one function serves signed and unsigned pixels.
 /// Never reads or writes outside the spans, whatever the stream holds. Thread: any.
-Unpacked unpackByteOffset(std::span<const std::byte> packed, std::size_t pixelBytes,
-                          std::span<std::byte> pixels);
+UnpackedPixels unpackByteOffset(std::span<const std::byte> packed, std::size_t pixelBytes,
+                                std::span<std::byte> pixels);
 
 /// The same in plain C++, one pixel at a time: the measure for tests.
-Unpacked unpackByteOffsetPlain(std::span<const std::byte> packed, std::size_t pixelBytes,
-                               std::span<std::byte> pixels);
+UnpackedPixels unpackByteOffsetPlain(std::span<const std::byte> packed, std::size_t pixelBytes,
+                                     std::span<std::byte> pixels);
 
 /// Packs pixels. Differences of 1- and 2-byte pixels are exact, those of wider ones wrap around at
 /// the width of the pixel, as other writers do it: readers that sum in 32 bits know no escape to 8

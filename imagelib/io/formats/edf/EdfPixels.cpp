@@ -12,7 +12,6 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
-#include <vector>
 
 namespace morvend::imglib::edf {
 
@@ -88,19 +87,21 @@ MImage readPacked(const Range& range, const EdfLayout& layout, std::size_t plane
         throw MRuntimeException("EDF: " + std::to_string(range.bytes) +
                                 " compressed bytes can't hold the " + std::to_string(needed) +
                                 " bytes of frame " + std::to_string(frame) + ": " + path);
-    std::vector<std::byte> packed(static_cast<std::size_t>(range.bytes));
-    packed.resize(range.file.readSome(range.begin, packed.data(), packed.size()));
+    const auto packed = image::PixelBuffer::allocate(static_cast<std::size_t>(range.bytes));
+    const std::size_t there = range.file.readSome(range.begin, packed->data(), packed->size());
 
     MImage image(layout.width, layout.height, layout.type, layout.typeBits);
     const std::span<std::byte> pixels(static_cast<std::byte*>(image.data()), image.dataSize());
     // The other images of a stack have to be unpacked with this one.
-    std::vector<std::byte> stack(layout.planes > 1 ? static_cast<std::size_t>(needed) : 0);
-    const std::span<std::byte> target = layout.planes > 1 ? std::span(stack) : pixels;
-    const std::size_t got = unpackInto(packed, layout.packing, target, path);
+    const image::PixelBufferPtr stack =
+        layout.planes > 1 ? image::PixelBuffer::allocate(static_cast<std::size_t>(needed))
+                          : nullptr;
+    const auto target = stack ? std::span(stack->data(), stack->size()) : pixels;
+    const std::size_t got = unpackInto({packed->cdata(), there}, layout.packing, target, path);
     if (got < target.size())
         endsEarly(frame, got, target.size(), path);
-    if (layout.planes > 1)
-        std::memcpy(pixels.data(), stack.data() + plane * pixels.size(), pixels.size());
+    if (stack)
+        std::memcpy(pixels.data(), stack->cdata() + plane * pixels.size(), pixels.size());
     if (layout.bigEndian != (std::endian::native == std::endian::big))
         swapByteOrder(pixels, layout.typeBits / 8);
     return image;

@@ -43,7 +43,7 @@ TEST_P(ByteOffset, UnpacksAndPacks)
 {
     const auto& row = GetParam();
     std::vector<std::int32_t> pixels(row.pixels.size());
-    const Unpacked unpacked = unpackByteOffset(row.packed, 4, bytesOf(pixels));
+    const UnpackedPixels unpacked = unpackByteOffset(row.packed, 4, bytesOf(pixels));
     EXPECT_EQ(unpacked.pixels, row.pixels.size());
     EXPECT_EQ(unpacked.bytes, row.packed.size());
     EXPECT_EQ(pixels, row.pixels);
@@ -57,7 +57,7 @@ TEST_P(ByteOffset, CutAnywhereGivesThePixelsBefore)
     for (std::size_t size = 0; size < row.packed.size(); ++size) {
         const std::vector<std::byte> cut(row.packed.begin(),
                                          row.packed.begin() + static_cast<std::ptrdiff_t>(size));
-        const Unpacked unpacked = unpackByteOffset(cut, 4, bytesOf(pixels));
+        const UnpackedPixels unpacked = unpackByteOffset(cut, 4, bytesOf(pixels));
         EXPECT_LT(unpacked.pixels, row.pixels.size());
         EXPECT_LE(unpacked.bytes, size);
         EXPECT_TRUE(std::equal(pixels.begin(),
@@ -93,7 +93,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(ByteOffsetStream, StopsAtTheLastPixelAndKeepsTheRest)
 {
     std::vector<std::int16_t> pixels(2);
-    const Unpacked unpacked = unpackByteOffset(bytes({1, 1, 1, 1}), 2, bytesOf(pixels));
+    const UnpackedPixels unpacked = unpackByteOffset(bytes({1, 1, 1, 1}), 2, bytesOf(pixels));
     EXPECT_EQ(unpacked.pixels, 2U);
     EXPECT_EQ(unpacked.bytes, 2U);
 }
@@ -169,7 +169,7 @@ TYPED_TEST(ByteOffsetOfType, RoundTripsWithEachInstructionSet)
                 ASSERT_EQ(unpackByteOffsetPlain(packed, sizeof(T), bytesOf(plain)).pixels, count);
                 ASSERT_EQ(plain, pixels);
                 std::vector<T> unpacked(count);
-                const Unpacked done = unpackByteOffset(packed, sizeof(T), bytesOf(unpacked));
+                const UnpackedPixels done = unpackByteOffset(packed, sizeof(T), bytesOf(unpacked));
                 ASSERT_EQ(done.pixels, count);
                 ASSERT_EQ(done.bytes, packed.size());
                 ASSERT_EQ(unpacked, pixels) << kind << ' ' << count;
@@ -193,8 +193,8 @@ TYPED_TEST(ByteOffsetOfType, AnyBytesGiveWhatPlainCodeGives)
             }
             std::vector<T> plain(1500);
             std::vector<T> vectors(1500);
-            const Unpacked a = unpackByteOffsetPlain(packed, sizeof(T), bytesOf(plain));
-            const Unpacked b = unpackByteOffset(packed, sizeof(T), bytesOf(vectors));
+            const UnpackedPixels a = unpackByteOffsetPlain(packed, sizeof(T), bytesOf(plain));
+            const UnpackedPixels b = unpackByteOffset(packed, sizeof(T), bytesOf(vectors));
             ASSERT_EQ(a.pixels, b.pixels);
             ASSERT_EQ(a.bytes, b.bytes);
             ASSERT_TRUE(std::equal(plain.begin(),

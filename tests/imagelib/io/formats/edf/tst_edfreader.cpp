@@ -224,6 +224,14 @@ TEST(EdfFrames, OfAStackAreItsPlanes)
         "UINT16 1x2: 3 4");
 }
 
+TEST(EdfFrames, OfAStackBeyondAllMemoryAreAFailure)
+{
+    // A compressed block of this size could hold the terabyte that its header announces.
+    const std::string header = headerOf("Dim_1=512;Dim_2=1;Dim_3=1073741824;Compression=bzip2;");
+    EXPECT_THAT(failureOf(header + std::string(std::size_t(600) << 10, 'x')),
+                HasSubstr("Not enough memory"));
+}
+
 TEST(EdfFrames, AppearWhenAWriterAddsThem)
 {
     const TempFolder folder;

@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <filesystem>
 
 namespace morvend::imglib::hdf5 {
 
@@ -36,6 +37,25 @@ FrameShape shapeOf(hid_t dataset, const std::string& path, const std::string& fi
     return FrameShape(*extents);
 }
 
+/// The bytes of a data set may lie in other files. One that is a pipe would keep its reader
+/// waiting.
+void checkExternalFiles(hid_t creation, const std::string& path, const std::string& file)
+{
+    const int count = H5Pget_external_count(creation);
+    for (int i = 0; i < count; ++i) {
+        char name[4096] = {};
+        off_t offset = 0;
+        hsize_t size = 0;
+        if (H5Pget_external(creation, static_cast<unsigned>(i), sizeof name - 1, name, &offset,
+                            &size) < 0)
+            fail("the external files of " + path + " can't be read", file);
+        std::error_code none;
+        if (std::filesystem::exists(name, none) && !std::filesystem::is_regular_file(name, none))
+            throw MNoFileAccessException("HDF5: the pixels of " + path + " lie in " + name +
+                                         ", which is no regular file: " + file);
+    }
+}
+
 PixelFormat formatOf(hid_t dataset, const std::string& file)
 {
     const Datatype type(H5Dget_type(dataset), "a data type can't be read", file);
@@ -53,6 +73,7 @@ FrameSet::FrameSet(Found found)
     , _format(formatOf(_dataset.id(), _file->path()))
 {
     _shape.checkFrame(_path, _file->path());
+    checkExternalFiles(_creation.id(), _path, _file->path());
     const H5D_layout_t layout = H5Pget_layout(_creation.id());
     if (layout == H5D_CHUNKED)
         _chunks = ChunkReader::make(*this);

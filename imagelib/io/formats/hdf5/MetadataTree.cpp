@@ -123,7 +123,7 @@ private:
             if (kind == H5T_INTEGER || kind == H5T_FLOAT)
                 _visitArray(path, *shape);
         }
-        if (_isImage(path, shape.value_or(std::vector<hsize_t>())) || _isVirtual(dataset))
+        if (_isImage(path, shape.value_or(std::vector<hsize_t>())) || _liesElsewhere(dataset))
             return;
         std::size_t most = MostTreeElements;
         if (shape && shape->size() == 1 && shape->front() > most &&
@@ -146,11 +146,13 @@ private:
                (shape.size() == 2 && (blockNumber(name) != -2 || name.starts_with("pixel_mask")));
     }
 
-    /// The library follows virtual data sets that refer to each other until its stack is full.
-    static bool _isVirtual(hid_t dataset)
+    /// The library follows virtual data sets that refer to each other until its stack is full, and
+    /// waits for ever where the bytes of a data set lie in a pipe.
+    static bool _liesElsewhere(hid_t dataset)
     {
         const Properties creation(H5Dget_create_plist(dataset));
-        return H5Pget_layout(creation.id()) == H5D_VIRTUAL;
+        return H5Pget_layout(creation.id()) == H5D_VIRTUAL ||
+               H5Pget_external_count(creation.id()) > 0;
     }
 
     Hdf5Files& _files;

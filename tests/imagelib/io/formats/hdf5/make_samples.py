@@ -466,6 +466,13 @@ def damage():
                lambda frame: bitshuffle_lz4_chunk(frame)[:-200])
     create_raw("lying_bslz4.h5", pattern(2), [(BITSHUFFLE, (0, 3, 4, 0, 2))],
                lambda frame: struct.pack(">Q", 1 << 60) + bitshuffle_lz4_chunk(frame)[8:])
+    pipe = os.path.abspath("pipe")
+    os.mkfifo(pipe)
+    with h5py.File("pipe_pixels.h5", "w") as f:
+        f.create_dataset("data", shape=(2, 4, 4), dtype="u2", external=[(pipe, 0, 64)])
+    with h5py.File("pipe_value.h5", "w") as f:
+        f["entry/data/data"] = pattern(2)
+        f["entry"].create_dataset("value", shape=(4,), dtype="i4", external=[(pipe, 0, 16)])
     create_raw("long_plain.h5", pattern(2), [], lambda frame: frame.tobytes() + bytes(500_000))
 
 

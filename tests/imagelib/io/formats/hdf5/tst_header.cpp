@@ -366,6 +366,7 @@ TEST_F(Hdf5Damage, DamagedFilesSayWhatIsWrong)
         {"bad_chunk.h5", "frame 2 of /entry/data/data is damaged"},
         {"short_bslz4.h5", "is damaged"},
         {"lying_bslz4.h5", "is damaged"},
+        {"pipe_pixels.h5", "which is no regular file"},
     };
     for (const DamageCase& each : cases) {
         const std::string message = messageOf(
@@ -394,6 +395,11 @@ TEST_F(Hdf5Damage, ASmallFileMayAnnounceManyFrames)
 TEST_F(Hdf5Damage, ChunksLargerThanTheyShouldBeDoNoHarm)
 {
     EXPECT_EQ(differenceFrom<unsigned>(open("long_plain.h5")->frame(1), 1), "");
+}
+
+TEST_F(Hdf5Damage, AValueThatLiesInAPipeIsNotWaitedFor)
+{
+    EXPECT_EQ(differenceFrom<unsigned>(open("pipe_value.h5")->frame(1), 1), "");
 }
 
 TEST_F(Hdf5Damage, CutAnywhereAFileFailsWithAMessage)

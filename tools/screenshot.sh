@@ -3,10 +3,11 @@
 # SPDX-License-Identifier: MIT
 #
 # screenshot.sh OUT.png PROGRAM ARGS...: starts a program on a virtual screen of 1200 by 800 pixels,
-# waits until it has shown all the image files among its arguments (or, without any, until its
-# window is up), saves a picture of the screen, ends the program and prints the picture's name.
+# waits until it has shown all the image files among its arguments (or, without any, some seconds for
+# its window), saves a picture of the screen, ends the program and prints the picture's name. When
+# the images don't come within a minute the picture is taken all the same, and the exit code is 1.
 set -euo pipefail
-[ $# -ge 2 ] || { sed -n '5,7s/^# //p' "$0" >&2; exit 2; }
+[ $# -ge 2 ] || { sed -n '5,8s/^# //p' "$0" >&2; exit 2; }
 
 if [ -z "${TARVIK_ON_VIRTUAL_SCREEN:-}" ]; then
     export TARVIK_ON_VIRTUAL_SCREEN=1
@@ -30,19 +31,20 @@ ready() {
     if [ "$images" -gt 0 ]; then
         [ "$(grep -c 'TOTAL TIME LOADING IMAGE' "$work/out")" -ge "$images" ]
     else
-        grep -q 'OpenGL\|TARVIK' "$work/out" || [ "$tries" -ge 30 ]
+        [ "$tries" -ge 30 ]
     fi
 }
-fail() {
+complain() {
     echo "$1" >&2
     cat "$work/out" "$work/err" >&2
-    exit 1
+    failed=1
 }
+failed=0
 tries=0
 until ready; do
-    kill -0 "$program" 2>/dev/null || fail "The program ended before it showed anything."
+    kill -0 "$program" 2>/dev/null || { complain "The program ended before its images were shown."; exit 1; }
     tries=$((tries + 1))
-    [ "$tries" -lt 600 ] || fail "Nothing was shown within a minute."
+    [ "$tries" -lt 600 ] || { complain "Not all images were shown within a minute."; break; }
     sleep 0.1
 done
 # A last paint may still be under way: two equal pictures in a row tell that it is done.
@@ -58,3 +60,4 @@ done
 [ -e "$work/new.png" ] || mv "$work/old.png" "$work/new.png"
 cp "$work/new.png" "$out"
 echo "$out"
+exit "$failed"

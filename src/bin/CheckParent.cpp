@@ -20,9 +20,12 @@ CheckParent::~CheckParent()
 
 void CheckParent::run()
 {
-    // Quitting again and again is harmless, and needed when the event loop has not begun yet.
+    // A quit would first ask all windows, and one that must not be closed could refuse. Leaving
+    // again and again is harmless, and needed when the event loop has not begun yet.
     do {
         if (kill(_parentPid, 0) != 0)
-            QCoreApplication::quit();
+            QMetaObject::invokeMethod(
+                QCoreApplication::instance(), [] { QCoreApplication::exit(0); },
+                Qt::QueuedConnection);
     } while (!_stop.tryAcquire(1, 100));
 }

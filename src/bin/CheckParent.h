@@ -7,8 +7,8 @@
 #include <QSemaphore>
 #include <QThread>
 
-/// Polls for a process every 100 ms and quits the application when it is gone. Ends by itself only
-/// when it is destroyed.
+/// Polls for a process every 100 ms and ends the application's event loop when it is gone, whatever
+/// windows are open. Ends by itself only when it is destroyed.
 class CheckParent : public QThread {
     Q_OBJECT
 public:

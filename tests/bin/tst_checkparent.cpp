@@ -1,0 +1,48 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The application ends with its parent, whatever its windows say.
+#include "bin/CheckParent.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDialog>
+#include <QProcess>
+#include <QTimer>
+
+namespace {
+
+/// A window that must not be closed.
+class Stubborn : public QWidget {
+protected:
+    void closeEvent(QCloseEvent* event) override { event->ignore(); }
+};
+
+TEST(CheckParent, EndsTheApplicationWhenTheParentIsGone)
+{
+    QProcess parent;
+    parent.start("sleep", {"100"});
+    ASSERT_TRUE(parent.waitForStarted());
+    Stubborn window;
+    window.show();
+    // Both the loop and the one of a dialog inside it must end.
+    QTimer::singleShot(0, &window, [&window] { QDialog(&window).exec(); });
+    bool parentLives = true;
+    QTimer::singleShot(500, &window, [&] {
+        parentLives = false;
+        parent.kill();
+        parent.waitForFinished();
+    });
+    QTimer guard;
+    guard.callOnTimeout([] { QCoreApplication::exit(7); });
+    guard.start(10000);
+
+    CheckParent checkParent(static_cast<int>(parent.processId()));
+    checkParent.start();
+    EXPECT_EQ(QApplication::exec(), 0);
+    EXPECT_FALSE(parentLives) << "it ended while its parent was alive";
+}
+
+}  // namespace

@@ -19,6 +19,7 @@ shift
 work=$(mktemp -d)
 trap 'kill "${program:-}" 2>/dev/null || true; rm -rf "$work"' EXIT
 
+touch "$work/out" "$work/err"
 "$@" >"$work/out" 2>"$work/err" &
 program=$!
 

@@ -7,6 +7,9 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
+#include <limits>
+
 void TarvikService::TarvikServicePrivate::open(ImageLoader::Task task, ImageLoader::Data request,
                                                bool signalLoadError)
 {
@@ -51,7 +54,11 @@ void TarvikService::openImage(morvend::imglib::MImage image)
 void TarvikService::nextImage(int n, bool signalLoadError)
 {
     _d->_loadClock.restart();
-    _d->openIndex(_d->_imageIndex + n, signalLoadError);
+    // Held within what a number can be: beyond the series it fails as any other.
+    using Limits = std::numeric_limits<int>;
+    const long long index = static_cast<long long>(_d->_imageIndex) + n;
+    _d->openIndex(static_cast<int>(std::clamp<long long>(index, Limits::min(), Limits::max())),
+                  signalLoadError);
 }
 
 void TarvikService::openLast(bool signalLoadError)

@@ -269,6 +269,31 @@ TEST_F(MainWindowTest, AClosedViewGoesWithItsService)
     EXPECT_EQ(_window->activeSubWindow(), nullptr);
 }
 
+TEST_F(MainWindowTest, ViewsMayGoWhileTheyLoadOrTellAnError)
+{
+    for (int i = 0; i < 5; ++i) {
+        SubWindow* window = _window->newSubWindow();
+        window->loadFile(file(1));
+        window->goTo(2);
+        window->close();
+    }
+    settle();
+    EXPECT_TRUE(_window->subWindows().isEmpty());
+
+    const QPointer<SubWindow> failing = _window->newSubWindow();
+    _mayClose = [&failing] {
+        // From inside the dialog's own event loop.
+        if (failing)
+            failing->close();
+        return !failing;
+    };
+    failing->loadFile(QString::fromStdString(_folder / "missing.cbf"));
+    EXPECT_TRUE(waitFor([this] { return !_errors.isEmpty() && !errorDialog(); }));
+    SubWindow* next = _window->newSubWindow();
+    next->loadFile(file(3));
+    EXPECT_TRUE(waitForImage(next, 3)) << "the program lives on";
+}
+
 TEST_F(MainWindowTest, SettersOfAViewEndInItsRecords)
 {
     SubWindow* window = _window->newSubWindow();

@@ -5,6 +5,8 @@
 #include "tests/logic/service/ServiceTest.h"
 #include "tests/support/EdfFile.h"
 
+#include <limits>
+
 namespace {
 
 using namespace tarvik::tests;
@@ -103,6 +105,19 @@ TEST_F(Opening, StepsThroughImagesInMemory)
     view->openLast();
     arrive(view);
     EXPECT_EQ(view->imageIndex(), 2);
+}
+
+TEST_F(Opening, StepsBeyondAllNumbersFailAsThoseBeyondTheSeries)
+{
+    show(view, image(8, 4, 0));
+    show(view, image(8, 4, 1));
+    QSignalSpy errors(view, &TarvikService::imageLoadErrorSignal);
+    for (const int step : {1, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()}) {
+        errors.clear();
+        view->nextImage(step);
+        EXPECT_TRUE(errors.wait(5000)) << step;
+        EXPECT_EQ(view->imageIndex(), 1) << step;
+    }
 }
 
 TEST_F(Opening, EmptyImageIsAnError)

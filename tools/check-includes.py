@@ -31,6 +31,7 @@ ROOMS = {
     "src/logic/synchronizer": "records",
     "src/logic/analysis": "analysis",
     "src/logic/IntegratedHistogram": "analysis",
+    "src/logic/RoiComputer": "analysis",
     "src/logic/loading": "loading",
     "src/logic/ImageLoaderThread": "loading",
     "src/logic/preload": "preload",
@@ -66,7 +67,7 @@ ARROWS = {
     "guikit": ["support", "display"],
     "render": ["logic", "guikit"],
     "gui": ["render"],
-    "tool": ["io", "display"],
+    "tool": ["io", "display", "analysis"],
     "bin": ["gui"],
     "demo": ["io"],
 }

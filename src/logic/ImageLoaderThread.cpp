@@ -6,6 +6,7 @@
 
 #include "imagelib/image/MException.h"
 #include "imagelib/io/MImageSeries.h"
+#include "logic/RoiComputer.h"
 #include "logic/analysis/statistics/ComputeStatistics.h"
 #include "logic/loading/Thumbnail.h"
 #include "logic/support/Assert.h"
@@ -119,6 +120,11 @@ void ImageLoaderThread::_analyse()
     assert(_data.thumbnail.width() == _data.thumbnailMask.width());
     assert(_data.thumbnail.height() == _data.thumbnailMask.height());
     _data.thumbnail.optionalData().set_pixel_mask(_data.thumbnailMask);
+    RoiComputer region;
+    region.setImage(_data.image);
+    region.setMask(_data.mask);
+    region.setStatisticsData(_data.statisticsData);
+    _data.roiStatistics = region.computeOrWarn();
     console::printTime("TIME FOR ADDITIONAL COMPUTATION: ", _step.elapsed());
 }
 

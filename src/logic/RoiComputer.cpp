@@ -8,8 +8,10 @@
 #include "logic/analysis/roi/CentredCircleStatistics.h"
 #include "logic/analysis/roi/CircleStatistics.h"
 #include "logic/analysis/roi/LineStatistics.h"
+#include "logic/support/Console.h"
 
 #include <cmath>
+#include <string>
 
 using morvend::MBadParameterException;
 
@@ -59,4 +61,14 @@ RoiStatistics RoiComputer::compute() const
         break;
     }
     return result;
+}
+
+RoiStatistics RoiComputer::computeOrWarn() const
+{
+    try {
+        return compute();
+    } catch (const MBadParameterException& error) {
+        console::warn(std::string("WARNING: ") + error.what() + '\n');
+        return {};
+    }
 }

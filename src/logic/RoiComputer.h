@@ -25,6 +25,11 @@ public:
     /// MBadParameterException for a region beyond MostPixels or a mask of another size
     RoiStatistics compute() const;
 
+    /// The same for a view, where an image must not fail because of a region: one that compute()
+    /// refuses gives a default record and a warning on standard error.
+    /// @throws MNotImplementedException
+    RoiStatistics computeOrWarn() const;
+
 private:
     StatisticsData _selection;
     const morvend::imglib::MImage* _image = nullptr;

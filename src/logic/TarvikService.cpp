@@ -71,6 +71,17 @@ QString TarvikService::imageDescription() const
 
 QSharedPointer<const ImageStatistics> TarvikService::statistics() const { return _d->_statistics; }
 
+const RoiStatistics& TarvikService::roiStatistics() const { return _d->_roiStatistics; }
+
+ImagePeaks TarvikService::imagePeaks()
+{
+    if (_d->_imagePeaksDirty && imageLoaded()) {
+        _d->_imagePeaks.setImage(_d->_image, _d->_mask);
+        _d->_imagePeaksDirty = false;
+    }
+    return _d->_imagePeaks;
+}
+
 const TarvikService::Header& TarvikService::optionalData() const { return image().optionalData(); }
 
 const TarvikService::Header& TarvikService::globalHeader() const

@@ -6,6 +6,8 @@
 
 #include "imagelib/display/MDrawingList.h"
 #include "imagelib/image/MImage.h"
+#include "logic/analysis/peaks/ImagePeaks.h"
+#include "logic/analysis/roi/RoiStatistics.h"
 #include "logic/analysis/statistics/ImageStatistics.h"
 #include "logic/records/ContrastData.h"
 #include "logic/records/PeakData.h"
@@ -67,6 +69,12 @@ public:
     QString imageDescription() const;
     /// Null without image.
     QSharedPointer<const ImageStatistics> statistics() const;
+    /// Numbers and curves of the region in statisticsData(). A region that came from the group
+    /// counts from the next image or setStatisticsData() on.
+    const RoiStatistics& roiStatistics() const;
+    /// The strongest maxima of the image, empty without one. The first call after a new image
+    /// searches for them.
+    ImagePeaks imagePeaks();
     /// The header of the current image, edits included.
     const Header& optionalData() const;
     /// The edits that are laid over the header of each image of the series.
@@ -113,8 +121,8 @@ public slots:
     // there.
     void setContrastData(ContrastData data);
     void setViewportData(ViewportData data);
-    /// Without image the record is only stored. A centred circle that is active moves the beam
-    /// centre of the series.
+    /// Without image the record is only stored. With one the region is computed at once; a centred
+    /// circle that is active moves the beam centre of the series.
     void setStatisticsData(StatisticsData data);
     void setPeakData(PeakData data);
 

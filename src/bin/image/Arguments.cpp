@@ -4,9 +4,11 @@
 // Reads the command line. Pure: looks at no file.
 #include "bin/image/Arguments.h"
 
+#include "bin/image/NumberWord.h"
+#include "bin/image/RegionWord.h"
+
 #include <algorithm>
 #include <cctype>
-#include <charconv>
 #include <cmath>
 #include <string_view>
 
@@ -15,32 +17,6 @@ namespace tarvik::tool {
 namespace {
 
 using Command = Arguments::Command;
-
-template <class T>
-T toNumber(std::string_view text, const std::string& what)
-{
-    T value{};
-    const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc() || stop != text.data() + text.size())
-        throw UsageError(what + " is no number that fits: \"" + std::string(text) + '"');
-    return value;
-}
-
-int toCount(std::string_view text, const std::string& what)
-{
-    const int value = toNumber<int>(text, what);
-    if (value < 0)
-        throw UsageError(what + " is negative: " + std::string(text));
-    return value;
-}
-
-double toLevel(std::string_view text, const std::string& what)
-{
-    const auto value = toNumber<double>(text, what);
-    if (!std::isfinite(value))
-        throw UsageError(what + " is not finite: " + std::string(text));
-    return value;
-}
 
 std::pair<int, int> toPixel(std::string_view text)
 {
@@ -64,6 +40,14 @@ Scale toScale(std::string_view text)
     return {static_cast<int>(value), 1};
 }
 
+void setRegion(Arguments& arguments, StatisticsData::RoiType type, const std::string& option,
+               const std::string& text)
+{
+    if (arguments.region.defined)
+        throw UsageError("Only one region can be computed: " + option + ' ' + text);
+    arguments.region = regionOf(type, option, text);
+}
+
 /// One option: the command that has it, and what it does with its value.
 struct Option {
     std::string_view name;
@@ -78,15 +62,39 @@ const std::vector<Option>& options()
     using Text = const std::string&;
     static const std::vector<Option> all{
         {"--frame",
-         {Command::Info, Command::Convert, Command::Render},
+         {Command::Info, Command::Stats, Command::Peaks, Command::Roi, Command::Convert,
+          Command::Render},
          true,
          [](A& a, Text value) { a.frame = toCount(value, "--frame"); }},
-        {"--json", {Command::Info}, false, [](A& a, Text) { a.json = true; }},
+        {"--json",
+         {Command::Info, Command::Stats, Command::Peaks, Command::Roi},
+         false,
+         [](A& a, Text) { a.json = true; }},
         {"--raw-header", {Command::Info}, false, [](A& a, Text) { a.rawHeader = true; }},
         {"--pixel",
          {Command::Info},
          true,
          [](A& a, Text value) { a.pixels.push_back(toPixel(value)); }},
+        {"--count-at",
+         {Command::Stats},
+         true,
+         [](A& a, Text value) { a.countAt.push_back(toLevel(value, "--count-at")); }},
+        {"--line",
+         {Command::Roi},
+         true,
+         [](A& a, Text value) { setRegion(a, StatisticsData::Line, "--line", value); }},
+        {"--box",
+         {Command::Roi},
+         true,
+         [](A& a, Text value) { setRegion(a, StatisticsData::Box, "--box", value); }},
+        {"--circle",
+         {Command::Roi},
+         true,
+         [](A& a, Text value) { setRegion(a, StatisticsData::Circle, "--circle", value); }},
+        {"--powder",
+         {Command::Roi},
+         true,
+         [](A& a, Text value) { setRegion(a, StatisticsData::CentredCircle, "--powder", value); }},
         {"--all", {Command::Convert}, false, [](A& a, Text) { a.all = true; }},
         {"--table", {Command::Render}, true, [](A& a, Text value) { a.table = value; }},
         {"--background",
@@ -146,6 +154,12 @@ Command toCommand(const std::string& word)
 {
     if (word == "info")
         return Command::Info;
+    if (word == "stats")
+        return Command::Stats;
+    if (word == "peaks")
+        return Command::Peaks;
+    if (word == "roi")
+        return Command::Roi;
     if (word == "convert")
         return Command::Convert;
     if (word == "render")
@@ -174,6 +188,28 @@ Arguments::Format toFormat(const std::string& path, Command command)
     throw UsageError("convert writes .cbf, .tif, .tiff or .h5 files, not " + path);
 }
 
+void takeFiles(const std::vector<std::string>& words, const std::string& commandName,
+               Arguments& arguments)
+{
+    const bool converts =
+        arguments.command == Command::Convert || arguments.command == Command::Render;
+    const bool counts = arguments.command == Command::Peaks;
+    const std::size_t wanted = converts || counts ? 2 : 1;
+    if (words.size() != wanted)
+        throw UsageError(commandName + " needs " +
+                         (converts ? "two files"
+                          : counts ? "a number and a file"
+                                   : "one file") +
+                         ", not " + std::to_string(words.size()) + (counts ? " words" : ""));
+    if (counts)
+        arguments.count = toCount(words[0], "The number of peaks");
+    arguments.file = words[counts ? 1 : 0];
+    if (converts) {
+        arguments.output = words[1];
+        arguments.format = toFormat(arguments.output, arguments.command);
+    }
+}
+
 }  // namespace
 
 Arguments Arguments::parse(const std::vector<std::string>& words)
@@ -192,16 +228,9 @@ Arguments Arguments::parse(const std::vector<std::string>& words)
         return arguments;
     }
     arguments.command = toCommand(words[0]);
-    const std::vector<std::string> files = readOptions(words, arguments);
-    const std::size_t wanted = arguments.command == Command::Info ? 1 : 2;
-    if (files.size() != wanted)
-        throw UsageError(words[0] + " needs " + (wanted == 1 ? "one file" : "two files") +
-                         ", not " + std::to_string(files.size()));
-    arguments.file = files[0];
-    if (wanted == 2) {
-        arguments.output = files[1];
-        arguments.format = toFormat(arguments.output, arguments.command);
-    }
+    takeFiles(readOptions(words, arguments), words[0], arguments);
+    if (arguments.command == Command::Roi && !arguments.region.defined)
+        throw UsageError("roi needs --line, --box, --circle or --powder");
     if (arguments.all && arguments.frame)
         throw UsageError("--all and --frame exclude each other");
     return arguments;
@@ -210,6 +239,9 @@ Arguments Arguments::parse(const std::vector<std::string>& words)
 std::string Arguments::usage()
 {
     return R"(Usage: tarvik-image info [--json] [--frame N] [--raw-header] [--pixel X,Y]... FILE
+       tarvik-image stats [--json] [--frame N] [--count-at V]... FILE
+       tarvik-image peaks [--json] [--frame N] COUNT FILE
+       tarvik-image roi [--json] [--frame N] REGION FILE
        tarvik-image convert [--frame N | --all] FILE OUT.cbf|.tif|.tiff|.h5
        tarvik-image render [--frame N] [--table NAME] [--background B] [--foreground F]
                            [--scale K] FILE OUT.png
@@ -221,6 +253,15 @@ info      tells format, series, size, statistics and header of an image
   --json        as one JSON object
   --raw-header  with the header text of the file
   --pixel X,Y   with the value of a pixel; may be given several times
+stats     tells the numbers of the pixels that the mask does not exclude
+  --count-at V  with the number of pixels of value at most V; may be given several times
+peaks     lists the strongest local maxima, at most COUNT and 1000: x, y, value
+roi       tells numbers and curves of a region of interest, which is one of
+  --line X0,Y0,X1,Y1
+  --box X0,Y0,X1,Y1               the corner X1,Y1 lies outside
+  --circle X,Y,R,ANGLE            a spot with its background; a section at ANGLE degrees
+  --powder X,Y,INNER,OUTER        mean over the radius around a centre
+  --json        stats, peaks, roi: as one JSON object
 convert   writes an image in another format
   --all         all images of the series: numbered files, or the frames of one HDF5 series
 render    makes a PNG picture as the viewer shows it

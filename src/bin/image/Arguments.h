@@ -4,6 +4,8 @@
 // The command line of tarvik-image as a record.
 #pragma once
 
+#include "logic/records/StatisticsData.h"
+
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -27,7 +29,7 @@ struct Scale {
 };
 
 struct Arguments {
-    enum class Command { Help, Version, Info, Convert, Render };
+    enum class Command { Help, Version, Info, Stats, Peaks, Roi, Convert, Render };
     enum class Format { Cbf, Tiff, Hdf5, Png };
 
     Command command = Command::Help;
@@ -35,10 +37,13 @@ struct Arguments {
     std::string output;           // convert, render
     Format format = Format::Cbf;  // of the output, by its extension
     std::optional<int> frame;     // number in the series; the one that the file names when absent
+    bool json = false;            // info, stats, peaks, roi
     // info
-    bool json = false;
     bool rawHeader = false;
     std::vector<std::pair<int, int>> pixels;  // x, y
+    std::vector<double> countAt;              // stats: values up to which pixels are counted
+    int count = 0;                            // peaks
+    StatisticsData region;                    // roi
     // convert
     bool all = false;
     // render

@@ -5,8 +5,7 @@
 #include "bin/image/Info.h"
 
 #include "bin/image/ImageSummary.h"
-
-#include <nlohmann/json.hpp>
+#include "bin/image/JsonText.h"
 
 #include <iomanip>
 #include <map>
@@ -20,25 +19,6 @@ using morvend::imglib::MImage;
 
 namespace {
 
-/// Text in quotes; what is no UTF-8 becomes the replacement character.
-std::string quoted(const std::string& text)
-{
-    return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
-}
-
-/// A JSON object from ready texts: nlohmann::json holds no integers of more than 64 bits.
-class JsonObject {
-public:
-    void add(const std::string& name, const std::string& json)
-    {
-        _text += (_text.empty() ? "" : ", ") + quoted(name) + ": " + json;
-    }
-    std::string text() const { return '{' + _text + '}'; }
-
-private:
-    std::string _text;
-};
-
 /// Text for a terminal: control characters of a file must not reach it.
 std::string printable(std::string text)
 {
@@ -48,9 +28,6 @@ std::string printable(std::string text)
     return text;
 }
 
-std::string jsonOf(const std::string& value) { return quoted(value); }
-std::string jsonOf(float value) { return ImageNumber(value).json(); }
-std::string jsonOf(int value) { return ImageNumber(value).json(); }
 std::string textOf(const std::string& value) { return printable(value); }
 std::string textOf(float value) { return ImageNumber(value).text(); }
 std::string textOf(int value) { return ImageNumber(value).text(); }

@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// tarvik-image: tells about, converts and renders detector images without a window.
+// tarvik-image: tells about, analyses, converts and renders detector images without a window.
+#include "bin/image/Analysis.h"
 #include "bin/image/Arguments.h"
 #include "bin/image/Convert.h"
 #include "bin/image/Info.h"
@@ -46,6 +47,11 @@ void run(const Arguments& arguments)
             info.writeText(std::cout);
         break;
     }
+    case Arguments::Command::Stats:
+    case Arguments::Command::Peaks:
+    case Arguments::Command::Roi:
+        tarvik::tool::Analysis(arguments).write(std::cout);
+        break;
     case Arguments::Command::Convert:
         tarvik::tool::Convert(arguments).run();
         break;

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "imagelib/image/MImage.h"
+#include "logic/analysis/roi/RoiStatistics.h"
 #include "logic/analysis/statistics/ImageStatistics.h"
 #include "logic/records/ContrastData.h"
 #include "logic/records/PeakData.h"
@@ -32,6 +33,8 @@ struct LoaderData {
     morvend::imglib::MImage thumbnailMask;
     /// Made anew by every job.
     QSharedPointer<ImageStatistics> statistics;
+    /// Of the region in statisticsData.
+    RoiStatistics roiStatistics;
     // Copied in by the caller and carried through unchanged.
     ContrastData contrastData;
     ViewportData viewportData;

@@ -20,11 +20,16 @@ void TarvikService::TarvikServicePrivate::newImage()
     _thumbnail = load.thumbnail;
     _thumbnailMask = load.thumbnailMask;
     _statistics = load.statistics;
+    _roiStatistics = load.roiStatistics;
+    _imagePeaksDirty = true;
 
     const bool sameGroup = oldId == service.syncID();
     _headerEdits.newImage(_image, _imageIndex, sameGroup);
     if (!sameGroup)
         changeGroups(load);
+    // The loader computed the region that was there when the image was asked for.
+    if (_statisticsRecord.value() != load.statisticsData)
+        computeRegion();
 
     emit service.newImageSignal();
     emit service.newStatisticsSignal(_statisticsRecord.value());

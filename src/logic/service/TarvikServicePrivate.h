@@ -28,6 +28,8 @@ public:
     /// the load is taken over from the group.
     void changeGroups(const ImageLoader::Data& request);
 
+    /// Computes the view's region anew.
+    void computeRegion();
     void setStatisticsData(const StatisticsData& data);
     /// An active centred circle and the beam centre of the header follow one another.
     void applyPowderCentreToBeamCentre();
@@ -52,6 +54,9 @@ public:
     int _imageIndex = -1;
     std::unique_ptr<QFileSystemWatcher> _watcher;
     QSharedPointer<ImageStatistics> _statistics;
+    RoiStatistics _roiStatistics;
+    ImagePeaks _imagePeaks;
+    bool _imagePeaksDirty = true;  // must be searched for before they are read
     std::string _imagePath;
     QString _additionalSyncID;
     const MColorTable* _defaultColorTable = nullptr;

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Setting records and spreading them through the group.
+#include "logic/RoiComputer.h"
 #include "logic/service/Geometry.h"
 #include "logic/service/TarvikServicePrivate.h"
 
@@ -31,12 +32,22 @@ void TarvikService::setPeakData(PeakData data)
 
 void TarvikService::setStatisticsData(StatisticsData data) { _d->setStatisticsData(data); }
 
+void TarvikService::TarvikServicePrivate::computeRegion()
+{
+    RoiComputer region;
+    region.setImage(_image);
+    region.setMask(_mask);
+    region.setStatisticsData(_statisticsRecord.value());
+    _roiStatistics = region.computeOrWarn();
+}
+
 void TarvikService::TarvikServicePrivate::setStatisticsData(const StatisticsData& data)
 {
     _statisticsRecord.store(data);
     if (_image.empty())
         return;
     applyPowderCentreToBeamCentre();
+    computeRegion();
     emit service.newStatisticsSignal(_statisticsRecord.value());
     _statisticsRecord.spreadValue();
 }

@@ -4,12 +4,15 @@
 // Writing whole lines to standard output and standard error.
 #include "logic/support/Console.h"
 
+#include <atomic>
 #include <cstdio>
 #include <string>
 
 namespace console {
 
 namespace {
+
+std::atomic<bool> muted = false;
 
 void write(std::FILE* stream, std::string_view text)
 {
@@ -19,7 +22,13 @@ void write(std::FILE* stream, std::string_view text)
 
 }  // namespace
 
-void print(std::string_view text) { write(stdout, text); }
+void print(std::string_view text)
+{
+    if (!muted)
+        write(stdout, text);
+}
+
+void muteInformation() { muted = true; }
 
 void printTime(std::string_view label, long long milliseconds)
 {

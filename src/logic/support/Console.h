@@ -14,6 +14,10 @@ namespace console {
 /// Timing and information lines, on standard output.
 void print(std::string_view text);
 
+/// Timing and information lines are dropped from now on: for programs whose standard output is
+/// data.
+void muteInformation();
+
 /// A timing line on standard output: the label, the milliseconds and a newline.
 void printTime(std::string_view label, long long milliseconds);
 

@@ -7,6 +7,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 using tarvik::tool::Arguments;
 using tarvik::tool::Scale;
 using tarvik::tool::UsageError;
@@ -55,6 +57,32 @@ TEST(ToolArguments, TheEndingOfTheOutputChoosesTheFormat)
         {"o.x.tiff", Format::Tiff}, {"o.h5", Format::Hdf5}, {"o.hdf5", Format::Hdf5}};
     for (const auto& [output, format] : table)
         EXPECT_EQ(Arguments::parse({"convert", "x", output}).format, format) << output;
+}
+
+TEST(ToolArguments, RegionsAreReadByTheirKind)
+{
+    const Arguments line = Arguments::parse({"roi", "--line", "-1,2,3,4", "x"});
+    EXPECT_EQ(line.region.roiType, StatisticsData::Line);
+    EXPECT_EQ(line.region.beginX, -1);
+    EXPECT_EQ(line.region.endY, 4);
+    const Arguments circle = Arguments::parse({"roi", "--json", "--circle=5,6,7,90", "x"});
+    EXPECT_EQ(circle.region.roiType, StatisticsData::Circle);
+    EXPECT_EQ(circle.region.radius, 7);
+    EXPECT_DOUBLE_EQ(circle.region.theta, std::acos(0.0));
+    const Arguments powder = Arguments::parse({"roi", "--powder", "1.5,-2e1,3,40", "x"});
+    EXPECT_TRUE(powder.region.centredCircleDefined());
+    EXPECT_EQ(powder.region.powderY, -20);
+    EXPECT_EQ(powder.region.outerRadius, 40);
+}
+
+TEST(ToolArguments, PeaksTakeANumberAndAFile)
+{
+    const Arguments arguments = Arguments::parse({"peaks", "12", "--json", "x.cbf"});
+    EXPECT_EQ(arguments.command, Command::Peaks);
+    EXPECT_EQ(arguments.count, 12);
+    EXPECT_EQ(arguments.file, "x.cbf");
+    EXPECT_EQ(Arguments::parse({"stats", "--count-at", "-1", "--count-at=2.5", "x"}).countAt,
+              (std::vector<double>{-1, 2.5}));
 }
 
 TEST(ToolArguments, HelpAndVersion)
@@ -110,6 +138,16 @@ INSTANTIATE_TEST_SUITE_P(
         WrongCase{"ScaleThird", {"render", "a", "b.png", "--scale", "0.3"}, "--scale"},
         WrongCase{"ScaleHalfMore", {"render", "a", "b.png", "--scale", "1.5"}, "--scale"},
         WrongCase{"ScaleHuge", {"render", "a", "b.png", "--scale", "1e9"}, "--scale"},
+        WrongCase{"PeaksWithoutCount", {"peaks", "a"}, "a number and a file"},
+        WrongCase{"RegionMissing", {"roi", "a"}, "needs --line"},
+        WrongCase{"RegionTwice",
+                  {"roi", "a", "--box", "0,0,1,1", "--line", "0,0,1,1"},
+                  "Only one region"},
+        WrongCase{"RegionTooShort", {"roi", "a", "--box", "0,0,1"}, "four numbers"},
+        WrongCase{"RegionTooLong", {"roi", "a", "--box", "0,0,1,1,1"}, "four numbers"},
+        WrongCase{"RadiusNegative", {"roi", "a", "--circle", "0,0,-1,1"}, "negative"},
+        WrongCase{"CentreNotFinite", {"roi", "a", "--powder", "nan,0,1,1"}, "finite"},
+        WrongCase{"CountAtNoNumber", {"stats", "a", "--count-at", "1,5"}, "--count-at"},
         WrongCase{"AllAndFrame",
                   {"convert", "a", "b.cbf", "--all", "--frame", "1"},
                   "exclude each other"},

@@ -99,6 +99,30 @@ TEST_F(Loader, FinishesARecord)
     EXPECT_TRUE(rest.empty()) << "records are handed over once";
 }
 
+TEST_F(Loader, ComputesTheRegionOfTheRequest)
+{
+    ImageLoader::Data request;
+    request.image = MImage(300, 100, 7);
+    request.statisticsData.defined = true;
+    request.statisticsData.roiType = StatisticsData::Box;
+    request.statisticsData.beginX = 298;
+    request.statisticsData.endX = 302;
+    request.statisticsData.endY = 5;
+    loader.open(ImageLoader::TaskPushImage, request, true);
+    const auto inside = finish(1);
+    ASSERT_EQ(inside.size(), 1U);
+    EXPECT_EQ(inside.front().roiStatistics.integral, 2 * 5 * 7);
+    EXPECT_EQ(inside.front().roiStatistics.area, 4 * 5);
+
+    request.statisticsData.endX = 2'000'000'000;
+    testing::internal::CaptureStderr();
+    loader.open(ImageLoader::TaskPushImage, request, true);
+    const auto tooLarge = finish(1);
+    ASSERT_EQ(tooLarge.size(), 1U) << "an image doesn't fail because of a region";
+    EXPECT_EQ(tooLarge.front().roiStatistics.area, 0);
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("too large: 2000000000"));
+}
+
 TEST_F(Loader, PrintsATimingLineForEachStep)
 {
     testing::internal::CaptureStdout();

@@ -8,6 +8,7 @@
 #include "logic/analysis/roi/CoveredArea.h"
 #include "logic/analysis/roi/LineProfile.h"
 
+#include <algorithm>
 #include <cmath>
 
 using morvend::imglib::MImage;
@@ -137,10 +138,13 @@ RoiStatistics ComputeCircleStatistics::operator()(const MImage& image, const MIm
     const PixelReader<L, R> reader(image, mask);
     const int outer = static_cast<int>(std::ceil(1.2 * radius));
     CircleSums sums;
-    for (int x = cx - outer; x <= cx + outer; ++x) {
+    // Pixels outside the image are excluded: a circle far wider than the image costs no more.
+    const int right = std::min(cx + outer, image.width() - 1);
+    for (int x = std::max(cx - outer, 0); x <= right; ++x) {
         const double d = (x < cx ? x - cx + 1 : x - cx) - 0.5;
         const int top = static_cast<int>(std::sqrt(double(outer) * outer - d * d) + cy + 0.5);
-        for (int y = top; y >= 2 * cy - top; --y) {
+        const int bottom = std::max(2 * cy - top, 0);
+        for (int y = std::min(top, image.height() - 1); y >= bottom; --y) {
             if (!reader.good(x, y))
                 continue;
             const auto value = static_cast<double>(reader.value(x, y));

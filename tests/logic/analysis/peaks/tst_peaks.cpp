@@ -5,7 +5,7 @@
 #include "logic/analysis/peaks/ComputePeaks.h"
 #include "logic/analysis/peaks/ImagePeaks.h"
 #include "logic/analysis/peaks/MersenneTwister.h"
-#include "logic/analysis/statistics/MaskRule.h"
+#include "tests/logic/analysis/peaks/PlainPeaks.h"
 
 #include <gtest/gtest.h>
 
@@ -13,35 +13,9 @@
 #include <random>
 
 using morvend::imglib::MImage;
+using reference::plainPeaks;
 
 namespace {
-
-/// The definition, pixel by pixel.
-template <class L, class R>
-std::vector<ImagePeaks::Pixel> plainPeaks(const MImage& image, const MImage& mask)
-{
-    const L* p = image.pixels<L>();
-    const R* m = mask.pixels<R>();
-    const long n = long(image.size()), w = image.width();
-    std::multiset<ImagePeaks::Pixel, ComputePeaks::Less> set;
-    for (long i = 0; i < n; ++i) {
-        if (!maskrule::good(m[i]))
-            continue;
-        if (set.size() >= 1000 && !(double(p[i]) > set.begin()->value))
-            continue;
-        bool candidate = true;
-        for (const long k : {i - w - 1, i - w, i - w + 1, i - 1})
-            candidate = candidate && !(k >= 0 && p[k] >= p[i]);
-        for (const long k : {i + 1, i + w - 1, i + w, i + w + 1})
-            candidate = candidate && !(k < n && p[k] > p[i]);
-        if (!candidate)
-            continue;
-        set.insert({int(i % w), int(i / w), double(p[i])});
-        if (set.size() > 1000)
-            set.erase(set.begin());
-    }
-    return {set.rbegin(), set.rend()};
-}
 
 void expectSame(const ImagePeaks& peaks, const std::vector<ImagePeaks::Pixel>& expected)
 {

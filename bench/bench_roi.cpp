@@ -1,0 +1,127 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Regions of interest: the powder plot against plain loops, the others in pixels of the region per
+// second.
+#include "bench/AnalysisFrame.h"
+#include "bench/Peer.h"
+#include "logic/RoiComputer.h"
+#include "tests/logic/analysis/roi/ReferenceRoi.h"
+
+#include <benchmark/benchmark.h>
+
+#include <numbers>
+
+namespace {
+
+using morvend::imglib::MImage;
+using tarvik::bench::AnalysisFrame;
+using tarvik::bench::Stopwatch;
+
+StatisticsData region(StatisticsData::RoiType type)
+{
+    StatisticsData data;
+    data.defined = true;
+    data.roiType = type;
+    return data;
+}
+
+StatisticsData ring(double x, double y)
+{
+    StatisticsData data = region(StatisticsData::CentredCircle);
+    data.powderX = x;
+    data.powderY = y;
+    data.outerRadius = 1000;
+    return data;
+}
+
+RoiStatistics compute(const AnalysisFrame& frame, const StatisticsData& data)
+{
+    RoiComputer computer;
+    computer.setImage(frame.image);
+    computer.setMask(frame.mask);
+    computer.setStatisticsData(data);
+    return computer.compute();
+}
+
+double plainSeconds(const AnalysisFrame& frame, const StatisticsData& data)
+{
+    double least = 1e9;
+    for (int i = 0; i < 3; ++i) {
+        const auto start = std::chrono::steady_clock::now();
+        benchmark::DoNotOptimize(
+            reference::centredCircle({frame.image, frame.mask}, data).integral);
+        const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
+        least = std::min(least, taken.count());
+    }
+    return least;
+}
+
+void powderSameCentre(benchmark::State& state)
+{
+    const AnalysisFrame frame(2048);
+    const StatisticsData data = ring(1020.3, 1030.8);
+    Stopwatch watch(state, plainSeconds(frame, data));
+    benchmark::DoNotOptimize(compute(frame, data).integral);
+    for (auto _ : state)
+        watch.time([&] { benchmark::DoNotOptimize(compute(frame, data).integral); });
+}
+
+void powderNewCentre(benchmark::State& state)
+{
+    const AnalysisFrame frame(2048);
+    Stopwatch watch(state, plainSeconds(frame, ring(1020.3, 1030.8)));
+    double shift = 0;
+    for (auto _ : state) {
+        shift = shift < 0.5 ? shift + 0.01 : 0;
+        watch.time([&] {
+            benchmark::DoNotOptimize(compute(frame, ring(1020.3 + shift, 1030.8)).integral);
+        });
+    }
+}
+
+void others(benchmark::State& state, int side, const StatisticsData& data, double pixels)
+{
+    const AnalysisFrame frame(side);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(compute(frame, data).integral);
+    state.counters["Mpx_per_s"] = benchmark::Counter(
+        pixels / 1e6 * static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
+}
+
+void wholeBox(benchmark::State& state)
+{
+    const int side = static_cast<int>(state.range(0));
+    StatisticsData data = region(StatisticsData::Box);
+    data.endX = data.endY = side;
+    others(state, side, data, double(side) * side);
+}
+
+void circle(benchmark::State& state)
+{
+    const int side = static_cast<int>(state.range(0));
+    StatisticsData data = region(StatisticsData::Circle);
+    data.circleX = data.circleY = side / 2;
+    data.radius = 500;
+    data.theta = 0.3;
+    others(state, side, data, std::numbers::pi * 600 * 600);
+}
+
+void diagonal(benchmark::State& state)
+{
+    const int side = static_cast<int>(state.range(0));
+    StatisticsData data = region(StatisticsData::Line);
+    data.endX = side - 1;
+    data.endY = side - 2;
+    others(state, side, data, 2.0 * side);
+}
+
+BENCHMARK(powderSameCentre)->Unit(benchmark::kMillisecond);
+BENCHMARK(powderNewCentre)->Unit(benchmark::kMillisecond);
+BENCHMARK(wholeBox)->Arg(2048)->Arg(4096)->Unit(benchmark::kMillisecond);
+BENCHMARK(circle)->Arg(2048)->Arg(4096)->Unit(benchmark::kMillisecond);
+BENCHMARK(diagonal)->Arg(2048)->Arg(4096)->Unit(benchmark::kMillisecond);
+
+}  // namespace
+
+BENCHMARK_MAIN();

@@ -1,0 +1,105 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Numbers of the region and peaks that a view holds.
+#include "tests/logic/service/ServiceTest.h"
+
+namespace {
+
+using namespace tarvik::tests;
+
+class RegionAndPeaks : public ServiceTest {
+protected:
+    static StatisticsData box(int width)
+    {
+        StatisticsData data;
+        data.defined = true;
+        data.roiType = StatisticsData::Box;
+        data.endX = width;
+        data.endY = 2;
+        return data;
+    }
+    /// One strong pixel on a background of zeros.
+    static MImage spot(int x, int y, int value)
+    {
+        MImage result = image(8, 4, 0);
+        static_cast<int*>(result.data())[8 * y + x] = value;
+        return result;
+    }
+};
+
+TEST_F(RegionAndPeaks, AreEmptyWithoutImage)
+{
+    TarvikService* view = newView();
+    view->setStatisticsData(box(3));
+    EXPECT_EQ(view->roiStatistics().area, 0);
+    EXPECT_EQ(view->imagePeaks().numberOfPeaks(), 0);
+    show(view, spot(5, 2, 9));
+    EXPECT_EQ(view->imagePeaks()[0].value, 9) << "asking without image must not settle the matter";
+}
+
+TEST_F(RegionAndPeaks, RegionIsComputedBeforeItIsSignalled)
+{
+    TarvikService* view = newView();
+    show(view, image(8, 4, 5));
+    double signalled = -1;
+    QObject::connect(view, &TarvikService::newStatisticsSignal, view,
+                     [&] { signalled = view->roiStatistics().integral; });
+    view->setStatisticsData(box(3));
+    EXPECT_EQ(signalled, 3 * 2 * 5);
+    show(view, image(8, 4, 7));
+    EXPECT_EQ(signalled, 3 * 2 * 7) << "the next image brings its own numbers";
+    view->setStatisticsData(StatisticsData());
+    EXPECT_EQ(signalled, 0);
+}
+
+TEST_F(RegionAndPeaks, RegionChangedDuringALoadCountsOnTheNewImage)
+{
+    TarvikService* view = newView();
+    show(view, image(8, 4, 5));
+    view->setStatisticsData(box(3));
+    view->openImage(image(8, 4, 7));
+    view->setStatisticsData(box(4));
+    arrive(view);
+    EXPECT_EQ(view->roiStatistics().integral, 4 * 2 * 7);
+}
+
+TEST_F(RegionAndPeaks, RegionOfTheGroupIsComputedOnJoining)
+{
+    TarvikService* member = newView();
+    show(member, image(8, 4, 5));
+    TarvikService* view = newView();
+    show(view, image(4, 4, 5));
+    member->setStatisticsData(box(3));
+    show(view, image(8, 4, 9));
+    EXPECT_EQ(view->roiStatistics().integral, 3 * 2 * 9);
+    member->setStatisticsData(box(4));
+    EXPECT_EQ(view->statisticsData(), box(4));
+    EXPECT_EQ(view->roiStatistics().integral, 3 * 2 * 9) << "the numbers stay until the next image";
+}
+
+TEST_F(RegionAndPeaks, ARegionBeyondAllBoundsLeavesNoNumbers)
+{
+    TarvikService* view = newView();
+    show(view, image(8, 4, 5));
+    view->setStatisticsData(box(3));
+    EXPECT_NO_THROW(view->setStatisticsData(box(2'000'000'000)));
+    EXPECT_EQ(view->roiStatistics().area, 0);
+    show(view, image(8, 4, 7));
+    EXPECT_EQ(view->image().pixel<int>(0, 0, 0), 7);
+}
+
+TEST_F(RegionAndPeaks, PeaksFollowTheImage)
+{
+    TarvikService* view = newView();
+    show(view, spot(5, 2, 9));
+    const ImagePeaks first = view->imagePeaks();
+    EXPECT_EQ(first[0].x, 5);
+    EXPECT_EQ(first[0].y, 2);
+    show(view, spot(2, 1, 4));
+    EXPECT_EQ(view->imagePeaks()[0].x, 2);
+    EXPECT_EQ(view->imagePeaks()[0].value, 4);
+    EXPECT_EQ(first[0].value, 9) << "what was returned is a copy";
+}
+
+}  // namespace

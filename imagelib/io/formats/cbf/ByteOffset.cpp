@@ -8,6 +8,7 @@
 #include "imagelib/io/formats/cbf/LaneTables.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cassert>
 #include <type_traits>
@@ -46,6 +47,9 @@ constexpr std::size_t Step = 64;
 constexpr std::ptrdiff_t MostRead = Step + 16;
 /// How far ahead the stream is fetched into the cache.
 constexpr std::size_t Ahead = 4096;
+
+/// How far ahead the lines of pixels are fetched for writing.
+constexpr std::size_t AheadOut = 2048;
 
 /// Pixels are summed in lanes of 32 bits and narrowed when they are stored.
 using Sums = hn::CappedTag<std::int32_t, 16>;
@@ -287,6 +291,8 @@ TARVIK_DOT void UnpackVectors(Cursor<T>& at)
            at.outEnd - out >= static_cast<std::ptrdiff_t>(Step + SumLanes)) {
         if (at.inEnd - in > static_cast<std::ptrdiff_t>(Ahead))
             hwy::Prefetch(in + Ahead);
+        for (std::size_t i = 0; i < Step * sizeof(T); i += 64)
+            __builtin_prefetch(reinterpret_cast<const char*>(out) + AheadOut + i, 1, 3);
         const std::uint64_t bits = EscapeBits(in);
         if (bits == 0) {
             base = UnpackNarrow(in, out, base);
@@ -338,11 +344,24 @@ std::size_t PackVectors(const P* pixels, std::size_t first, std::size_t count, s
     return i;
 }
 
+/// Copies whole lines of 64 bytes past the caches; `to` is a multiple of 64.
+void StreamLines(const std::uint8_t* from, std::uint8_t* to, std::size_t bytes)
+{
+    const hn::ScalableTag<std::uint8_t> d;
+    for (std::size_t i = 0; i < bytes; i += hn::Lanes(d))
+        hn::Stream(hn::LoadU(d, from + i), d, to + i);
+}
+
 #else
 
 template <class T>
 void UnpackVectors(Cursor<T>&)
 {}
+
+void StreamLines(const std::uint8_t* from, std::uint8_t* to, std::size_t bytes)
+{
+    std::memcpy(to, from, bytes);
+}
 
 template <class P>
 std::size_t PackVectors(const P*, std::size_t first, std::size_t, std::uint8_t*&)
@@ -377,6 +396,7 @@ namespace {
 
 HWY_EXPORT(UnpackVectors16);
 HWY_EXPORT(UnpackVectors32);
+HWY_EXPORT(StreamLines);
 HWY_EXPORT(PackSigned16);
 HWY_EXPORT(PackUnsigned16);
 HWY_EXPORT(PackSigned32);
@@ -385,18 +405,56 @@ HWY_EXPORT(PackUnsigned32);
 using byteoffset::Cursor;
 
 template <class T>
+void unpackVectors(Cursor<T>& at)
+{
+    if constexpr (sizeof(T) == 2)
+        HWY_DYNAMIC_DISPATCH(UnpackVectors16)(at);
+    else if constexpr (sizeof(T) == 4)
+        HWY_DYNAMIC_DISPATCH(UnpackVectors32)(at);
+}
+
+/// Unpacks by way of a buffer that stays in the first cache, from which whole lines go to memory:
+/// a store that misses the cache would first read the line that it overwrites.
+template <class T>
+void unpackStreaming(Cursor<T>& at)
+{
+    constexpr std::size_t Line = 64;
+    constexpr std::size_t Pixels = 4096;
+    alignas(Line) std::array<T, Pixels> stage;
+    std::size_t waiting = 0;  // pixels at the begin of the stage that fill no line yet
+    while (at.outEnd - at.out > static_cast<std::ptrdiff_t>(Pixels)) {
+        Cursor<T> staged{at.in, at.inEnd, stage.data() + waiting, stage.data() + Pixels, at.value};
+        unpackVectors(staged);
+        const auto filled = static_cast<std::size_t>(staged.out - stage.data());
+        const std::size_t lines = filled * sizeof(T) / Line * Line;
+        HWY_DYNAMIC_DISPATCH(StreamLines)
+        (reinterpret_cast<const std::uint8_t*>(stage.data()),
+         reinterpret_cast<std::uint8_t*>(at.out), lines);
+        const bool stuck = staged.in == at.in;
+        at.in = staged.in;
+        at.value = staged.value;
+        at.out += lines / sizeof(T);
+        waiting = filled - lines / sizeof(T);
+        std::copy_n(stage.data() + lines / sizeof(T), waiting, stage.data());
+        if (stuck)
+            break;
+    }
+    hwy::FlushStream();
+    at.out = std::copy_n(stage.data(), waiting, at.out);
+}
+
+template <class T>
 UnpackedPixels unpackAs(std::span<const std::byte> packed, std::span<std::byte> pixels,
                         bool vectors)
 {
+    constexpr std::size_t LeastStreamed = std::size_t(32) << 20;
     const auto* in = reinterpret_cast<const std::uint8_t*>(packed.data());
     auto* out = reinterpret_cast<T*>(pixels.data());
     Cursor<T> at{in, in + packed.size(), out, out + pixels.size() / sizeof(T)};
-    if constexpr (sizeof(T) == 2) {
-        if (vectors)
-            HWY_DYNAMIC_DISPATCH(UnpackVectors16)(at);
-    } else if constexpr (sizeof(T) == 4) {
-        if (vectors)
-            HWY_DYNAMIC_DISPATCH(UnpackVectors32)(at);
+    if (vectors && (sizeof(T) == 2 || sizeof(T) == 4)) {
+        if (pixels.size() >= LeastStreamed && reinterpret_cast<std::uintptr_t>(out) % 64 == 0)
+            unpackStreaming(at);
+        unpackVectors(at);
     }
     byteoffset::unpackRest(at);
     return {static_cast<std::size_t>(at.out - out), static_cast<std::size_t>(at.in - in)};

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Byte-offset streams: by hand, at random, cut short, and with every vector instruction set.
+#include "imagelib/image/MImage.h"
 #include "imagelib/io/formats/cbf/ByteOffset.h"
 
 #include <gtest/gtest.h>
@@ -202,6 +203,31 @@ TYPED_TEST(ByteOffsetOfType, AnyBytesGiveWhatPlainCodeGives)
                                    vectors.begin()));
         }
     });
+}
+
+// Large outputs go past the caches by way of a buffer, whole and cut short alike.
+TEST(ByteOffsetStream, LargeOutputsEqualPlainOnes)
+{
+    std::mt19937_64 random(3);
+    std::vector<std::byte> packed(10'000'000);
+    for (std::size_t i = 0; i < packed.size(); ++i)
+        packed[i] = static_cast<std::byte>(i % 97 == 0 ? 0x80 : random() & 0xff);
+    const auto target = [] {
+        return morvend::imglib::MImage(3000, 3100, morvend::datatypes::INT, 32);
+    };
+    for (const std::size_t left : {packed.size(), std::size_t(9'000'001), std::size_t(4'000)}) {
+        const auto stream = std::span(packed).first(left);
+        morvend::imglib::MImage plain = target();
+        morvend::imglib::MImage vectors = target();
+        const auto pixelsOf = [](morvend::imglib::MImage& image) {
+            return std::span(static_cast<std::byte*>(image.data()), image.dataSize());
+        };
+        const UnpackedPixels a = unpackByteOffsetPlain(stream, 4, pixelsOf(plain));
+        const UnpackedPixels b = unpackByteOffset(stream, 4, pixelsOf(vectors));
+        ASSERT_EQ(a.pixels, b.pixels);
+        ASSERT_EQ(a.bytes, b.bytes);
+        EXPECT_EQ(std::memcmp(plain.cdata(), vectors.cdata(), 4 * a.pixels), 0);
+    }
 }
 
 }  // namespace

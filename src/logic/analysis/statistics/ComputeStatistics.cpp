@@ -1,19 +1,19 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// The statistics pass, written once over all pixel types.
+// The statistics of an image under a mask, for all pixel types.
 #include "logic/analysis/statistics/ComputeStatistics.h"
 
 #include "imagelib/display/MContrast.h"
 #include "imagelib/image/BinaryDispatcher.h"
-#include "logic/analysis/statistics/MaskRule.h"
+#include "logic/analysis/statistics/GoodPixels.h"
+#include "logic/analysis/statistics/PixelTotals.h"
 #include "logic/support/Assert.h"
 #include "logic/support/Console.h"
 
 #include <QElapsedTimer>
 
 #include <cmath>
-#include <utility>
 
 namespace {
 
@@ -24,15 +24,6 @@ int saturationValue(const morvend::imglib::MImage& image)
     if (image.type() != INT && image.type() != UINT)
         return 0;
     return image.optionalData().saturation_value().get_value_or(0);
-}
-
-template <class T>
-bool saturates(T value, int saturation)
-{
-    if constexpr (std::is_integral_v<T> && !std::is_same_v<T, bool> && !std::is_same_v<T, char>)
-        return saturation >= 1 && std::cmp_greater_equal(value, saturation);
-    else
-        return false;
 }
 
 void setDefaultContrast(ImageStatistics& statistics, const morvend::imglib::MImage& image,
@@ -47,46 +38,30 @@ void setDefaultContrast(ImageStatistics& statistics, const morvend::imglib::MIma
 template <class L, class R>
 void ComputeStatistics::operator()(const MImage& image, const MImage& mask) const
 {
-    const L* pixels = image.pixels<L>();
-    const R* marks = mask.pixels<R>();
+    _numbers<L>(image, *GoodPixels::of(mask));
+}
+
+template <class L>
+void ComputeStatistics::_numbers(const MImage& image, const GoodPixels& good) const
+{
     const int saturation = saturationValue(image);
-    // The first pixel counts here whatever its mask says.
-    L minimum = pixels[0];
-    L maximum = pixels[0];
-    unsigned int zeros = 0;
-    unsigned int defective = 0;
-    unsigned int saturated = 0;
-    unsigned int good = 0;
-    double sum = 0;
-    double squares = 0;
-    for (std::size_t i = 0; i < image.size(); ++i) {
-        if (!maskrule::good(marks[i])) {
-            defective += maskrule::defective(marks[i]);
-            continue;
-        }
-        const L value = pixels[i];
-        if (!(value > L(0)) && !(value < L(0)))
-            ++zeros;
-        else if (saturates(value, saturation))
-            ++saturated;
-        const double number = static_cast<double>(value);
-        sum += number;
-        squares += number * number;
-        ++good;
-        if (value > maximum)
-            maximum = value;
-        else if (!(value >= minimum))  // NaN becomes the minimum
-            minimum = value;
-    }
-    const double mean = sum / good;
-    _target->minimum = static_cast<double>(minimum);
-    _target->maximum = static_cast<double>(maximum);
+    const PixelTotals<L> totals = [&] {
+        if constexpr (HasVectorTotals<L>)
+            return vectorTotals(image.pixels<L>(), good, saturation);
+        else
+            return plainTotals(image.pixels<L>(), good, saturation);
+    }();
+    // Without a good pixel these are no numbers.
+    const double mean = totals.sum / good.good();
+    const double squares = totals.squares / good.good();
+    _target->minimum = static_cast<double>(totals.minimum);
+    _target->maximum = static_cast<double>(totals.maximum);
     _target->mean = mean;
-    _target->sigma = std::sqrt(std::abs(squares / good - mean * mean));
-    _target->zeros = zeros;
-    _target->defective = defective;
-    _target->saturated = saturated;
-    _target->sum = sum;
+    _target->sigma = std::sqrt(std::abs(squares - mean * mean));
+    _target->zeros = totals.zeros;
+    _target->defective = good.defective();
+    _target->saturated = totals.saturated;
+    _target->sum = totals.sum;
     _target->hasNegatives = -2.0 > _target->minimum;
 }
 

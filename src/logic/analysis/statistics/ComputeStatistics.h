@@ -7,6 +7,8 @@
 #include "imagelib/image/MImage.h"
 #include "logic/analysis/statistics/ImageStatistics.h"
 
+class GoodPixels;
+
 /// Computes the numbers of a whole image under its mask.
 ///
 /// | mask pixel type | good if | else defective if |
@@ -35,5 +37,8 @@ public:
     void operator()(const MImage& image, const MImage& mask) const;
 
 private:
+    template <class L>
+    void _numbers(const MImage& image, const GoodPixels& good) const;
+
     ImageStatistics* _target;
 };

@@ -1,0 +1,78 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The sums and extremes of good pixels.
+#pragma once
+
+#include "logic/analysis/statistics/GoodPixels.h"
+
+#include <algorithm>
+#include <type_traits>
+#include <utility>
+
+/// What one pass over the pixels finds.
+template <class T>
+struct PixelTotals {
+    /// Beginning with the first pixel, whatever its mask says.
+    T minimum, maximum;
+    unsigned int zeros = 0;
+    unsigned int saturated = 0;
+    double sum = 0;
+    double squares = 0;
+
+    explicit PixelTotals(T first)
+        : minimum(first)
+        , maximum(first)
+    {}
+
+    /// So phrased that a NaN becomes the minimum.
+    void extend(T value)
+    {
+        if (value > maximum)
+            maximum = value;
+        else if (!(value >= minimum))
+            minimum = value;
+    }
+};
+
+/// Does an integer reach the saturation value of the header, which counts from 1 on?
+template <class T>
+bool saturates(T value, int saturation)
+{
+    if constexpr (std::is_integral_v<T> && !std::is_same_v<T, bool> && !std::is_same_v<T, char>)
+        return saturation >= 1 && std::cmp_greater_equal(value, saturation);
+    else
+        return false;
+}
+
+/// The totals pixel by pixel.
+template <class T>
+PixelTotals<T> plainTotals(const T* pixels, const GoodPixels& good, int saturation)
+{
+    PixelTotals<T> totals(pixels[0]);
+    good.forEach(0, good.size(), [&](std::size_t i) {
+        const T value = pixels[i];
+        if (!(value > T(0)) && !(value < T(0)))
+            ++totals.zeros;
+        else if (saturates(value, saturation))
+            ++totals.saturated;
+        const auto number = static_cast<double>(value);
+        totals.sum += number;
+        totals.squares += number * number;
+        totals.extend(value);
+    });
+    return totals;
+}
+
+/// Types whose totals are found with vectors.
+template <class T>
+inline constexpr bool HasVectorTotals =
+    std::is_same_v<T, unsigned char> || std::is_same_v<T, unsigned short> ||
+    std::is_same_v<T, short> || std::is_same_v<T, unsigned int> || std::is_same_v<T, int> ||
+    std::is_same_v<T, float>;
+
+/// The same for the types of HasVectorTotals. Sums of integers are exact before they are rounded
+/// once; floats are added in a fixed order, the same for every processor.
+/// 64 bytes past the last pixel are readable.
+template <class T>
+PixelTotals<T> vectorTotals(const T* pixels, const GoodPixels& good, int saturation);

@@ -1,0 +1,187 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Statistics and histogram of random images against the plain loop over pixels, for every
+// instruction set of this processor.
+#include "logic/analysis/statistics/ComputeStatistics.h"
+#include "logic/analysis/statistics/MaskRule.h"
+#include "tests/logic/analysis/statistics/EveryTarget.h"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cmath>
+#include <limits>
+#include <random>
+#include <vector>
+
+namespace {
+
+using morvend::imglib::MImage;
+
+constexpr int saturation = 200;
+
+/// The definition, pixel by pixel.
+template <class T, class M>
+void plainStatistics(ImageStatistics& out, const std::vector<T>& pixels, const std::vector<M>& mask)
+{
+    T minimum = pixels[0], maximum = pixels[0];
+    unsigned int good = 0;
+    double squares = 0;
+    for (std::size_t i = 0; i < pixels.size(); ++i) {
+        if (!maskrule::good(mask[i])) {
+            out.defective += maskrule::defective(mask[i]);
+            continue;
+        }
+        const T v = pixels[i];
+        if (!(v > T(0)) && !(v < T(0)))
+            ++out.zeros;
+        else if (std::is_integral_v<T> && double(v) >= saturation)
+            ++out.saturated;
+        ++good;
+        out.sum += double(v);
+        squares += double(v) * double(v);
+        if (v > maximum)
+            maximum = v;
+        else if (!(v >= minimum))
+            minimum = v;
+    }
+    out.minimum = double(minimum);
+    out.maximum = double(maximum);
+    out.mean = out.sum / good;
+    out.sigma = std::sqrt(std::abs(squares / good - out.mean * out.mean));
+    out.hasNegatives = -2.0 > out.minimum;
+}
+
+bool sameBits(double a, double b)
+{
+    return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b) ||
+           (std::isnan(a) && std::isnan(b));
+}
+
+bool near(double a, double b, double size)
+{
+    return sameBits(a, b) || std::abs(a - b) <= 1e-12 * size;
+}
+
+/// What kinds of values an image holds.
+enum Values { Few, Counts, Wide, Special };
+
+template <class T>
+T randomPixel(std::mt19937& random, Values values)
+{
+    if (values == Special && std::is_floating_point_v<T>) {
+        const double some[] = {0.0, -0.0, 1.0, -3.5, std::nan(""), 7.25};
+        return T(some[random() % 6]);
+    }
+    if (values == Wide || (values == Special && random() % 500 == 0))
+        return std::is_floating_point_v<T> ? T(double(random()) * 1e9)
+                                           : T(random() >> (32 - 8 * sizeof(T)));
+    const int low = std::numeric_limits<T>::is_signed ? -3 : 0;
+    return T(low + int(random() % (values == Few ? 4 : 250)));
+}
+
+template <class M>
+M randomMark(std::mt19937& random, int kind)
+{
+    const int marks[] = {1, 2, 16, 32, 64, 3};
+    if (kind == 0 || random() % (kind == 1 ? 90U : 2U) != 0)
+        return M(0);
+    return M(marks[random() % 6]);
+}
+
+template <class T, class M>
+void compare(std::mt19937& random, std::size_t size, Values values, int maskKind)
+{
+    std::vector<T> pixels(size);
+    std::vector<M> marks(size);
+    MImage image(int(size), 1, T(0));
+    MImage mask(image, M(0));
+    for (std::size_t i = 0; i < size; ++i) {
+        pixels[i] = randomPixel<T>(random, values);
+        static_cast<T*>(image.data())[i] = pixels[i];
+        marks[i] = randomMark<M>(random, maskKind);
+        static_cast<M*>(mask.data())[i] = marks[i];
+    }
+    image.optionalData().set_saturation_value(saturation);
+    ImageStatistics plain;
+    plainStatistics(plain, pixels, marks);
+    double bits[3] = {};
+    bool first = true;
+    forEveryTarget([&] {
+        ImageStatistics found;
+        ComputeStatistics(&found).computeNumbers(image, mask);
+        EXPECT_TRUE(sameBits(found.minimum, plain.minimum)) << found.minimum << plain.minimum;
+        EXPECT_TRUE(sameBits(found.maximum, plain.maximum)) << found.maximum << plain.maximum;
+        EXPECT_EQ(found.zeros, plain.zeros);
+        EXPECT_EQ(found.saturated, plain.saturated);
+        EXPECT_EQ(found.defective, plain.defective);
+        EXPECT_EQ(found.hasNegatives, plain.hasNegatives);
+        const double largest = std::max(std::abs(plain.minimum), std::abs(plain.maximum));
+        EXPECT_TRUE(near(found.sum, plain.sum, largest * double(size)));
+        EXPECT_TRUE(near(found.mean, plain.mean, largest));
+        // Loses digits where the deviation is small against the values, as its definition does.
+        EXPECT_TRUE(near(found.sigma * found.sigma, plain.sigma * plain.sigma, largest * largest));
+        if (std::is_integral_v<T> && values != Wide) {
+            EXPECT_TRUE(sameBits(found.sum, plain.sum));
+        }
+        if (!first) {
+            EXPECT_TRUE(sameBits(found.sum, bits[0]));
+            EXPECT_TRUE(sameBits(found.mean, bits[1]));
+            EXPECT_TRUE(sameBits(found.sigma, bits[2]));
+        }
+        first = false;
+        bits[0] = found.sum, bits[1] = found.mean, bits[2] = found.sigma;
+    });
+}
+
+template <class T>
+class TotalsOf : public testing::Test {};
+using HotTypes = testing::Types<unsigned char, unsigned short, short, unsigned int, int, float>;
+TYPED_TEST_SUITE(TotalsOf, HotTypes);
+
+TYPED_TEST(TotalsOf, RandomImagesAreThoseOfThePlainLoop)
+{
+    std::mt19937 random(5);
+    for (const std::size_t size : {1U, 2U, 15U, 63U, 64U, 65U, 130U, 4095U, 4096U, 4097U, 9999U})
+        for (const Values values : {Few, Counts, Wide, Special})
+            for (const int maskKind : {0, 1, 2}) {
+                SCOPED_TRACE(testing::Message()
+                             << size << " pixels, values " << values << ", mask " << maskKind);
+                compare<TypeParam, unsigned int>(random, size, values, maskKind);
+                compare<TypeParam, signed char>(random, size, values, maskKind);
+                compare<TypeParam, bool>(random, size, values, maskKind);
+                compare<TypeParam, double>(random, size, values, maskKind);
+            }
+}
+
+TEST(Totals, OfLargestSquaresAreExact)
+{
+    // 5000 times (2^32 - 1) needs more than 64 bits for the squares.
+    MImage image(5000, 1, 0xffffffffU);
+    ImageStatistics found;
+    ComputeStatistics(&found).computeNumbers(image, MImage(image, 0U));
+    EXPECT_EQ(found.sum, 5000 * 4294967295.0);
+    EXPECT_EQ(found.mean, 4294967295.0);
+    EXPECT_EQ(found.sigma, 0);
+}
+
+TEST(GoodPixels, AMaskThatIsChangedIsReadAgain)
+{
+    MImage image(100, 3, 5);
+    MImage mask(image, 0U);
+    ImageStatistics found;
+    const ComputeStatistics compute(&found);
+    for (unsigned int bad = 0; bad < 4; ++bad) {
+        compute.computeNumbers(image, mask);
+        EXPECT_EQ(found.sum, 1500 - 5 * bad);
+        EXPECT_EQ(found.defective, bad);
+        static_cast<unsigned int*>(mask.data())[70 * bad] = 2;
+    }
+    // The same memory as another type is another mask.
+    const MImage rough(300, 1, {mask.imageData().buffer(), morvend::datatypes::UINT, 8, 300});
+    compute.computeNumbers(image, rough);
+    EXPECT_EQ(found.defective, 2U) << "bytes 0 and 280";
+}
+
+}  // namespace

@@ -5,6 +5,7 @@
 #include "logic/analysis/peaks/ComputePeaks.h"
 
 #include "imagelib/image/BinaryDispatcher.h"
+#include "logic/analysis/peaks/BlockSearch.h"
 #include "logic/analysis/statistics/MaskRule.h"
 
 #include <algorithm>
@@ -16,24 +17,9 @@ using morvend::imglib::MImage;
 
 namespace {
 
-constexpr std::size_t BlockSize = 128;  // pixels that one comparison with the bound decides on
-constexpr std::size_t SampleSize = 1 << 16;
+constexpr std::size_t SampleSize = 1 << 14;
 constexpr std::size_t FirstRank = 16'000;  // pixels that the first bound should leave
 constexpr std::size_t NextRank = 16 * FirstRank;
-
-/// Is any pixel of a block at or above the bound? Without early exit, so that it is vectorised.
-template <class L>
-bool anyAtLeast(const L* block, std::size_t count, L bound)
-{
-    unsigned int any = 0;
-    if (count == BlockSize)
-        for (std::size_t i = 0; i < BlockSize; ++i)
-            any |= static_cast<unsigned int>(block[i] >= bound);
-    else
-        for (std::size_t i = 0; i < count; ++i)
-            any |= static_cast<unsigned int>(block[i] >= bound);
-    return any != 0;
-}
 
 template <class L, class R>
 class Search {
@@ -55,9 +41,9 @@ public:
                 const L bound = boundFor(sample, rank, lowest);
                 if (!(bound > lowest))
                     break;
-                ComputePeaks::PeakSet peaks = scan(bound);
-                if (peaks.size() == ImagePeaks::MostPeaks)
-                    return peaks;
+                ComputePeaks::PeakSet found = scan(bound);
+                if (found.size() == ImagePeaks::MostPeaks)
+                    return found;
             }
         }
         return scan(lowest);
@@ -106,31 +92,34 @@ private:
     /// The peaks at or above a bound by the rule of the working set.
     ComputePeaks::PeakSet scan(L bound) const
     {
-        ComputePeaks::PeakSet peaks;
-        for (std::size_t begin = 0; begin < _size; begin += BlockSize) {
-            const std::size_t count = std::min(BlockSize, _size - begin);
-            if (anyAtLeast(_pixels + begin, count, bound))
-                scanBlock(peaks, begin, begin + count, bound);
+        ComputePeaks::PeakSet found;
+        using Lane = peaks::Lane<L>;
+        const auto* lanes = reinterpret_cast<const Lane*>(_pixels);
+        std::size_t begin = 0;
+        while ((begin = peaks::nextBlock(lanes, begin, _size, static_cast<Lane>(bound))) < _size) {
+            const std::size_t end = std::min(begin + peaks::BlockSize, _size);
+            scanBlock(found, begin, end, bound);
+            begin = end;
         }
-        return peaks;
+        return found;
     }
 
     /// Raises the bound to the smallest peak once the set is full.
-    void scanBlock(ComputePeaks::PeakSet& peaks, std::size_t begin, std::size_t end, L& bound) const
+    void scanBlock(ComputePeaks::PeakSet& found, std::size_t begin, std::size_t end, L& bound) const
     {
         for (std::size_t i = begin; i < end; ++i) {
             if (!(_pixels[i] >= bound))
                 continue;
             const auto value = static_cast<double>(_pixels[i]);
-            const bool full = peaks.size() == ImagePeaks::MostPeaks;
-            if ((full && !(value > peaks.begin()->value)) || !maskrule::good(_mask[i]) ||
+            const bool full = found.size() == ImagePeaks::MostPeaks;
+            if ((full && !(value > found.begin()->value)) || !maskrule::good(_mask[i]) ||
                 !isLocalMaximum(i))
                 continue;
-            peaks.insert({static_cast<int>(i % _width), static_cast<int>(i / _width), value});
-            if (peaks.size() > ImagePeaks::MostPeaks)
-                peaks.erase(peaks.begin());
-            if (peaks.size() == ImagePeaks::MostPeaks)
-                bound = std::max(bound, convertPixel<L>(peaks.begin()->value));
+            found.insert({static_cast<int>(i % _width), static_cast<int>(i / _width), value});
+            if (found.size() > ImagePeaks::MostPeaks)
+                found.erase(found.begin());
+            if (found.size() == ImagePeaks::MostPeaks)
+                bound = std::max(bound, convertPixel<L>(found.begin()->value));
         }
     }
 

@@ -50,6 +50,21 @@ int toInt(std::size_t number)
     return static_cast<int>(number);
 }
 
+/// Runs an operation; what isn't an MException, such as a lack of memory, becomes one.
+template <class Operation>
+auto naming(const std::string& place, Operation&& operation)
+{
+    try {
+        return operation();
+    } catch (const MException&) {
+        throw;
+    } catch (const std::bad_alloc&) {
+        throw MRuntimeException("Not enough memory: " + place);
+    } catch (const std::exception& error) {
+        throw MRuntimeException(std::string(error.what()) + ": " + place);
+    }
+}
+
 }  // namespace
 
 MImageSeries::MImageSeries(std::size_t memorySize)
@@ -62,6 +77,11 @@ MImageSeries::~MImageSeries() = default;
 int MImageSeries::open(const std::string& path)
 {
     const std::string file = absolutePath(path);
+    return naming(file, [&] { return _open(file); });
+}
+
+int MImageSeries::_open(const std::string& file)
+{
     std::unique_ptr<ImageFile> opened = FormatRegistry::open(file);
     std::optional<SeriesFinder> finder;
     if (!FrameSeries::suits(*opened))
@@ -86,12 +106,19 @@ void MImageSeries::open(int memorySize)
 }
 
 void MImageSeries::pushBack(const MImage& image) { _d->series->pushBack(image); }
-MImage MImageSeries::at(std::size_t number) const { return _d->series->at(toInt(number)); }
+MImage MImageSeries::at(std::size_t number) const
+{
+    return naming("image " + std::to_string(number) + " of the series",
+                  [&] { return _d->series->at(toInt(number)); });
+}
 bool MImageSeries::empty() const { return _d->series->empty(); }
 int MImageSeries::first() const { return empty() ? -1 : _d->series->first(); }
 int MImageSeries::last() const { return empty() ? -1 : _d->series->last(); }
 int MImageSeries::next(int number) const { return empty() ? -1 : _d->series->next(number); }
-void MImageSeries::update() { _d->series->update(); }
+void MImageSeries::update()
+{
+    naming("update of the series", [&] { _d->series->update(); });
+}
 
 std::string MImageSeries::pathToImage(std::size_t number) const
 {

@@ -74,6 +74,8 @@ public:
     std::string formatName() const;
 
 private:
+    int _open(const std::string& file);
+
     class Private;
     std::unique_ptr<Private> _d;
 };

@@ -72,7 +72,7 @@ public:
         _setNumber(TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
         _setNumber(TIFFTAG_COMPRESSION, COMPRESSION_NONE);
         const MBasicImageOptionalData<>& header = image.optionalData();
-        _setText(TIFFTAG_IMAGEDESCRIPTION, headerLines(header));
+        _setText(TIFFTAG_IMAGEDESCRIPTION, mergedHeaderLines(header));
         _setText(TIFFTAG_MODEL, header.description().value_or(""));
         _setText(TIFFTAG_DATETIME, tiffDate(header.data_collection_date().value_or("")));
         const auto bytes = static_cast<tmsize_t>(image.dataSize());

@@ -5,7 +5,6 @@
 #include "bin/image/Analysis.h"
 
 #include "bin/image/JsonText.h"
-#include "logic/IntegratedHistogram.h"
 #include "logic/RoiComputer.h"
 #include "logic/analysis/peaks/ImagePeaks.h"
 #include "logic/analysis/statistics/ComputeStatistics.h"
@@ -123,11 +122,9 @@ void Analysis::_writeStatistics(std::ostream& out) const
     report.add("sum", statistics.sum);
     report.add("hasNegatives", statistics.hasNegatives);
     if (!_arguments.countAt.empty()) {
-        IntegratedHistogram histogram;
-        histogram.compute(_chosen.image, _mask, statistics.mean);
         std::vector<std::vector<double>> counts;
         for (const double value : _arguments.countAt)
-            counts.push_back({value, double(histogram.value(value))});
+            counts.push_back({value, double(statistics.histogram.value(value))});
         report.add("countAt", counts);
     }
     report.write(out);

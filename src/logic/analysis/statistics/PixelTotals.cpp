@@ -97,8 +97,11 @@ HWY_INLINE std::size_t integerBlock(const T* pixels, const std::uint8_t* bits, s
     hn::StoreU(sum, d, sums);
     for (std::size_t k = 0; k < lanes; ++k)
         block.sum += static_cast<std::int64_t>(sums[k]);
-    block.squares +=
-        static_cast<std::uint64_t>(hn::GetLane(hn::SumOfLanes(dw, hn::Add(even, odd))));
+    // By hand: sums of large squares wrap, which signed sums of lanes may not.
+    std::uint64_t squares[hn::MaxLanes(hn::ScalableTag<std::uint64_t>())];
+    hn::StoreU(hn::BitCast(duw, hn::Add(even, odd)), duw, squares);
+    for (std::size_t k = 0; k < hn::Lanes(duw); ++k)
+        block.squares += squares[k];
     block.nonzeros += hn::GetLane(hn::SumOfLanes(du, nonzeros));
     block.lowest = std::min(block.lowest, static_cast<T>(hn::GetLane(hn::MinOfLanes(d, low))));
     block.highest = std::max(block.highest, static_cast<T>(hn::GetLane(hn::MaxOfLanes(d, high))));

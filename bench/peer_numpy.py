@@ -4,6 +4,7 @@
 of its seconds.
 
     peer_numpy.py colormap FOLDER TYPE ROUNDS FOREGROUND BACKGROUND CUTOFF
+    peer_numpy.py statistics|read|bincount|sort FOLDER TYPE ROUNDS
 """
 
 import pathlib
@@ -45,10 +46,54 @@ def colormap(folder, kind, foreground, background, cutoff):
     return run
 
 
+def image_and_mask(folder, kind):
+    return np.fromfile(folder / "image", kind), np.fromfile(folder / "mask", np.uint32)
+
+
+def masked_statistics(image, mask):
+    good = image[(mask & 31) == 0]
+    numbers = [good.min(), good.max(), good.mean(), good.std(), good.sum(), (good == 0).sum(),
+               ((mask & 30) != 0).sum()]
+    return good, numbers
+
+
+def whole_statistics(folder, kind):
+    image, mask = image_and_mask(folder, kind)
+    return lambda: masked_statistics(image, mask)
+
+
+def read(folder, kind):
+    """One read of image and mask."""
+    image, mask = image_and_mask(folder, kind)
+    return lambda: (image.sum(), mask.sum())
+
+
+def bincount(folder, kind):
+    """Statistics and counts of 4000 values around the mean."""
+    image, mask = image_and_mask(folder, kind)
+
+    def run():
+        good, numbers = masked_statistics(image, mask)
+        low = max(int(numbers[2]) - 2000, 0)
+        near = good[(good >= low) & (good < low + 4000)]
+        return np.cumsum(np.bincount(near - low, minlength=4000))
+
+    return run
+
+
+def sort(folder, kind):
+    image, mask = image_and_mask(folder, kind)
+    return lambda: np.sort(image[(mask & 31) == 0])
+
+
+TASKS = {"colormap": colormap, "statistics": whole_statistics, "read": read, "bincount": bincount,
+         "sort": sort}
+
+
 def main():
     task, folder, kind, rounds = sys.argv[1:5]
-    run = {"colormap": colormap}[task](pathlib.Path(folder), kind,
-                                       *(float(text) for text in sys.argv[5:]))
+    run = TASKS[task](pathlib.Path(folder), kind,
+                      *(float(text) for text in sys.argv[5:]))
     seconds = []
     for _ in range(int(rounds) + 1):
         begin = time.perf_counter()

@@ -16,7 +16,7 @@
 #include <hwy/highway.h>
 
 HWY_BEFORE_NAMESPACE();
-namespace HWY_NAMESPACE {
+namespace tarvik_simd::HWY_NAMESPACE {
 
 /// The lanes whose pixels from `at` on are good; `at` is a multiple of the number of lanes.
 template <class D>
@@ -30,7 +30,7 @@ HWY_INLINE auto goodLanes(D d, const std::uint8_t* bits, std::size_t at)
     }
 }
 
-}  // namespace HWY_NAMESPACE
+}  // namespace tarvik_simd::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #endif

@@ -5,10 +5,14 @@
 #include "logic/analysis/statistics/HistogramCompute.h"
 
 #include "imagelib/image/BinaryDispatcher.h"
-#include "logic/analysis/statistics/MaskRule.h"
+#include "logic/analysis/statistics/GoodPixels.h"
+#include "logic/analysis/statistics/HistogramBlocks.h"
+#include "logic/analysis/statistics/PairCounts.h"
+#include "logic/analysis/statistics/PixelTotals.h"
 #include "logic/analysis/statistics/SortPixels.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 
@@ -58,59 +62,203 @@ private:
     T _first;  // the truncated lower end
 };
 
+/// Values outside the binned range, in scratch memory for all pixels.
 template <class T>
-MBasicImage<> sortedTail(T* values, std::size_t count)
+class Tail {
+public:
+    explicit Tail(std::size_t most)
+        : _memory(PixelBuffer::allocate(most * sizeof(T)))
+        , _most(most)
+        , _values(reinterpret_cast<T*>(_memory->data()))
+    {}
+    T* values() { return _values; }
+    std::size_t size() const { return _size; }
+    void resize(std::size_t size) { _size = size; }
+    void add(T value, std::size_t times = 1)
+    {
+        std::fill_n(_values + _size, times, value);
+        _size += times;
+    }
+    /// The values in order, in memory of their own unless they fill most of the scratch.
+    MBasicImage<> sorted()
+    {
+        using namespace morvend::datatypes;
+        sortPixels(_values, _size);
+        if (_size > _most / 2)
+            return {std::move(_memory), typeOf<T>, bitsOf<T>, _size};
+        return {_values, _size};
+    }
+
+private:
+    PixelBufferPtr _memory;
+    std::size_t _most;
+    T* _values;
+    std::size_t _size = 0;
+};
+
+/// Bins and tails while they are filled.
+template <class T>
+class Filling {
+public:
+    Filling(double mean, std::size_t pixels)
+        : _below(pixels)
+        , _above(pixels)
+        , _bins(std::make_unique<unsigned int[]>(Binning<T>::count))
+        , _lower(lowerEnd(mean))
+        , _upper(upperEnd(mean))
+        , _binOf(_lower)
+    {}
+
+    void add(T value, unsigned int times = 1)
+    {
+        const auto number = static_cast<double>(value);
+        if (!(number >= _lower))
+            _below.add(value, times);
+        else if (number >= _upper)
+            _above.add(value, times);
+        else
+            addBinned(value, times);
+    }
+    void addBinned(T value, unsigned int times = 1)
+    {
+        _bins[std::min<std::size_t>(Binning<T>::count - 1, _binOf(value))] += times;
+    }
+    Tail<T>& below() { return _below; }
+    Tail<T>& above() { return _above; }
+    double lower() const { return _lower; }
+    double upper() const { return _upper; }
+
+    void finish(IntergrateHistogramPrivate& target)
+    {
+        target.lower = _lower;
+        target.upper = _upper;
+        target.binCount = Binning<T>::count;
+        target.binsPerUnit = Binning<T>::binsPerUnit;
+        _bins[0] += static_cast<unsigned int>(_below.size());
+        for (unsigned long i = 1; i < Binning<T>::count; ++i)
+            _bins[i] += _bins[i - 1];
+        target.below = _below.sorted();
+        target.above = _above.sorted();
+        target.bins = std::move(_bins);
+    }
+
+private:
+    // So phrased that a mean that is no number yields the limits of the type.
+    static double lowerEnd(double mean)
+    {
+        const double low = (mean - half) * Binning<T>::resolution;
+        return low > Binning<T>::floor ? low : Binning<T>::floor;
+    }
+    static double upperEnd(double mean)
+    {
+        const double high = (mean + half) * Binning<T>::resolution;
+        return high < Binning<T>::ceiling ? high : Binning<T>::ceiling;
+    }
+    static constexpr double half = static_cast<double>(Binning<T>::count) / 2;
+
+    Tail<T> _below, _above;
+    std::unique_ptr<unsigned int[]> _bins;
+    double _lower, _upper;
+    BinIndex<T> _binOf;
+};
+
+/// Smallest float at or above a number of its range.
+float floatAtLeast(double number)
 {
-    sortPixels(values, count);
-    return {values, count};
+    const auto nearest = static_cast<float>(number);
+    return static_cast<double>(nearest) < number
+               ? std::nextafter(nearest, std::numeric_limits<float>::infinity())
+               : nearest;
 }
+
+constexpr std::size_t BlockPixels = histogramblocks::BlockPixels;
+constexpr std::size_t Padding = histogramblocks::Padding;
+
+/// Nearly all floats lie in the tails.
+void fillFloats(Filling<float>& filling, const float* pixels, const GoodPixels& good)
+{
+    std::array<float, BlockPixels + Padding> binned;
+    histogramblocks::FloatParts parts{floatAtLeast(filling.lower()), floatAtLeast(filling.upper()),
+                                      filling.below().values(), filling.above().values(),
+                                      binned.data()};
+    const auto* bits = reinterpret_cast<const std::uint8_t*>(good.words());
+    for (std::size_t begin = 0; begin < good.size(); begin += BlockPixels) {
+        parts.binnedCount = 0;
+        histogramblocks::part(pixels + begin, bits + begin / 8,
+                              std::min(BlockPixels, good.size() - begin), parts);
+        for (std::size_t i = 0; i < parts.binnedCount; ++i)
+            filling.addBinned(binned[i]);
+    }
+    filling.below().resize(parts.belowCount);
+    filling.above().resize(parts.aboveCount);
+}
+
+/// Counts values in a window of 256 that fits most pixels. Two neighbours count as one: increments
+/// of the same counter wait for each other, and equal pairs are rarer than equal pixels.
+template <class T>
+void fillIntegers(Filling<T>& filling, const T* pixels, const GoodPixels& good, double mean)
+{
+    using Lane = histogramblocks::Lane<T>;
+    const double first = mean >= 128 ? mean - 128 : mean < 0 ? mean - 128 : 0;
+    const auto base = static_cast<Lane>(morvend::datatypes::convertPixel<T>(
+        std::min(first, static_cast<double>(std::numeric_limits<T>::max()) - 255)));
+    std::array<std::uint8_t, BlockPixels + Padding> codes;
+    std::array<Lane, BlockPixels + Padding> others;
+    PairCounts pairs;
+    std::size_t counted = 0;
+    const auto* bits = reinterpret_cast<const std::uint8_t*>(good.words());
+    for (std::size_t begin = 0; begin < good.size(); begin += BlockPixels) {
+        const std::size_t count = std::min(BlockPixels, good.size() - begin);
+        const std::size_t otherCount = histogramblocks::encode<T>(
+            pixels + begin, bits + begin / 8, count, base, codes.data(), others.data());
+        counted += count - otherCount;
+        pairs.add(codes.data(), count);
+        for (std::size_t i = 0; i < otherCount; ++i)
+            filling.add(static_cast<T>(others[i]));
+    }
+    std::array<unsigned int, 256> counts = pairs.counts();
+    // Bad pixels, others and the end of the last block were counted as code 0.
+    std::size_t rest = counted - (good.size() - good.good());
+    for (std::size_t code = 1; code < counts.size(); ++code)
+        rest -= counts[code];
+    counts[0] = static_cast<unsigned int>(rest);
+    for (std::size_t code = 0; code < counts.size(); ++code)
+        if (counts[code] > 0)
+            filling.add(static_cast<T>(base + static_cast<Lane>(code)), counts[code]);
+}
+
+constexpr std::size_t FewPixels = 1 << 16;  // not worth the tables
 
 }  // namespace
 
 template <class L, class R>
 void HistogramCompute::operator()(const MImage& image, const MImage& mask) const
 {
-    using Bins = Binning<L>;
-    const double half = static_cast<double>(Bins::count) / 2;
-    const double low = (_mean - half) * Bins::resolution;
-    const double high = (_mean + half) * Bins::resolution;
-    // So phrased that a mean that is no number yields the limits of the type.
-    const double lower = low > Bins::floor ? low : Bins::floor;
-    const double upper = high < Bins::ceiling ? high : Bins::ceiling;
+    _count<L>(image, *GoodPixels::of(mask));
+}
 
-    auto bins = std::make_unique<unsigned int[]>(Bins::count);
-    const PixelBufferPtr lowScratch = PixelBuffer::allocate(image.size() * sizeof(L));
-    const PixelBufferPtr highScratch = PixelBuffer::allocate(image.size() * sizeof(L));
-    L* below = reinterpret_cast<L*>(lowScratch->data());
-    L* above = reinterpret_cast<L*>(highScratch->data());
-    std::size_t belowCount = 0;
-    std::size_t aboveCount = 0;
-    const BinIndex<L> binOf(lower);
+template <class L>
+void HistogramCompute::_count(const MImage& image, const GoodPixels& good) const
+{
     const L* pixels = image.pixels<L>();
-    const R* marks = mask.pixels<R>();
-    for (std::size_t i = 0; i < image.size(); ++i) {
-        const L value = pixels[i];
-        if (!maskrule::good(marks[i]) || value != value)
-            continue;
-        const auto number = static_cast<double>(value);
-        if (!(number >= lower))
-            below[belowCount++] = value;
-        else if (number >= upper)
-            above[aboveCount++] = value;
+    Filling<L> filling(_mean, image.size());
+    const auto plainly = [&] {
+        good.forEach(0, good.size(), [&](std::size_t i) {
+            if (pixels[i] == pixels[i])
+                filling.add(pixels[i]);
+        });
+    };
+    if constexpr (std::is_same_v<L, float>) {
+        fillFloats(filling, pixels, good);
+    } else if constexpr (HasVectorTotals<L>) {
+        if (good.size() < FewPixels)
+            plainly();
         else
-            ++bins[std::min<std::size_t>(Bins::count - 1, binOf(value))];
+            fillIntegers(filling, pixels, good, _mean);
+    } else {
+        plainly();
     }
-
-    _target->lower = lower;
-    _target->upper = upper;
-    _target->binCount = Bins::count;
-    _target->binsPerUnit = Bins::binsPerUnit;
-    _target->below = sortedTail(below, belowCount);
-    _target->above = sortedTail(above, aboveCount);
-    bins[0] += static_cast<unsigned int>(belowCount);
-    for (unsigned long i = 1; i < Bins::count; ++i)
-        bins[i] += bins[i - 1];
-    _target->bins = std::move(bins);
+    filling.finish(*_target);
 }
 
 void HistogramCompute::compute(const MImage& image, const MImage& mask) const

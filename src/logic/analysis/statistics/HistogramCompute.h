@@ -8,6 +8,8 @@
 
 #include <memory>
 
+class GoodPixels;
+
 /// What an IntegratedHistogram holds.
 struct IntergrateHistogramPrivate {
     /// Ends of the binned range, lower inclusive, upper exclusive.
@@ -29,7 +31,8 @@ struct IntergrateHistogramPrivate {
 /// wide; they stand around the mean, within the values that the type can hold. NaN is not counted.
 ///
 /// Memory: two scratch arrays of the image's size from the pool of pixel memory, so that the loop
-/// never reallocates; only what the tails need of them is touched.
+/// never reallocates; only what the tails need of them is touched. A tail that fills most of its
+/// scratch keeps it.
 class HistogramCompute {
 public:
     HistogramCompute(IntergrateHistogramPrivate* target, double mean)
@@ -44,6 +47,9 @@ public:
                     const morvend::imglib::MImage& mask) const;
 
 private:
+    template <class L>
+    void _count(const morvend::imglib::MImage& image, const GoodPixels& good) const;
+
     IntergrateHistogramPrivate* _target;
     double _mean;
 };

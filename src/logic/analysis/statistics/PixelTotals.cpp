@@ -16,8 +16,9 @@
 #include "logic/analysis/statistics/GoodLanes-inl.h"
 
 HWY_BEFORE_NAMESPACE();
-namespace HWY_NAMESPACE {
+namespace pixeltotals::HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
+using tarvik_simd::HWY_NAMESPACE::goodLanes;
 
 #if HWY_TARGET == HWY_SCALAR
 
@@ -211,10 +212,11 @@ PixelTotals<float> floatTotals(const float* pixels, const GoodPixels& good, int)
     return totals;
 }
 
-}  // namespace HWY_NAMESPACE
+}  // namespace pixeltotals::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
+namespace pixeltotals {
 
 HWY_EXPORT(uint8Totals);
 HWY_EXPORT(uint16Totals);
@@ -222,6 +224,9 @@ HWY_EXPORT(int16Totals);
 HWY_EXPORT(uint32Totals);
 HWY_EXPORT(int32Totals);
 HWY_EXPORT(floatTotals);
+}  // namespace pixeltotals
+
+using namespace pixeltotals;
 
 template <>
 PixelTotals<unsigned char> vectorTotals(const unsigned char* pixels, const GoodPixels& good, int s)

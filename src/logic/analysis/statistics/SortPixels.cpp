@@ -6,7 +6,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
+#include <bit>
 #include <cstdint>
 #include <limits>
 #include <type_traits>
@@ -37,13 +37,23 @@ void countingSort(T* values, std::size_t count)
 }
 
 template <class T>
-std::ptrdiff_t negativeZeros(const T* values, std::size_t count)
+std::ptrdiff_t negativeZeros([[maybe_unused]] const T* values, [[maybe_unused]] std::size_t count)
 {
-    if constexpr (std::is_floating_point_v<T>)
-        return std::count_if(values, values + count,
-                             [](T value) { return value == T(0) && std::signbit(value); });
-    else
-        return 0;
+    std::ptrdiff_t number = 0;
+    if constexpr (std::is_floating_point_v<T>) {
+        using Bits = std::conditional_t<sizeof(T) == 4, std::uint32_t, std::uint64_t>;
+        constexpr std::size_t Block = 1024;  // of fixed size, so that the loop is vectorised
+        std::size_t i = 0;
+        for (; i + Block <= count; i += Block) {
+            Bits found = 0;
+            for (std::size_t k = 0; k < Block; ++k)
+                found += std::bit_cast<Bits>(values[i + k]) == std::bit_cast<Bits>(T(-0.0));
+            number += static_cast<std::ptrdiff_t>(found);
+        }
+        for (; i < count; ++i)
+            number += std::bit_cast<Bits>(values[i]) == std::bit_cast<Bits>(T(-0.0));
+    }
+    return number;
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "logic/IntegratedHistogram.h"
 #include "logic/analysis/statistics/MaskRule.h"
 #include "logic/analysis/statistics/SortPixels.h"
+#include "tests/logic/analysis/statistics/EveryTarget.h"
 
 #include <gtest/gtest.h>
 
@@ -66,16 +67,39 @@ struct PlainHistogram {
     }
 };
 
+/// Values spread over bins and tails.
+template <class T>
+constexpr double spreadOf = std::is_same_v<T, float>    ? 0.2
+                            : std::is_same_v<T, double> ? 1e-4
+                                                        : 60;
+
+template <class T>
+void checkPlaces(const MImage& image, const MImage& mask, double mean,
+                 const PlainHistogram<T>& plain, const std::vector<double>& places)
+{
+    IntegratedHistogram histogram;
+    histogram.compute(image, mask, mean);
+    for (const double x : places) {
+        if (std::isnan(x) ||
+            (std::is_integral_v<T> && (std::floor(x) > double(std::numeric_limits<T>::max()) ||
+                                       std::floor(x) < double(std::numeric_limits<T>::min()))))
+            continue;
+        if (std::is_same_v<T, bool> && x != 0 && x != 1)
+            continue;
+        ASSERT_EQ(histogram.value(x), plain.value(x)) << "at " << x;
+    }
+}
+
 template <class T, class R>
-void compare(unsigned int seed)
+void compare(unsigned int seed, int width = 100, int height = 50, double offset = 0,
+             double spread = spreadOf<T>)
 {
     std::mt19937 random(seed);
-    std::vector<T> pixels(5000);
+    std::vector<T> pixels(std::size_t(width) * std::size_t(height));
     std::vector<R> marks(pixels.size(), R(0));
     double sum = 0, count = 0;
-    const double spread = std::is_same_v<T, float> ? 0.2 : std::is_same_v<T, double> ? 1e-4 : 60;
     for (std::size_t i = 0; i < pixels.size(); ++i) {
-        double value = spread * double(random() % 1000) / 999;
+        double value = offset + spread * double(random() % 1000) / 999;
         const auto kind = static_cast<unsigned int>(random() % 50);
         if (kind == 0)
             value = double(std::numeric_limits<T>::max()) / double(1 + random() % 7);
@@ -94,24 +118,14 @@ void compare(unsigned int seed)
     }
     const double mean = sum / count;
     const PlainHistogram<T> plain(pixels, marks, mean);
-    MImage image(100, 50, T(0));
-    MImage mask(100, 50, R(0));
+    MImage image(width, height, T(0));
+    MImage mask(width, height, R(0));
     std::copy(pixels.begin(), pixels.end(), static_cast<T*>(image.data()));
     std::copy(marks.begin(), marks.end(), static_cast<R*>(mask.data()));
-    IntegratedHistogram histogram;
-    histogram.compute(image, mask, mean);
     std::vector<double> places{plain.lower, plain.upper, mean, 0.0, -1.0, 1e9, -1e9};
     for (int k = 0; k < 300; ++k)
         places.push_back(double(pixels[random() % pixels.size()]) + (k % 3 - 1) * spread / 50);
-    for (const double x : places) {
-        if (std::isnan(x) ||
-            (std::is_integral_v<T> && (std::floor(x) > double(std::numeric_limits<T>::max()) ||
-                                       std::floor(x) < double(std::numeric_limits<T>::min()))))
-            continue;
-        if (std::is_same_v<T, bool> && x != 0 && x != 1)
-            continue;
-        ASSERT_EQ(histogram.value(x), plain.value(x)) << "at " << x << ", seed " << seed;
-    }
+    forEveryTarget([&] { checkPlaces<T>(image, mask, mean, plain, places); });
 }
 
 template <class T, class... Masks>
@@ -132,6 +146,29 @@ void compareAllTypes(std::tuple<Images...>* all)
 TEST(Histogram, EqualsCountingForAllTypes)
 {
     compareAllTypes(static_cast<morvend::datatypes::PixelTypes*>(nullptr));
+}
+
+template <class T>
+void compareLarge()
+{
+    // Around 0, around values of several bytes, and wider than any table; odd sizes.
+    compare<T, unsigned int>(1, 301, 299);
+    compare<T, unsigned int>(2, 1031, 97, 3, 250);
+    compare<T, bool>(3, 65537, 1, 100, 27);
+    if (sizeof(T) > 1) {
+        compare<T, unsigned int>(4, 257, 257, 7000, 300);
+        compare<T, unsigned int>(5, 257, 257, 3000, 9000);
+    }
+}
+
+TEST(Histogram, OfLargeImagesEqualsCounting)
+{
+    compareLarge<unsigned char>();
+    compareLarge<unsigned short>();
+    compareLarge<short>();
+    compareLarge<unsigned int>();
+    compareLarge<int>();
+    compareLarge<float>();
 }
 
 TEST(Histogram, IsExactInBinsAndTails)

@@ -1,0 +1,223 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Statistics and histogram of whole frames under a 32-bit mask, against NumPy, std::sort and the
+// plain loops in the same run. One thread; the mask is the same for all frames, as in a series.
+#include "bench/HwyTarget.h"
+#include "bench/Peer.h"
+#include "logic/analysis/statistics/ComputeStatistics.h"
+#include "logic/analysis/statistics/MaskRule.h"
+#include "tests/support/TempFolder.h"
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <random>
+#include <vector>
+
+namespace {
+
+using morvend::imglib::MImage;
+using tarvik::bench::Stopwatch;
+
+struct Frame {
+    MImage image;
+    MImage mask;
+};
+
+/// Counts that fall from the beam centre outwards, with reflections, gaps and defective pixels.
+template <class T>
+Frame makeFrame(int megapixels)
+{
+    const int width = megapixels == 4 ? 2070 : 4148;
+    const int height = megapixels == 4 ? 2167 : 4362;
+    Frame frame{MImage(width, height, T(0)), MImage(width, height, 0U)};
+    std::mt19937 random(1);
+    auto* pixel = static_cast<T*>(frame.image.data());
+    auto* mark = static_cast<unsigned*>(frame.mask.data());
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x, ++pixel, ++mark) {
+            if (x % 1040 >= 1030 || y % 551 >= 514) {
+                *pixel = std::numeric_limits<T>::is_signed ? T(-1) : std::numeric_limits<T>::max();
+                *mark = 1;
+                continue;
+            }
+            const double mean = 1 + 12 * std::exp(-std::hypot(x - width / 2, y - height / 2) / 500);
+            const double noise = double(random() % 1000) / 500.0 - 1.0;
+            *pixel = T(std::max(0.0, mean + 2 * std::sqrt(mean) * noise));
+            if (random() % 2000 == 0)
+                *pixel = T(random() % 30'000);
+            if (random() % 5000 == 0)
+                *mark = 4;
+        }
+    return frame;
+}
+
+template <class T>
+const char* numpyType()
+{
+    return std::is_same_v<T, int>              ? "i4"
+           : std::is_same_v<T, unsigned>       ? "u4"
+           : std::is_same_v<T, unsigned short> ? "u2"
+                                               : "f4";
+}
+
+/// The seconds that NumPy needs for each task.
+class Peers {
+public:
+    Peers(const Frame& frame, const char* type)
+        : _type(type)
+    {
+        const auto write = [&](const char* name, const MImage& image) {
+            _folder.write(name, {static_cast<const char*>(image.cdata()), image.dataSize()});
+        };
+        write("image", frame.image);
+        write("mask", frame.mask);
+    }
+    double seconds(const std::string& task) const
+    {
+        return tarvik::bench::pythonSeconds("peer_numpy.py",
+                                            task + ' ' + _folder.path() + ' ' + _type + " 5");
+    }
+
+private:
+    tarvik::tests::TempFolder _folder;
+    std::string _type;
+};
+
+template <class Work>
+double leastSeconds(int rounds, Work&& work)
+{
+    double least = std::numeric_limits<double>::infinity();
+    for (int i = 0; i < rounds; ++i) {
+        const auto start = std::chrono::steady_clock::now();
+        work();
+        least = std::min(
+            least, std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
+    }
+    return least;
+}
+
+/// Statistics and histogram as plain loops by their definitions, 4000 bins around the mean.
+template <class T>
+void plainLoops(const Frame& frame)
+{
+    const T* pixels = frame.image.template pixels<T>();
+    const unsigned* marks = frame.mask.template pixels<unsigned>();
+    T minimum = pixels[0], maximum = pixels[0];
+    unsigned zeros = 0, defective = 0, good = 0;
+    double sum = 0, squares = 0;
+    const std::size_t size = frame.image.size();
+    for (std::size_t i = 0; i < size; ++i) {
+        if (!maskrule::good(marks[i])) {
+            defective += maskrule::defective(marks[i]);
+            continue;
+        }
+        const T value = pixels[i];
+        zeros += value == 0;
+        sum += double(value);
+        squares += double(value) * double(value);
+        ++good;
+        if (value > maximum)
+            maximum = value;
+        else if (!(value >= minimum))
+            minimum = value;
+    }
+    const double lower = std::max(sum / good - 2000, double(std::numeric_limits<T>::lowest()));
+    const double upper = lower + 4000;
+    std::vector<unsigned> bins(4000);
+    std::vector<T> below, above;
+    for (std::size_t i = 0; i < size; ++i) {
+        if (!maskrule::good(marks[i]))
+            continue;
+        const double value = double(pixels[i]);
+        if (!(value >= lower))
+            below.push_back(pixels[i]);
+        else if (value >= upper)
+            above.push_back(pixels[i]);
+        else
+            ++bins[std::min<std::size_t>(3999, std::size_t(value - double(long(lower))))];
+    }
+    std::sort(below.begin(), below.end());
+    std::sort(above.begin(), above.end());
+    benchmark::DoNotOptimize(bins.data());
+    benchmark::DoNotOptimize(squares + zeros + defective + double(minimum) + double(maximum));
+}
+
+template <class T>
+void statistics(benchmark::State& state)
+{
+    const Frame frame = makeFrame<T>(int(state.range(0)));
+    const Peers peers(frame, numpyType<T>());
+    const double read = peers.seconds("read");
+    ImageStatistics result;
+    const ComputeStatistics compute(&result);
+    double least = 1;
+    {
+        Stopwatch watch(state, peers.seconds("statistics"));
+        for (auto _ : state)
+            watch.time([&] { compute.computeNumbers(frame.image, frame.mask); });
+        least = leastSeconds(20, [&] { compute.computeNumbers(frame.image, frame.mask); });
+    }
+    state.counters["of_read_speed"] = read / least;
+    state.counters["Gpx_per_s"] = double(frame.image.size()) / least / 1e9;
+    MImage newMask = frame.mask;
+    newMask.data();  // a copy, with an identity of its own
+    state.counters["new_mask_ms"] =
+        1e3 * leastSeconds(1, [&] { compute.computeNumbers(frame.image, newMask); });
+}
+
+template <class T>
+void withHistogram(benchmark::State& state)
+{
+    const Frame frame = makeFrame<T>(int(state.range(0)));
+    ImageStatistics result;
+    const ComputeStatistics compute(&result);
+    const auto both = [&] {
+        compute.computeNumbers(frame.image, frame.mask);
+        result.histogram.compute(frame.image, frame.mask, result.mean);
+    };
+    double least = 1;
+    {
+        const bool real = std::is_floating_point_v<T>;
+        Stopwatch watch(state, Peers(frame, numpyType<T>()).seconds(real ? "sort" : "bincount"));
+        for (auto _ : state)
+            watch.time(both);
+        least = leastSeconds(10, both);
+    }
+    const double plain = leastSeconds(2, [&] { plainLoops<T>(frame); });
+    state.counters["x_plain"] = plain / least;
+    if constexpr (std::is_floating_point_v<T>) {
+        std::vector<T> good;
+        for (std::size_t i = 0; i < frame.image.size(); ++i)
+            if (maskrule::good(frame.mask.pixels<unsigned>()[i]))
+                good.push_back(frame.image.pixels<T>()[i]);
+        state.counters["x_std_sort"] =
+            leastSeconds(1, [&] { std::sort(good.begin(), good.end()); }) / least;
+    }
+}
+
+void sizes(benchmark::internal::Benchmark* benchmark)
+{
+    benchmark->ArgName("megapixels")->Arg(4)->Arg(16)->Unit(benchmark::kMillisecond)->MinTime(0.1);
+}
+
+BENCHMARK(statistics<int>)->Apply(sizes);
+BENCHMARK(statistics<unsigned int>)->Apply(sizes);
+BENCHMARK(statistics<unsigned short>)->Apply(sizes);
+BENCHMARK(statistics<float>)->Apply(sizes);
+BENCHMARK(withHistogram<int>)->Apply(sizes);
+BENCHMARK(withHistogram<unsigned int>)->Apply(sizes);
+BENCHMARK(withHistogram<unsigned short>)->Apply(sizes);
+BENCHMARK(withHistogram<float>)->Apply(sizes);
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    tarvik::bench::holdToTarget();
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+}

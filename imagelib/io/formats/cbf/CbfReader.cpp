@@ -183,6 +183,7 @@ private:
             fail("an image of " + std::to_string(section.fast) + " x " +
                  std::to_string(section.second) + " x " + std::to_string(section.third) +
                  " pixels is not possible");
+        checkPacking(section);
         section.offset = begin + end.data;
         const std::uint64_t left = _source->size() - std::min(_source->size(), section.offset);
         if (size == 0 || section.encoding != CbfSection::Encoding::Binary) {
@@ -192,6 +193,19 @@ private:
         section.bytes = std::min(size, left);
         _frames += static_cast<std::size_t>(section.third);
         _sections.push_back(section);
+    }
+
+    /// Refuses packed pixels that the known writers do not store completely (docs/formats/cbf.md).
+    void checkPacking(const CbfSection& section) const
+    {
+        using enum CbfSection::Conversion;
+        if (section.conversion != Packed && section.conversion != PackedV2)
+            return;
+        const std::string loss = " are not read, because writers of CBF lose a part of them";
+        if (section.pixelBytes() > 4)
+            fail("packed pixels of 64 bits" + loss);
+        if (section.fast == 1 && section.second > 1 && !section.flat)
+            fail("packed pixels of a single column" + loss);
     }
 
     /// All pixels of a section.

@@ -81,9 +81,7 @@ public:
             sum += around(before, before, rim);
             ++shift;
         }
-        sum += std::uint64_t(1) << (shift - 1);
-        // Sums wrap around as signed numbers of the pixel's width, also for unsigned pixels.
-        return static_cast<std::int64_t>(static_cast<std::make_signed_t<T>>(sum)) >> shift;
+        return mean(sum, shift);
     }
 
 private:
@@ -92,6 +90,15 @@ private:
         bool left;
         bool right;
     };
+
+    /// Sums wrap around as signed numbers of the pixel's width, also for unsigned pixels. Half a
+    /// step is then added in 32 bits, so that it wraps around for 4-byte pixels only.
+    static std::int64_t mean(std::uint64_t sum, unsigned shift)
+    {
+        const auto wrapped = static_cast<std::uint64_t>(static_cast<std::make_signed_t<T>>(sum));
+        const std::uint64_t half = std::uint64_t(1) << (shift - 1);
+        return static_cast<std::int32_t>(static_cast<std::uint32_t>(wrapped + half)) >> shift;
+    }
 
     std::int64_t value(std::size_t i) const { return static_cast<std::int64_t>(_pixels[i]); }
 
@@ -102,8 +109,7 @@ private:
         const auto bits = [this](std::size_t at) { return static_cast<std::uint64_t>(value(at)); };
         if (rim.left && rim.right)
             return bits(beside) + bits(up - 1) + bits(up) + bits(up + 1);
-        // A single column has no second neighbour.
-        return bits(up) + bits(rim.left ? beside : rim.right ? up + 1 : up);
+        return bits(up) + bits(rim.left ? beside : up + 1);
     }
 
     const PackedLayout& _layout;
@@ -147,6 +153,7 @@ std::size_t unpackPacked(std::span<const std::byte> packed, const PackedLayout& 
                          std::size_t pixelBytes, std::span<std::byte> pixels)
 {
     assert(layout.fast > 0 && layout.second > 0);
+    assert(layout.flat || layout.fast > 1 || layout.second == 1);
     if (packed.size() < HeadBytes)
         return 0;
     switch (pixelBytes) {
@@ -156,13 +163,10 @@ std::size_t unpackPacked(std::span<const std::byte> packed, const PackedLayout& 
     case 2:
         return layout.isUnsigned ? unpackAs<std::uint16_t>(packed, layout, pixels)
                                  : unpackAs<std::int16_t>(packed, layout, pixels);
-    case 4:
+    default:
+        assert(pixelBytes == 4);
         return layout.isUnsigned ? unpackAs<std::uint32_t>(packed, layout, pixels)
                                  : unpackAs<std::int32_t>(packed, layout, pixels);
-    default:
-        assert(pixelBytes == 8);
-        return layout.isUnsigned ? unpackAs<std::uint64_t>(packed, layout, pixels)
-                                 : unpackAs<std::int64_t>(packed, layout, pixels);
     }
 }
 

@@ -25,6 +25,8 @@ std::uint64_t mostPackedPixels(std::span<const std::byte> packed);
 /// Unpacks x-CBF_PACKED and x-CBF_PACKED_V2 of the imgCIF dictionary: a head of 32 bytes, then
 /// blocks, each with the logarithm of its number of pixels, the width of their differences in bits,
 /// and the differences, lowest bit first.
+/// @param layout      of more than one column, or of one row, unless flat
+/// @param pixelBytes  1, 2 or 4
 /// @returns the number of pixels unpacked, fewer than asked for when the stream ends early
 std::size_t unpackPacked(std::span<const std::byte> packed, const PackedLayout& layout,
                          std::size_t pixelBytes, std::span<std::byte> pixels);

@@ -92,7 +92,23 @@ INSTANTIATE_TEST_SUITE_P(
                     PeerCase{"u4_mid_can_bin", "u4_mid"}, PeerCase{"stack_96_0", "stack", 4},
                     PeerCase{"stack_96_256", "stack", 4}, PeerCase{"stack_96_512", "stack", 4},
                     PeerCase{"stack_144_0", "stack", 4}, PeerCase{"stack_144_256", "stack", 4},
-                    PeerCase{"stack_can", "stack", 4}),
+                    PeerCase{"stack_can", "stack", 4}, PeerCase{"i1_clipped_can", "i1_clipped"}),
+    [](const auto& row) { return row.param.name; });
+
+INSTANTIATE_TEST_SUITE_P(
+    Edges, PeerFile,
+    testing::Values(PeerCase{"i1_edge_pk", "i1_edge", 4}, PeerCase{"i1_edge_p2", "i1_edge", 4},
+                    PeerCase{"i1_edge_pkflat", "i1_edge", 4}, PeerCase{"u1_edge_pk", "u1_edge", 4},
+                    PeerCase{"u1_edge_p2", "u1_edge", 4}, PeerCase{"u1_edge_can", "u1_edge", 4},
+                    PeerCase{"i2_edge_pk", "i2_edge", 4}, PeerCase{"i2_edge_p2unc", "i2_edge", 4},
+                    PeerCase{"i2_edge_pkflat", "i2_edge", 4}, PeerCase{"u2_edge_pk", "u2_edge", 4},
+                    PeerCase{"u2_edge_p2", "u2_edge", 4}, PeerCase{"u2_edge_can", "u2_edge", 4},
+                    PeerCase{"i4_edge_pk", "i4_edge", 4}, PeerCase{"i4_edge_p2", "i4_edge", 4},
+                    PeerCase{"i4_edge_pkflat", "i4_edge", 4}, PeerCase{"i4_edge_can", "i4_edge", 4},
+                    PeerCase{"u4_edge_pk", "u4_edge", 4}, PeerCase{"u4_edge_p2unc", "u4_edge", 4},
+                    PeerCase{"i8_edge_can", "i8_edge", 4}, PeerCase{"u8_edge_can", "u8_edge", 4},
+                    PeerCase{"f4_edge_pk", "f4_edge", 4}, PeerCase{"f4_edge_can", "f4_edge", 4},
+                    PeerCase{"f8_edge_can", "f8_edge", 4}),
     [](const auto& row) { return row.param.name; });
 
 /// A file around six pixels 1 to 6; `head` stands between the fixed lines of the MIME head.
@@ -337,6 +353,20 @@ INSTANTIATE_TEST_SUITE_P(
                    "pixels of type \"signed 1-bit integer\" are not known"},
         DamageCase{"OtherConversion", [](Parts& p) { p.conversion = "x-CBF_PREDICTOR"; },
                    "conversion \"x-cbf_predictor\" of the pixel data is not known"},
+        DamageCase{"PackedWidePixels",
+                   [](Parts& p) {
+                       p.conversion = "x-CBF_PACKED\"; \"flat";
+                       replaceIn(p.head, "signed 16-bit", "unsigned 64-bit");
+                   },
+                   "packed pixels of 64 bits are not read, because writers of CBF lose a part of "
+                   "them"},
+        DamageCase{"PackedColumn",
+                   [](Parts& p) {
+                       p.conversion = "x-CBF_PACKED_V2";
+                       replaceIn(p.head, "Fastest-Dimension: 3", "Fastest-Dimension: 1");
+                   },
+                   "packed pixels of a single column are not read, because writers of CBF lose a "
+                   "part of them"},
         DamageCase{"OtherEncoding",
                    [](Parts& p) { p.head += "Content-Transfer-Encoding: X-BASE16\r\n"; },
                    "transfer encoding \"x-base16\" of the pixel data is not known"},

@@ -24,7 +24,7 @@ void checkSize(const StatisticsData& region)
         if (each > RoiComputer::MostPixels || each < -RoiComputer::MostPixels)
             throw MBadParameterException(
                 "The region of interest is too large: " + std::to_string(each) + " pixels");
-    for (const double each : {region.powderX, region.powderY, region.theta})
+    for (const double each : {region.powderX, region.powderY})
         if (std::isinf(each) || std::abs(each) > RoiComputer::MostPixels)
             throw MBadParameterException("The centre of the region of interest is out of range");
 }

@@ -78,6 +78,8 @@ struct Section {
     double beginY;
     double endX;
     double endY;
+    double dx;  // from end to end, without the rounding of the coordinates
+    double dy;
 };
 
 Section section(const StatisticsData& circle)
@@ -86,14 +88,14 @@ Section section(const StatisticsData& circle)
     const double dy = circle.radius * std::sin(circle.theta);
     const double x = circle.circleX + 0.5;
     const double y = circle.circleY + 0.5;
-    return {x - dx, y - dy, x + dx, y + dy};
+    return {x - dx, y - dy, x + dx, y + dy, 2 * dx, 2 * dy};
 }
 
 template <class L, class R>
 void addSection(RoiStatistics& result, const PixelReader<L, R>& reader, const Section& ends)
 {
-    const double dx = ends.endX - ends.beginX;
-    const double dy = ends.endY - ends.beginY;
+    const double dx = ends.dx;
+    const double dy = ends.dy;
     const bool vertical = std::abs(dx) < SameCoordinate;
     const bool horizontal = std::abs(dy) < SameCoordinate;
     if ((vertical && horizontal) || !std::isfinite(dx) || !std::isfinite(dy))

@@ -13,10 +13,13 @@
 
 namespace roi {
 
-/// A mean's deviation from the sums of a region. The radicand is negative by rounding only.
+/// A mean's deviation from the sums of a region. A radicand that is negative by rounding alone is
+/// 0; one that is negative because squares have wrapped gives NaN.
 inline double deviation(double squares, double weight, double mean)
 {
-    return std::sqrt(std::max(squares / weight - mean * mean, 0.0));
+    constexpr double Rounding = 1e-9;
+    const double radicand = squares / weight - mean * mean;
+    return std::sqrt(radicand < 0 && radicand >= -Rounding * mean * mean ? 0.0 : radicand);
 }
 
 /// Reads pixels of type L under a mask of type R. Outside the image a pixel is 0 and excluded.

@@ -53,8 +53,11 @@ public:
         else if constexpr (std::is_integral_v<T>)
             return static_cast<std::size_t>(value - _first);
         else
-            return static_cast<std::size_t>((static_cast<double>(value) - _lower) *
-                                            Binning<T>::binsPerUnit);
+            // Held before the conversion: the range of a mean that is no number reaches far beyond
+            // the bins.
+            return static_cast<std::size_t>(
+                std::min((static_cast<double>(value) - _lower) * Binning<T>::binsPerUnit,
+                         static_cast<double>(Binning<T>::count - 1)));
     }
 
 private:

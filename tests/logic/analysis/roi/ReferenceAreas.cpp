@@ -13,7 +13,11 @@ namespace reference {
 
 namespace {
 
-double root(double radicand) { return radicand < 0 ? 0 : std::sqrt(radicand); }
+/// Rounding alone makes a radicand slightly negative, wrapped squares much.
+double root(double radicand, double mean)
+{
+    return radicand < 0 && radicand >= -1e-9 * mean * mean ? 0 : std::sqrt(radicand);
+}
 
 double boxSquare(const Pixels& p, int x, int y)
 {
@@ -136,7 +140,10 @@ struct Weighted {
         any = true;
     }
     double mean() const { return weight != 0 ? sum / weight : 0; }
-    double sigma() const { return weight != 0 ? root(squares / weight - mean() * mean()) : 0; }
+    double sigma() const
+    {
+        return weight != 0 ? root(squares / weight - mean() * mean(), mean()) : 0;
+    }
 };
 
 }  // namespace
@@ -222,7 +229,7 @@ RoiStatistics box(const Pixels& p, const StatisticsData& s)
         }
     if (good) {
         result.mean = result.integral / good;
-        result.sigma = root(squares / good - result.mean * result.mean);
+        result.sigma = root(squares / good - result.mean * result.mean, result.mean);
     }
     for (auto& point : result.curve)
         point[1] /= std::max(H, 1);

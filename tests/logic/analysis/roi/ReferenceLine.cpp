@@ -20,7 +20,11 @@ struct ListEntry {
     double value;
 };
 
-double root(double radicand) { return radicand < 0 ? 0 : std::sqrt(radicand); }
+/// Rounding alone makes a radicand slightly negative, wrapped squares much.
+double root(double radicand, double mean)
+{
+    return radicand < 0 && radicand >= -1e-9 * mean * mean ? 0 : std::sqrt(radicand);
+}
 
 /// Components by flood fill over the neighbour pairs that the labelling knows: left, upper left,
 /// upper and their opposites.
@@ -83,7 +87,7 @@ void reflections(RoiStatistics& result, const Pixels& pixels, const StatisticsDa
         if (n == 0)
             break;
         m = sum / n;
-        sigma = root(squares / n - m * m);
+        sigma = root(squares / n - m * m, m);
     }
     const double t = m + 3 * sigma;
     std::vector<std::pair<int, int>> set;
@@ -141,7 +145,7 @@ struct Running {
         result.maximum = maximum;
         if (weight != 0) {
             result.mean = integral / weight;
-            result.sigma = root(squares / weight - result.mean * result.mean);
+            result.sigma = root(squares / weight - result.mean * result.mean, result.mean);
         }
     }
 };

@@ -280,9 +280,10 @@ TEST(Box, SquaresWrapInTheArithmeticOfTheType)
     const MImage none(2, 1, 0u);
     const unsigned short narrow[] = {65535, 1};
     // The square of 65535 is -131071 as int, so that the radicand is negative.
-    EXPECT_EQ(compute(MImage(2, 1, MImage::BasicImage(narrow, 2)), none, region).sigma, 0);
+    EXPECT_TRUE(
+        std::isnan(compute(MImage(2, 1, MImage::BasicImage(narrow, 2)), none, region).sigma));
     const unsigned int wide[] = {65536, 0};  // the square is 0 modulo 2^32
-    EXPECT_EQ(compute(MImage(2, 1, MImage::BasicImage(wide, 2)), none, region).sigma, 0);
+    EXPECT_TRUE(std::isnan(compute(MImage(2, 1, MImage::BasicImage(wide, 2)), none, region).sigma));
 }
 
 TEST(Box, ExcludedPixelsEnterAsZeros)

@@ -216,6 +216,17 @@ TEST(Histogram, WithoutGoodPixelsOrImageItCountsNothing)
     EXPECT_EQ(histogram.value(0), 16u);
 }
 
+TEST(Histogram, AMeanThatIsNoNumberPutsLargePixelsIntoTheLastBin)
+{
+    MImage image(3, 1, 5e-5);
+    static_cast<double*>(image.data())[1] = std::nan("");
+    static_cast<double*>(image.data())[2] = 2e10;
+    IntegratedHistogram histogram;
+    histogram.compute(image, MImage(3, 1, 0u), std::nan(""));
+    EXPECT_EQ(histogram.value(5e-5), 1u);
+    EXPECT_EQ(histogram.value(9.99995e-5), 2u);
+}
+
 TEST(SortPixels, OrdersZerosBySign)
 {
     float values[] = {0.0f, -1.0f, -0.0f, 2.0f, 0.0f, -0.0f};

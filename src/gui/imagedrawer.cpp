@@ -49,17 +49,17 @@ ImageDrawer::ImageDrawer(TarvikService* service, bool useGlsl, QWidget* parent)
 
 ImageDrawer::~ImageDrawer() { _releaseContext(); }
 
-double ImageDrawer::imgX(int x) const { return _geometry().imageX(x); }
+double ImageDrawer::imgX(int x) const { return viewGeometry().imageX(x); }
 
-double ImageDrawer::imgY(int y) const { return _geometry().imageY(y); }
+double ImageDrawer::imgY(int y) const { return viewGeometry().imageY(y); }
 
-int ImageDrawer::screenX(double x) const { return _geometry().screenX(x); }
+int ImageDrawer::screenX(double x) const { return viewGeometry().screenX(x); }
 
-int ImageDrawer::screenY(double y) const { return _geometry().screenY(y); }
+int ImageDrawer::screenY(double y) const { return viewGeometry().screenY(y); }
 
-QRectF ImageDrawer::visibleRange() const { return _geometry().visibleRange(); }
+QRectF ImageDrawer::visibleRange() const { return viewGeometry().visibleRange(); }
 
-QRectF ImageDrawer::windowToImage() const { return _geometry().windowToImage(); }
+QRectF ImageDrawer::windowToImage() const { return viewGeometry().windowToImage(); }
 
 QRect ImageDrawer::imageBoundary() const { return imageBoundary(effectiveViewportData()); }
 
@@ -153,6 +153,17 @@ void ImageDrawer::setViewportSlot(const ViewportData& viewport)
     update();
 }
 
+void ImageDrawer::setPlottingMode(PlottingMode mode)
+{
+    _plottingMode = mode;
+    if (mode == PlottingMode::Flat)
+        setBackgroundColor(Qt::darkGray);
+    else if (mode == PlottingMode::ThreeDimensional)
+        setBackgroundColor(Qt::black);
+    setContrastSlot(_contrastData);
+}
+
+void ImageDrawer::paintRings(QPainter*) {}
 void ImageDrawer::paint(QPainter*) {}
 void ImageDrawer::virtualMousePressEvent(QMouseEvent*) {}
 void ImageDrawer::virtualMouseReleaseEvent(QMouseEvent*) {}
@@ -250,7 +261,10 @@ void ImageDrawer::_defectiveSlot(bool) { newImageSlot(); }
 
 void ImageDrawer::_saturatedSlot(bool) { newImageSlot(); }
 
-render::ViewGeometry ImageDrawer::_geometry() const { return _geometry(effectiveViewportData()); }
+render::ViewGeometry ImageDrawer::viewGeometry() const
+{
+    return _geometry(effectiveViewportData());
+}
 
 render::ViewGeometry ImageDrawer::_geometry(const ViewportData& viewport) const
 {
@@ -283,6 +297,8 @@ void ImageDrawer::_renderScene(QPainter& painter)
     painter.setRenderHint(QPainter::Antialiasing);
     if (!_useGlsl && _contrastData.colorTable)
         _cpuColouring.draw(painter, _image, _colouring(), visibleRange(), imageBoundary());
+    if (_service->resolutionDefined() && _service->showResolutionRings())
+        paintRings(&painter);
     paint(&painter);
 }
 
@@ -295,7 +311,7 @@ void ImageDrawer::_renderNative(double devicePixelRatio)
                     static_cast<float>(_backgroundColor.blueF()), 1.0F);
     gl.glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     if (_useGlsl && _scene->textures().hasImage() && _scene->textures().hasTables())
-        _scene->drawFlat(_image.kind(), _geometry());
+        _scene->drawFlat(_image.kind(), viewGeometry());
 }
 
 void ImageDrawer::_releaseContext()

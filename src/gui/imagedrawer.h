@@ -9,6 +9,7 @@
 #include "gui/render/ViewGeometry.h"
 #include "imagelib/image/MImage.h"
 #include "logic/records/ContrastData.h"
+#include "logic/records/PlottingMode.h"
 #include "logic/records/ViewportData.h"
 
 #include <QColor>
@@ -68,6 +69,7 @@ public:
     /// paint. Hides QWidget::grab(), which would take the same scene through a pixmap.
     QImage grab();
 
+    PlottingMode plottingMode() const { return _plottingMode; }
     bool moveImage() const { return _moveImage; }
     /// Does a drag with the left button move the image?
     void setMoveImage(bool move) { _moveImage = move; }
@@ -81,6 +83,8 @@ public slots:
     virtual void newImageSlot();
     virtual void setContrastSlot(const ContrastData& contrast);
     virtual void setViewportSlot(const ViewportData& viewport);
+    /// Shows the image flat on dark grey, or as a height map on black; without shaders always flat.
+    void setPlottingMode(PlottingMode mode);
 
 signals:
     /// Image coordinates; -1 and -1 when the cursor leaves the widget.
@@ -103,7 +107,10 @@ protected:
     /// Sign of a pan: +1 moves the image with the cursor.
     virtual int moveDirection() const = 0;
 
-    /// Draws over the image.
+    /// Draws the rings of constant resolution, in both plotting modes, below all that paint()
+    /// draws. Called only while the service has them defined and shown.
+    virtual void paintRings(QPainter* painter);
+    /// Draws over the image, in both plotting modes, in widget coordinates.
     virtual void paint(QPainter* painter);
     // What a view adds to the events of the base.
     virtual void virtualMousePressEvent(QMouseEvent* event);
@@ -121,7 +128,11 @@ protected:
     void leaveEvent(QEvent* event) override;
 
     TarvikService& service() const { return *_service; }
+    /// The view's own copy of the service's record, corrected.
     const ViewportData& viewport() const { return _viewportData; }
+    const ContrastData& contrast() const { return _contrastData; }
+    /// Conversions between widget and image under the effective viewport.
+    render::ViewGeometry viewGeometry() const;
 
 private slots:
     void _changedHeaderSlot();
@@ -130,7 +141,6 @@ private slots:
     void _saturatedSlot(bool highlight);
 
 private:
-    render::ViewGeometry _geometry() const;
     render::ViewGeometry _geometry(const ViewportData& viewport) const;
     render::Colouring _colouring() const;
     void _prepareScene();
@@ -149,6 +159,7 @@ private:
     std::unique_ptr<render::SceneRenderer> _scene;  // with shaders only
     QMetaObject::Connection _contextEnd;
     QColor _backgroundColor = Qt::darkGray;
+    PlottingMode _plottingMode = PlottingMode::Flat;
     int _cursorX = 0;
     int _cursorY = 0;
     int _lastMoveX = 0;

@@ -115,7 +115,17 @@ QMatrix4x4 ViewGeometry::selectRegionMatrix() const
     return matrix;
 }
 
-QMatrix4x4 ViewGeometry::transformationMatrix() const
+QMatrix4x4 ViewGeometry::transformationMatrix() const { return _matrix({}); }
+
+QMatrix4x4 ViewGeometry::plotMatrix() const
+{
+    QMatrix4x4 rotation;
+    rotation.rotate(_viewport.rotationX, 1, 0, 0);
+    rotation.rotate(_viewport.rotationY, 0, 1, 0);
+    return _matrix(rotation);
+}
+
+QMatrix4x4 ViewGeometry::_matrix(const QMatrix4x4& rotation) const
 {
     // The eye looks at the plane of the image from so far away, under so narrow an angle, that one
     // unit of the plane fills the view at zoom 1 whatever the zoom is.
@@ -129,8 +139,9 @@ QMatrix4x4 ViewGeometry::transformationMatrix() const
     matrix.lookAt(QVector3D(0, 0, 0), QVector3D(0, 0, -1), QVector3D(0, 1, 0));
     const double shiftX = 2 * _viewport.offsetX / width + distance / 128 - 1;
     const double shiftY = 2 * _viewport.offsetY / height + distance / 128 - 1;
-    matrix.translate(static_cast<float>(-shiftX), static_cast<float>(shiftY),
-                     static_cast<float>(-distance));
+    matrix.translate(0, 0, static_cast<float>(-distance));
+    matrix *= rotation;
+    matrix.translate(static_cast<float>(-shiftX), static_cast<float>(shiftY), 0);
 
     const auto unitImage =
         QMatrix4x4(static_cast<float>(2 * _image.width() / width), 0, 0, -1,                //

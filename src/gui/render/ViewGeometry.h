@@ -41,8 +41,13 @@ public:
     QMatrix4x4 selectRegionMatrix() const;
     /// Fractions of the image to clip coordinates of the view.
     QMatrix4x4 transformationMatrix() const;
+    /// The same for the height map, whose third coordinate is the height: turned by the viewport's
+    /// angles about the centre of the view in the plane of the image.
+    QMatrix4x4 plotMatrix() const;
 
 private:
+    QMatrix4x4 _matrix(const QMatrix4x4& rotation) const;
+
     QSize _image;
     QSize _view;
     ViewportData _viewport;

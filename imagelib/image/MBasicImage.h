@@ -50,7 +50,7 @@ public:
             throw MNotImplementedException(datatypes::missingImplementation(type, bits));
         if (size > std::size_t(-1) / 16)
             throw MRuntimeException("Not enough memory for " + std::to_string(size) + " pixels");
-        _buffer = PixelBuffer::allocate(size * (bits / 8));
+        _buffer = PixelBuffer::allocateImage(size * (bits / 8));
     }
 
     /// A copy of `size` values.
@@ -85,7 +85,7 @@ public:
     {
         if (!_buffer)
             return nullptr;
-        if (_buffer->readOnly() || !_buffer->unique()) {
+        if (!_buffer->unique() || _buffer->readOnly()) {
             PixelBufferPtr mine = PixelBuffer::allocate(_buffer->size());
             std::memcpy(mine->data(), _buffer->cdata(), _buffer->size());
             _buffer = std::move(mine);

@@ -10,6 +10,7 @@
 #include <mutex>
 #include <new>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <sys/mman.h>
@@ -30,6 +31,8 @@ constexpr bool Pooling = false;  // so that the address sanitizer sees each bloc
 #else
 constexpr bool Pooling = true;
 #endif
+
+thread_local PixelSource* threadSource = nullptr;
 
 struct Block {
     std::byte* data = nullptr;
@@ -153,11 +156,31 @@ PixelBufferPtr PixelBuffer::lease(const void* data, std::size_t bytes,
     PixelBufferPtr buffer(new PixelBuffer);
     buffer->_data = static_cast<std::byte*>(const_cast<void*>(data));
     buffer->_size = bytes;
+    buffer->_foreign = true;
     buffer->_readOnly = true;
     buffer->_release = std::move(release);
     buffer->_identity = nextIdentity();
     return buffer;
 }
+
+PixelBufferPtr PixelBuffer::adopt(void* data, std::size_t bytes, std::function<void()> release)
+{
+    PixelBufferPtr buffer = lease(data, bytes, std::move(release));
+    buffer->_readOnly = false;
+    return buffer;
+}
+
+PixelBufferPtr PixelBuffer::allocateImage(std::size_t bytes)
+{
+    PixelBufferPtr buffer = threadSource ? threadSource->allocate(bytes) : nullptr;
+    return buffer ? buffer : allocate(bytes);
+}
+
+PixelSource::Scope::Scope(PixelSource& source)
+    : _before(std::exchange(threadSource, &source))
+{}
+
+PixelSource::Scope::~Scope() { threadSource = _before; }
 
 void PixelBuffer::renew() { _identity = nextIdentity(); }
 
@@ -167,7 +190,7 @@ std::size_t PixelBuffer::pooledBytes() { return Pool::instance().bytes(); }
 
 PixelBuffer::~PixelBuffer()
 {
-    if (_readOnly) {
+    if (_foreign) {
         if (_release)
             _release();
     } else if (Pooling && _capacity >= SmallestPooled) {

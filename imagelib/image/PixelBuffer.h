@@ -17,6 +17,27 @@ namespace morvend::image {
 class PixelBuffer;
 using PixelBufferPtr = boost::intrusive_ptr<PixelBuffer>;
 
+/// Another place that memory of images may come from.
+class PixelSource {
+public:
+    virtual ~PixelSource() = default;
+    /// Writable memory as of PixelBuffer::adopt, or null to leave the request to the pool.
+    virtual PixelBufferPtr allocate(std::size_t bytes) = 0;
+
+    /// While it lives, new images of the thread that made it take their pixels from `source`, so
+    /// that a decoder writes straight into shared memory. Scopes may be nested.
+    class Scope {
+    public:
+        explicit Scope(PixelSource& source);
+        ~Scope();
+        Scope(const Scope&) = delete;
+        Scope& operator=(const Scope&) = delete;
+
+    private:
+        PixelSource* _before;
+    };
+};
+
 /// One block of pixel memory. Begins at a multiple of 64 bytes; at least 64 readable and, unless
 /// leased, writable bytes follow its end, so that vector loops need no tail.
 ///
@@ -29,16 +50,26 @@ public:
     /// @throws MRuntimeException when memory is short
     static PixelBufferPtr allocate(std::size_t bytes);
 
+    /// As allocate(), for the pixels of a new image: asks the thread's PixelSource first.
+    static PixelBufferPtr allocateImage(std::size_t bytes);
+
     /// A read-only view of memory that belongs to somebody else; `release` is called once, from
     /// whatever thread drops the last reference. `data` must be a multiple of 64 and readable for
     /// 64 bytes past its end.
     static PixelBufferPtr lease(const void* data, std::size_t bytes, std::function<void()> release);
 
+    /// As lease(), of memory that the sole owner of the block may write until it is frozen.
+    static PixelBufferPtr adopt(void* data, std::size_t bytes, std::function<void()> release);
+    /// Makes an adopted block read-only for good, since somebody outside looks at it. The caller
+    /// holds a reference; other holders may live on other threads.
+    void freeze() { _readOnly.store(true, std::memory_order_relaxed); }
+
     const std::byte* cdata() const { return _data; }
     /// Writable bytes; only for the sole owner of a block that is not leased.
     std::byte* data() { return _data; }
     std::size_t size() const { return _size; }
-    bool readOnly() const { return _readOnly; }
+    /// To be asked by the sole owner: others may freeze the block meanwhile.
+    bool readOnly() const { return _readOnly.load(std::memory_order_relaxed); }
 
     /// Number of this content, unique in the process and never 0: two images of equal identity
     /// show the same pixels, so that work on an unchanged mask is done once.
@@ -67,7 +98,8 @@ private:
     std::byte* _data = nullptr;
     std::size_t _size = 0;
     std::size_t _capacity = 0;  // of a pooled block; 0 for a lease
-    bool _readOnly = false;
+    bool _foreign = false;      // leased or adopted
+    std::atomic<bool> _readOnly{false};
     std::uint64_t _identity = 0;
     std::function<void()> _release;
 };

@@ -24,12 +24,17 @@ ImageLoaderThread::ImageLoaderThread(ImageLoader* loader, ImageLoader::Task task
     , _data(data)
     , _signalLoadError(signalLoadError)
     , _abort(abort)
-{}
+    , _generation(loader->_generation)
+{
+    ++_loader->_requests;
+}
+
+ImageLoaderThread::~ImageLoaderThread() { --_loader->_requests; }
 
 void ImageLoaderThread::run()
 {
     _loader->_awaitHandOver();
-    if (_abort)
+    if (_abort || _generation != _loader->_generation)
         return;
     _total.start();
     _step.start();

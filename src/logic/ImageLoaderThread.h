@@ -15,9 +15,12 @@ public:
     /// Pushed images that a series in memory keeps.
     static constexpr int pushedImages = 25;
 
-    /// @param abort looked at once, when the job begins: a job that has begun runs to its end
+    /// @param abort looked at once, when the job begins, as is whether the loader has dropped its
+    /// queue since: a job that has begun runs to its end
     ImageLoaderThread(ImageLoader* loader, ImageLoader::Task task, const ImageLoader::Data& data,
                       bool signalLoadError, const std::atomic<bool>& abort);
+
+    ~ImageLoaderThread() override;
 
     /// The whole job. Any failure ends in ImageLoader::loadError().
     void run() override;
@@ -37,6 +40,7 @@ private:
     ImageLoader::Data _data;
     const bool _signalLoadError;
     const std::atomic<bool>& _abort;
+    const unsigned int _generation;
     QElapsedTimer _total;
     QElapsedTimer _step;
 };

@@ -4,7 +4,7 @@
 // The view service: wiring, and access to what the view holds.
 #include "logic/TarvikService.h"
 
-#include "logic/service/Geometry.h"
+#include "logic/geometry/RingAdvice.h"
 #include "logic/service/TarvikServicePrivate.h"
 
 #include <QFile>
@@ -23,11 +23,24 @@ TarvikService::TarvikServicePrivate::TarvikServicePrivate(TarvikCore& core, Tarv
                             emit service.newStatisticsSignal(_statisticsRecord.value());
                         })
     , _peaks(core, [this] { emit service.newPeakSignal(_peaks.value()); })
+    , _modes(owner, _imageLoader)
+    , _halvoClient(std::make_unique<HalvoClient>(core.halvoService()))
 {
     connect(&_imageLoader, &ImageLoader::newImage, &service, &TarvikService::_newImageSlot);
     connect(&_imageLoader, &ImageLoader::loadError, &service, &TarvikService::imageLoadErrorSignal);
     connect(&_imageLoader, &ImageLoader::imageContainerChangedSignal, &service,
             &TarvikService::imageContainerChangedSignal);
+    const auto open = qOverload<MImage>(&TarvikService::openImage);
+    connect(&_modes.monitor(), &HalvoMonitor::newImage, &service, open);
+    connect(&service, &TarvikService::newImageSignal, &_modes.monitor(),
+            &HalvoMonitor::newImageSlot);
+    connect(_halvoClient.get(), &HalvoClient::monitorSignal, &service, open);
+}
+
+void TarvikService::TarvikServicePrivate::end()
+{
+    _halvoClient.reset();
+    _modes.end();
 }
 
 TarvikService::TarvikService(TarvikCore& core)
@@ -35,7 +48,7 @@ TarvikService::TarvikService(TarvikCore& core)
     , _d(std::make_unique<TarvikServicePrivate>(core, *this))
 {}
 
-TarvikService::~TarvikService() = default;
+TarvikService::~TarvikService() { _d->end(); }
 
 void TarvikService::_newImageSlot() { _d->newImage(); }
 
@@ -138,6 +151,26 @@ void TarvikService::setColorTables(const std::list<const MColorTable*>& colorTab
     _d->_colorTables = colorTables;
 }
 
+void TarvikService::setMovieMode(bool on) { _d->_modes.setMovie(on); }
+bool TarvikService::movieMode() const { return _d->_modes.movie(); }
+void TarvikService::setMovieModeStep(int step) { _d->_modes.autoLoader().setStepSize(step); }
+int TarvikService::movieModeStep() const { return _d->_modes.autoLoader().stepSize(); }
+void TarvikService::setWatchSeriesMode(bool on) { _d->_modes.setWatchSeries(on); }
+bool TarvikService::watchSeriesMode() const { return _d->_modes.watchSeries(); }
+void TarvikService::setHalvoMonitorMode(bool on) { _d->_modes.setHalvoMonitor(on); }
+bool TarvikService::halvoMonitorMode() const { return _d->_modes.halvoMonitor(); }
+
+void TarvikService::setHalvoMonitorHost(QString host, int port, double minPause)
+{
+    _d->_modes.setHalvoMonitorHost(host, port, minPause);
+}
+
+QString TarvikService::halvoMonitorHost() const { return _d->_modes.host(); }
+int TarvikService::halvoMonitorPort() const { return _d->_modes.port(); }
+double TarvikService::halvoMonitorMinPause() const { return _d->_modes.minPause(); }
+HalvoClient* TarvikService::halvoClient() const { return _d->_halvoClient.get(); }
+bool TarvikService::loading() const { return _d->_imageLoader.loading(); }
+
 const TarvikService::MDrawingList& TarvikService::paintList() const { return _d->_paintList; }
 
 void TarvikService::addToPaintList(const MDrawingList& list)
@@ -215,6 +248,18 @@ QString TarvikService::intensityString(int x, int y) const
     if (image().type() == morvend::datatypes::FLOAT)
         return QStringLiteral("%1").arg(image().pixel<double>(x, y, 0), 0, 'g', 6, u'0');
     return QString::number(image().pixel<long long>(x, y, 0));
+}
+
+void TarvikService::recommendResolutionRadius(int n, double& centreX, double& centreY,
+                                              std::vector<double>& radii,
+                                              std::vector<QString>& labels) const
+{
+    geometry::RingAdvice advice =
+        geometry::adviseRings(optionalData(), image().width(), image().height(), n);
+    radii = std::move(advice.radii);
+    labels = std::move(advice.labels);
+    if (resolutionDefined())
+        beamCentre(centreX, centreY);
 }
 
 void TarvikService::setCursorCoordinates(double imgX, double imgY)

@@ -24,7 +24,9 @@
 #include <list>
 #include <memory>
 #include <string>
+#include <vector>
 
+class HalvoClient;
 class TarvikCore;
 
 /// The model of one image view, and the only object that its widgets talk to: they copy a record,
@@ -90,6 +92,21 @@ public:
     const std::list<const MColorTable*>& colorTables() const;
     void setColorTables(const std::list<const MColorTable*>& colorTables);
 
+    /// The modes that keep the view moving; at most one is on.
+    bool movieMode() const;
+    bool watchSeriesMode() const;
+    bool halvoMonitorMode() const;
+    /// Images from one picture of a movie to the next.
+    int movieModeStep() const;
+    /// Where the monitor looks for a detector, and the seconds between two of its pictures.
+    QString halvoMonitorHost() const;
+    int halvoMonitorPort() const;
+    double halvoMonitorMinPause() const;
+    /// This view's handle on the detector.
+    HalvoClient* halvoClient() const;
+    /// Is a request for an image queued or running?
+    bool loading() const;
+
     /// The overlay of a scripting client.
     const MDrawingList& paintList() const;
 
@@ -115,6 +132,10 @@ public:
     double resolution(int x, int y) const;
     /// Text of a pixel's value, "0" outside the image, empty without image.
     QString intensityString(int x, int y) const;
+    /// Rings to draw over the image: their centre in pixels, radii in pixels of mean size, and
+    /// labels. The centre stays as it was unless resolutionDefined().
+    void recommendResolutionRadius(int n, double& centreX, double& centreY,
+                                   std::vector<double>& radii, std::vector<QString>& labels) const;
 
 public slots:
     // Setters of a record store it, signal it in any case, and hand it to the group when it is new
@@ -140,8 +161,20 @@ public slots:
     void openLast(bool signalLoadError = true);
     /// Looks for images that were added to the series; imageContainerChangedSignal() follows.
     void scanImageContainer();
-    /// Scans whenever the folder of the image changes.
+    /// Scans whenever the folder of the image changes, and every other second since not every
+    /// file system tells.
     void watchImageContainer(bool watch);
+
+    /// Plays the series from the image on, or stops. Without image nothing happens. A mode that is
+    /// left signals its end first.
+    void setMovieMode(bool on);
+    void setMovieModeStep(int step);
+    /// Goes to the last image whenever the series grows. Without image nothing happens.
+    void setWatchSeriesMode(bool on);
+    /// Shows the pictures that a detector takes.
+    void setHalvoMonitorMode(bool on);
+    /// Kept in the user's settings as well.
+    void setHalvoMonitorHost(QString host, int port, double minPause);
 
     void setPlottingMode(PlottingMode mode);
     void toggleShowResolutionRings(bool show);
@@ -164,6 +197,7 @@ public slots:
 signals:
     /// A new image is there. Contrast and viewport may have changed with it: receivers read them.
     void newImageSignal();
+    void newImageSignalIntern();  // part of the interface, without receiver
     void imageLoadErrorSignal(QString message);
     void headerChangedSignal();
     void newViewportSignal(ViewportData data);
@@ -178,6 +212,10 @@ signals:
     void powderPlotDefinedSignal(bool defined);
     void defectiveSignal(bool highlight);
     void saturatedSignal(bool highlight);
+    void movieModeSignal(bool on);
+    void watchSeriesModeSignal(bool on);
+    void halvoMonitorModeSignal(bool on);
+    void halvoMonitorHostSignal(QString host, int port, double minPause);
     void paintListSignal();
     void cursorInfoSignal(CursorInfo info);
 

@@ -5,6 +5,8 @@
 #include "logic/tarvikcore.h"
 
 #include "imagelib/display/MColorTable.h"
+#include "imagelib/display/MDrawingList.h"
+#include "logic/HalvoService.h"
 #include "logic/TarvikService.h"
 
 #include <algorithm>
@@ -12,6 +14,7 @@
 TarvikCore::TarvikCore()
     : _colorTables{MColorTable::hdr(), MColorTable::grey(), MColorTable::heat(),
                    MColorTable::rainbow()}
+    , _halvoService(std::make_shared<HalvoService>())
 {
     qRegisterMetaType<ViewportData>("ViewportData");
     qRegisterMetaType<ContrastData>("ContrastData");
@@ -19,6 +22,8 @@ TarvikCore::TarvikCore()
     qRegisterMetaType<const StatisticsData*>("const StatisticsData*");
     qRegisterMetaType<PeakData>("PeakData");
     qRegisterMetaType<morvend::imglib::MImage>("morvend::imglib::MImage");
+    qRegisterMetaType<const morvend::imglib::MDrawingList<>*>(
+        "const morvend::imglib::MDrawingList<>*");
 }
 
 TarvikCore::~TarvikCore()

@@ -15,9 +15,11 @@
 #include <QString>
 
 #include <list>
+#include <memory>
 #include <set>
 #include <tuple>
 
+class HalvoService;
 class TarvikService;
 
 /// Creates and deletes the services of all views, ties views of one sync id together and holds the
@@ -55,6 +57,9 @@ public:
     /// Makes the table of this identifier the default; it must be one of the tables (asserted).
     void setDefaultColorTable(const QString& name);
 
+    /// The detector of all views.
+    std::shared_ptr<HalvoService> halvoService() const { return _halvoService; }
+
 public slots:
     /// Do changes of a record spread through groups? A change of the flag is signalled once;
     /// switching on makes all views of a group take over the record that was set last.
@@ -78,4 +83,5 @@ private:
         _groups;
     std::list<const MColorTable*> _colorTables;
     const MColorTable* _defaultColorTable = nullptr;
+    std::shared_ptr<HalvoService> _halvoService;
 };

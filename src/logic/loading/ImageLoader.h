@@ -47,6 +47,11 @@ public:
     void open(Task task, const Data& data, bool signalLoadError);
     /// Drops what is queued and waits for a running job, whose result still comes.
     void emptyTaskQueue();
+    /// Drops what is queued and returns at once: nothing that was asked for before begins any more.
+    /// A running job goes on as with emptyTaskQueue(), and its result comes the same way.
+    void dropTaskQueue() { ++_generation; }
+    /// Is a request queued or running? Scans do not count.
+    bool loading() const { return _requests > 0; }
     /// Moves all waiting records to the end of a list, in the order they were finished.
     void results(std::list<Data>& out);
     /// Lowest and highest number of the series as the last finished job left it, -1 for an empty
@@ -77,6 +82,8 @@ private:
     void _noteBounds();
 
     std::atomic<bool> _abort = false;
+    std::atomic<unsigned int> _generation = 0;  // jobs of an earlier one are dropped
+    std::atomic<int> _requests = 0;             // jobs that live
     const std::unique_ptr<morvend::imglib::MImageSeries> _series;
     MaskFixup _maskFixup;
     std::mutex _handOver;

@@ -23,6 +23,9 @@ void TarvikService::TarvikServicePrivate::newImage()
     _roiStatistics = load.roiStatistics;
     _imagePeaksDirty = true;
 
+    if (_watch)
+        _watch->setFile(service.imagePath());
+
     const bool sameGroup = oldId == service.syncID();
     _headerEdits.newImage(_image, _imageIndex, sameGroup);
     if (!sameGroup)

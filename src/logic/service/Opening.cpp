@@ -5,7 +5,6 @@
 #include "logic/service/TarvikServicePrivate.h"
 
 #include <QFile>
-#include <QFileInfo>
 
 #include <algorithm>
 #include <limits>
@@ -73,12 +72,10 @@ void TarvikService::_scanImageContainterSlot(const QString&) { _d->_imageLoader.
 
 void TarvikService::watchImageContainer(bool watch)
 {
-    _d->_watcher.reset();
+    _d->_watch.reset();
     if (!watch)
         return;
-    _d->_watcher = std::make_unique<QFileSystemWatcher>();
-    connect(_d->_watcher.get(), &QFileSystemWatcher::directoryChanged, this,
+    _d->_watch = std::make_unique<ContainerWatch>(imagePath());
+    connect(_d->_watch.get(), &ContainerWatch::changedSignal, this,
             &TarvikService::_scanImageContainterSlot);
-    if (!_d->_imagePath.empty())
-        _d->_watcher->addPath(QFileInfo(imagePath()).absolutePath());
 }

@@ -6,16 +6,20 @@
 
 #include "logic/ImageLoaderThread.h"
 #include "logic/TarvikService.h"
+#include "logic/detector/HalvoClient.h"
+#include "logic/service/AutoModes.h"
+#include "logic/service/ContainerWatch.h"
 #include "logic/service/HeaderEdits.h"
 #include "logic/service/ViewRecord.h"
 
 #include <QElapsedTimer>
-#include <QFileSystemWatcher>
 
 /// What a service holds, and the work behind its operations; signals go out through the service.
 class TarvikService::TarvikServicePrivate {
 public:
     TarvikServicePrivate(TarvikCore& core, TarvikService& owner);
+    /// Ends what works by itself. The first step of destruction, as long as the service is whole.
+    void end();
 
     /// Hands a request to the loader, with the view's records.
     void open(ImageLoader::Task task, ImageLoader::Data request, bool signalLoadError);
@@ -52,7 +56,7 @@ public:
     bool _highlightDefective = true;
     bool _highlightSaturated = true;
     int _imageIndex = -1;
-    std::unique_ptr<QFileSystemWatcher> _watcher;
+    std::unique_ptr<ContainerWatch> _watch;
     QSharedPointer<ImageStatistics> _statistics;
     RoiStatistics _roiStatistics;
     ImagePeaks _imagePeaks;
@@ -62,7 +66,9 @@ public:
     const MColorTable* _defaultColorTable = nullptr;
     std::list<const MColorTable*> _colorTables;
     MDrawingList _paintList;
-    ImageLoader _imageLoader;  // last: it ends first, and its jobs with it
+    ImageLoader _imageLoader;
+    AutoModes _modes;
+    std::unique_ptr<HalvoClient> _halvoClient;
 
 private:
     bool _activeCentredCircle() const;

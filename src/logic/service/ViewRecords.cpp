@@ -3,7 +3,7 @@
 //
 // Setting records and spreading them through the group.
 #include "logic/RoiComputer.h"
-#include "logic/service/Geometry.h"
+#include "logic/geometry/Geometry.h"
 #include "logic/service/TarvikServicePrivate.h"
 
 // A receiver of a signal may set the record anew before the signal returns; what is handed to the

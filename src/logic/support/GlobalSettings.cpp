@@ -10,17 +10,13 @@
 
 const QString GlobalSettings::accessibleInUserMode = QStringLiteral("HalvoAccessibleInUserMode");
 
-namespace {
-
-QString machinePath()
+QString GlobalSettings::machinePath()
 {
     const QString preferences = QStringLiteral("/Library/Preferences");
     if (QDir(preferences).exists())
         return preferences + QStringLiteral("/MORVEND/TARVIK");
     return QStringLiteral("/etc/xdg/MORVEND/TARVIK.conf");
 }
-
-}  // namespace
 
 GlobalSettings::GlobalSettings()
     : GlobalSettings(machinePath())
@@ -33,4 +29,9 @@ GlobalSettings::GlobalSettings(const QString& path)
     const QStringList keys = allKeys();
     for (const QString& key : keys)
         console::print(key.toStdString() + '\n');
+}
+
+bool GlobalSettings::usersMayDriveDetector() const
+{
+    return !contains(accessibleInUserMode) || value(accessibleInUserMode).toBool();
 }

@@ -16,8 +16,14 @@ public:
     /// bool, true when absent: may users without rights to write this file drive the detector?
     static const QString accessibleInUserMode;
 
+    /// The file's fixed path.
+    static QString machinePath();
+
     /// Opens the file and prints each key that it holds on standard output, one per line.
     GlobalSettings();
     /// The same over another file, for tests.
     explicit GlobalSettings(const QString& path);
+
+    /// The value of accessibleInUserMode.
+    bool usersMayDriveDetector() const;
 };

@@ -27,5 +27,7 @@ double distance(const Header& header, int x, int y);
 /// Resolution at a point in Angstrom by Bragg's law; infinite at the beam centre, -1 when not
 /// defined.
 double resolution(const Header& header, int x, int y);
+/// The same at a distance in metres from the beam centre; resolutionDefined() must hold.
+double resolutionAt(const Header& header, double distance);
 
 }  // namespace geometry

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Distances on the detector and Bragg's law.
-#include "logic/service/Geometry.h"
+#include "logic/geometry/Geometry.h"
 
 #include <cmath>
 
@@ -48,8 +48,13 @@ double resolution(const Header& header, int x, int y)
 {
     if (!resolutionDefined(header))
         return -1.0;
+    return resolutionAt(header, distance(header, x, y));
+}
+
+double resolutionAt(const Header& header, double distance)
+{
     const double scatteringAngle =
-        std::atan(distance(header, x, y) / static_cast<double>(*header.detector_distance()));
+        std::atan(distance / static_cast<double>(*header.detector_distance()));
     return *header.wavelength() / (2.0 * std::sin(scatteringAngle / 2.0));
 }
 

@@ -1,0 +1,20 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Picking a view's own pictures.
+#include "logic/detector/HalvoClient.h"
+
+#include "logic/HalvoService.h"
+
+#include <utility>
+
+HalvoClient::HalvoClient(std::shared_ptr<HalvoService> service, QObject* parent)
+    : QObject(parent)
+    , _service(std::move(service))
+{
+    connect(_service.get(), &HalvoService::monitorSignal, this,
+            [this](const HalvoClient* client, const morvend::imglib::MImage& image) {
+                if (client == this)
+                    emit monitorSignal(image);
+            });
+}

@@ -1,0 +1,87 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Keeps a view moving through its series without a hand.
+#pragma once
+
+#include <QMetaObject>
+#include <QMutex>
+#include <QThread>
+#include <QWaitCondition>
+
+#include <array>
+#include <optional>
+
+class TarvikService;
+
+/// Paces a movie, or follows a series that grows. It loads nothing itself: its thread only signals
+/// when the service is to load, and sleeps in between.
+///
+/// A movie goes on when the image before has been shown, after 200 ms and with a pause of 10 ms at
+/// least; at the end of the series it sleeps until the series grows. A frame that fails to load
+/// raises no error; it is asked for again when the series has been scanned. Thread: public calls
+/// and slots on the service's thread.
+class AutoLoader : public QThread {
+    Q_OBJECT
+public:
+    enum Mode { Movie = 0, WatchSeries = 1 };
+
+    explicit AutoLoader(TarvikService* service);
+    /// Stops, and waits for the thread.
+    ~AutoLoader() override;
+
+    /// Images from one picture of a movie to the next, 1 at first.
+    void setStepSize(int step);
+    int stepSize() const;
+
+    /// Begins, or goes on in another mode.
+    void startLoading(Mode mode);
+    /// No further request reaches the service. The thread ends soon after; callers wait for it.
+    void stopLoading();
+
+signals:
+    void nextImageSignal(int n, bool signalLoadError);
+    void lastImageSignal(bool signalLoadError);
+
+protected:
+    void run() override;
+
+private slots:
+    void _directoryChangedSlot();
+    void _newImageSlot();
+
+private:
+    /// Tells the thread where the view is. @param answered  a request of the thread came to an end
+    void _updateIndices(bool answered);
+    void _disconnectService();
+    /// Connects what asks for images; what was signalled before a stop does not arrive after it.
+    void _connectRequests(Mode mode);
+    /// Has a request reached the service?
+    void _noteArrival();
+    /// Waits until there is an image behind the current one. @returns the step to it, none to stop
+    std::optional<int> _awaitNext();
+    /// Signals a request. @returns whether it is for a movie
+    bool _request(int step);
+    /// Waits until the request is answered. @returns false to stop
+    bool _awaitAnswer();
+    /// The rest of a picture's time. @returns false to stop
+    bool _pause(qint64 elapsed);
+
+    static constexpr int minimumPause = 10;  // ms
+    static constexpr int framePeriod = 200;  // ms
+
+    TarvikService* const _service;
+    std::array<QMetaObject::Connection, 3> _connections;
+    int _session = 0;  // counts starts and stops
+
+    // Shared with the thread.
+    mutable QMutex _mutex;
+    QWaitCondition _condition;
+    bool _stop = false;
+    bool _update = false;
+    bool _underWay = false;  // a request has been signalled and has not reached the service yet
+    Mode _mode = Movie;
+    int _currentIndex = -1;
+    int _lastIndex = -1;
+    int _stepSize = 1;
+};

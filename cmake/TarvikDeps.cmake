@@ -16,6 +16,9 @@ pkg_check_modules(DEFLATE REQUIRED IMPORTED_TARGET libdeflate)
 pkg_check_modules(ZSTD REQUIRED IMPORTED_TARGET libzstd)
 pkg_check_modules(HDF5 REQUIRED IMPORTED_TARGET hdf5)
 
+if(TARVIK_FUZZ)
+    return()
+endif()
 find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets OpenGL OpenGLWidgets Svg Xml Test)
 
 if(TARVIK_BUILD_TESTS)

@@ -3,6 +3,7 @@
 option(TARVIK_BUILD_TESTS "Build the tests" ON)
 option(TARVIK_BUILD_BENCH "Build the benchmarks" ${TARVIK_BUILD_TESTS})
 option(TARVIK_WERROR "Treat warnings as errors" OFF)
+option(TARVIK_FUZZ "Build nothing but imagelib and its fuzzers; needs clang" OFF)
 set(TARVIK_SANITIZE "" CACHE STRING "Sanitizers, as in -fsanitize=, or empty")
 
 # Assertions are part of the product: no build type may define NDEBUG.

@@ -27,6 +27,13 @@ constexpr std::size_t MostBytes = std::size_t(1) << 38;  // beyond any machine: 
 constexpr std::size_t MostPooled = std::size_t(512) << 20;
 
 #if defined(__SANITIZE_ADDRESS__)
+#define TARVIK_ADDRESS_SANITIZER
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define TARVIK_ADDRESS_SANITIZER
+#endif
+#endif
+#if defined(TARVIK_ADDRESS_SANITIZER)
 constexpr bool Pooling = false;  // so that the address sanitizer sees each block's true bounds
 #else
 constexpr bool Pooling = true;

@@ -34,7 +34,7 @@ namespace hn = hwy::HWY_NAMESPACE;
 // Highway's best target implies the instruction for dot products of bytes without enabling it.
 #undef TARVIK_DOT
 #if HWY_TARGET == HWY_AVX3_DL
-#define TARVIK_DOT __attribute__((target("avx512vnni")))
+#define TARVIK_DOT __attribute__((target(HWY_TARGET_STR ",avx512vnni")))
 #else
 #define TARVIK_DOT
 #endif
@@ -153,10 +153,11 @@ HWY_INLINE std::size_t FirstWide(const std::uint8_t* in, std::uint64_t bits, std
 /// instructions than shifting and adding.
 TARVIK_DOT_INLINE SumVector PrefixOfBytes(const std::uint8_t* in)
 {
-    constexpr std::size_t fours = SumLanes / 4;
-    const auto four = [in](std::size_t k)
-                          TARVIK_DOT { return byteoffset::valueAt<std::int32_t>(in + 4 * k); };
-    const auto ones = [](std::size_t k) { return &lanes::OnesUpTo<SumLanes>[k]; };
+    [[maybe_unused]] constexpr std::size_t fours = SumLanes / 4;
+    [[maybe_unused]] const auto four = [in](std::size_t k) TARVIK_DOT {
+        return byteoffset::valueAt<std::int32_t>(in + 4 * k);
+    };
+    [[maybe_unused]] const auto ones = [](std::size_t k) { return &lanes::OnesUpTo<SumLanes>[k]; };
 #if HWY_TARGET == HWY_AVX3_DL
     __m512i sums = _mm512_setzero_si512();
 #pragma GCC unroll 4

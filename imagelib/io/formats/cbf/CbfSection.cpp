@@ -68,7 +68,7 @@ public:
         const char* end = text.data() + text.size();
         const auto [stop, error] = std::from_chars(text.data(), end, result);
         if (!text.empty() && (error != std::errc() || (stop != end && !isBlank(*stop))))
-            refuse(std::string(key) + " is no count but \"" + text + "\"", path);
+            refuse(std::string(key) + " is no count but " + quoted(text), path);
         return result;
     }
 
@@ -95,7 +95,7 @@ void parseType(const std::string& text, CbfSection& section, const std::string& 
     else
         section.type = text.find("unsigned") != text.npos ? datatypes::UINT : datatypes::INT;
     if (!datatypes::isPixelType(section.type, bits))
-        refuse("pixels of type \"" + text + "\" are not known", path);
+        refuse("pixels of type " + quoted(text) + " are not known", path);
 }
 
 void parseConversion(const std::string& text, CbfSection& section, const std::string& path)
@@ -118,7 +118,7 @@ void parseConversion(const std::string& text, CbfSection& section, const std::st
     else if (name == "x-cbf_canonical")
         section.conversion = Canonical;
     else if (name != "x-cbf_none")
-        refuse("conversion \"" + name + "\" of the pixel data is not known", path);
+        refuse("conversion " + quoted(name) + " of the pixel data is not known", path);
     section.flat = text.find("flat") != text.npos;
     section.uncorrelatedSections = text.find("uncorrelated_sections") != text.npos;
 }
@@ -130,7 +130,7 @@ void parseEncoding(const std::string& text, CbfSection& section, const std::stri
     else if (text == "quoted-printable")
         section.encoding = CbfSection::Encoding::QuotedPrintable;
     else if (!text.empty() && text != "binary")
-        refuse("transfer encoding \"" + text + "\" of the pixel data is not known", path);
+        refuse("transfer encoding " + quoted(text) + " of the pixel data is not known", path);
 }
 
 }  // namespace

@@ -52,8 +52,8 @@ public:
     }
     [[noreturn]] void unsupported(const char* key, std::string_view value) const
     {
-        throw MNotImplementedException("EDF: " + std::string(key) + " \"" + std::string(value) +
-                                       "\" is not read: " + _path);
+        throw MNotImplementedException("EDF: " + std::string(key) + ' ' + quoted(value) +
+                                       " is not read: " + _path);
     }
 
 private:
@@ -110,7 +110,7 @@ std::uint64_t dimension(const EdfHeader& header, const Complaint& complaint, con
         complaint.damaged(std::string("the header has no ") + key);
     const auto size = header.number(key);
     if (!size || *size == 0 || *size > LargestSize)
-        complaint.damaged(std::string(key) + " can't be \"" + std::string(*text) + "\"");
+        complaint.damaged(std::string(key) + " can't be " + quoted(*text));
     return *size;
 }
 
@@ -138,8 +138,11 @@ void readExternal(const EdfHeader& header, const Complaint& complaint, EdfLayout
         return;
     // Only a file beside this one: a header is no place to take paths from.
     layout.externalFile = name->substr(name->find_last_of("/\\") + 1);
-    if (layout.externalFile.empty() || layout.externalFile == "." || layout.externalFile == "..")
-        complaint.damaged("EDF_BinaryFileName can't be \"" + std::string(*name) + "\"");
+    const bool noName =
+        layout.externalFile.empty() || layout.externalFile == "." || layout.externalFile == "..";
+    if (noName ||
+        std::ranges::any_of(layout.externalFile, [](char c) { return isBlank(c) && c != ' '; }))
+        complaint.damaged("EDF_BinaryFileName can't be " + quoted(*name));
     layout.externalOffset = header.number("EDF_BinaryFilePosition").value_or(0);
     if (const auto bytes = header.number("EDF_BinaryFileSize"))
         layout.statedBytes = bytes;

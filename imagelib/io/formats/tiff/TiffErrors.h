@@ -32,7 +32,8 @@ public:
     std::string inBrackets() const { return _first.empty() ? "" : " (" + _first + ")"; }
 
 private:
-    static int _error(TIFF*, void* self, const char* module, const char* format, va_list values);
+    [[gnu::format(printf, 4, 0)]] static int _error(TIFF*, void* self, const char* module,
+                                                    const char* format, va_list values);
 
     std::string _first;
 };

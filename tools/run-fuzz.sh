@@ -1,0 +1,45 @@
+#!/usr/bin/env bash
+# SPDX-FileCopyrightText: 2026 the TARVIK authors
+# SPDX-License-Identifier: MIT
+#
+# Builds the fuzzers and runs each for a time, two at once: tools/run-fuzz.sh SECONDS [target...]
+# What they learn stays in build/fuzz/corpus. Fails on any finding and names the file that shows it.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+seconds=${1:?seconds for each target}
+shift
+
+build=build/fuzz
+mkdir -p "$build"
+cmake --preset fuzz >"$build-configure.log" 2>&1 || { cat "$build-configure.log"; exit 1; }
+cmake --build --preset fuzz -j "$(nproc)"
+if [ $# -eq 0 ]; then
+    for fuzzer in "$build"/bin/fuzz_*; do set -- "$@" "${fuzzer##*/fuzz_}"; done
+fi
+mkdir -p "$build/findings"
+
+# The time limit is far above what any file of this size may take; the memory limit is for the sums
+# of blocks, a single one that can't be had is a failure that the readers have to report.
+run() {
+    target=$1
+    mkdir -p "$build/corpus/$target"
+    dictionary=tests/fuzz/$target.dict
+    status=0
+    ASAN_OPTIONS=allocator_may_return_null=1 nice -n 19 "$build/bin/fuzz_$target" \
+        -max_total_time="$seconds" -timeout=5 -rss_limit_mb=2048 -max_len=16384 \
+        -print_final_stats=1 -artifact_prefix="$build/findings/$target-" \
+        $([ -e "$dictionary" ] && echo "-dict=$dictionary") \
+        "$build/corpus/$target" "tests/fuzz/corpus/$target" >"$build/$target.log" 2>&1 || status=$?
+    runs=$(sed -n 's/^stat::number_of_executed_units: *//p' "$build/$target.log")
+    if [ "$status" -eq 0 ]; then
+        echo "$target: $runs runs, no finding"
+        return
+    fi
+    echo "$target: a finding after ${runs:-?} runs; the log is $build/$target.log"
+    grep -E '^(SUMMARY|Not as it should be|Test unit written|.*: Assertion)|terminate called' \
+        "$build/$target.log" | sort -u
+    return 1
+}
+export -f run
+export build seconds
+printf '%s\n' "$@" | xargs -P 2 -I '{}' bash -c 'run {}'

@@ -6,10 +6,12 @@
 
 #include "imagelib/ipc/Message.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string>
+#include <variant>
 #include <vector>
 
 namespace morvend::imglib::wire {
@@ -21,12 +23,17 @@ inline constexpr std::size_t HeadBytes = 32;
 /// Most bytes of the description of a message, and of its inline data.
 inline constexpr std::size_t MostMeta = std::size_t(64) << 20;
 inline constexpr std::size_t MostBulk = std::size_t(64) << 20;
+/// Most nodes of a metadata tree.
+inline constexpr std::uint32_t MostNodes = 1U << 20;
 /// Segments are numbered below this.
 inline constexpr std::uint32_t MostSegments = 1024;
 /// Arrays that a receiver keeps for later messages are numbered below this.
 inline constexpr std::uint8_t MostKept = 8;
-/// Most file descriptors of one frame: two for each of an image and its mask at worst.
-inline constexpr std::uint32_t MostDescriptors = 4;
+inline constexpr std::uint8_t NotKept = 0xff;
+/// Most file descriptors of one frame: an image and its mask.
+inline constexpr std::uint32_t MostDescriptors = 2;
+/// Bytes that stand behind the pixels in a segment or file, for the sake of vector loops.
+inline constexpr std::size_t Padding = 64;
 
 /// Where the pixels of an image lie.
 enum class Place : std::uint8_t { Nowhere = 0, Inline = 1, Segment = 2, OwnFile = 3, Kept = 4 };
@@ -42,33 +49,67 @@ struct Head {
     std::size_t frameBytes() const { return HeadBytes + metaBytes + std::size_t(bulkBytes); }
 };
 
-/// The place of an array outside its frame, as the frame says it.
+/// The place of an array as its frame says it.
 struct ArrayPlace {
     Place place = Place::Nowhere;
+    std::uint8_t keep = NotKept;   // number under which the receiver keeps the array
     std::uint32_t number = 0;      // of the segment, or of the array kept
     std::int32_t descriptor = -1;  // index among the descriptors of the frame
-    std::uint64_t offset = 0;      // of the first byte in the segment or file
-    std::uint64_t bytes = 0;
+    std::uint64_t offset = 0;      // of the first byte in the inline data, segment or file
 };
 
-/// Gives the pixels that a frame only names. Whatever it is asked for has been checked for form
-/// alone. @throws MRuntimeException for what it does not have
+/// Gives the pixels that a frame only names. What it is asked for has been checked for form alone.
+/// @throws MRuntimeException for what it does not have
 class ArraySource {
 public:
     virtual ~ArraySource() = default;
-    /// A buffer of at least place.bytes for pixels in a segment or a file of their own.
-    virtual image::PixelBufferPtr outside(const ArrayPlace& place) = 0;
-    virtual image::MBasicImage<> kept(std::uint8_t number) = 0;
-    virtual void keep(std::uint8_t number, const image::MBasicImage<>& pixels) = 0;
+    /// `bytes` bytes in a segment or a file of their own, with padding.
+    virtual image::PixelBufferPtr outside(const ArrayPlace& place, std::size_t bytes) = 0;
+    virtual image::MBasicImage<> kept(std::uint32_t number) = 0;
+    virtual void keep(std::uint32_t number, const image::MBasicImage<>& pixels) = 0;
 };
+
+/// The first frame of each direction.
+struct Hello {
+    std::string name;           // of the queue; empty for a pair of sockets
+    std::uint32_t process = 0;  // for messages to people
+    bool leases = false;        // the frame brings a page for returned leases
+};
+/// The sender's segments of these numbers exist no more.
+struct Forget {
+    std::vector<std::uint32_t> numbers;
+};
+using Frame = std::variant<Message, Hello, Forget>;
 
 /// Reads the head of a frame. @throws MRuntimeException when it is none, or its sizes are beyond
 /// the limits
 Head decodeHead(std::span<const std::byte> bytes);
+std::array<std::byte, HeadBytes> encodeHead(const Head& head);
 
-/// Decodes a whole frame of a message: the bytes of head, description and inline data and no more.
-/// A pure function of the bytes and of what `source` gives.
+/// Decodes a whole frame: the bytes of head, description and inline data and no more. A pure
+/// function of the bytes and of what `source` gives.
 /// @throws MRuntimeException "Queue: ..." for anything that does not follow the protocol
-Message decodeMessage(std::span<const std::byte> frame, ArraySource& source);
+Frame decodeFrame(std::span<const std::byte> frame, ArraySource& source);
+
+/// A message in the form of the wire, but for the places of its arrays, which depend on the
+/// connection that it will take.
+struct Parcel {
+    struct Array {
+        image::MBasicImage<> pixels;
+        std::size_t at = 0;    // of its ArrayPlace in the description
+        bool lasting = false;  // a mask, which later images may share
+    };
+    Kind kind = Kind::Text;
+    std::vector<std::byte> meta;
+    std::string text;  // of a text message
+    std::vector<Array> arrays;
+};
+/// @throws MBadParameterException for what the protocol can't carry
+Parcel pack(Message message);
+/// Writes the place of an array into the description.
+void setPlace(Parcel& parcel, const Parcel::Array& array, const ArrayPlace& place);
+/// Descriptions of the two frames that carry no message.
+Parcel packHello(const Hello& hello);
+Parcel packForget(const Forget& forget);
 
 }  // namespace morvend::imglib::wire

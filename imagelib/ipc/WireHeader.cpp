@@ -173,7 +173,7 @@ void writeHeader(ByteWriter& out, const MBasicImageOptionalData<>& header,
                  const std::function<void(const MImage&)>& mask)
 {
     std::uint32_t fields = 0;
-    header.forEachField([&](const char*, const auto& value) { fields += value ? 1 : 0; });
+    header.forEachField([&](const char*, const auto& value) { fields += value ? 1U : 0U; });
     out.put(fields);
     header.forEachField([&](const char* name, const auto& value) {
         if (!value)

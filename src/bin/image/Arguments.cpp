@@ -6,6 +6,7 @@
 
 #include "bin/image/NumberWord.h"
 #include "bin/image/RegionWord.h"
+#include "logic/geometry/RingAdvice.h"
 
 #include <algorithm>
 #include <cctype>
@@ -18,13 +19,22 @@ namespace {
 
 using Command = Arguments::Command;
 
-std::pair<int, int> toPixel(std::string_view text)
+std::pair<int, int> toPixel(std::string_view text, const std::string& option)
 {
     const std::size_t comma = text.find(',');
     if (comma == std::string_view::npos)
-        throw UsageError("--pixel needs X,Y: \"" + std::string(text) + '"');
-    return {toNumber<int>(text.substr(0, comma), "X of --pixel"),
-            toNumber<int>(text.substr(comma + 1), "Y of --pixel")};
+        throw UsageError(option + " needs X,Y: \"" + std::string(text) + '"');
+    return {toNumber<int>(text.substr(0, comma), "X of " + option),
+            toNumber<int>(text.substr(comma + 1), "Y of " + option)};
+}
+
+int toRings(std::string_view text)
+{
+    const int rings = toCount(text, "--rings");
+    if (rings > geometry::RingAdvice::mostRings)
+        throw UsageError("--rings is at most " + std::to_string(geometry::RingAdvice::mostRings) +
+                         ": " + std::string(text));
+    return rings;
 }
 
 Scale toScale(std::string_view text)
@@ -62,19 +72,19 @@ const std::vector<Option>& options()
     using Text = const std::string&;
     static const std::vector<Option> all{
         {"--frame",
-         {Command::Info, Command::Stats, Command::Peaks, Command::Roi, Command::Convert,
-          Command::Render},
+         {Command::Info, Command::Stats, Command::Peaks, Command::Roi, Command::Geometry,
+          Command::Convert, Command::Render},
          true,
          [](A& a, Text value) { a.frame = toCount(value, "--frame"); }},
         {"--json",
-         {Command::Info, Command::Stats, Command::Peaks, Command::Roi},
+         {Command::Info, Command::Stats, Command::Peaks, Command::Roi, Command::Geometry},
          false,
          [](A& a, Text) { a.json = true; }},
         {"--raw-header", {Command::Info}, false, [](A& a, Text) { a.rawHeader = true; }},
         {"--pixel",
          {Command::Info},
          true,
-         [](A& a, Text value) { a.pixels.push_back(toPixel(value)); }},
+         [](A& a, Text value) { a.pixels.push_back(toPixel(value, "--pixel")); }},
         {"--count-at",
          {Command::Stats},
          true,
@@ -95,6 +105,11 @@ const std::vector<Option>& options()
          {Command::Roi},
          true,
          [](A& a, Text value) { setRegion(a, StatisticsData::CentredCircle, "--powder", value); }},
+        {"--at",
+         {Command::Geometry},
+         true,
+         [](A& a, Text value) { a.places.push_back(toPixel(value, "--at")); }},
+        {"--rings", {Command::Geometry}, true, [](A& a, Text value) { a.rings = toRings(value); }},
         {"--all", {Command::Convert}, false, [](A& a, Text) { a.all = true; }},
         {"--table", {Command::Render}, true, [](A& a, Text value) { a.table = value; }},
         {"--background",
@@ -160,6 +175,8 @@ Command toCommand(const std::string& word)
         return Command::Peaks;
     if (word == "roi")
         return Command::Roi;
+    if (word == "geometry")
+        return Command::Geometry;
     if (word == "convert")
         return Command::Convert;
     if (word == "render")
@@ -242,6 +259,7 @@ std::string Arguments::usage()
        tarvik-image stats [--json] [--frame N] [--count-at V]... FILE
        tarvik-image peaks [--json] [--frame N] COUNT FILE
        tarvik-image roi [--json] [--frame N] REGION FILE
+       tarvik-image geometry [--json] [--frame N] [--at X,Y]... [--rings N] FILE
        tarvik-image convert [--frame N | --all] FILE OUT.cbf|.tif|.tiff|.h5
        tarvik-image render [--frame N] [--table NAME] [--background B] [--foreground F]
                            [--scale K] FILE OUT.png
@@ -262,6 +280,11 @@ roi       tells numbers and curves of a region of interest, which is one of
   --circle X,Y,R,ANGLE            a spot with its background; a section at ANGLE degrees
   --powder X,Y,INNER,OUTER        mean over the radius around a centre
   --json        stats, peaks, roi: as one JSON object
+geometry  tells what the header says of beam centre, distances and resolutions
+  --json        as one JSON object
+  --at X,Y      with distance from the beam centre and resolution of a pixel; may be given
+                several times
+  --rings N     with N resolution rings as the viewer draws them
 convert   writes an image in another format
   --all         all images of the series: numbered files, or the frames of one HDF5 series
 render    makes a PNG picture as the viewer shows it

@@ -29,7 +29,7 @@ struct Scale {
 };
 
 struct Arguments {
-    enum class Command { Help, Version, Info, Stats, Peaks, Roi, Convert, Render };
+    enum class Command { Help, Version, Info, Stats, Peaks, Roi, Geometry, Convert, Render };
     enum class Format { Cbf, Tiff, Hdf5, Png };
 
     Command command = Command::Help;
@@ -37,13 +37,16 @@ struct Arguments {
     std::string output;           // convert, render
     Format format = Format::Cbf;  // of the output, by its extension
     std::optional<int> frame;     // number in the series; the one that the file names when absent
-    bool json = false;            // info, stats, peaks, roi
+    bool json = false;            // info, stats, peaks, roi, geometry
     // info
     bool rawHeader = false;
     std::vector<std::pair<int, int>> pixels;  // x, y
     std::vector<double> countAt;              // stats: values up to which pixels are counted
     int count = 0;                            // peaks
     StatisticsData region;                    // roi
+    // geometry
+    std::vector<std::pair<int, int>> places;  // x, y
+    int rings = 0;
     // convert
     bool all = false;
     // render

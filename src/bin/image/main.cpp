@@ -5,6 +5,7 @@
 #include "bin/image/Analysis.h"
 #include "bin/image/Arguments.h"
 #include "bin/image/Convert.h"
+#include "bin/image/GeometryReport.h"
 #include "bin/image/Info.h"
 #include "bin/image/Render.h"
 #include "imagelib/image/MException.h"
@@ -52,6 +53,14 @@ void run(const Arguments& arguments)
     case Arguments::Command::Roi:
         tarvik::tool::Analysis(arguments).write(std::cout);
         break;
+    case Arguments::Command::Geometry: {
+        const tarvik::tool::GeometryReport report(arguments);
+        if (arguments.json)
+            report.writeJson(std::cout);
+        else
+            report.writeText(std::cout);
+        break;
+    }
     case Arguments::Command::Convert:
         tarvik::tool::Convert(arguments).run();
         break;

@@ -1,0 +1,62 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Writes messages to a socket, as far as it takes them.
+#pragma once
+
+#include "imagelib/ipc/ArraySender.h"
+#include "imagelib/ipc/WireFormat.h"
+
+#include <deque>
+#include <optional>
+#include <span>
+
+namespace morvend::imglib {
+
+/// The sending half of a connection. Thread: one at a time.
+class FrameWriter {
+public:
+    /// Does not own the socket. The hello is the first frame.
+    FrameWriter(int socket, std::shared_ptr<SegmentPool> pool, const std::string& name);
+
+    void enqueue(wire::Parcel parcel) { _waiting.push_back(std::move(parcel)); }
+    bool idle() const { return _waiting.empty(); }
+    /// Writes until nothing waits any more, true, or until nothing can be written now, false.
+    /// @throws MPeerGoneException, and MRuntimeException for an image that no memory can be had
+    /// for: that one is dropped
+    bool flush();
+    /// Nothing can be written before the peer has read on, though the socket may have room: so many
+    /// bytes of unread images lie in shared memory.
+    bool stalled();
+
+    /// The messages that have not been written to their end.
+    std::deque<wire::Parcel> takeUnsent();
+
+private:
+    struct Current;
+    void start();
+    std::size_t placeArrays(wire::Parcel& parcel, Current& current);
+    bool writeSome();
+
+    struct Current {
+        std::array<std::byte, wire::HeadBytes> head{};
+        std::vector<std::span<const std::byte>> inlined;  // pixels of the parcel
+        ArraySender::Descriptors descriptors;
+        std::size_t written = 0;
+        std::size_t size = 0;
+    };
+    struct Unread {
+        std::uint64_t frame = 0;
+        std::size_t bytes = 0;
+    };
+    const int _socket;
+    ArraySender _arrays;
+    std::deque<wire::Parcel> _waiting;  // the current one first
+    std::optional<Current> _current;
+    std::uint64_t _frames = 0;   // begun
+    std::deque<Unread> _unread;  // images that the peer may not have taken yet
+    std::size_t _unreadBytes = 0;
+    bool _refused = false;  // by the system, though the socket may have room
+};
+
+}  // namespace morvend::imglib

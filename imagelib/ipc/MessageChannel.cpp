@@ -1,0 +1,106 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The blocking face of a frame writer and a frame reader.
+#include "imagelib/ipc/MessageChannel.h"
+
+#include "imagelib/ipc/FrameReader.h"
+#include "imagelib/ipc/FrameWriter.h"
+#include "imagelib/ipc/SocketWait.h"
+
+#include <cerrno>
+#include <system_error>
+
+#include <sys/socket.h>
+
+namespace morvend::imglib {
+
+struct MessageChannel::Private {
+    Private(UniqueFd socket_, std::shared_ptr<SegmentPool> pool, const std::string& name)
+        : socket(std::move(socket_))
+        , writer(socket.get(), std::move(pool), name)
+        , reader(socket.get(), name)
+    {}
+
+    /// Runs a step of the reader; after a malformed frame the peer is let go.
+    template <class Step>
+    auto read(Step step)
+    {
+        try {
+            return step();
+        } catch (const MPeerGoneException&) {
+            throw;
+        } catch (const MException&) {
+            ::shutdown(socket.get(), SHUT_RDWR);
+            throw;
+        }
+    }
+
+    const UniqueFd socket;
+    FrameWriter writer;
+    FrameReader reader;
+};
+
+MessageChannel::MessageChannel(UniqueFd socket, std::shared_ptr<SegmentPool> pool, std::string name)
+    : _d(std::make_unique<Private>(std::move(socket), std::move(pool), name))
+{
+    try {
+        _d->writer.flush();  // the hello
+    } catch (const MPeerGoneException&) {
+        // The first receive says so, behind what the peer may have left.
+    }
+}
+
+MessageChannel::~MessageChannel() = default;
+
+std::pair<UniqueFd, UniqueFd> MessageChannel::socketPair()
+{
+    int ends[2];
+    if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0)
+        throw MRuntimeException("Queue: no pair of sockets: " +
+                                std::generic_category().message(errno));
+    return {UniqueFd(ends[0]), UniqueFd(ends[1])};
+}
+
+void MessageChannel::send(const Message& message, std::chrono::milliseconds timeout)
+{
+    const Deadline deadline(timeout);
+    enqueue(message);
+    while (!flush()) {
+        // What the peer has to do before it goes on without the socket's help is looked for.
+        const bool stalled = _d->writer.stalled();
+        if (!waitFor(_d->socket.get(), stalled ? 0 : POLLOUT,
+                     stalled ? deadline.sooner(std::chrono::milliseconds(1)) : deadline) &&
+            deadline.passed())
+            throw MTimeoutException("Queue: the peer takes no message");
+    }
+}
+
+Message MessageChannel::receive(std::chrono::milliseconds timeout)
+{
+    const Deadline deadline(timeout);
+    for (;;) {
+        if (auto message = poll())
+            return std::move(*message);
+        if (!waitFor(_d->socket.get(), POLLIN, deadline) && deadline.passed())
+            throw MTimeoutException("Queue: no message came in time");
+    }
+}
+
+void MessageChannel::enqueue(Message message)
+{
+    _d->writer.enqueue(wire::pack(std::move(message)));
+}
+
+bool MessageChannel::flush() { return _d->writer.flush(); }
+
+std::optional<Message> MessageChannel::poll()
+{
+    return _d->read([this] { return _d->reader.poll(); });
+}
+
+int MessageChannel::fd() const { return _d->socket.get(); }
+
+void MessageChannel::shutdown() { ::shutdown(_d->socket.get(), SHUT_RDWR); }
+
+}  // namespace morvend::imglib

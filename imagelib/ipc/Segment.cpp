@@ -1,0 +1,41 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Bookkeeping of one segment.
+#include "imagelib/ipc/Segment.h"
+
+#include <algorithm>
+
+namespace morvend::imglib {
+
+Segment::Segment(std::size_t capacity)
+    : _file(makeMemoryFile("tarvik-image", capacity))
+    , _memory(_file, capacity, Mapping::Access::Write)
+{}
+
+void Segment::lend(const std::shared_ptr<LeaseBook>& book, std::uint32_t number)
+{
+    book->lend(number);
+    const std::lock_guard lock(_mutex);
+    const bool known = std::ranges::any_of(
+        _leases, [&](const Lease& lease) { return lease.book == book && lease.number == number; });
+    if (!known)
+        _leases.push_back({book, number});
+}
+
+Segment::Leases Segment::leases()
+{
+    const std::lock_guard lock(_mutex);
+    auto result = Leases::Back;
+    std::erase_if(_leases, [&](const Lease& lease) {
+        // In this order: what comes back after the look at it is lost, never taken for back.
+        const bool closed = lease.book->closed();
+        const bool back = lease.book->isBack(lease.number);
+        if (!back)
+            result = closed ? Leases::Lost : std::max(result, Leases::Out);
+        return closed && back;
+    });
+    return result;
+}
+
+}  // namespace morvend::imglib

@@ -21,6 +21,14 @@ public:
         QObject::connect(sender, signal, &_context,
                          [this, name = std::move(name)] { _names.push_back(name); });
     }
+    /// The same for a signal that carries one flag: "name on" or "name off".
+    template <class Sender, class Base>
+    void watchFlag(const Sender* sender, void (Base::*signal)(bool), const std::string& name)
+    {
+        QObject::connect(sender, signal, &_context, [this, name](bool flag) {
+            _names.push_back(name + (flag ? " on" : " off"));
+        });
+    }
     /// All names since the last call.
     std::vector<std::string> take() { return std::exchange(_names, {}); }
 

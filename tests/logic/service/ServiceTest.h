@@ -72,6 +72,10 @@ protected:
         log.watch(view, &S::defectiveSignal, "defective");
         log.watch(view, &S::saturatedSignal, "saturated");
         log.watch(view, &S::paintListSignal, "paintlist");
+        log.watchFlag(view, &S::movieModeSignal, "movie");
+        log.watchFlag(view, &S::watchSeriesModeSignal, "watch");
+        log.watchFlag(view, &S::halvoMonitorModeSignal, "monitor");
+        log.watch(view, &S::halvoMonitorHostSignal, "address");
     }
 
     TarvikCore core;

@@ -8,9 +8,36 @@
 #include "imagelib/io/formats/hdf5/Hdf5Filters.h"
 #include "imagelib/io/formats/hdf5/SourceDriver.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace morvend::imglib::hdf5 {
+
+namespace {
+
+/// Has a writer opened the file for readers beside it? Its mark stands in the superblock, behind
+/// the block of the user if there is one. Without knowing it the library would refuse what was
+/// appended since as lying beyond the end.
+bool writtenBesideReaders(const std::string& path, hid_t file)
+{
+    hsize_t userBlock = 0;
+    const Handle<H5Pclose> creation(H5Fget_create_plist(file));
+    if (!creation || H5Pget_userblock(creation.id(), &userBlock) < 0)
+        return false;
+    unsigned char start[12] = {};
+    const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (descriptor < 0)
+        return false;
+    const ssize_t got = ::pread(descriptor, start, sizeof start, static_cast<off_t>(userBlock));
+    ::close(descriptor);
+    constexpr int VersionAt = 8;
+    constexpr int MarksAt = 11;
+    constexpr int WriterBesideReaders = 4;
+    return got == sizeof start && start[VersionAt] >= 3 && (start[MarksAt] & WriterBesideReaders);
+}
+
+}  // namespace
 
 FileState FileState::of(const std::string& path)
 {
@@ -32,15 +59,15 @@ Hdf5File::Hdf5File(const std::string& path)
         throw MNoFileAccessException("HDF5: there is no such file: " + path);
     const Properties access = sourceAccess();
     _file = File(H5Fopen(path.c_str(), H5F_ACC_RDONLY, access.id()));
-    if (_file)
+    if (_file && !writtenBesideReaders(path, _file.id()))
         return;
     const std::string reason = takeErrorText();
-    // A file that its writer has opened for readers beside it is marked, and opens only like this.
-    _file = File(H5Fopen(path.c_str(), H5F_ACC_RDONLY | H5F_ACC_SWMR_READ, access.id()));
-    if (!_file) {
-        takeErrorText();
+    File besideWriter(H5Fopen(path.c_str(), H5F_ACC_RDONLY | H5F_ACC_SWMR_READ, access.id()));
+    if (besideWriter)
+        _file = std::move(besideWriter);
+    takeErrorText();
+    if (!_file)
         throw MRuntimeException("HDF5: the file can't be opened (" + reason + "): " + path);
-    }
 }
 
 }  // namespace morvend::imglib::hdf5

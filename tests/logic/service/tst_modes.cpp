@@ -1,0 +1,271 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Movies, watching and monitoring: how they exclude each other and how they move.
+#include "logic/HalvoService.h"
+#include "logic/detector/HalvoClient.h"
+#include "tests/logic/service/ServiceTest.h"
+#include "tests/support/EdfText.h"
+#include "tests/support/TempFolder.h"
+
+#include <QElapsedTimer>
+#include <QSettings>
+
+namespace {
+
+using namespace tarvik::tests;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class Modes : public ServiceTest {
+protected:
+    Modes()
+    {
+        QSettings().clear();
+        watchAll(log, view);
+        QObject::connect(view, &TarvikService::newImageSignal, view, [this] {
+            shown.push_back(view->imageIndex());
+            times.push_back(clock.elapsed());
+        });
+        clock.start();
+    }
+    ~Modes() override { QSettings().clear(); }
+
+    /// Opens a file of frames, counted from 0.
+    void openSeries(int frames)
+    {
+        for (int i = 0; i < frames; ++i)
+            write(i);
+        view->openImage((folder / "m_0000.edf").c_str());
+        arrive(view);
+        log.take();
+        shown.clear();
+        times.clear();
+    }
+    void write(int number, const std::string& text = edfFrame({1, 2, 3}))
+    {
+        const std::string digits = std::to_string(10000 + number).substr(1);
+        folder.write("m_" + digits + ".edf", text);
+    }
+    bool reaches(int index)
+    {
+        return QTest::qWaitFor([&] { return view->imageIndex() == index; }, 8000);
+    }
+    static void fire(TarvikService* view, const std::string& step)
+    {
+        const std::map<std::string, std::function<void()>> steps = {
+            {"movie on", [&] { view->setMovieMode(true); }},
+            {"movie off", [&] { view->setMovieMode(false); }},
+            {"watch on", [&] { view->setWatchSeriesMode(true); }},
+            {"watch off", [&] { view->setWatchSeriesMode(false); }},
+            {"monitor on", [&] { view->setHalvoMonitorMode(true); }},
+            {"monitor off", [&] { view->setHalvoMonitorMode(false); }}};
+        steps.at(step)();
+    }
+
+    const TempFolder folder;
+    TarvikService* view = newView();
+    SignalLog log;
+    QElapsedTimer clock;
+    std::vector<int> shown;
+    std::vector<qint64> times;
+};
+
+TEST_F(Modes, WithoutImageOnlyTheMonitorBegins)
+{
+    for (const char* step : {"movie on", "movie off", "watch on", "watch off"})
+        fire(view, step);
+    EXPECT_THAT(log.take(), IsEmpty());
+    EXPECT_FALSE(view->movieMode() || view->watchSeriesMode());
+    testing::internal::CaptureStderr();
+    view->setHalvoMonitorMode(true);
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("detector: 0.0.0.0:80"))
+        << "there is no detector, and that is said";
+    EXPECT_TRUE(view->halvoMonitorMode());
+    fire(view, "monitor on");
+    fire(view, "monitor off");
+    EXPECT_THAT(log.take(), ElementsAre("monitor on", "monitor off"));
+}
+
+struct Switch {
+    std::vector<const char*> before;
+    const char* step;
+    std::vector<std::string> signalled;
+    const char* on;  // the mode that is on afterwards, empty for none
+};
+
+TEST_F(Modes, ExcludeEachOther)
+{
+    const Switch rows[] = {
+        {{}, "movie on", {"movie on"}, "movie"},
+        {{}, "movie off", {"movie off"}, ""},
+        {{"movie on"}, "movie on", {"movie on"}, "movie"},
+        {{"movie on"}, "movie off", {"movie off"}, ""},
+        {{"watch on"}, "movie on", {"watch off", "movie on"}, "movie"},
+        {{"watch on"}, "movie off", {"movie off"}, "watch"},
+        {{"monitor on"}, "movie on", {"movie on"}, "movie"},
+        {{}, "watch on", {"watch on"}, "watch"},
+        {{"watch on"}, "watch off", {"watch off"}, ""},
+        {{"movie on"}, "watch on", {"movie off", "watch on"}, "watch"},
+        {{"movie on"}, "watch off", {"watch off"}, "movie"},
+        {{"monitor on"}, "watch on", {"watch on"}, "watch"},
+        {{}, "monitor on", {"watch off", "movie off", "monitor on"}, "monitor"},
+        {{"movie on"}, "monitor on", {"watch off", "movie off", "monitor on"}, "monitor"},
+        {{"watch on"}, "monitor on", {"watch off", "movie off", "monitor on"}, "monitor"},
+        {{"monitor on"}, "monitor on", {"watch off", "movie off"}, "monitor"},
+        {{"monitor on"}, "monitor off", {"monitor off"}, ""},
+    };
+    for (const Switch& row : rows) {
+        view = newView();
+        openSeries(1);
+        for (const char* step : row.before)
+            fire(view, step);
+        SignalLog signalled;
+        watchAll(signalled, view);
+        fire(view, row.step);
+        EXPECT_EQ(signalled.take(), row.signalled) << row.step;
+        EXPECT_EQ(view->movieMode(), std::string(row.on) == "movie") << row.step;
+        EXPECT_EQ(view->watchSeriesMode(), std::string(row.on) == "watch") << row.step;
+        EXPECT_EQ(view->halvoMonitorMode(), std::string(row.on) == "monitor") << row.step;
+    }
+}
+
+TEST_F(Modes, MovieStepsAtItsPaceAndSleepsAtTheEndUntilTheSeriesGrows)
+{
+    openSeries(6);
+    EXPECT_EQ(view->movieModeStep(), 1);
+    view->setMovieModeStep(2);
+    EXPECT_EQ(view->movieModeStep(), 2);
+    view->setMovieMode(true);
+    ASSERT_TRUE(reaches(5));
+    EXPECT_THAT(shown, ElementsAre(2, 4, 5)) << "the last step takes what is left";
+    EXPECT_GE(times.back() - times[times.size() - 2], 150);
+    QTest::qWait(300);
+    EXPECT_THAT(shown, ElementsAre(2, 4, 5));
+    write(6);
+    EXPECT_TRUE(reaches(6));
+    EXPECT_EQ(log.take().back(), "powder") << "an image came, and no mode changed";
+}
+
+TEST_F(Modes, NothingComesAfterTheEndOfAMode)
+{
+    openSeries(40);
+    for (int round = 0; round < 3; ++round) {
+        view->setMovieMode(true);
+        EXPECT_TRUE(reaches(view->imageIndex() + 2));
+        view->setMovieMode(false);
+        const int index = view->imageIndex();
+        view->openImage(index);  // after what may be under way
+        arrive(view);
+        QTest::qWait(300);
+        EXPECT_EQ(view->imageIndex(), index);
+    }
+}
+
+TEST_F(Modes, MovieWaitsAtABrokenFrameAndGoesOnWhenItIsWhole)
+{
+    openSeries(4);
+    const std::string whole = edfFrame({1, 2, 3});
+    write(2, whole.substr(0, whole.size() - 5));
+    view->setMovieMode(true);
+    ASSERT_TRUE(reaches(1));
+    QTest::qWait(700);
+    EXPECT_EQ(view->imageIndex(), 1);
+    write(2);
+    EXPECT_TRUE(reaches(3));
+    EXPECT_THAT(log.take(), testing::Not(testing::Contains("error")));
+}
+
+TEST_F(Modes, WatchedSeriesShowsItsNewestImage)
+{
+    openSeries(3);
+    view->setWatchSeriesMode(true);
+    ASSERT_TRUE(reaches(2));
+    EXPECT_THAT(shown, ElementsAre(2));
+    for (int number : {3, 4, 9}) {
+        write(number);
+        EXPECT_TRUE(reaches(number));
+    }
+    view->setWatchSeriesMode(false);
+    write(10);
+    QTest::qWait(400);
+    EXPECT_EQ(view->imageIndex(), 9);
+}
+
+TEST_F(Modes, SwitchingNeverWaitsForALoad)
+{
+    // Loads of some 100 ms each; what is queued is dropped, what runs still arrives.
+    const MImage large = image(6000, 6000);
+    show(view, image(8, 4, 0));
+    show(view, image(8, 4, 1));
+    log.take();
+    shown.clear();
+    for (int i = 0; i < 3; ++i)
+        view->openImage(large);
+    QTest::qSleep(20);
+    QElapsedTimer timer;
+    timer.start();
+    view->setMovieMode(true);
+    view->setWatchSeriesMode(true);
+    view->setWatchSeriesMode(false);
+    EXPECT_LT(timer.elapsed(), 50);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !view->loading(); }, 20000));
+    QTest::qWait(50);
+    EXPECT_THAT(shown, ElementsAre(2));
+    EXPECT_THAT(log.take(), ElementsAre("movie on", "movie off", "watch on", "watch off", "image",
+                                        "statistics", "peaks", "resolution", "powder"));
+}
+
+TEST_F(Modes, ViewMayGoInAnyMode)
+{
+    for (const char* step : {"movie on", "watch on", "monitor on"}) {
+        view = newView();
+        openSeries(5);
+        fire(view, step);
+        QTest::qWait(30);
+        core.deleteService(view);
+        QCoreApplication::sendPostedEvents(view, QEvent::DeferredDelete);
+        QCoreApplication::processEvents();
+    }
+}
+
+TEST_F(Modes, AddressOfTheMonitorIsKeptAndSharedWithTheDetector)
+{
+    EXPECT_EQ(view->halvoMonitorHost(), "0.0.0.0");
+    EXPECT_EQ(view->halvoMonitorPort(), 80);
+    EXPECT_EQ(view->halvoMonitorMinPause(), 0);
+    view->setHalvoMonitorHost("0.0.0.0", 80, 0);
+    EXPECT_THAT(log.take(), IsEmpty());
+    view->setHalvoMonitorHost("beamline", 8080, 0.5);
+    EXPECT_THAT(log.take(), ElementsAre("address"));
+    EXPECT_EQ(newView()->halvoMonitorHost(), "beamline");
+    EXPECT_EQ(newView()->halvoMonitorMinPause(), 0.5);
+    EXPECT_EQ(HalvoService::defaultHost(), "beamline");
+    EXPECT_EQ(HalvoService::defaultPort(), 8080);
+
+    view->setHalvoMonitorMode(true);
+    log.take();
+    testing::internal::CaptureStderr();
+    view->setHalvoMonitorHost("other", 8080, 0.5);
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("other:8080"))
+        << "a running monitor changes over";
+    EXPECT_THAT(log.take(), ElementsAre("address"));
+    QSettings().setValue("HalvoPort", "no number");
+    EXPECT_EQ(HalvoService::defaultPort(), 0) << "a value of a wrong type";
+}
+
+TEST_F(Modes, PicturesOfADetectorReachTheirViewOnly)
+{
+    TarvikService* other = newView();
+    QSignalSpy otherShown(other, &TarvikService::newImageSignal);
+    emit core.halvoService()->monitorSignal(view->halvoClient(), image());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return view->imageLoaded(); }));
+    EXPECT_EQ(otherShown.size(), 0);
+    QSignalSpy errors(core.halvoService().get(), &HalvoService::error);
+    core.halvoService()->setConnected(true);
+    ASSERT_EQ(errors.size(), 1);
+    EXPECT_FALSE(core.halvoService()->connected());
+}
+
+}  // namespace

@@ -5,12 +5,12 @@
 #include "imagelib/display/ColorMapper.h"
 
 #include "imagelib/display/ColorKernel.h"
+#include "imagelib/display/DisplayValue.h"
 #include "imagelib/image/MImage.h"
 
 #include <algorithm>
 #include <array>
 #include <cassert>
-#include <utility>
 
 namespace morvend::imglib {
 
@@ -28,28 +28,6 @@ Rule makeRule(const ColorSettings& settings, datatypes::Type type)
     default:
         return ColorRule<int>(settings);
     }
-}
-
-/// A pixel as a value of its display type; wider integers are held at the ends.
-template <class To, class From>
-To displayValue(From value)
-{
-    if constexpr (std::is_integral_v<To> && std::is_integral_v<From> && sizeof(From) > sizeof(To)) {
-        if (std::cmp_less(value, std::numeric_limits<To>::min()))
-            return std::numeric_limits<To>::min();
-        if (std::cmp_greater(value, std::numeric_limits<To>::max()))
-            return std::numeric_limits<To>::max();
-        return static_cast<To>(value);
-    } else {
-        return datatypes::convertPixel<To>(value);
-    }
-}
-
-/// A mask value; only its low bits count, so integers may wrap.
-template <class From>
-std::uint32_t maskValue(From value)
-{
-    return datatypes::convertPixel<std::uint32_t>(value);
 }
 
 constexpr std::size_t blockSize = 1024;

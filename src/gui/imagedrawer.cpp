@@ -4,7 +4,8 @@
 // The base of all widgets that show an image through OpenGL.
 #include "gui/imagedrawer.h"
 
-#include "gui/render/GlInfo.h"
+#include "gui/render/GlCanvas.h"
+#include "gui/render/OpenGlSupport.h"
 #include "gui/render/SceneRenderer.h"
 #include "gui/render/gestures/ZoomPan.h"
 #include "logic/TarvikService.h"
@@ -27,7 +28,7 @@ constexpr qint64 wheelPause = 20;
 }  // namespace
 
 ImageDrawer::ImageDrawer(TarvikService* service, bool useGlsl, QWidget* parent)
-    : QOpenGLWidget(parent)
+    : QWidget(parent)
     , _service(service)
     , _viewportData(service->viewportData())
     , _contrastData(service->contrastData())
@@ -37,6 +38,11 @@ ImageDrawer::ImageDrawer(TarvikService* service, bool useGlsl, QWidget* parent)
     setMouseTracking(true);
     setAutoFillBackground(false);
     _wheelTimer.start();
+    if (render::OpenGlSupport::ofThisProcess().usable) {
+        _canvas = std::make_unique<render::GlCanvas>(
+            this, render::GlCanvas::Client{[this] { _initializeGL(); }, [this] { _paintGL(); },
+                                           [this] { _releaseGL(); }});
+    }
     connect(service, &TarvikService::newImageSignal, this, &ImageDrawer::newImageSlot);
     connect(service, &TarvikService::headerChangedSignal, this, &ImageDrawer::_changedHeaderSlot);
     connect(service, &TarvikService::newContrastSignal, this, &ImageDrawer::setContrastSlot);
@@ -47,7 +53,7 @@ ImageDrawer::ImageDrawer(TarvikService* service, bool useGlsl, QWidget* parent)
     connect(service, &TarvikService::saturatedSignal, this, &ImageDrawer::_saturatedSlot);
 }
 
-ImageDrawer::~ImageDrawer() { _releaseContext(); }
+ImageDrawer::~ImageDrawer() = default;
 
 double ImageDrawer::imgX(int x) const { return viewGeometry().imageX(x); }
 
@@ -57,9 +63,9 @@ int ImageDrawer::screenX(double x) const { return viewGeometry().screenX(x); }
 
 int ImageDrawer::screenY(double y) const { return viewGeometry().screenY(y); }
 
-QRectF ImageDrawer::visibleRange() const { return viewGeometry().visibleRange(); }
+QRectF ImageDrawer::visibleRange() const { return _baseGeometry().visibleRange(); }
 
-QRectF ImageDrawer::windowToImage() const { return viewGeometry().windowToImage(); }
+QRectF ImageDrawer::windowToImage() const { return _baseGeometry().windowToImage(); }
 
 QRect ImageDrawer::imageBoundary() const { return imageBoundary(effectiveViewportData()); }
 
@@ -73,24 +79,62 @@ ImageDrawer::MImage ImageDrawer::rgbData(int x, int y, int width, int height) co
     return render::CpuColouring::rgb(_image, _colouring(), QRect(x, y, width, height));
 }
 
-QImage ImageDrawer::grab()
+QImage ImageDrawer::grab(double devicePixelRatio)
 {
-    if (!_initialized)
+    const QSize pixels(qRound(width() * devicePixelRatio), qRound(height() * devicePixelRatio));
+    if (!_initialized || pixels.isEmpty())
         return {};
-    makeCurrent();
+    _makeCurrent();
     _prepareScene();
-    QOpenGLFramebufferObject buffer(size(), QOpenGLFramebufferObject::CombinedDepthStencil,
-                                    GL_TEXTURE_2D, GL_RGBA8);
-    buffer.bind();
-    {
-        QOpenGLPaintDevice device(size());
+    QImage picture(pixels, QImage::Format_ARGB32_Premultiplied);
+    if (_canvas) {
+        QOpenGLFramebufferObject buffer(pixels, QOpenGLFramebufferObject::CombinedDepthStencil,
+                                        GL_TEXTURE_2D, GL_RGBA8);
+        buffer.bind();
+        QOpenGLPaintDevice device(pixels);
+        device.setDevicePixelRatio(devicePixelRatio);
         QPainter painter(&device);
         _renderScene(painter);
+        painter.end();
+        picture = buffer.toImage();
+        buffer.release();
+        _canvas->doneCurrent();
+    } else {
+        picture.setDevicePixelRatio(devicePixelRatio);
+        QPainter painter(&picture);
+        _renderScene(painter);
     }
-    QImage picture = buffer.toImage();
-    buffer.release();
-    doneCurrent();
+    picture.setDevicePixelRatio(devicePixelRatio);
     return picture;
+}
+
+void ImageDrawer::update()
+{
+    if (_canvas)
+        _canvas->update();
+    else
+        QWidget::update();
+}
+
+void ImageDrawer::repaint()
+{
+    if (_canvas)
+        _canvas->repaint();
+    else
+        QWidget::repaint();
+}
+
+ImageDrawer::Work ImageDrawer::work() const
+{
+    Work work;
+    work.colouredPixels = _cpuColouring.colouredPixels();
+    if (_scene) {
+        const render::ImageTextures::Uploads& uploads = _scene->textures().uploads();
+        work.imageUploads = uploads.images;
+        work.maskUploads = uploads.masks;
+        work.tableUploads = uploads.tables;
+    }
+    return work;
 }
 
 void ImageDrawer::setBackgroundColor(const QColor& color)
@@ -105,19 +149,8 @@ void ImageDrawer::newImageSlot()
         return;
     _image = render::DisplayImage(baseImage());
     _cpuColouring.invalidate();
-    // A picture that the card can't hold is left to the processor.
-    const bool fits = std::max(_image.size().width(), _image.size().height()) <= _maxTextureSize;
-    makeCurrent();
-    if (_scene) {
-        _scene->textures().release();
-        _useGlsl = fits;
-    }
-    if (_useGlsl) {
-        QElapsedTimer clock;
-        clock.start();
-        _scene->textures().uploadImage(_image);
-        console::printTime("TIME UPLOADING IMAGE AND MASK TO GPU:", clock.elapsed());
-    }
+    if (_useGlsl)
+        _uploadImage();
     const ContrastData contrast = _service->contrastData();
     if (contrast.defined)
         setContrastSlot(contrast);
@@ -132,17 +165,30 @@ void ImageDrawer::newImageSlot()
     update();
 }
 
+void ImageDrawer::_uploadImage()
+{
+    _makeCurrent();
+    QElapsedTimer clock;
+    clock.start();
+    _onCard = _scene->textures().uploadImage(_image, std::min(_maxTextureSize, _textureLimit));
+    console::printTime("TIME UPLOADING IMAGE AND MASK TO GPU:", clock.elapsed());
+    if (!_onCard)
+        console::warn("WARNING: The graphics card can't hold an image of " +
+                      std::to_string(_image.size().width()) + " x " +
+                      std::to_string(_image.size().height()) + " pixels: the processor draws it\n");
+}
+
 void ImageDrawer::setContrastSlot(const ContrastData& contrast)
 {
     if (!_service->imageLoaded() || !_initialized || _image.empty())
         return;
     _contrastData = contrast;
     _cpuColouring.invalidate();
-    if (_useGlsl && _scene->textures().hasImage()) {
-        makeCurrent();
+    if (usesGlsl() && _scene->textures().hasImage()) {
+        _makeCurrent();
         const auto* c = contrast.colorTable;
         assert(c);
-        _scene->setColouring(_image.kind(), _colouring());
+        _scene->setColouring(_image.kind(), _plottingMode, _colouring());
     }
     update();
 }
@@ -170,13 +216,9 @@ void ImageDrawer::virtualMouseReleaseEvent(QMouseEvent*) {}
 void ImageDrawer::virtualMouseMoveEvent(QMouseEvent*) {}
 void ImageDrawer::virtualWheelEvent(QWheelEvent*) {}
 
-void ImageDrawer::initializeGL()
+void ImageDrawer::_initializeGL()
 {
-    // A view that moved to a window with a context of its own starts anew.
-    _releaseContext();
     _initialized = true;
-    _contextEnd = connect(context(), &QOpenGLContext::aboutToBeDestroyed, this,
-                          &ImageDrawer::_releaseContext);
     const render::GlInfo info = render::GlInfo::ofCurrentContext();
     console::print(info.lines());
     _maxTextureSize = info.maxTextureSize;
@@ -186,11 +228,33 @@ void ImageDrawer::initializeGL()
     emit initializedSignal();
 }
 
-void ImageDrawer::paintGL()
+void ImageDrawer::_releaseGL()
+{
+    _scene.reset();
+    _initialized = false;
+}
+
+void ImageDrawer::_paintGL()
 {
     // The size is a passing one while windows are being laid out: no first viewport for it.
     if (!_initialized || _resizing)
         return;
+    _prepareScene();
+    QPainter painter(_canvas.get());
+    _renderScene(painter);
+}
+
+void ImageDrawer::paintEvent(QPaintEvent*)
+{
+    if (_canvas)
+        return;
+    if (!_initialized) {
+        _initialized = true;
+        _useGlsl = false;
+        if (const auto& info = render::OpenGlSupport::ofThisProcess().info)
+            console::print(info->lines());
+        emit initializedSignal();
+    }
     _prepareScene();
     QPainter painter(this);
     _renderScene(painter);
@@ -199,7 +263,9 @@ void ImageDrawer::paintGL()
 void ImageDrawer::resizeEvent(QResizeEvent* event)
 {
     _resizing = true;
-    QOpenGLWidget::resizeEvent(event);
+    QWidget::resizeEvent(event);
+    if (_canvas)
+        _canvas->resize(size());
     _resizing = false;
     setViewportSlot(_viewportData);
 }
@@ -249,7 +315,7 @@ void ImageDrawer::wheelEvent(QWheelEvent* event)
 
 void ImageDrawer::leaveEvent(QEvent* event)
 {
-    QOpenGLWidget::leaveEvent(event);
+    QWidget::leaveEvent(event);
     emit newCursorCoordinates(-1.0, -1.0);
 }
 
@@ -271,6 +337,13 @@ render::ViewGeometry ImageDrawer::_geometry(const ViewportData& viewport) const
     return {_image.size(), size(), viewport, imageScaleFactor()};
 }
 
+render::ViewGeometry ImageDrawer::_baseGeometry() const
+{
+    const QSize image =
+        _service->imageLoaded() ? QSize(baseImage().width(), baseImage().height()) : QSize();
+    return {image, size(), effectiveViewportData(), imageScaleFactor()};
+}
+
 render::Colouring ImageDrawer::_colouring() const
 {
     render::Colouring colouring{_contrastData, {}, _service->highlightDefective()};
@@ -280,23 +353,34 @@ render::Colouring ImageDrawer::_colouring() const
     return colouring;
 }
 
+void ImageDrawer::_makeCurrent()
+{
+    if (_canvas)
+        _canvas->makeCurrent();
+}
+
 void ImageDrawer::_prepareScene()
 {
     // An image that came before the view was ready, or a new context.
-    if (_service->imageLoaded() && (_image.empty() || (_useGlsl && !_scene->textures().hasImage())))
+    const bool onCard = !usesGlsl() || _scene->textures().hasImage();
+    if (_service->imageLoaded() && (_image.empty() || !onCard))
         newImageSlot();
 }
 
 void ImageDrawer::_renderScene(QPainter& painter)
 {
-    painter.beginNativePainting();
-    _renderNative(painter.device()->devicePixelRatioF());
-    painter.endNativePainting();
+    if (_canvas) {
+        painter.beginNativePainting();
+        _renderNative(painter.device()->devicePixelRatioF());
+        painter.endNativePainting();
+    } else {
+        painter.fillRect(rect(), _backgroundColor);
+    }
     if (!_service->imageLoaded() || _image.empty())
         return;
+    if (!usesGlsl() && _contrastData.colorTable)
+        _cpuColouring.draw(painter, _image, _colouring(), effectiveViewportData(), size());
     painter.setRenderHint(QPainter::Antialiasing);
-    if (!_useGlsl && _contrastData.colorTable)
-        _cpuColouring.draw(painter, _image, _colouring(), visibleRange(), imageBoundary());
     if (_service->resolutionDefined() && _service->showResolutionRings())
         paintRings(&painter);
     paint(&painter);
@@ -310,17 +394,6 @@ void ImageDrawer::_renderNative(double devicePixelRatio)
                     static_cast<float>(_backgroundColor.greenF()),
                     static_cast<float>(_backgroundColor.blueF()), 1.0F);
     gl.glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-    if (_useGlsl && _scene->textures().hasImage() && _scene->textures().hasTables())
-        _scene->drawFlat(_image.kind(), viewGeometry());
-}
-
-void ImageDrawer::_releaseContext()
-{
-    disconnect(_contextEnd);
-    if (_initialized) {
-        makeCurrent();
-        _scene.reset();
-        doneCurrent();
-    }
-    _initialized = false;
+    if (usesGlsl() && _scene->textures().hasImage() && _scene->textures().hasTables())
+        _scene->draw(_image, _plottingMode, viewGeometry());
 }

@@ -15,27 +15,29 @@
 #include <QColor>
 #include <QElapsedTimer>
 #include <QImage>
-#include <QOpenGLWidget>
 #include <QRect>
 #include <QRectF>
+#include <QWidget>
 
+#include <limits>
 #include <memory>
 
-class QOpenGLContext;
 class QPainter;
 class TarvikService;
 
 namespace render {
+class GlCanvas;
 class SceneRenderer;
-}
+}  // namespace render
 
 /// Shows one image of a service, coloured on the graphics card, and converts between widget and
 /// image coordinates. A contrast change sets some numbers in a shader and never walks the image.
-/// Without shaders the processor colours the visible part.
+/// Without shaders the processor colours the visible part. The surface is a QOpenGLWidget that
+/// fills the view; where OpenGL can't be used, there is none and the view paints like any widget.
 ///
 /// A view holds no truth of its own: gestures go to the service, and what its signals return is
 /// shown. Positions are widget coordinates. Thread: GUI only.
-class ImageDrawer : public QOpenGLWidget {
+class ImageDrawer : public QWidget {
     Q_OBJECT
 public:
     using MImage = morvend::imglib::MImage;
@@ -65,9 +67,14 @@ public:
     QRect imageBoundary(const ViewportData& viewport) const;
     /// The colours of a part of the image, which must lie in it (asserted): 32-bit ARGB.
     MImage rgbData(int x, int y, int width, int height) const;
-    /// A picture of the whole scene, overlays included, of the widget's size; null before the first
-    /// paint. Hides QWidget::grab(), which would take the same scene through a pixmap.
-    QImage grab();
+    /// A picture of the whole scene, overlays included, of the widget's size times a number of
+    /// pixels for each of the widget's; null before the first paint. Hides QWidget::grab(), which
+    /// would take the same scene through a pixmap.
+    QImage grab(double devicePixelRatio = 1.0);
+
+    /// As of any widget, for the surface too: hide those of QWidget, which would leave it out.
+    void update();
+    void repaint();
 
     PlottingMode plottingMode() const { return _plottingMode; }
     bool moveImage() const { return _moveImage; }
@@ -75,8 +82,20 @@ public:
     void setMoveImage(bool move) { _moveImage = move; }
     QColor backgroundColor() const { return _backgroundColor; }
     void setBackgroundColor(const QColor& color);
-    /// Are images coloured by shaders? Known once the view is initialized.
-    bool usesGlsl() const { return _useGlsl; }
+    /// Is the image coloured by shaders? Known once the view is initialized.
+    bool usesGlsl() const { return _useGlsl && _onCard; }
+    /// Textures get no longer than this from the next image on, whatever the card allows.
+    void limitTextureSize(int limit) { _textureLimit = limit; }
+
+    /// What has been done for the picture so far: pixels sent to the card, and pixels coloured on
+    /// the processor.
+    struct Work {
+        int imageUploads = 0;
+        int maskUploads = 0;
+        int tableUploads = 0;
+        std::size_t colouredPixels = 0;
+    };
+    Work work() const;
 
 public slots:
     /// Takes the image of the service over; asks for a first contrast and viewport where none are.
@@ -118,8 +137,7 @@ protected:
     virtual void virtualMouseMoveEvent(QMouseEvent* event);
     virtual void virtualWheelEvent(QWheelEvent* event);
 
-    void initializeGL() override;
-    void paintGL() override;
+    void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
@@ -142,12 +160,18 @@ private slots:
 
 private:
     render::ViewGeometry _geometry(const ViewportData& viewport) const;
+    render::ViewGeometry _baseGeometry() const;
     render::Colouring _colouring() const;
+    // What the canvas calls, with its context current.
+    void _initializeGL();
+    void _paintGL();
+    void _releaseGL();
+    void _uploadImage();
+    void _makeCurrent();
     void _prepareScene();
     void _renderScene(QPainter& painter);
     void _renderNative(double devicePixelRatio);
     void _pan(const QPoint& position);
-    void _releaseContext();
 
     TarvikService* _service;
     bool _initialized = false;
@@ -157,7 +181,6 @@ private:
     ViewportData _viewportData;
     ContrastData _contrastData;
     std::unique_ptr<render::SceneRenderer> _scene;  // with shaders only
-    QMetaObject::Connection _contextEnd;
     QColor _backgroundColor = Qt::darkGray;
     PlottingMode _plottingMode = PlottingMode::Flat;
     int _cursorX = 0;
@@ -168,5 +191,9 @@ private:
     bool _moveImage = true;
     bool _glslWanted;
     bool _useGlsl;
+    bool _onCard = true;  // the card holds the image
     int _maxTextureSize = 0;
+    int _textureLimit = std::numeric_limits<int>::max();
+    // Null without OpenGL. Last, as its end releases the scene.
+    std::unique_ptr<render::GlCanvas> _canvas;
 };

@@ -6,14 +6,19 @@
 
 #include "gui/render/Colouring.h"
 #include "gui/render/DisplayImage.h"
+#include "gui/render/ViewGeometry.h"
+#include "logic/records/ViewportData.h"
 
 #include <QImage>
 #include <QRect>
-#include <QRectF>
+#include <QSize>
+
+class QPainter;
 
 namespace render {
 
-/// The coloured picture of the part of an image that a view shows.
+/// The coloured picture of the part of an image that a view shows. Only that part is ever coloured,
+/// split over the cores, and only when it changed.
 class CpuColouring {
 public:
     using MImage = morvend::imglib::MImage;
@@ -23,17 +28,27 @@ public:
     static MImage rgb(const DisplayImage& image, const Colouring& colouring, const QRect& part);
 
     /// Image or colouring have changed.
-    void invalidate() { _part = {}; }
-    /// Draws the visible part; colours it first where that has not been done.
-    /// @param visible  in image pixels
-    /// @param target  in widget coordinates
+    void invalidate();
+    /// Draws the visible part, in widget coordinates: each pixel as a square, or reduced with
+    /// neighbours averaged.
+    /// @param view  size of the view
     void draw(QPainter& painter, const DisplayImage& image, const Colouring& colouring,
-              const QRectF& visible, const QRectF& target);
+              const ViewportData& viewport, QSize view);
+    /// Pixels coloured for draw() so far.
+    std::size_t colouredPixels() const { return _colouredPixels; }
 
 private:
+    void _paint(QPainter& painter, const ViewportData& viewport) const;
+    void _compose(const ViewportData& viewport, QSize view, double devicePixelRatio);
+
     QRect _part;
-    MImage _pixels;
-    QImage _picture;  // a view on the pixels
+    MImage _rgbImage;
+    QImage _picture;  // a view on its pixels
+    /// The view as it stands on the screen, for painters that would have to send the picture to the
+    /// graphics card, which may be too large for it.
+    QImage _composition;
+    ViewportData _composedViewport;
+    std::size_t _colouredPixels = 0;
 };
 
 }  // namespace render

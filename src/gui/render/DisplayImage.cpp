@@ -1,49 +1,82 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// The copy of an image that a view shows.
+// The image that a view shows.
 #include "gui/render/DisplayImage.h"
 
+#include "gui/render/ParallelRows.h"
+#include "gui/render/TextureFormat.h"
+#include "imagelib/display/DisplayValue.h"
 #include "logic/support/Assert.h"
+
+#include <algorithm>
+#include <cstdint>
 
 namespace render {
 
 namespace {
 
-morvend::imglib::MImage converted(const morvend::imglib::MImage& image, PixelKind kind)
+using morvend::imglib::MImage;
+
+/// Calls convertRow(first, to) for each row of a part, `to` running through the output.
+template <class ConvertRow>
+void forRows(const MImage& image, const QRect& part, void* out, ConvertRow&& convertRow)
 {
-    switch (kind) {
-    case PixelKind::Float:
-        return image.asType<float>();
-    case PixelKind::UInt:
-        return image.asType<unsigned int>();
-    case PixelKind::Int:
-        break;
-    }
-    return image.asType<int>();
+    assert(QRect(0, 0, image.width(), image.height()).contains(part));
+    const auto width = static_cast<std::size_t>(part.width());
+    parallelRows(part.height(), width, [&](int row) {
+        const auto y = static_cast<std::size_t>(part.y() + row);
+        convertRow(y * static_cast<std::size_t>(image.width()) + static_cast<std::size_t>(part.x()),
+                   static_cast<std::uint32_t*>(out) + width * static_cast<std::size_t>(row));
+    });
+}
+
+template <class To>
+void displayPixelsAs(const MImage& image, const QRect& part, void* out)
+{
+    static_assert(sizeof(To) == 4);
+    morvend::datatypes::dispatchPixelType(image.type(), image.typeBits(), [&]<class From>() {
+        forRows(image, part, out, [&](std::size_t first, void* to) {
+            const From* from = image.pixels<From>() + first;
+            std::transform(from, from + part.width(), static_cast<To*>(to),
+                           morvend::imglib::displayValue<To, From>);
+        });
+    });
 }
 
 }  // namespace
 
 DisplayImage::DisplayImage(const MImage& base)
     : _kind(kindOf(base.type()))
-    , _image(converted(base, _kind))
+    , _image(base)
 {
     const auto& pixel_mask = _image.optionalData().pixel_mask();
     assert(pixel_mask);
-    _mask = pixel_mask->asType<unsigned int>();
+    _mask = *pixel_mask;
+    if (_mask.width() != _image.width() || _mask.height() != _image.height())
+        _mask = MImage(_image, 0U);
 }
 
-PixelKind DisplayImage::kindOf(morvend::datatypes::Type type)
+void displayPixels(const MImage& image, const QRect& part, void* out)
 {
-    switch (type) {
-    case morvend::datatypes::FLOAT:
-        return PixelKind::Float;
-    case morvend::datatypes::UINT:
-        return PixelKind::UInt;
-    default:
-        return PixelKind::Int;
+    switch (kindOf(image.type())) {
+    case PixelKind::Int:
+        return displayPixelsAs<int>(image, part, out);
+    case PixelKind::UInt:
+        return displayPixelsAs<unsigned int>(image, part, out);
+    case PixelKind::Float:
+        return displayPixelsAs<float>(image, part, out);
     }
+}
+
+void maskPixels(const MImage& mask, const QRect& part, void* out)
+{
+    morvend::datatypes::dispatchPixelType(mask.type(), mask.typeBits(), [&]<class From>() {
+        forRows(mask, part, out, [&](std::size_t first, std::uint32_t* to) {
+            const From* from = mask.pixels<From>() + first;
+            std::transform(from, from + part.width(), to, morvend::imglib::maskValue<From>);
+        });
+    });
 }
 
 }  // namespace render

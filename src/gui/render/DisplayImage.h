@@ -1,25 +1,28 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// The copy of an image that a view shows.
+// The image that a view shows.
 #pragma once
 
 #include "gui/render/PixelKind.h"
 #include "imagelib/image/MImage.h"
 
+#include <QRect>
 #include <QSize>
 
 namespace render {
 
-/// An image in one of three 32-bit pixel types, with its mask as 32-bit unsigned pixels: what goes
-/// to the graphics card as it stands. Pixels are shared with the source where the types are equal.
+/// An image with its mask, both as the loader left them: shown as 32-bit signed, unsigned or float
+/// pixels, but never copied into such. Shaders read narrow pixels as they stand; wider ones are
+/// converted on their way to the card, the visible ones on their way to a colour.
 class DisplayImage {
 public:
     using MImage = morvend::imglib::MImage;
 
     /// No image.
     DisplayImage() = default;
-    /// @param base  must carry a pixel mask (asserted), as every image does after the loader
+    /// @param base  must carry a pixel mask (asserted), as every image does after the loader; one
+    /// of another size counts as good pixels
     explicit DisplayImage(const MImage& base);
 
     bool empty() const { return _image.empty(); }
@@ -28,13 +31,17 @@ public:
     const MImage& image() const { return _image; }
     const MImage& mask() const { return _mask; }
 
-    /// The kind that an image of a pixel type is shown as.
-    static PixelKind kindOf(morvend::datatypes::Type type);
-
 private:
     PixelKind _kind = PixelKind::Int;
     MImage _image;
     MImage _mask;
 };
+
+/// Pixels of `part` of an image as 32-bit values of its kind, row by row; wider integers are held
+/// at the ends. Large parts are split over the cores.
+/// @param out  room for as many 32-bit values as `part`, which lies in the image (asserted), has
+void displayPixels(const morvend::imglib::MImage& image, const QRect& part, void* out);
+/// The same for a mask, whose values become unsigned ones of the same low bits.
+void maskPixels(const morvend::imglib::MImage& mask, const QRect& part, void* out);
 
 }  // namespace render

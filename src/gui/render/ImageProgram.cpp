@@ -11,11 +11,13 @@
 
 namespace render {
 
-ImageProgram::ImageProgram(PixelKind kind, std::unique_ptr<QOpenGLShaderProgram> program)
+ImageProgram::ImageProgram(PixelKind kind, Use use, std::unique_ptr<QOpenGLShaderProgram> program)
     : _kind(kind)
     , _program(std::move(program))
 {
     _locate();
+    if (use == Use::FlatImage)
+        _assertFlatLocations();
 }
 
 void ImageProgram::bind() { _program->bind(); }
@@ -96,10 +98,18 @@ void ImageProgram::_locate()
     _glslHighlightDefective = _program->uniformLocation("highlightDefective");
     _glslHighlightSaturated = _program->uniformLocation("highlightSaturated");
 
+    // The height map uses no others, so a compiler may drop them; to set a location of -1 is
+    // harmless.
     assert(_glslCoord2d != -1);
     assert(_glslTransformationMatrix != -1);
     assert(_glslSelectRegionMatrix != -1);
     assert(_glslTextureImg != -1);
+    assert(_glslForeground != -1);
+    assert(_glslBackground != -1);
+}
+
+void ImageProgram::_assertFlatLocations() const
+{
     assert(_glslTextureMask != -1);
     assert(_glslLinData != -1);
     assert(_glslLogData != -1);
@@ -109,8 +119,6 @@ void ImageProgram::_locate()
     assert(_glslCountCutoff != -1);
     assert(_glslHighlightDefective != -1);
     assert(_glslHighlightSaturated != -1);
-    assert(_glslForeground != -1);
-    assert(_glslBackground != -1);
     assert(_glslSlope != -1);
     assert(_glslLogSlope != -1);
     assert(_glslLogOffset != -1);

@@ -18,8 +18,11 @@ namespace render {
 /// A linked program for one pixel type. The view's context is current wherever it is used.
 class ImageProgram {
 public:
-    /// @param program  linked; every uniform of the flat image must be in it (asserted)
-    ImageProgram(PixelKind kind, std::unique_ptr<QOpenGLShaderProgram> program);
+    enum class Use { FlatImage, HeightMap };
+
+    /// @param program  linked; the uniforms of its use must be in it (asserted): all of them for
+    /// the flat image, those of matrices, image and levels for the height map
+    ImageProgram(PixelKind kind, Use use, std::unique_ptr<QOpenGLShaderProgram> program);
 
     void bind();
     void release();
@@ -29,11 +32,12 @@ public:
     void setColouring(const Colouring& colouring);
     /// Matrices and texture units, as ImageTextures binds them.
     void setScene(const QMatrix4x4& transformation, const QMatrix4x4& selectRegion);
-    /// The attribute that takes the corners of the quad, two floats each.
+    /// The attribute that takes the vertices, two floats each.
     int coord2d() const { return _glslCoord2d; }
 
 private:
     void _locate();
+    void _assertFlatLocations() const;
     void _setLevels(const TransferFunction& levels);
 
     PixelKind _kind;

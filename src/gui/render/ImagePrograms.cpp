@@ -1,13 +1,11 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// The shader programs of a view, one for each pixel type.
+// The shader programs of a view, one for each pixel type and plotting mode.
 #include "gui/render/ImagePrograms.h"
 
-#include "gui/kit/Resources.h"
+#include "gui/render/ShaderSource.h"
 #include "logic/support/Assert.h"
-
-#include <QFile>
 
 namespace render {
 
@@ -26,34 +24,47 @@ void main()
 }
 )";
 
-QByteArray resourceText(const QString& name)
+/// A shader must live as long as the program that it is part of.
+void addShader(QOpenGLShaderProgram& program, QOpenGLShader::ShaderType type,
+               const QString& resource)
 {
-    QFile file(name);
-    const bool opened = file.open(QIODevice::ReadOnly | QIODevice::Text);
-    assert(opened);
-    return file.readAll();
+    auto* shader = new QOpenGLShader(type, &program);
+    const bool added =
+        shader->compileSourceCode(shaderSource(resource)) && program.addShader(shader);
+    assert(added);
+}
+
+std::unique_ptr<ImageProgram> linked(PixelKind kind, ImageProgram::Use use,
+                                     std::unique_ptr<QOpenGLShaderProgram> program)
+{
+    const bool linked = program->link();
+    assert(linked);
+    return std::make_unique<ImageProgram>(kind, use, std::move(program));
 }
 
 std::unique_ptr<ImageProgram> flatProgram(PixelKind kind, QOpenGLShader& vshader,
                                           const QString& fragmentResource)
 {
     auto program = std::make_unique<QOpenGLShaderProgram>();
-    // A shader must live as long as the program that it is part of.
-    auto* fshader = new QOpenGLShader(QOpenGLShader::Fragment, program.get());
-    const bool compiled = fshader->compileSourceCode(resourceText(fragmentResource));
-    assert(compiled);
-    const bool added = program->addShader(&vshader) && program->addShader(fshader);
+    const bool added = program->addShader(&vshader);
     assert(added);
-    const bool linked = program->link();
-    assert(linked);
-    return std::make_unique<ImageProgram>(kind, std::move(program));
+    addShader(*program, QOpenGLShader::Fragment, fragmentResource);
+    return linked(kind, ImageProgram::Use::FlatImage, std::move(program));
+}
+
+std::unique_ptr<ImageProgram> plotProgram(PixelKind kind, const QString& vertexResource,
+                                          const QString& fragmentResource)
+{
+    auto program = std::make_unique<QOpenGLShaderProgram>();
+    addShader(*program, QOpenGLShader::Vertex, vertexResource);
+    addShader(*program, QOpenGLShader::Fragment, fragmentResource);
+    return linked(kind, ImageProgram::Use::HeightMap, std::move(program));
 }
 
 }  // namespace
 
 ImagePrograms::ImagePrograms()
 {
-    initResources();
     _vertexShader = std::make_unique<QOpenGLShader>(QOpenGLShader::Vertex);
     const bool compiled = _vertexShader->compileSourceCode(flatVertexSource);
     assert(compiled);
@@ -63,19 +74,26 @@ ImagePrograms::ImagePrograms()
         flatProgram(PixelKind::UInt, *_vertexShader, QStringLiteral(":/fragment2dUInt.glsl"));
     _glslProgram2dFloat =
         flatProgram(PixelKind::Float, *_vertexShader, QStringLiteral(":/fragment2dFloat.glsl"));
+    _glslProgram3d = plotProgram(PixelKind::Int, QStringLiteral(":/vertex3d.glsl"),
+                                 QStringLiteral(":/fragment3d.glsl"));
+    _glslProgram3dUInt = plotProgram(PixelKind::UInt, QStringLiteral(":/vertex3dUInt.glsl"),
+                                     QStringLiteral(":/fragment3dUInt.glsl"));
+    _glslProgram3dFloat = plotProgram(PixelKind::Float, QStringLiteral(":/vertex3dFloat.glsl"),
+                                      QStringLiteral(":/fragment3dFloat.glsl"));
 }
 
-ImageProgram& ImagePrograms::flat(PixelKind kind) const
+ImageProgram& ImagePrograms::get(PixelKind kind, ImageProgram::Use use) const
 {
+    const bool flat = use == ImageProgram::Use::FlatImage;
     switch (kind) {
     case PixelKind::UInt:
-        return *_glslProgram2dUInt;
+        return flat ? *_glslProgram2dUInt : *_glslProgram3dUInt;
     case PixelKind::Float:
-        return *_glslProgram2dFloat;
+        return flat ? *_glslProgram2dFloat : *_glslProgram3dFloat;
     case PixelKind::Int:
         break;
     }
-    return *_glslProgram2d;
+    return flat ? *_glslProgram2d : *_glslProgram3d;
 }
 
 }  // namespace render

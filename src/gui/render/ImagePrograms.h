@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// The shader programs of a view, one for each pixel type.
+// The shader programs of a view, one for each pixel type and plotting mode.
 #pragma once
 
 #include "gui/render/ImageProgram.h"
@@ -18,13 +18,16 @@ class ImagePrograms {
 public:
     ImagePrograms();
 
-    ImageProgram& flat(PixelKind kind) const;
+    ImageProgram& get(PixelKind kind, ImageProgram::Use use) const;
 
 private:
     std::unique_ptr<QOpenGLShader> _vertexShader;
     std::unique_ptr<ImageProgram> _glslProgram2d;
     std::unique_ptr<ImageProgram> _glslProgram2dUInt;
     std::unique_ptr<ImageProgram> _glslProgram2dFloat;
+    std::unique_ptr<ImageProgram> _glslProgram3d;
+    std::unique_ptr<ImageProgram> _glslProgram3dUInt;
+    std::unique_ptr<ImageProgram> _glslProgram3dFloat;
 };
 
 }  // namespace render

@@ -4,10 +4,14 @@
 // The textures of one image view: image, mask and the two parts of the colour table.
 #include "gui/render/ImageTextures.h"
 
+#include "gui/render/TileGrid.h"
+#include "gui/render/UnpackState.h"
 #include "logic/support/Assert.h"
 
 #include <QOpenGLContext>
 #include <QOpenGLFunctions>
+
+#include <algorithm>
 
 namespace render {
 
@@ -15,122 +19,32 @@ namespace {
 
 QOpenGLFunctions& gl() { return *QOpenGLContext::currentContext()->functions(); }
 
-/// Sets how pixels are read from memory, and puts back what was set.
-class UnpackState {
-public:
-    explicit UnpackState(int rowLength)
-    {
-        for (std::size_t i = 0; i < names.size(); ++i)
-            gl().glGetIntegerv(names[i], &_saved[i]);
-        gl().glPixelStorei(GL_PACK_ALIGNMENT, 1);
-        gl().glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
-        gl().glPixelStorei(GL_UNPACK_SKIP_PIXELS, 0);
-        gl().glPixelStorei(GL_UNPACK_SKIP_ROWS, 0);
-        gl().glPixelStorei(GL_UNPACK_ROW_LENGTH, rowLength);
-        gl().glPixelStorei(GL_UNPACK_SWAP_BYTES, GL_FALSE);
-        gl().glPixelStorei(GL_UNPACK_LSB_FIRST, GL_FALSE);
-    }
-    ~UnpackState()
-    {
-        for (std::size_t i = 0; i < names.size(); ++i)
-            gl().glPixelStorei(names[i], _saved[i]);
-    }
-    UnpackState(const UnpackState&) = delete;
-    UnpackState& operator=(const UnpackState&) = delete;
-
-private:
-    static constexpr std::array<GLenum, 6> names{GL_UNPACK_ALIGNMENT,  GL_UNPACK_SKIP_PIXELS,
-                                                 GL_UNPACK_SKIP_ROWS,  GL_UNPACK_ROW_LENGTH,
-                                                 GL_UNPACK_SWAP_BYTES, GL_UNPACK_LSB_FIRST};
-    std::array<GLint, 6> _saved{};
-};
-
-GLenum target(ImageTextures::Unit unit)
+void activate(ImageTextures::Unit unit)
 {
-    return unit == ImageTextures::LinearTable || unit == ImageTextures::LogarithmicTable
-               ? GL_TEXTURE_1D
-               : GL_TEXTURE_2D;
+    gl().glActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(unit));
 }
 
-void activate(int unit) { gl().glActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(unit)); }
-
-}  // namespace
-
-void ImageTextures::uploadImage(const DisplayImage& image)
+/// An interpolated count means nothing; rounding may take an index to the very end of a table,
+/// which must not be its beginning.
+void setNearest(GLenum target)
 {
-    release();
-    _generate(Image, 2);
-    const int width = image.size().width();
-    const int height = image.size().height();
-    const void* pixels = image.image().cdata();
-    switch (image.kind()) {
-    case PixelKind::Int:
-        _upload2d(Image, GL_R32I, width, height, GL_RED_INTEGER, GL_INT, pixels);
-        break;
-    case PixelKind::UInt:
-        _upload2d(Image, GL_R32UI, width, height, GL_RED_INTEGER, GL_UNSIGNED_INT, pixels);
-        break;
-    case PixelKind::Float:
-        _upload2d(Image, GL_R32F, width, height, GL_RED, GL_FLOAT, pixels);
-        break;
-    }
-    _upload2d(Mask, GL_R32UI, image.mask().width(), image.mask().height(), GL_RED_INTEGER,
-              GL_UNSIGNED_INT, image.mask().cdata());
-    unbind();
+    gl().glTexParameteri(target, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+    gl().glTexParameteri(target, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+    gl().glTexParameteri(target, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
+    gl().glTexParameteri(target, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
 }
 
-void ImageTextures::uploadTables(const MColorTable& table)
+/// Forgets errors of others, and tells whether there were any.
+bool takeErrors()
 {
-    gl().glDeleteTextures(2, &_texture[LinearTable]);
-    _generate(LinearTable, 2);
-    _upload1d(LinearTable, static_cast<int>(table.linDataSize()), table.linData());
-    _upload1d(LogarithmicTable, static_cast<int>(table.logDataSize()), table.logData());
-    unbind();
+    bool any = false;
+    // A context that is lost answers with an error for ever.
+    for (int i = 0; i < 16 && gl().glGetError() != GL_NO_ERROR; ++i)
+        any = true;
+    return any;
 }
 
-void ImageTextures::bind() const
-{
-    for (const Unit unit : {Image, Mask, LinearTable, LogarithmicTable}) {
-        activate(unit);
-        gl().glBindTexture(target(unit), _texture[unit]);
-    }
-    activate(0);
-}
-
-void ImageTextures::unbind() const
-{
-    for (const Unit unit : {LogarithmicTable, LinearTable, Mask, Image}) {
-        activate(unit);
-        gl().glBindTexture(target(unit), 0);
-    }
-}
-
-void ImageTextures::release()
-{
-    gl().glDeleteTextures(static_cast<GLsizei>(_texture.size()), _texture.data());
-    forget();
-}
-
-void ImageTextures::_generate(Unit first, int count)
-{
-    gl().glGenTextures(count, &_texture[first]);
-}
-
-void ImageTextures::_upload2d(Unit unit, int internalFormat, int width, int height,
-                              unsigned int format, unsigned int type, const void* data) const
-{
-    const UnpackState state(width);
-    activate(unit);
-    gl().glBindTexture(GL_TEXTURE_2D, _texture[unit]);
-    // An interpolated count means nothing.
-    gl().glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
-    gl().glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
-    gl().glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
-    gl().glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
-    gl().glTexImage2D(GL_TEXTURE_2D, 0, internalFormat, width, height, 0, format, type, data);
-}
-
-void ImageTextures::_upload1d(Unit unit, int size, const unsigned char* data) const
+void uploadTable(unsigned int texture, std::size_t size, const unsigned char* entries)
 {
     // Textures of one dimension are no part of OpenGL ES, so Qt's functions don't know them.
     using TexImage1D =
@@ -138,15 +52,159 @@ void ImageTextures::_upload1d(Unit unit, int size, const unsigned char* data) co
     const auto texImage1D = reinterpret_cast<TexImage1D>(
         QOpenGLContext::currentContext()->getProcAddress("glTexImage1D"));
     assert(texImage1D);
-    const UnpackState state(size);
-    activate(unit);
-    gl().glBindTexture(GL_TEXTURE_1D, _texture[unit]);
-    gl().glTexParameteri(GL_TEXTURE_1D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
-    gl().glTexParameteri(GL_TEXTURE_1D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
-    // Rounding may take an index to the very end, which must not be the beginning.
-    gl().glTexParameteri(GL_TEXTURE_1D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
+    const UnpackState state(static_cast<int>(size));
+    gl().glBindTexture(GL_TEXTURE_1D, texture);
+    setNearest(GL_TEXTURE_1D);
     if (size > 0)
-        texImage1D(GL_TEXTURE_1D, 0, GL_RGBA, size, 0, GL_BGRA, GL_UNSIGNED_BYTE, data);
+        texImage1D(GL_TEXTURE_1D, 0, GL_RGBA, static_cast<GLsizei>(size), 0, GL_BGRA,
+                   GL_UNSIGNED_BYTE, entries);
+}
+
+}  // namespace
+
+bool ImageTextures::uploadImage(const DisplayImage& image, int limit)
+{
+    _releaseTables();
+    const std::vector<QRect> tiles = tilesOf(image.size(), limit);
+    if (tiles != _tiles)
+        _releaseImage();
+    if (tiles.empty())
+        return false;
+    takeErrors();
+    _tiles = tiles;
+    const MImage& pixels = image.image();
+    const MImage& mask = image.mask();
+    _upload(_image, Image, pixels, TextureFormat::ofImage(pixels.type(), pixels.typeBits()));
+    _upload(_mask, Mask, mask, TextureFormat::ofMask(mask.type(), mask.typeBits()));
+    unbind();
+    if (!takeErrors())
+        return true;
+    _releaseImage();
+    return false;
+}
+
+void ImageTextures::_upload(Layer& layer, Unit unit, const MImage& pixels,
+                            const TextureFormat& format)
+{
+    if (layer.identity == pixels.identity() && layer.format == format)
+        return;
+    // The storage of the last image serves again: fresh memory costs more than the copy into it.
+    const bool isNew = layer.textures.empty() || layer.format != format;
+    if (isNew) {
+        gl().glDeleteTextures(static_cast<GLsizei>(layer.textures.size()), layer.textures.data());
+        layer.textures.resize(_tiles.size());
+        gl().glGenTextures(static_cast<GLsizei>(_tiles.size()), layer.textures.data());
+    }
+    layer.format = format;
+    layer.identity = pixels.identity();
+    activate(unit);
+    for (std::size_t i = 0; i < _tiles.size(); ++i) {
+        gl().glBindTexture(GL_TEXTURE_2D, layer.textures[i]);
+        _uploadTile(unit, pixels, format, _tiles[i], isNew);
+    }
+    ++(unit == Mask ? _uploads.masks : _uploads.images);
+}
+
+void ImageTextures::_uploadTile(Unit unit, const MImage& pixels, const TextureFormat& format,
+                                const QRect& tile, bool isNew)
+{
+    const auto send = [&](const QRect& part, int rowLength, const void* data) {
+        const UnpackState state(rowLength);
+        gl().glTexSubImage2D(GL_TEXTURE_2D, 0, part.x() - tile.x(), part.y() - tile.y(),
+                             part.width(), part.height(), format.format, format.type, data);
+    };
+    if (isNew) {
+        setNearest(GL_TEXTURE_2D);
+        gl().glTexImage2D(GL_TEXTURE_2D, 0, format.internalFormat, tile.width(), tile.height(), 0,
+                          format.format, format.type, nullptr);
+    }
+    if (format.direct) {
+        const std::size_t first =
+            static_cast<std::size_t>(tile.y()) * static_cast<std::size_t>(pixels.width()) +
+            static_cast<std::size_t>(tile.x());
+        send(tile, pixels.width(),
+             static_cast<const std::byte*>(pixels.cdata()) + first * format.bytes);
+        return;
+    }
+    // In bands that stay in the cache between conversion and upload.
+    constexpr int bandPixels = 1 << 18;
+    const int rows = std::max(1, bandPixels / tile.width());
+    std::vector<std::uint32_t> band(static_cast<std::size_t>(rows) *
+                                    static_cast<std::size_t>(tile.width()));
+    for (int y = tile.top(); y <= tile.bottom(); y += rows) {
+        const QRect part(tile.x(), y, tile.width(), std::min(rows, tile.bottom() + 1 - y));
+        if (unit == Mask)
+            maskPixels(pixels, part, band.data());
+        else
+            displayPixels(pixels, part, band.data());
+        send(part, part.width(), band.data());
+    }
+}
+
+void ImageTextures::uploadTables(const MColorTable& table)
+{
+    _releaseTables();
+    gl().glGenTextures(2, _tables);
+    activate(LinearTable);
+    uploadTable(_tables[0], table.linDataSize(), table.linData());
+    uploadTable(_tables[1], table.logDataSize(), table.logData());
+    ++_uploads.tables;
+    unbind();
+}
+
+void ImageTextures::bind(std::size_t tile) const
+{
+    activate(LogarithmicTable);
+    gl().glBindTexture(GL_TEXTURE_1D, _tables[1]);
+    activate(LinearTable);
+    gl().glBindTexture(GL_TEXTURE_1D, _tables[0]);
+    activate(Mask);
+    gl().glBindTexture(GL_TEXTURE_2D, _mask.textures[tile]);
+    activate(Image);
+    gl().glBindTexture(GL_TEXTURE_2D, _image.textures[tile]);
+}
+
+void ImageTextures::unbind() const
+{
+    for (const Unit unit : {LogarithmicTable, LinearTable, Mask, Image}) {
+        activate(unit);
+        gl().glBindTexture(GL_TEXTURE_1D, 0);
+        gl().glBindTexture(GL_TEXTURE_2D, 0);
+    }
+}
+
+void ImageTextures::bindSample(const MImage& sample)
+{
+    if (!_sample)
+        gl().glGenTextures(1, &_sample);
+    activate(Image);
+    gl().glBindTexture(GL_TEXTURE_2D, _sample);
+    _uploadTile(Image, sample, TextureFormat::ofImage(sample.type(), sample.typeBits()),
+                QRect(0, 0, sample.width(), sample.height()), true);
+}
+
+void ImageTextures::release()
+{
+    _releaseImage();
+    _releaseTables();
+    gl().glDeleteTextures(1, &_sample);
+    _sample = 0;
+}
+
+void ImageTextures::_releaseImage()
+{
+    for (Layer* layer : {&_image, &_mask}) {
+        gl().glDeleteTextures(static_cast<GLsizei>(layer->textures.size()), layer->textures.data());
+        *layer = {};
+    }
+    _tiles.clear();
+}
+
+void ImageTextures::_releaseTables()
+{
+    gl().glDeleteTextures(2, _tables);
+    _tables[0] = 0;
+    _tables[1] = 0;
 }
 
 }  // namespace render

@@ -5,46 +5,77 @@
 #pragma once
 
 #include "gui/render/DisplayImage.h"
+#include "gui/render/TextureFormat.h"
 #include "imagelib/display/MColorTable.h"
 
-#include <array>
+#include <QRect>
+
+#include <cstdint>
+#include <vector>
 
 namespace render {
 
-/// Four textures on units 0 to 3. Thread: GUI, with the view's context current for all but
-/// forget() and the questions.
+/// Textures on units 0 to 3. An image that is larger than a texture may be lies in tiles. What the
+/// card already holds is not sent again: a mask that stayed the same, or an image that is shown
+/// with other highlights. Thread: GUI, with the view's context current for all but the questions.
 class ImageTextures {
 public:
     enum Unit { Image = 0, Mask = 1, LinearTable = 2, LogarithmicTable = 3 };
     using MColorTable = morvend::imglib::MColorTable;
+    using MImage = morvend::imglib::MImage;
+
+    /// How often pixels were sent to the card.
+    struct Uploads {
+        int images = 0;
+        int masks = 0;
+        int tables = 0;
+    };
 
     ImageTextures() = default;
     ImageTextures(const ImageTextures&) = delete;
     ImageTextures& operator=(const ImageTextures&) = delete;
 
-    /// Uploads image and mask in place of all that was there, tables included.
-    void uploadImage(const DisplayImage& image);
+    /// Puts image and mask in place of those that were there; the tables go, as contrast follows.
+    /// @param limit  longest side of a tile
+    /// @returns false, without any texture, when the card can't hold the image
+    bool uploadImage(const DisplayImage& image, int limit);
     void uploadTables(const MColorTable& table);
-    bool hasImage() const { return _texture[Image] != 0; }
-    bool hasTables() const { return _texture[LinearTable] != 0 && _texture[LogarithmicTable] != 0; }
+    bool hasImage() const { return !_tiles.empty(); }
+    bool hasTables() const { return _tables[0] != 0 && _tables[1] != 0; }
+    const Uploads& uploads() const { return _uploads; }
 
-    /// Binds each texture on its unit; unbind() leaves unit 0 active and nothing bound, as painters
-    /// expect.
-    void bind() const;
+    /// The parts of the image that the tiles hold.
+    const std::vector<QRect>& tiles() const { return _tiles; }
+    /// Binds one tile and the tables, each on its unit; unbind() leaves unit 0 active and nothing
+    /// bound, as painters expect.
+    void bind(std::size_t tile) const;
     void unbind() const;
+    /// Binds a small image in place of a tile, for this time only.
+    void bindSample(const MImage& sample);
 
     /// Deletes all textures.
     void release();
-    /// The context is gone, and the textures with it.
-    void forget() { _texture = {}; }
 
 private:
-    void _upload2d(Unit unit, int internalFormat, int width, int height, unsigned int format,
-                   unsigned int type, const void* data) const;
-    void _upload1d(Unit unit, int size, const unsigned char* data) const;
-    void _generate(Unit first, int count);
+    /// One picture, image or mask, over all tiles.
+    struct Layer {
+        std::vector<unsigned int> textures;
+        TextureFormat format{};
+        std::uint64_t identity = 0;  ///< of the pixels in the textures
+    };
 
-    std::array<unsigned int, 4> _texture{};
+    void _upload(Layer& layer, Unit unit, const MImage& pixels, const TextureFormat& format);
+    void _uploadTile(Unit unit, const MImage& pixels, const TextureFormat& format,
+                     const QRect& tile, bool isNew);
+    void _releaseImage();
+    void _releaseTables();
+
+    std::vector<QRect> _tiles;
+    Layer _image;
+    Layer _mask;
+    unsigned int _sample = 0;
+    unsigned int _tables[2] = {0, 0};
+    Uploads _uploads;
 };
 
 }  // namespace render

@@ -4,12 +4,18 @@
 // Draws the image of a view by its shaders.
 #include "gui/render/SceneRenderer.h"
 
+#include "gui/render/MeshGrid.h"
+#include "gui/render/PlotSample.h"
 #include "logic/support/Assert.h"
 
 #include <QOpenGLContext>
 #include <QOpenGLFunctions>
 
 #include <array>
+
+#ifndef GL_LINE_SMOOTH
+#define GL_LINE_SMOOTH 0x0B20
+#endif
 
 namespace render {
 
@@ -18,13 +24,21 @@ namespace {
 constexpr std::array<GLfloat, 8> quadVertices{0, 0, 1, 0, 1, 1, 0, 1};
 constexpr std::array<GLuint, 6> quadIndices{0, 1, 2, 2, 3, 0};
 
-template <class Array>
-void fill(QOpenGLBuffer& buffer, const Array& values)
+QOpenGLFunctions& gl() { return *QOpenGLContext::currentContext()->functions(); }
+
+template <class Values>
+void fill(QOpenGLBuffer& buffer, const Values& values)
 {
     const bool created = buffer.create() && buffer.bind();
     assert(created);
-    buffer.allocate(values.data(), static_cast<int>(sizeof values));
+    buffer.allocate(values.data(), static_cast<int>(values.size() * sizeof(values[0])));
     buffer.release();
+}
+
+ImageProgram::Use useOf(PlottingMode mode)
+{
+    return mode == PlottingMode::ThreeDimensional ? ImageProgram::Use::HeightMap
+                                                  : ImageProgram::Use::FlatImage;
 }
 
 }  // namespace
@@ -35,48 +49,93 @@ SceneRenderer::SceneRenderer()
     _vertexArray.create();
     fill(_quadIndices, quadIndices);
     fill(_quadVertices, quadVertices);
+    fill(_gridVertices, VERTEX_GRID.vertices);
+    fill(_gridLineIndices, VERTEX_GRID.lineIndices);
+    fill(_gridTriangleIndices, VERTEX_GRID.triangleIndices);
 }
 
 SceneRenderer::~SceneRenderer() { _textures.release(); }
 
-void SceneRenderer::setColouring(PixelKind kind, const Colouring& colouring)
+void SceneRenderer::setColouring(PixelKind kind, PlottingMode mode, const Colouring& colouring)
 {
     if (!colouring.contrast.dragUpdate || !_textures.hasTables())
         _textures.uploadTables(*colouring.contrast.colorTable);
-    ImageProgram& program = _programs.flat(kind);
+    ImageProgram& program = _programs.get(kind, useOf(mode));
     program.bind();
     program.setColouring(colouring);
     program.release();
 }
 
-void SceneRenderer::drawFlat(PixelKind kind, const ViewGeometry& geometry)
+void SceneRenderer::draw(const DisplayImage& image, PlottingMode mode, const ViewGeometry& geometry)
 {
-    QOpenGLFunctions& gl = *QOpenGLContext::currentContext()->functions();
-    gl.glDisable(GL_DEPTH_TEST);
-    gl.glDisable(GL_STENCIL_TEST);
-    gl.glDisable(GL_SCISSOR_TEST);
-    gl.glDisable(GL_CULL_FACE);
-    gl.glDisable(GL_BLEND);
-
-    ImageProgram& program = _programs.flat(kind);
+    gl().glDisable(GL_STENCIL_TEST);
+    gl().glDisable(GL_SCISSOR_TEST);
+    gl().glDisable(GL_CULL_FACE);
+    const ImageProgram::Use use = useOf(mode);
+    ImageProgram& program = _programs.get(image.kind(), use);
     program.bind();
-    _textures.bind();
-    program.setScene(geometry.transformationMatrix(), geometry.selectRegionMatrix());
-
-    const QOpenGLVertexArrayObject::Binder vertexArray(&_vertexArray);
-    const auto coord2d = static_cast<GLuint>(program.coord2d());
-    _quadVertices.bind();
-    _quadIndices.bind();
-    gl.glEnableVertexAttribArray(coord2d);
-    gl.glVertexAttribPointer(coord2d, 2, GL_FLOAT, GL_FALSE, 0, nullptr);
-    gl.glDrawElements(GL_TRIANGLES, static_cast<GLsizei>(quadIndices.size()), GL_UNSIGNED_INT,
-                      nullptr);
-    gl.glDisableVertexAttribArray(coord2d);
-    _quadVertices.release();
-    _quadIndices.release();
-
+    if (use == ImageProgram::Use::FlatImage)
+        _drawFlat(program, geometry);
+    else
+        _drawPlot(program, image, geometry);
     _textures.unbind();
     program.release();
+}
+
+void SceneRenderer::_drawFlat(ImageProgram& program, const ViewGeometry& geometry)
+{
+    // Tiles overlap, and each of their pixels is opaque.
+    gl().glDisable(GL_DEPTH_TEST);
+    gl().glDisable(GL_BLEND);
+    for (std::size_t i = 0; i < _textures.tiles().size(); ++i) {
+        const ViewGeometry tile = geometry.part(_textures.tiles()[i]);
+        if (tile.visibleRange().isEmpty())
+            continue;
+        _textures.bind(i);
+        program.setScene(tile.transformationMatrix(), tile.selectRegionMatrix());
+        _drawElements(program, GL_TRIANGLES, static_cast<int>(quadIndices.size()), _quadVertices,
+                      _quadIndices);
+    }
+}
+
+void SceneRenderer::_drawPlot(ImageProgram& program, const DisplayImage& image,
+                              const ViewGeometry& geometry)
+{
+    const QRectF visible = geometry.visibleRange();
+    if (visible.isEmpty())
+        return;
+    _textures.bind(0);
+    if (_textures.tiles().size() == 1) {
+        program.setScene(geometry.plotMatrix(), geometry.selectRegionMatrix());
+    } else {
+        // The mesh reads one texture, so its pixels are picked out of the whole image here.
+        _textures.bindSample(plotSample(image.image(), visible));
+        program.setScene(geometry.plotMatrix() * geometry.selectRegionMatrix(), {});
+    }
+    gl().glEnable(GL_DEPTH_TEST);
+    gl().glEnable(GL_BLEND);
+    gl().glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    gl().glEnable(GL_LINE_SMOOTH);
+    _drawElements(program, GL_LINES, static_cast<int>(VERTEX_GRID.lineIndices.size()),
+                  _gridVertices, _gridLineIndices);
+    gl().glDisable(GL_LINE_SMOOTH);
+    gl().glDisable(GL_BLEND);
+    gl().glDisable(GL_DEPTH_TEST);
+}
+
+void SceneRenderer::_drawElements(const ImageProgram& program, unsigned int mode, int count,
+                                  QOpenGLBuffer& vertices, QOpenGLBuffer& indices)
+{
+    const QOpenGLVertexArrayObject::Binder vertexArray(&_vertexArray);
+    const auto coord2d = static_cast<GLuint>(program.coord2d());
+    vertices.bind();
+    indices.bind();
+    gl().glEnableVertexAttribArray(coord2d);
+    gl().glVertexAttribPointer(coord2d, 2, GL_FLOAT, GL_FALSE, 0, nullptr);
+    gl().glDrawElements(mode, count, GL_UNSIGNED_INT, nullptr);
+    gl().glDisableVertexAttribArray(coord2d);
+    vertices.release();
+    indices.release();
 }
 
 }  // namespace render

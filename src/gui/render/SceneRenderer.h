@@ -7,6 +7,7 @@
 #include "gui/render/ImagePrograms.h"
 #include "gui/render/ImageTextures.h"
 #include "gui/render/ViewGeometry.h"
+#include "logic/records/PlottingMode.h"
 
 #include <QOpenGLBuffer>
 #include <QOpenGLVertexArrayObject>
@@ -21,19 +22,30 @@ public:
     ~SceneRenderer();
 
     ImageTextures& textures() { return _textures; }
-    /// Sets the uniforms of the program for a pixel type, and the tables: anew where they are
-    /// missing or when the contrast is not in the course of a drag.
-    void setColouring(PixelKind kind, const Colouring& colouring);
+    const ImageTextures& textures() const { return _textures; }
+    /// Sets the uniforms of the program for a pixel type and a plotting mode, and the tables: anew
+    /// where they are missing or when the contrast is not in the course of a drag.
+    void setColouring(PixelKind kind, PlottingMode mode, const Colouring& colouring);
     /// Draws the visible part into the current frame buffer and viewport, and leaves no state
     /// behind that would disturb a painter.
-    void drawFlat(PixelKind kind, const ViewGeometry& geometry);
+    /// @param image  the one that the textures hold
+    void draw(const DisplayImage& image, PlottingMode mode, const ViewGeometry& geometry);
 
 private:
+    void _drawFlat(ImageProgram& program, const ViewGeometry& geometry);
+    void _drawPlot(ImageProgram& program, const DisplayImage& image, const ViewGeometry& geometry);
+    void _drawElements(const ImageProgram& program, unsigned int mode, int count,
+                       QOpenGLBuffer& vertices, QOpenGLBuffer& indices);
+
     ImagePrograms _programs;
     ImageTextures _textures;
     QOpenGLVertexArrayObject _vertexArray;
     QOpenGLBuffer _quadIndices{QOpenGLBuffer::IndexBuffer};
     QOpenGLBuffer _quadVertices{QOpenGLBuffer::VertexBuffer};
+    QOpenGLBuffer _gridVertices{QOpenGLBuffer::VertexBuffer};
+    QOpenGLBuffer _gridLineIndices{QOpenGLBuffer::IndexBuffer};
+    /// Filled and not drawn: the plot is a wire frame.
+    QOpenGLBuffer _gridTriangleIndices{QOpenGLBuffer::IndexBuffer};
 };
 
 }  // namespace render

@@ -54,6 +54,14 @@ ViewGeometry::ViewGeometry(QSize image, QSize view, const ViewportData& viewport
     , _scale(scale)
 {}
 
+ViewGeometry ViewGeometry::part(const QRect& rect) const
+{
+    ViewportData viewport = _viewport;
+    viewport.offsetX -= rect.x();
+    viewport.offsetY -= rect.y();
+    return {rect.size(), _view, viewport, _scale};
+}
+
 double ViewGeometry::imageX(double screenX) const
 {
     return (_viewport.offsetX + screenX / _zoom) / _scale;

@@ -24,6 +24,9 @@ public:
     /// @param scale  pixels of the picture on show for each image pixel
     ViewGeometry(QSize image, QSize view, const ViewportData& viewport, double scale = 1.0);
 
+    /// The same view of a part of the image, taken as an image of its own.
+    ViewGeometry part(const QRect& rect) const;
+
     double imageX(double screenX) const;
     double imageY(double screenY) const;
     /// Truncated; held within the range of int.

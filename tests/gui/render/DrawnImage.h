@@ -10,6 +10,7 @@
 #include "logic/tarvikcore.h"
 #include "tests/support/WaitFor.h"
 
+#include <QScreen>
 #include <QSignalSpy>
 
 /// A core, one service and one view of a given size.
@@ -35,6 +36,17 @@ public:
         const bool came = arrived.count() > 0 || arrived.wait(10000);
         settle();
         return came;
+    }
+
+    /// What stands on the screen where the view is.
+    QImage screen() const
+    {
+        const QWidget* window = drawer->window();
+        const QPoint place = drawer->mapTo(window, QPoint());
+        return drawer->screen()
+            ->grabWindow(window->winId(), place.x(), place.y(), drawer->width(), drawer->height())
+            .toImage()
+            .convertToFormat(QImage::Format_RGB32);
     }
 
     TarvikCore core;

@@ -203,9 +203,19 @@ TEST_F(ImageDrawerTest, TheImageSurvivesAMoveBetweenSplittersAndWindows)
 TEST_F(ImageDrawerTest, WhatStandsOnTheScreenIsThePictureThatIsGrabbed)
 {
     open(1000, 800);
-    settle();
-    EXPECT_EQ(drawer().grabFramebuffer().convertToFormat(QImage::Format_RGB32),
-              drawer().grab().convertToFormat(QImage::Format_RGB32));
+    const auto shown = [this] {
+        return waitFor([this] {
+            return _view.screen() == drawer().grab().convertToFormat(QImage::Format_RGB32);
+        });
+    };
+    EXPECT_TRUE(shown());
+    const QImage before = _view.screen();
+    _view.service->setContrastData({30, 0, MColorTable::heat(), false});
+    EXPECT_TRUE(shown());
+    EXPECT_NE(_view.screen(), before);
+    drawer().zoom(1);
+    drawer().repaint();
+    EXPECT_TRUE(shown());
 }
 
 }  // namespace

@@ -1,0 +1,7 @@
+#version 130
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Colours the mesh over a signed integer image.
+
+#include "plotcolour.glsl"

@@ -1,0 +1,45 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The surface of a view that draws through OpenGL.
+#include "gui/render/GlCanvas.h"
+
+#include <QOpenGLContext>
+
+#include <utility>
+
+namespace render {
+
+GlCanvas::GlCanvas(QWidget* view, Client client)
+    : QOpenGLWidget(view)
+    , _client(std::move(client))
+{
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+    setAutoFillBackground(false);
+}
+
+GlCanvas::~GlCanvas() { _release(); }
+
+void GlCanvas::initializeGL()
+{
+    // A view that moved to a window with a context of its own starts anew.
+    _release();
+    _contextEnd = connect(context(), &QOpenGLContext::aboutToBeDestroyed, this, &GlCanvas::_release,
+                          Qt::DirectConnection);
+    _client.initialize();
+}
+
+void GlCanvas::paintGL() { _client.paint(); }
+
+void GlCanvas::_release()
+{
+    if (!_contextEnd)
+        return;
+    disconnect(_contextEnd);
+    _contextEnd = {};
+    makeCurrent();
+    _client.release();
+    doneCurrent();
+}
+
+}  // namespace render

@@ -300,8 +300,8 @@ void ImageDrawer::_pan(const QPoint& position)
     const QPoint drag = position - QPoint(_lastMoveX, _lastMoveY);
     _lastMoveX = position.x();
     _lastMoveY = position.y();
-    _service->setViewportData(
-        render::panned(effectiveViewportData(), drag, imageScaleFactor(), moveDirection()));
+    const double pixelSize = effectiveViewportData().zoom() * imageScaleFactor();
+    _service->setViewportData(render::panned(_viewportData, drag, pixelSize, moveDirection()));
 }
 
 void ImageDrawer::wheelEvent(QWheelEvent* event)

@@ -5,9 +5,21 @@
 #pragma once
 
 #include "gui/imagedrawer.h"
+#include "gui/render/gestures/NewRegion.h"
+#include "gui/render/gestures/RegionCursors.h"
+#include "gui/render/gestures/RegionDrag.h"
+#include "gui/render/overlays/ResolutionRings.h"
+#include "imagelib/display/MDrawingList.h"
+#include "logic/analysis/peaks/ImagePeaks.h"
+#include "logic/records/PeakData.h"
+#include "logic/records/StatisticsData.h"
+#include "logic/service/CursorInfo.h"
 
-/// Shows the service's image and adds the gestures of the main view: the wheel zooms about the
-/// cursor.
+/// Shows the service's image and adds the gestures of the main view. The wheel zooms about the
+/// cursor. The right button draws a region of the kind that the service's record names, or with the
+/// Control key a powder ring round the cursor instead of the beam centre. Any button drags a region
+/// or one of its handles, which the cursor tells while it hovers; elsewhere the left button moves
+/// the image, and the middle one turns the height map.
 class ImageDrawerMain : public ImageDrawer {
     Q_OBJECT
 public:
@@ -16,15 +28,62 @@ public:
     /// One step in or out about the centre of the view, by the sign of the argument.
     void zoom(int step);
 
-protected:
-    MImage baseImage() const override;
+    // What a thumbnail of this view has in common with it.
+    using ImageDrawer::service;
     ContrastData defaultContrast() const override;
     ViewportData defaultViewport() const override;
     ViewportData correctViewport(const ViewportData& wanted,
                                  const ViewportData& current) const override;
+
+public slots:
+    void newImageSlot() override;
+    /// Takes the overlay of scripting clients from the service.
+    void updatePaintListSlot();
+
+protected:
+    MImage baseImage() const override;
     ViewportData effectiveViewportData() const override { return viewport(); }
     double imageScaleFactor() const override { return 1.0; }
     int moveDirection() const override { return 1; }
 
+    void paintRings(QPainter* painter) override;
+    void paint(QPainter* painter) override;
+    void virtualMousePressEvent(QMouseEvent* event) override;
+    void virtualMouseMoveEvent(QMouseEvent* event) override;
     void virtualWheelEvent(QWheelEvent* event) override;
+    void enterEvent(QEnterEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+
+private slots:
+    void _setStatisticsSlot(const StatisticsData& region);
+    void _setPeakData(const PeakData& selection);
+    void _setCursorInfo(const CursorInfo& info);
+
+private:
+    QPoint _cursor() const { return {cursorX(), cursorY()}; }
+    bool _cursorOnImage() const;
+    /// A right drag draws a region of the chosen kind, unless it moves the one that is there.
+    bool _drawsRegion(Qt::MouseButtons buttons) const;
+    void _hover();
+    void _drag(Qt::MouseButtons buttons);
+    void _rotatePlot(QPoint move);
+    void _extendRegion();
+    void _moveRegion();
+    void _paintPixelValues(QPainter& painter, const render::ViewGeometry& geometry) const;
+
+    render::RegionCursors _cursors;
+    render::ResolutionRings _rings;
+    bool _cursorInside = false;
+    CursorInfo _cursorInfo;
+    StatisticsData _statisticsData;
+    PeakData _peakData;
+    ImagePeaks _imagePeaks;
+    morvend::imglib::MDrawingList<> _paintList;
+    // What a drag will do, decided while the cursor hovers.
+    bool _rotateSelection = false;
+    bool _moveSelection = false;
+    render::RegionHandle _handle = render::RegionHandle::Body;
+    render::NewRegion _newRegion;
+    render::RegionDrag _regionDrag;
+    QPoint _last;
 };

@@ -7,6 +7,8 @@
 #include "logic/records/ViewportData.h"
 
 #include <QMatrix4x4>
+#include <QPoint>
+#include <QPointF>
 #include <QRect>
 #include <QRectF>
 #include <QSize>
@@ -26,12 +28,22 @@ public:
 
     /// The same view of a part of the image, taken as an image of its own.
     ViewGeometry part(const QRect& rect) const;
+    QSize image() const { return _image; }
+    QSize view() const { return _view; }
+    /// Screen pixels for each pixel of the picture on show.
+    double zoom() const { return _zoom; }
 
     double imageX(double screenX) const;
     double imageY(double screenY) const;
     /// Truncated; held within the range of int.
     int screenX(double imageX) const;
     int screenY(double imageY) const;
+    QPointF imagePoint(QPointF screen) const { return {imageX(screen.x()), imageY(screen.y())}; }
+    /// Both coordinates truncated, each by itself.
+    QPoint screenPoint(double imageX, double imageY) const
+    {
+        return {screenX(imageX), screenY(imageY)};
+    }
 
     /// The part of the image on show, in image pixels; zero when no part of it is.
     QRectF visibleRange() const;

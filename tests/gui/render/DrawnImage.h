@@ -10,6 +10,7 @@
 #include "logic/tarvikcore.h"
 #include "tests/support/WaitFor.h"
 
+#include <QApplication>
 #include <QScreen>
 #include <QSignalSpy>
 
@@ -35,6 +36,7 @@ public:
         service->openImage(image);
         const bool came = arrived.count() > 0 || arrived.wait(10000);
         settle();
+        hideCursor();
         return came;
     }
 
@@ -47,6 +49,13 @@ public:
             ->grabWindow(window->winId(), place.x(), place.y(), drawer->width(), drawer->height())
             .toImage()
             .convertToFormat(QImage::Format_RGB32);
+    }
+
+    /// Takes the box of values beside the mouse cursor away.
+    void hideCursor()
+    {
+        QEvent leave(QEvent::Leave);
+        QApplication::sendEvent(drawer.get(), &leave);
     }
 
     TarvikCore core;

@@ -45,13 +45,13 @@ TEST(ZoomPan, TheImagePointUnderTheCursorStaysAtAnyZoom)
 TEST(ZoomPan, APanKeepsFractionsOfImagePixels)
 {
     const ViewportData start(10, 20, 3, 1, 2);
-    const ViewportData moved = render::panned(start, {3, -5}, 1.0, 1);
+    const ViewportData moved = render::panned(start, {3, -5}, 8, 1);
     EXPECT_DOUBLE_EQ(moved.offsetX, 10 - 3.0 / 8);
     EXPECT_DOUBLE_EQ(moved.offsetY, 20 + 5.0 / 8);
     EXPECT_EQ(moved.zoomPower, 3);
     EXPECT_EQ(moved.rotationY, 2);
     const ViewportData thumbnail = render::panned(start, {3, -5}, 0.25, -1);
-    EXPECT_DOUBLE_EQ(thumbnail.offsetX, 10 + 3.0 / 2);
+    EXPECT_DOUBLE_EQ(thumbnail.offsetX, 10 + 3.0 * 4);
 }
 
 struct Move {

@@ -26,7 +26,7 @@ ViewportData centredViewport(QSize image, QSize view)
             double((image.height() - view.height()) / 2), 0, 0, 0};
 }
 
-ViewportData zoomedAbout(const ViewportData& viewport, QPointF imagePoint, QPoint screenPoint,
+ViewportData zoomedAbout(const ViewportData& viewport, QPointF imagePoint, QPointF screenPoint,
                          int step)
 {
     ViewportData result = viewport;
@@ -37,9 +37,15 @@ ViewportData zoomedAbout(const ViewportData& viewport, QPointF imagePoint, QPoin
     return result;
 }
 
-ViewportData panned(const ViewportData& viewport, QPoint drag, double scale, int direction)
+int wheelStep(QPoint angleDelta)
 {
-    const double step = direction / (viewport.zoom() * scale);
+    const int turn = angleDelta.y() != 0 ? angleDelta.y() : angleDelta.x();
+    return (turn > 0) - (turn < 0);
+}
+
+ViewportData panned(const ViewportData& viewport, QPoint drag, double pixelSize, int direction)
+{
+    const double step = direction / pixelSize;
     return {viewport.offsetX - drag.x() * step, viewport.offsetY - drag.y() * step,
             viewport.zoomPower, viewport.rotationX, viewport.rotationY};
 }

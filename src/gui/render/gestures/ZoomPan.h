@@ -17,14 +17,18 @@ ViewportData centredViewport(QSize image, QSize view);
 
 /// One step in or out, with an image point held at a screen point.
 /// @param step  +1 or -1, clamped with the zoom power's range
-ViewportData zoomedAbout(const ViewportData& viewport, QPointF imagePoint, QPoint screenPoint,
+ViewportData zoomedAbout(const ViewportData& viewport, QPointF imagePoint, QPointF screenPoint,
                          int step);
+
+/// The step of a turn of the wheel, forward +1, back -1, none 0. A turn sideways counts where there
+/// is no other.
+int wheelStep(QPoint angleDelta);
 
 /// Moved by a drag.
 /// @param drag  screen pixels since the last step; fractions of image pixels are kept
-/// @param scale  pixels of the picture on show for each image pixel
+/// @param pixelSize  screen pixels for each image pixel of what is dragged
 /// @param direction  +1 moves the image with the cursor, -1 against it
-ViewportData panned(const ViewportData& viewport, QPoint drag, double scale, int direction);
+ViewportData panned(const ViewportData& viewport, QPoint drag, double pixelSize, int direction);
 
 /// The viewport to adopt when `wanted` follows on `current`. A move may not enlarge the empty
 /// border around the image; each axis is decided by itself. A change of zoom is taken as it is.

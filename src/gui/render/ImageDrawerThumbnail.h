@@ -1,0 +1,48 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The small image view that steers a main view.
+#pragma once
+
+#include "gui/imagedrawer.h"
+#include "gui/render/overlays/ResolutionRings.h"
+
+class ImageDrawerMain;
+
+/// Shows the whole image at a reduced size and marks what the main view shows of it. A drag moves
+/// that part, the wheel zooms the main view about the point under the cursor; both within the
+/// limits of the main view.
+class ImageDrawerThumbnail : public ImageDrawer {
+    Q_OBJECT
+public:
+    /// @param main  the view to steer, whose service and way of colouring it takes; not owned,
+    /// lives as long as this
+    explicit ImageDrawerThumbnail(ImageDrawerMain* main, QWidget* parent = nullptr);
+
+    /// The size of the reduced image, 200 by 100 without one.
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+public slots:
+    void newImageSlot() override;
+
+protected:
+    MImage baseImage() const override;
+    ContrastData defaultContrast() const override;
+    ViewportData defaultViewport() const override;
+    ViewportData correctViewport(const ViewportData& wanted,
+                                 const ViewportData& current) const override;
+    ViewportData effectiveViewportData() const override { return {}; }
+    double imageScaleFactor() const override;
+    int moveDirection() const override { return -1; }
+
+    void paintRings(QPainter* painter) override;
+    void paint(QPainter* painter) override;
+    void virtualWheelEvent(QWheelEvent* event) override;
+
+private:
+    ImageDrawerMain* _main;
+    render::ResolutionRings _rings;
+};

@@ -1,0 +1,31 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Small marks and pens that several overlays share.
+#pragma once
+
+#include "gui/render/overlays/Outline.h"
+
+#include <QPen>
+#include <QPoint>
+#include <QSize>
+
+class QColor;
+class QFont;
+class QPainter;
+
+namespace render::marks {
+
+/// A pen for lines that end and bend squarely.
+QPen squarePen(const QColor& color, double width);
+/// The font of texts over an image, of a size in points.
+QFont font(int points);
+/// An upright cross whose arms reach over a distance from a point; nothing when all of it lies
+/// outside of a view of that size.
+void drawCross(QPainter& painter, QPoint centre, int arm, QSize view);
+/// What of a view has to be drawn, with some room for the width of lines.
+QRectF windowOf(QSize view);
+/// Draws what can be seen of an outline with the painter's pen.
+void drawOutline(QPainter& painter, const Outline& outline, const QRectF& window);
+
+}  // namespace render::marks

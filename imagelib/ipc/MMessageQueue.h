@@ -48,8 +48,8 @@ public:
     /// Opens the queue of that name, any non-empty text.
     /// @throws MBadParameterException without a name, MRuntimeException when another user holds it
     explicit MMessageQueue(const char* name);
-    /// The last object of a name closes the end: what a connected peer has not been handed yet is
-    /// handed over, as long as that takes no second; the rest is dropped.
+    /// The last object of a name closes the end: what a peer that is there has not been handed yet
+    /// is handed over, as long as that takes about a second; the rest is dropped.
     ~MMessageQueue();
     MMessageQueue(const MMessageQueue&) = delete;
     MMessageQueue& operator=(const MMessageQueue&) = delete;

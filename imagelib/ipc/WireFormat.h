@@ -103,6 +103,7 @@ struct Parcel {
     std::vector<std::byte> meta;
     std::string text;  // of a text message
     std::vector<Array> arrays;
+    std::uint64_t audience = 0;  // the one peer that may get it, 0 for any
 };
 /// @throws MBadParameterException for what the protocol can't carry
 Parcel pack(Message message);

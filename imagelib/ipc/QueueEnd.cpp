@@ -1,0 +1,261 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Sending and receiving; the thread's part stands in QueueThread.cpp.
+#include "imagelib/ipc/QueueEnd.h"
+
+#include <algorithm>
+#include <cassert>
+#include <map>
+
+#include <pthread.h>
+#include <signal.h>
+#include <sys/eventfd.h>
+#include <sys/socket.h>
+
+namespace morvend::imglib {
+
+namespace {
+
+/// Messages that a receive passes over, being of other kinds, before it reads no further.
+constexpr std::size_t MostPassedOver = 1024;
+/// Messages that one turn of reading takes at most.
+constexpr std::size_t MostAtOnce = 256;
+
+[[noreturn]] void throwPeerGone() { throw MPeerGoneException("Queue: the peer has gone"); }
+
+}  // namespace
+
+std::shared_ptr<QueueEnd> QueueEnd::of(const std::string& name)
+{
+    struct Registry {
+        std::mutex mutex;
+        std::map<std::string, std::weak_ptr<QueueEnd>> ends;
+    };
+    // Never destroyed: threads may wait in a queue while the process ends.
+    static Registry& registry = *new Registry;
+    const std::lock_guard lock(registry.mutex);
+    std::erase_if(registry.ends, [](const auto& entry) { return entry.second.expired(); });
+    std::weak_ptr<QueueEnd>& known = registry.ends[name];
+    std::shared_ptr<QueueEnd> end = known.lock();
+    if (!end) {
+        end = std::make_shared<QueueEnd>(name, SegmentPool::process());
+        known = end;
+    }
+    return end;
+}
+
+QueueEnd::QueueEnd(const std::string& name, std::shared_ptr<SegmentPool> pool)
+    : _name(name)
+    , _pool(std::move(pool))
+    , _wake(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
+    , _finder(_name, _pool)
+{
+    if (!_wake)
+        throw MRuntimeException("Queue: too many files are open");
+    if (const Link link = _finder.seek())
+        join(link);
+    // Signals are for the threads of the program.
+    sigset_t all;
+    sigset_t before;
+    ::sigfillset(&all);
+    ::pthread_sigmask(SIG_SETMASK, &all, &before);
+    _thread = std::thread([this] { run(); });
+    ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+}
+
+QueueEnd::~QueueEnd()
+{
+    {
+        const std::lock_guard lock(_mutex);
+        _closing = true;
+    }
+    wake();
+    _thread.join();
+}
+
+void QueueEnd::send(Message message, Peer peer)
+{
+    wire::Parcel parcel = wire::pack(std::move(message));
+    parcel.audience = peer;
+    const std::lock_guard sending(_sendMutex);
+    if (peer != MMessageQueue::NoPeer && !(_sending && _sending->peer == peer))
+        throwPeerGone();
+    if (!_sending) {
+        const std::lock_guard lock(_mutex);
+        if (!_fault.empty())
+            throw MRuntimeException(_fault);
+        _outbox.push_back(std::move(parcel));
+        return;
+    }
+    const bool waited = !_sending->writer.idle();
+    _sending->writer.enqueue(std::move(parcel));
+    try {
+        if (!_sending->writer.flush() && !waited)
+            wake();
+    } catch (const MPeerGoneException&) {
+        if (peer != MMessageQueue::NoPeer)
+            throw;
+        // The thread sees it too, and keeps what is unsent for the next peer.
+    }
+}
+
+Message QueueEnd::receive(std::size_t kind, Peer peer, std::chrono::milliseconds timeout)
+{
+    const Deadline deadline(timeout);
+    Lock lock(_mutex);
+    for (bool last = false;; last = deadline.passed()) {
+        if (auto message = pick(kind, peer))
+            return std::move(*message);
+        if (peer != MMessageQueue::NoPeer && !(_link && _link->peer == peer))
+            throwPeerGone();
+        if (!_link && !_fault.empty())
+            throw MRuntimeException(_fault);
+        if (last)
+            throw MTimeoutException("Queue: no message came in time");
+        if (_link && !_reading && !crowded())
+            readSome(lock, deadline);
+        else
+            wait(lock, deadline);
+    }
+}
+
+/// Takes the first message of that kind out of those that have been read.
+std::optional<Message> QueueEnd::pick(std::size_t kind, Peer peer)
+{
+    const auto found = std::ranges::find_if(_inbox, [&](const Received& each) {
+        return each.message.index() == kind && (peer == MMessageQueue::NoPeer || each.peer == peer);
+    });
+    if (found == _inbox.end())
+        return std::nullopt;
+    Message message = std::move(found->message);
+    const Peer from = found->peer;
+    _inbox.erase(found);
+    // What former peers left, and nobody asked for, belongs to no conversation any more.
+    while (!_inbox.empty() && _inbox.front().peer < from)
+        _inbox.pop_front();
+    _changed.notify_all();
+    return message;
+}
+
+/// Do so many messages of the present peer wait for receives of their kind?
+bool QueueEnd::crowded() const
+{
+    return _inbox.size() >= MostPassedOver &&
+           std::ranges::count(_inbox, _link->peer, &Received::peer) >=
+               std::ptrdiff_t(MostPassedOver);
+}
+
+void QueueEnd::wait(Lock& lock, const Deadline& deadline) const
+{
+    if (deadline.never())
+        _changed.wait(lock);
+    else
+        _changed.wait_until(lock, deadline.at());
+}
+
+/// Waits for messages on the socket and stores them. The lock is open meanwhile.
+void QueueEnd::readSome(Lock& lock, const Deadline& deadline)
+{
+    const Link link = _link;
+    _reading = true;
+    lock.unlock();
+    std::deque<Message> arrived;
+    bool ended = collect(link, arrived, MostAtOnce);
+    if (!ended && arrived.empty() && waitFor(link->socket.get(), POLLIN, deadline))
+        ended = collect(link, arrived, MostAtOnce);
+    if (ended) {
+        store(link, arrived);
+        leave(link);
+        lock.lock();
+        return;
+    }
+    lock.lock();
+    _reading = false;
+    for (Message& message : arrived)
+        if (_link == link)
+            _inbox.push_back({link->peer, std::move(message)});
+    if (_hungUp)
+        wake();
+    _changed.notify_all();
+}
+
+/// Stores what is left of a connection that has been read to its end.
+void QueueEnd::store(const Link& link, std::deque<Message>& arrived)
+{
+    const std::lock_guard lock(_mutex);
+    _reading = false;
+    for (Message& message : arrived)
+        if (_link == link)
+            _inbox.push_back({link->peer, std::move(message)});
+}
+
+/// Reads what can be had without waiting. Returns true when the connection has ended.
+bool QueueEnd::collect(const Link& link, std::deque<Message>& arrived, std::size_t most)
+{
+    try {
+        auto message = link->reader.poll();
+        while (message && arrived.size() < most) {
+            arrived.push_back(std::move(*message));
+            message = link->reader.buffered();
+        }
+        if (message)
+            arrived.push_back(std::move(*message));
+        return false;
+    } catch (const MPeerGoneException&) {
+    } catch (const std::exception& exception) {
+        complain(_name, std::string("connection ended: ") + exception.what());
+    }
+    ::shutdown(link->socket.get(), SHUT_RDWR);
+    return true;
+}
+
+void QueueEnd::checkPeer(Peer peer)
+{
+    if (peer == MMessageQueue::NoPeer)
+        throw MPeerGoneException("Queue: there is no peer");
+}
+
+QueueEnd::Peer QueueEnd::peer() const
+{
+    const std::lock_guard lock(_mutex);
+    return _link ? _link->peer : MMessageQueue::NoPeer;
+}
+
+QueueEnd::Peer QueueEnd::generation() const
+{
+    const std::lock_guard lock(_mutex);
+    return _generation;
+}
+
+QueueEnd::Peer QueueEnd::waitForPeer(std::chrono::milliseconds timeout) const
+{
+    const Deadline deadline(timeout);
+    Lock lock(_mutex);
+    while (!_link) {
+        if (!_fault.empty())
+            throw MRuntimeException(_fault);
+        if (deadline.passed())
+            return MMessageQueue::NoPeer;
+        wait(lock, deadline);
+    }
+    return _link->peer;
+}
+
+void QueueEnd::disconnect(Peer peer)
+{
+    Link link;
+    {
+        const std::lock_guard lock(_mutex);
+        if (!_link || _link->peer != peer)
+            return;
+        link = _link;
+    }
+    ::shutdown(link->socket.get(), SHUT_RDWR);
+    leave(link);
+    // From here on nobody stores messages of this peer.
+    const std::lock_guard lock(_mutex);
+    std::erase_if(_inbox, [&](const Received& each) { return each.peer == peer; });
+}
+
+}  // namespace morvend::imglib

@@ -35,4 +35,25 @@ TEST(ErrorDialogTest, ShowsTheMessageAsItIsUntilItIsClosed)
     EXPECT_FALSE(dialog);
 }
 
+TEST(ErrorDialogTest, FailuresInARowShareOneDialog)
+{
+    QTimer::singleShot(0, qApp, [] {
+        ErrorDialog::showMessage("second");
+        ErrorDialog::showMessage("second");
+        auto* dialog = qobject_cast<ErrorDialog*>(QApplication::activeModalWidget());
+        ASSERT_TRUE(dialog);
+        EXPECT_EQ(dialog->findChild<QLabel*>()->text(), "first\nsecond");
+        dialog->accept();
+    });
+    ErrorDialog::showMessage("first");
+    QTimer::singleShot(0, qApp, [] {
+        auto* dialog = qobject_cast<ErrorDialog*>(QApplication::activeModalWidget());
+        ASSERT_TRUE(dialog);
+        EXPECT_EQ(dialog->findChild<QLabel*>()->text(), "third");
+        dialog->accept();
+    });
+    ErrorDialog::showMessage("third");
+    settle();
+}
+
 }  // namespace

@@ -120,6 +120,15 @@ TEST(TarvikCore, DefaultColourTableReachesLaterServicesOnly)
                                              MColorTable::heat(), MColorTable::rainbow()}));
 }
 
+TEST(TarvikCore, RecordsAreKnownToTheMetaSystemByName)
+{
+    const TarvikCore core;
+    for (const char* name :
+         {"ViewportData", "ContrastData", "StatisticsData", "const StatisticsData*", "PeakData",
+          "morvend::imglib::MImage", "const morvend::imglib::MDrawingList<>*"})
+        EXPECT_TRUE(QMetaType::fromName(name).isValid()) << name;
+}
+
 TEST(TarvikCoreDeathTest, UnknownColourTableIsAProgrammingError)
 {
     GTEST_FLAG_SET(death_test_style, "threadsafe");

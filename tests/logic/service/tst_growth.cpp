@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Series that grow while other programs write them.
+#include "logic/service/ContainerWatch.h"
 #include "tests/logic/service/ServiceTest.h"
 #include "tests/support/TempFolder.h"
 
@@ -77,5 +78,26 @@ INSTANTIATE_TEST_SUITE_P(Table, Growth,
                          testing::Values("numbered", "frames", "dataset", "swmr", "blocks",
                                          "lastblock"),
                          [](const auto& row) { return std::string(row.param); });
+
+TEST(ContainerWatch, PollsWhereNobodyNotifies)
+{
+    ContainerWatch watch{QString()};
+    QSignalSpy changed(&watch, &ContainerWatch::changedSignal);
+    EXPECT_TRUE(changed.wait(ContainerWatch::pollPeriod + 2000));
+}
+
+TEST(ContainerWatch, FollowsItsFileToAnotherFolder)
+{
+    const TempFolder first, second;
+    ContainerWatch watch(QString::fromStdString(first.write("a.edf", "x")));
+    watch.setFile(QString::fromStdString(second.write("a.edf", "x")));
+    QCoreApplication::processEvents();
+    QSignalSpy changed(&watch, &ContainerWatch::changedSignal);
+    constexpr int wellBelowThePoll = ContainerWatch::pollPeriod / 3;
+    second.write("b.edf", "x");
+    EXPECT_TRUE(changed.wait(wellBelowThePoll));
+    second.write("a.edf", "longer");
+    EXPECT_TRUE(changed.wait(wellBelowThePoll));
+}
 
 }  // namespace

@@ -164,6 +164,29 @@ TEST_F(HeaderOfView, GeometryFollowsTheHeader)
     EXPECT_GT(view->computePowderRadius(0, 0), 2000000000);
 }
 
+TEST_F(HeaderOfView, RingsFollowTheHeaderWithItsEdits)
+{
+    MImage incomplete = imageWithGeometry();
+    incomplete.optionalData().set_wavelength(boost::none);
+    show(view, incomplete);
+    double x = 7, y = 8;
+    std::vector<double> radii = {1};
+    std::vector<QString> labels = {"1"};
+    view->recommendResolutionRadius(3, x, y, radii, labels);
+    EXPECT_TRUE(radii.empty() && labels.empty());
+    EXPECT_EQ(x, 7) << "the centre stays as it was";
+    Header edits;
+    edits.set_wavelength(1.F);
+    view->applyHeaderToSeries(edits);
+    view->recommendResolutionRadius(0, x, y, radii, labels);
+    EXPECT_EQ(x, 100.5);
+    EXPECT_EQ(y, 50);
+    EXPECT_TRUE(radii.empty());
+    view->recommendResolutionRadius(3, x, y, radii, labels);
+    EXPECT_EQ(radii.size(), 3U);
+    EXPECT_EQ(labels.size(), 3U);
+}
+
 TEST_F(HeaderOfView, MissingValuesLeaveQuantitiesUndefined)
 {
     MImage incomplete = imageWithGeometry();

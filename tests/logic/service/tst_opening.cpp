@@ -120,6 +120,38 @@ TEST_F(Opening, StepsBeyondAllNumbersFailAsThoseBeyondTheSeries)
     }
 }
 
+TEST_F(Opening, StepOntoABrokenOrMissingFrameSaysWhichFileAndWhyAndSteppingGoesOn)
+{
+    const TempFolder folder;
+    const std::vector<std::int32_t> pixels(64, 7);
+    writeEdf(folder, "x_001.edf", 8, pixels);
+    writeEdf(folder, "x_002.edf", 8, pixels);
+    std::filesystem::resize_file(folder / "x_002.edf", 600);
+    folder.write("x_003.edf", "not an image");
+    writeEdf(folder, "x_005.edf", 8, pixels);
+    view->openImage((folder / "x_001.edf").c_str());
+    arrive(view);
+    QSignalSpy errors(view, &TarvikService::imageLoadErrorSignal);
+    const std::pair<int, const char*> rows[] = {
+        {2, "ends after"}, {3, "format"}, {4, "no such file"}, {6, "x_006.edf"}};
+    for (const auto& [number, reason] : rows) {
+        errors.clear();
+        view->openImage(number);
+        ASSERT_TRUE(errors.wait(5000)) << number;
+        const std::string text = errors[0][0].toString().toLower().toStdString();
+        EXPECT_THAT(text, HasSubstr(folder / ("x_00" + std::to_string(number) + ".edf")));
+        EXPECT_THAT(text, HasSubstr(reason));
+        EXPECT_EQ(view->imageIndex(), 1);
+    }
+    view->nextImage(4);
+    arrive(view);
+    EXPECT_EQ(view->imageIndex(), 5);
+    writeEdf(folder, "x_002.edf", 8, pixels);
+    view->nextImage(-3);
+    arrive(view);
+    EXPECT_EQ(view->imageIndex(), 2);
+}
+
 TEST_F(Opening, EmptyImageIsAnError)
 {
     QSignalSpy errors(view, &TarvikService::imageLoadErrorSignal);

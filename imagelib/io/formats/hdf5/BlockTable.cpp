@@ -16,6 +16,11 @@ namespace {
 
 constexpr std::size_t AlwaysCounted = 24;
 constexpr std::size_t Samples = 6;
+/// Far beyond what image numbers can count, and small enough for the sum over all blocks.
+constexpr std::size_t MostFrames = std::size_t(1) << 32;
+
+/// The frames that a block counts for.
+std::size_t countable(const FrameSet& set) { return std::min(set.frames(), MostFrames); }
 
 std::string baseName(const std::string& path)
 {
@@ -90,7 +95,7 @@ bool BlockTable::_open(std::size_t block)
     if (mine.frames)
         return true;
     try {
-        mine.frames = _sets->at(_place(mine))->frames();
+        mine.frames = countable(*_sets->at(_place(mine)));
         return true;
     } catch (const MException& error) {
         // The block's own frames will fail with this text; the others must not.
@@ -201,7 +206,7 @@ BlockTable::Spot BlockTable::spot(std::size_t position)
         }
         _asked = true;
         FrameSetPtr set = _sets->at(_place(_blocks[at->block]));
-        _blocks[at->block].frames = _blocks[at->block].frames.value_or(set->frames());
+        _blocks[at->block].frames = _blocks[at->block].frames.value_or(countable(*set));
         if (*_blocks[at->block].frames != _starts[at->block + 1] - _starts[at->block]) {
             _countAll();
             continue;

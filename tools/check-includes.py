@@ -23,6 +23,7 @@ ROOMS = {
     "imagelib/io/formats/tiff": "tiff",
     "imagelib/io/formats/edf": "edf",
     "imagelib/io/formats/hdf5": "hdf5",
+    "imagelib/io/process": "ioprocess",
     "imagelib/io": "io",
     "src/MFilesystemUtils": "paths",
     "src/logic/support": "support",
@@ -45,6 +46,7 @@ ROOMS = {
     "src/gui/imagedrawer": "render",
     "src/gui": "gui",
     "src/bin/image": "tool",
+    "src/bin/reader": "reader",
     "src/bin": "bin",
     "demo": "demo",
 }
@@ -60,7 +62,8 @@ ARROWS = {
     "tiff": ["formatbase", "codec"],
     "edf": ["formatbase", "codec"],
     "hdf5": ["formatbase", "codec"],
-    "io": ["cbf", "tiff", "edf", "hdf5", "paths"],
+    "ioprocess": ["formatbase", "ipc"],
+    "io": ["cbf", "tiff", "edf", "hdf5", "ioprocess", "paths"],
     "support": [],
     "records": ["display", "support"],
     "analysis": ["records"],
@@ -73,12 +76,13 @@ ARROWS = {
     "render": ["logic", "guikit"],
     "gui": ["render"],
     "tool": ["io", "display", "logic"],
+    "reader": ["hdf5", "ioprocess"],
     "bin": ["gui"],
     "demo": ["io"],
 }
 
 WITHOUT_QT = {"image", "paths", "codec", "display", "ipc", "formatbase", "cbf", "tiff", "edf",
-              "hdf5", "io", "demo"}
+              "hdf5", "ioprocess", "io", "reader", "demo"}
 WITH_WIDGETS = {"guikit", "render", "gui", "bin"}
 WIDGETS = re.compile(r"Q(Widget|Application|MainWindow|Dialog|MessageBox|Layout|[HV]BoxLayout"
                      r"|Label|PushButton|ToolButton|ToolBar|Splitter|OpenGLWidget|FileDialog"

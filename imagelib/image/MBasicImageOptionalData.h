@@ -75,6 +75,12 @@ public:
     /// The metadata tree of a NeXus file; empty for other files.
     const nexus::MBasicNeXusTree& nexusTree() const { return _tree.read(); }
     void setNexusTree(nexus::MBasicNeXusTree tree) { _tree.write() = std::move(tree); }
+    /// Takes over the tree of another header without a copy, and tells whether it is that very one.
+    void shareNexusTree(const MBasicImageOptionalData& other) { _tree = other._tree; }
+    bool sharesNexusTree(const MBasicImageOptionalData& other) const
+    {
+        return &_tree.read() == &other._tree.read();
+    }
 
     void clear() { *this = MBasicImageOptionalData(); }
 

@@ -23,6 +23,12 @@ public:
     /// The formats in the order in which they are asked: those with the surest marks first.
     static std::span<const Format> formats();
 
+    /// Chooses where this process reads HDF5 files: in reader processes of their own, so that a
+    /// crash of the HDF5 library fails one request, or in place, as at the start. Without the
+    /// program tarvik-reader beside this one they are read in place all the same, and a line on
+    /// standard error says so. Files that are open stay where they are.
+    static void readHdf5Apart(bool apart);
+
     /// Opens a file by its content; the name plays no part.
     /// @throws MNoFileAccessException when it can't be opened, MUnknownFormatException when no
     /// reader knows it or it is empty, or what the format's reader says of a damaged file

@@ -9,6 +9,7 @@
 #include "gui/kit/Look.h"
 #include "gui/mainwindow.h"
 #include "gui/window/SubWindow.h"
+#include "imagelib/io/FormatRegistry.h"
 #include "logic/preload/PreloaderClient.h"
 #include "logic/support/Assert.h"
 #include "logic/support/Console.h"
@@ -101,6 +102,8 @@ int main(int argc, char** argv)
         checkParent = std::make_unique<CheckParent>(line.parentPid);
         checkParent->start();
     }
+    // The preloader reads in place: it is a process apart already.
+    morvend::imglib::FormatRegistry::readHdf5Apart(line.role != CommandLine::Role::Preloader);
     switch (line.role) {
     case CommandLine::Role::Viewer:
         return runViewer(application, line);

@@ -9,6 +9,7 @@
 #include "bin/image/Info.h"
 #include "bin/image/Render.h"
 #include "imagelib/image/MException.h"
+#include "imagelib/io/FormatRegistry.h"
 
 #include <algorithm>
 #include <iostream>
@@ -77,6 +78,8 @@ void run(const Arguments& arguments)
 int main(int argc, char** argv)
 {
     std::string file;
+    // A file that brings the HDF5 library down is to end in a line and an exit code too.
+    morvend::imglib::FormatRegistry::readHdf5Apart(true);
     try {
         const Arguments arguments =
             Arguments::parse(std::vector<std::string>(argv + std::min(argc, 1), argv + argc));

@@ -52,16 +52,21 @@ std::optional<double> wavelengthAt(const NexusValues& values, const std::string&
 }  // namespace
 
 NexusHeader::NexusHeader(nexus::MBasicNeXusTree tree, std::string entry)
-    : _tree(std::move(tree))
-    , _entry(std::move(entry))
+    : _entry(std::move(entry))
 {
+    _setTree(std::move(tree));
     _findDetectors();
-    _rawHeader = _tree.toText();
+}
+
+void NexusHeader::_setTree(nexus::MBasicNeXusTree tree)
+{
+    _common.set_rawHeader(tree.toText());
+    _common.setNexusTree(std::move(tree));
 }
 
 void NexusHeader::_findDetectors()
 {
-    const NexusValues values(_tree);
+    const NexusValues values(_common.nexusTree());
     Paths detectors;
     for (const std::string& instrument : values.groups(_entry, "NXinstrument", "instrument"))
         for (const std::string& detector : values.groups(instrument, "NXdetector", "detector"))
@@ -86,7 +91,7 @@ Paths NexusHeader::_inDetectors(const Paths& names) const
 
 std::size_t NexusHeader::plannedImages() const
 {
-    const NexusValues values(_tree);
+    const NexusValues values(_common.nexusTree());
     const double images = values.number(_inDetectors({"nimages"})).value_or(0);
     const double triggers = values.number(_inDetectors({"ntrigger"})).value_or(1);
     const double total = images * std::max(triggers, 1.0);
@@ -97,9 +102,10 @@ Paths NexusHeader::maskPaths() const { return _inDetectors({"pixel_mask"}); }
 
 void NexusHeader::setImages(std::size_t images)
 {
-    _tree.node(_entry + "/instrument/detector/detectorSpecific/nimages").value =
+    nexus::MBasicNeXusTree tree = _common.nexusTree();
+    tree.node(_entry + "/instrument/detector/detectorSpecific/nimages").value =
         static_cast<std::int64_t>(images);
-    _rawHeader = _tree.toText();
+    _setTree(std::move(tree));
 }
 
 MBasicImageOptionalData<> NexusHeader::of(std::size_t frame) const
@@ -109,20 +115,20 @@ MBasicImageOptionalData<> NexusHeader::of(std::size_t frame) const
     _readDetector(header, frame);
     _readGeometry(header);
     _readTexts(header);
-    const NexusValues values(_tree);
+    const NexusValues values(_common.nexusTree());
     if (const auto rotation = NexusAxes(values).rotation(_entry, frame)) {
         header.set_rotation_angle(static_cast<float>(rotation->start));
         header.set_rotation_angle_step(toFloat(rotation->step));
     }
-    header.set_rawHeader(_rawHeader);
+    header.set_rawHeader(_common.rawHeader());
     // Comes last: setting the wavelength changes the tree, which is to be the file's own.
-    header.setNexusTree(_tree);
+    header.shareNexusTree(_common);
     return header;
 }
 
 void NexusHeader::_readBeam(MBasicImageOptionalData<>& header, std::size_t frame) const
 {
-    const NexusValues values(_tree);
+    const NexusValues values(_common.nexusTree());
     const std::string beam = _entry + "/instrument/beam/";
     const std::string sampleBeam = _entry + "/sample/beam/";
     const std::string monochromator = _entry + "/instrument/monochromator/";
@@ -153,7 +159,7 @@ void NexusHeader::_readBeam(MBasicImageOptionalData<>& header, std::size_t frame
 
 void NexusHeader::_readDetector(MBasicImageOptionalData<>& header, std::size_t frame) const
 {
-    const NexusValues values(_tree);
+    const NexusValues values(_common.nexusTree());
     if (const auto cutoff = values.number(
             _inDetectors({"saturation_value", "countrate_correction_count_cutoff"}))) {
         // Detectors without a limit write the largest number of their counters.
@@ -172,7 +178,7 @@ void NexusHeader::_readDetector(MBasicImageOptionalData<>& header, std::size_t f
 
 void NexusHeader::_readGeometry(MBasicImageOptionalData<>& header) const
 {
-    const NexusValues values(_tree);
+    const NexusValues values(_common.nexusTree());
     const auto pixelX =
         values.smallLength(_inDetectors({"x_pixel_size", "module/fast_pixel_direction"}));
     const auto pixelY =
@@ -208,7 +214,7 @@ void NexusHeader::_readGeometry(MBasicImageOptionalData<>& header) const
 
 void NexusHeader::_readTexts(MBasicImageOptionalData<>& header) const
 {
-    const NexusValues values(_tree);
+    const NexusValues values(_common.nexusTree());
     Paths dates = {_entry + "/start_time"};
     for (const std::string& path : _inDetectors({"data_collection_date"}))
         dates.push_back(path);

@@ -32,6 +32,7 @@ public:
     MBasicImageOptionalData<> of(std::size_t frame) const;
 
 private:
+    void _setTree(nexus::MBasicNeXusTree tree);
     void _findDetectors();
     std::vector<std::string> _inDetectors(const std::vector<std::string>& names) const;
     void _readBeam(MBasicImageOptionalData<>& header, std::size_t frame) const;
@@ -39,9 +40,8 @@ private:
     void _readGeometry(MBasicImageOptionalData<>& header) const;
     void _readTexts(MBasicImageOptionalData<>& header) const;
 
-    nexus::MBasicNeXusTree _tree;
+    MBasicImageOptionalData<> _common;  // what all frames share: the tree and its text
     std::string _entry;
-    std::string _rawHeader;
     std::vector<std::string> _detectors;  // groups that hold a detector's values
 };
 

@@ -49,15 +49,20 @@ private:
 
 }  // namespace
 
-std::unique_ptr<ImageFile> openHdf5(std::shared_ptr<const ByteSource> source)
+bool isHdf5(const ByteSource& source)
 {
-    if (!hasSignature(*source))
-        return nullptr;
-    if (!source->memory().empty())
+    if (!hasSignature(source))
+        return false;
+    if (!source.memory().empty())
         throw MRuntimeException("HDF5: the file is compressed as a whole and must be unpacked "
                                 "before it can be read: " +
-                                source->path());
-    return std::make_unique<NexusFile>(source->path());
+                                source.path());
+    return true;
+}
+
+std::unique_ptr<ImageFile> openHdf5(std::shared_ptr<const ByteSource> source)
+{
+    return isHdf5(*source) ? std::make_unique<NexusFile>(source->path()) : nullptr;
 }
 
 }  // namespace morvend::imglib

@@ -1,0 +1,65 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// A child process that reads files for this one.
+#pragma once
+
+#include "imagelib/image/MImage.h"
+#include "imagelib/io/process/ReaderMessages.h"
+#include "imagelib/ipc/MessageChannel.h"
+
+#include <chrono>
+#include <string>
+
+#include <sys/types.h>
+
+namespace morvend::imglib {
+
+/// Starts the program tarvik-reader and talks to it over a pair of sockets. Each object has a
+/// process of its own, which ends with the object and, by the end of the socket, with this process,
+/// however that ends. Thread: callers take turns.
+class ReaderProcess {
+public:
+    struct Options {
+        /// The reader's program.
+        std::string program;
+        /// How long a request may take. Beyond it the file system hangs or the library loops.
+        std::chrono::milliseconds limit = std::chrono::minutes(1);
+    };
+    /// The descriptor of the reader's end of the pair in the reader.
+    static constexpr int SocketNumber = 3;
+    /// What both ends say in their hello.
+    static constexpr const char* Greeting = "tarvik-reader 1";
+
+    /// The program beside this one's; empty when there is none.
+    static const std::string& programBeside();
+
+    /// @throws MRuntimeException when the process can't be started
+    explicit ReaderProcess(const Options& options);
+    ReaderProcess(const ReaderProcess&) = delete;
+    ReaderProcess& operator=(const ReaderProcess&) = delete;
+    ~ReaderProcess();
+
+    pid_t pid() const { return _pid; }
+    /// Has it not ended yet?
+    bool alive();
+
+    /// The answer to a request, and the image that follows it.
+    /// @throws MException that says what became of the reader, as in "ended with signal 11
+    /// (Segmentation fault)"; the object is of no more use then
+    ReaderAnswer ask(const ReaderRequest& request, MImage& image);
+
+private:
+    Message _receive();
+    /// Ends the process if it has not ended by itself, and tells how it did.
+    std::string _end(std::chrono::milliseconds patience);
+    bool _reap();
+
+    Options _options;
+    pid_t _pid = -1;
+    int _status = 0;
+    std::chrono::steady_clock::time_point _deadline;
+    std::unique_ptr<MessageChannel> _channel;
+};
+
+}  // namespace morvend::imglib

@@ -1,0 +1,39 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The work of a reader process.
+#pragma once
+
+#include "imagelib/io/formats/base/ImageFile.h"
+#include "imagelib/io/process/HeaderChange.h"
+#include "imagelib/ipc/MessageChannel.h"
+
+#include <functional>
+
+namespace morvend::imglib {
+
+/// Answers the requests of one parent, one after the other. Images are decoded into segments of
+/// shared memory and handed over without a copy.
+class ReaderServer {
+public:
+    /// Opens a file. @throws MException
+    using Opener = std::function<std::unique_ptr<ImageFile>(const std::string& path)>;
+
+    ReaderServer(UniqueFd socket, Opener opener);
+
+    /// Returns when the parent has gone.
+    /// @throws MException when it breaks the protocol
+    void run();
+
+private:
+    ReaderAnswer _answer(const ReaderRequest& request, MImage& image);
+    void _do(const ReaderRequest& request, ReaderAnswer& answer, MImage& image);
+
+    Opener _opener;
+    std::shared_ptr<SegmentPool> _pool;
+    MessageChannel _channel;
+    HeaderChange _header;
+    std::unique_ptr<ImageFile> _file;
+};
+
+}  // namespace morvend::imglib

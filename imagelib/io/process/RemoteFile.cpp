@@ -1,0 +1,95 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Requests to a reader, and what becomes of them when it dies.
+#include "imagelib/io/process/RemoteFile.h"
+
+#include <utility>
+
+namespace morvend::imglib {
+
+using Kind = ReaderRequest::Kind;
+
+RemoteFile::RemoteFile(std::string path, std::string format, ReaderProcess::Options options)
+    : _path(std::move(path))
+    , _format(std::move(format))
+    , _options(std::move(options))
+{
+    _start();
+}
+
+RemoteFile::~RemoteFile() = default;
+
+MImage RemoteFile::frame(std::size_t position) const
+{
+    MImage image;
+    const std::string number = std::to_string(position + _state.firstNumber);
+    const ReaderAnswer answer =
+        _ask({Kind::Frame, {}, position}, "reading image " + number, &image);
+    _header.complete(image.optionalData(), answer.header);
+    return image;
+}
+
+std::string RemoteFile::framePath(std::size_t position) const
+{
+    // The answer to a frame brings its path along.
+    if (_state.framePath.empty() || _framePosition != position)
+        _ask({Kind::Path, {}, position}, "looking for the file of an image");
+    return _state.framePath;
+}
+
+void RemoteFile::update() { _ask({Kind::Update, {}, 0}, "looking for new images"); }
+
+pid_t RemoteFile::pid() const { return _process && _process->alive() ? _process->pid() : -1; }
+
+void RemoteFile::_start() const
+{
+    MImage none;
+    _header = {};
+    try {
+        _process = std::make_unique<ReaderProcess>(_options);
+    } catch (const MException& error) {
+        throw MRuntimeException(_format + ": the reader process " + error.what() + ": " + _path);
+    }
+    const ReaderAnswer opened = _exchange({Kind::Open, _path, 0}, "opening the file", none);
+    if (opened.failed()) {
+        _process.reset();
+        opened.rethrow();
+    }
+    _state = opened;
+}
+
+ReaderAnswer RemoteFile::_exchange(const ReaderRequest& request, const std::string& doing,
+                                   MImage& image) const
+{
+    const auto told = [&](const MException& error) {
+        _process.reset();
+        return _format + ": the reader process " + error.what() + " while " + doing + ": " + _path;
+    };
+    try {
+        return _process->ask(request, image);
+    } catch (const MTimeoutException& error) {
+        throw MTimeoutException(told(error), error.elapsed());
+    } catch (const MException& error) {
+        throw MRuntimeException(told(error));
+    }
+}
+
+ReaderAnswer RemoteFile::_ask(const ReaderRequest& request, const std::string& doing,
+                              MImage* image) const
+{
+    // A reader that died while nobody needed it is no failure.
+    if (!_process || !_process->alive())
+        _start();
+    MImage none;
+    const ReaderAnswer answer = _exchange(request, doing, image ? *image : none);
+    const std::string format = std::exchange(_state.format, {});
+    _state = answer;
+    _state.format = format;
+    _framePosition = request.position;
+    if (answer.failed())
+        answer.rethrow();
+    return answer;
+}
+
+}  // namespace morvend::imglib

@@ -1,0 +1,57 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// A file that another process reads.
+#pragma once
+
+#include "imagelib/io/formats/base/ImageFile.h"
+#include "imagelib/io/process/HeaderChange.h"
+#include "imagelib/io/process/ReaderProcess.h"
+
+namespace morvend::imglib {
+
+/// Asks a reader process for everything. When the reader dies or does not answer in time, that
+/// request alone fails, with a text that says so; the next one starts a new reader, which opens the
+/// file again. No request is tried twice, so that a file which kills each reader only fails.
+///
+/// Images lie in memory that is shared with the reader, read-only; they outlive it.
+class RemoteFile : public ImageFile {
+public:
+    /// Opens a file.
+    /// @param format  its format, for messages
+    /// @throws MException as the reader in this process would, MRuntimeException or
+    /// MTimeoutException when the reader fails
+    RemoteFile(std::string path, std::string format, ReaderProcess::Options options);
+    ~RemoteFile() override;
+
+    const char* format() const override { return _state.format.c_str(); }
+    std::size_t frameCount() const override { return _state.frames; }
+    MImage frame(std::size_t position) const override;
+    std::string framePath(std::size_t position) const override;
+    std::string mainPath() const override { return _state.mainPath; }
+    std::size_t openedFrame() const override { return _state.openedFrame; }
+    int firstNumber() const override { return static_cast<int>(_state.firstNumber); }
+    void update() override;
+
+    /// The reader's process, -1 when it has ended.
+    pid_t pid() const;
+
+private:
+    /// @param doing  what the reader is asked for, as in "reading image 12"
+    ReaderAnswer _ask(const ReaderRequest& request, const std::string& doing,
+                      MImage* image = nullptr) const;
+    void _start() const;
+    ReaderAnswer _exchange(const ReaderRequest& request, const std::string& doing,
+                           MImage& image) const;
+
+    std::string _path;
+    std::string _format;
+    ReaderProcess::Options _options;
+    // A request may need a new reader: the state behind the constant interface changes.
+    mutable std::unique_ptr<ReaderProcess> _process;
+    mutable HeaderChange _header;
+    mutable ReaderAnswer _state;
+    mutable std::size_t _framePosition = 0;  // of _state.framePath
+};
+
+}  // namespace morvend::imglib

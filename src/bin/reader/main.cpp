@@ -1,0 +1,81 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// tarvik-reader: reads HDF5 files for its parent, so that a crash of the library is not the
+// viewer's.
+#include "imagelib/image/MException.h"
+#include "imagelib/io/formats/hdf5/NexusReader.h"
+#include "imagelib/io/process/ReaderProcess.h"
+#include "imagelib/io/process/ReaderServer.h"
+
+#include <csignal>
+#include <cstdio>
+#include <fstream>
+#include <thread>
+
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+
+namespace {
+
+using namespace morvend;
+using namespace morvend::imglib;
+
+constexpr int Socket = ReaderProcess::SocketNumber;
+
+bool hasParent()
+{
+    struct stat status = {};
+    return ::fstat(Socket, &status) == 0 && S_ISSOCK(status.st_mode);
+}
+
+/// The parent decides when to end, and not a key that was pressed in its terminal.
+void leaveSignalsToTheParent()
+{
+    for (const int signal : {SIGINT, SIGQUIT, SIGHUP, SIGPIPE})
+        std::signal(signal, SIG_IGN);
+}
+
+/// When memory is short, rather this process than the one with the windows.
+void offerToBeKilledFirst() { std::ofstream("/proc/self/oom_score_adj") << 500; }
+
+/// Ends the process as soon as the parent is gone, even in the middle of a read that never ends.
+void watchParent()
+{
+    std::thread([] {
+        pollfd parent{Socket, POLLRDHUP, 0};
+        while (::poll(&parent, 1, -1) <= 0) {
+        }
+        std::_Exit(0);
+    }).detach();
+}
+
+std::unique_ptr<ImageFile> open(const std::string& path)
+{
+    std::unique_ptr<ImageFile> file = openHdf5(ByteSource::open(path));
+    if (!file)
+        throw MUnknownFormatException("This is no HDF5 file: " + path);
+    return file;
+}
+
+}  // namespace
+
+int main()
+{
+    if (!hasParent()) {
+        std::fputs("tarvik-reader is started by tarvik and tarvik-image, not by hand.\n", stderr);
+        return 2;
+    }
+    leaveSignalsToTheParent();
+    offerToBeKilledFirst();
+    watchParent();
+    try {
+        ReaderServer(UniqueFd(Socket), open).run();
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "tarvik-reader: %s\n", error.what());
+        std::_Exit(1);
+    }
+    // The parent is gone, and so is the use of a tidy end.
+    std::_Exit(0);
+}

@@ -49,7 +49,7 @@ public:
         if (!datatypes::isPixelType(type, bits))
             throw MNotImplementedException(datatypes::missingImplementation(type, bits));
         if (size > std::size_t(-1) / 16)
-            throw MRuntimeException("Not enough memory for " + std::to_string(size) + " pixels");
+            throw MMemoryException("Not enough memory for " + std::to_string(size) + " pixels");
         _buffer = PixelBuffer::allocateImage(size * (bits / 8));
     }
 

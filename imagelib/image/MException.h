@@ -29,6 +29,12 @@ public:
     using MException::MException;
 };
 
+/// Memory that the system does not give. Names no file: whoever reads one adds its name.
+class MMemoryException : public MRuntimeException {
+public:
+    using MRuntimeException::MRuntimeException;
+};
+
 /// An index beyond what exists.
 class MOutOfRangeException : public MException {
 public:

@@ -148,8 +148,8 @@ PixelBufferPtr PixelBuffer::allocate(std::size_t bytes)
             block = fresh(padded);
     }
     if (!block.data)
-        throw MRuntimeException("Not enough memory for an image of " + std::to_string(bytes) +
-                                " bytes");
+        throw MMemoryException("Not enough memory for an image of " + std::to_string(bytes) +
+                               " bytes");
     buffer->_data = block.data;
     buffer->_capacity = block.capacity;
     buffer->_size = bytes;

@@ -50,18 +50,31 @@ int toInt(std::size_t number)
     return static_cast<int>(number);
 }
 
-/// Runs an operation; what isn't an MException, such as a lack of memory, becomes one.
-template <class Operation>
-auto naming(const std::string& place, Operation&& operation)
+/// The file of an image, for messages; "image 12" where there is none.
+std::string placeOf(const Series& series, std::size_t number)
+{
+    try {
+        return series.pathToImage(toInt(number));
+    } catch (const std::exception&) {
+        return "image " + std::to_string(number);
+    }
+}
+
+/// Runs an operation; what isn't an MException becomes one, and a lack of memory is told with its
+/// place, which `place` names.
+template <class Place, class Operation>
+auto naming(Place&& place, Operation&& operation)
 {
     try {
         return operation();
+    } catch (const MMemoryException& error) {
+        throw MRuntimeException(std::string(error.what()) + ": " + place());
     } catch (const MException&) {
         throw;
     } catch (const std::bad_alloc&) {
-        throw MRuntimeException("Not enough memory: " + place);
+        throw MRuntimeException("Not enough memory: " + place());
     } catch (const std::exception& error) {
-        throw MRuntimeException(std::string(error.what()) + ": " + place);
+        throw MRuntimeException(std::string(error.what()) + ": " + place());
     }
 }
 
@@ -77,7 +90,7 @@ MImageSeries::~MImageSeries() = default;
 int MImageSeries::open(const std::string& path)
 {
     const std::string file = absolutePath(path);
-    return naming(file, [&] { return _open(file); });
+    return naming([&] { return file; }, [&] { return _open(file); });
 }
 
 int MImageSeries::_open(const std::string& file)
@@ -108,7 +121,7 @@ void MImageSeries::open(int memorySize)
 void MImageSeries::pushBack(const MImage& image) { _d->series->pushBack(image); }
 MImage MImageSeries::at(std::size_t number) const
 {
-    return naming("image " + std::to_string(number) + " of the series",
+    return naming([&] { return placeOf(*_d->series, number); },
                   [&] { return _d->series->at(toInt(number)); });
 }
 bool MImageSeries::empty() const { return _d->series->empty(); }
@@ -117,7 +130,8 @@ int MImageSeries::last() const { return empty() ? -1 : _d->series->last(); }
 int MImageSeries::next(int number) const { return empty() ? -1 : _d->series->next(number); }
 void MImageSeries::update()
 {
-    naming("update of the series", [&] { _d->series->update(); });
+    naming([&] { return placeOf(*_d->series, static_cast<std::size_t>(std::max(first(), 0))); },
+           [&] { _d->series->update(); });
 }
 
 std::string MImageSeries::pathToImage(std::size_t number) const

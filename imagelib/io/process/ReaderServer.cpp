@@ -53,7 +53,9 @@ ReaderAnswer ReaderServer::_answer(const ReaderRequest& request, MImage& image)
     try {
         _do(request, answer, image);
     } catch (const std::bad_alloc&) {
-        answer.fail(MRuntimeException("Not enough memory: " + request.path));
+        answer.fail(MRuntimeException("Not enough memory: " + _path));
+    } catch (const MMemoryException& error) {
+        answer.fail(MRuntimeException(std::string(error.what()) + ": " + _path));
     } catch (const std::exception& error) {
         answer.fail(error);
     }
@@ -73,7 +75,8 @@ void ReaderServer::_do(const ReaderRequest& request, ReaderAnswer& answer, MImag
 {
     if (request.kind == Kind::Open) {
         _file.reset();
-        _file = _opener(request.path);
+        _path = request.path;
+        _file = _opener(_path);
         return;
     }
     if (!_file)

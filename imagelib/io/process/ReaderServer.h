@@ -33,6 +33,7 @@ private:
     std::shared_ptr<SegmentPool> _pool;
     MessageChannel _channel;
     HeaderChange _header;
+    std::string _path;
     std::unique_ptr<ImageFile> _file;
 };
 

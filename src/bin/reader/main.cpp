@@ -14,8 +14,10 @@
 #include <thread>
 
 #include <poll.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -39,6 +41,22 @@ void leaveSignalsToTheParent()
 
 /// When memory is short, rather this process than the one with the windows.
 void offerToBeKilledFirst() { std::ofstream("/proc/self/oom_score_adj") << 500; }
+
+/// A file that asks for more memory than the machine can spare is refused, instead of making
+/// everything else slow. Images lie in shared memory, which this does not count.
+void limitMemory()
+{
+    const long pages = ::sysconf(_SC_PHYS_PAGES);
+    const long pageBytes = ::sysconf(_SC_PAGESIZE);
+    if (pages <= 0 || pageBytes <= 0)
+        return;
+    const rlim_t half = static_cast<rlim_t>(pages) / 2 * static_cast<rlim_t>(pageBytes);
+    rlimit limit = {};
+    if (::getrlimit(RLIMIT_DATA, &limit) == 0 && half < limit.rlim_cur) {
+        limit.rlim_cur = half;
+        ::setrlimit(RLIMIT_DATA, &limit);
+    }
+}
 
 /// Ends the process as soon as the parent is gone, even in the middle of a read that never ends.
 void watchParent()
@@ -69,6 +87,7 @@ int main()
     }
     leaveSignalsToTheParent();
     offerToBeKilledFirst();
+    limitMemory();
     watchParent();
     try {
         ReaderServer(UniqueFd(Socket), open).run();

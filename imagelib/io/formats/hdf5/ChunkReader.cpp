@@ -166,8 +166,10 @@ void ChunkReader::_gather(std::size_t frame, std::byte* pixels, ChunkCache& cach
     for (at.modules = 0; at.modules < shape.modules; at.modules += _chunk.modules)
         for (at.rows = 0; at.rows < shape.rows; at.rows += _chunk.rows)
             for (at.columns = 0; at.columns < shape.columns; at.columns += _chunk.columns) {
-                const PixelBufferPtr tile = _tile(frame, at, cache);
-                _copyTile(frame, at, tile->cdata(), pixels);
+                if (const PixelBufferPtr tile = _tile(frame, at, cache))
+                    _copyTile(frame, at, tile->cdata(), pixels);
+                else
+                    _fillTile(at, pixels);
             }
 }
 
@@ -188,13 +190,13 @@ PixelBufferPtr ChunkReader::_tile(std::size_t frame, const FrameShape& at, Chunk
     const std::size_t count = _pipeline.chunkBytes / _pipeline.elementSize;
     const Offset offset = shape.coordinates(at.frames, at.modules, at.rows, at.columns);
     const std::size_t stored = _storedSize(frame, offset);
+    if (stored == 0)
+        return {};
     if (_pipeline.chunkBytes > LargeChunk && _pipeline.chunkBytes / BestRatio > stored)
         _set.fail(frame, "is damaged: " + std::to_string(stored) + " bytes can't hold a chunk of " +
                              std::to_string(_pipeline.chunkBytes));
     PixelBufferPtr tile = PixelBuffer::allocate(count * format.pixelBytes());
-    if (stored == 0) {
-        _set.fill(tile->data(), count);
-    } else if (format.inPlace()) {
+    if (format.inPlace()) {
         _decode(frame, offset, stored, tile->data());
         format.convert({tile->cdata(), _pipeline.chunkBytes}, tile->data());
     } else {
@@ -222,6 +224,28 @@ void ChunkReader::_copyTile(std::size_t frame, const FrameShape& at, const std::
             const hsize_t to =
                 ((at.modules + module) * shape.rows + at.rows + row) * shape.columns + at.columns;
             std::memcpy(pixels + to * size, decoded + from * size, columns * size);
+        }
+}
+
+void ChunkReader::_fillTile(const FrameShape& at, std::byte* pixels) const
+{
+    const FrameShape& shape = _set.shape();
+    const std::size_t size = _set.format().pixelBytes();
+    const hsize_t modules = std::min(_chunk.modules, shape.modules - at.modules);
+    const hsize_t rows = std::min(_chunk.rows, shape.rows - at.rows);
+    const hsize_t columns = std::min(_chunk.columns, shape.columns - at.columns);
+    const std::byte* first = nullptr;
+    for (hsize_t module = 0; module < modules; ++module)
+        for (hsize_t row = 0; row < rows; ++row) {
+            std::byte* const to =
+                pixels + (((at.modules + module) * shape.rows + at.rows + row) * shape.columns +
+                          at.columns) *
+                             size;
+            if (first)
+                std::memcpy(to, first, columns * size);
+            else
+                _set.fill(to, columns);
+            first = first ? first : to;
         }
 }
 

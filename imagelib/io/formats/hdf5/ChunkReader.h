@@ -36,11 +36,14 @@ private:
     void _gather(std::size_t frame, std::byte* pixels, ChunkCache& cache) const;
     void _copyTile(std::size_t frame, const FrameShape& at, const std::byte* decoded,
                    std::byte* pixels) const;
+    /// Shows the fill value where a chunk was never written.
+    void _fillTile(const FrameShape& at, std::byte* pixels) const;
     /// Bytes that a chunk takes in the file, 0 when it was never written.
     std::size_t _storedSize(std::size_t frame, const Offset& offset) const;
     bool _wasWritten(const Offset& offset) const;
     void _decode(std::size_t frame, const Offset& offset, std::size_t stored,
                  std::byte* decoded) const;
+    /// The pixels of a chunk, null when it was never written.
     image::PixelBufferPtr _tile(std::size_t frame, const FrameShape& at, ChunkCache& cache) const;
 
     const FrameSet& _set;

@@ -7,13 +7,13 @@
 #include "imagelib/codec/ChunkDecoder.h"
 #include "imagelib/image/MException.h"
 #include "imagelib/io/formats/hdf5/ChunkReader.h"
+#include "imagelib/io/formats/hdf5/ExternalFiles.h"
 #include "imagelib/io/formats/hdf5/FrameSets.h"
 #include "imagelib/io/formats/hdf5/SmallValues.h"
 #include "imagelib/io/formats/hdf5/VirtualLayout.h"
 
 #include <algorithm>
 #include <cstring>
-#include <filesystem>
 
 namespace morvend::imglib::hdf5 {
 
@@ -25,6 +25,9 @@ constexpr std::uint64_t BestRatio = 1100;
 /// written takes no room in it.
 constexpr std::uint64_t AlwaysAllowed = std::uint64_t(256) << 20;
 constexpr std::uint64_t AllowedElsewhere = std::uint64_t(1) << 30;
+/// Each chunk is looked up by itself: frames of more of them would keep the reader busy for
+/// minutes.
+constexpr hsize_t MostChunks = hsize_t(1) << 17;
 
 FrameShape shapeOf(hid_t dataset, const std::string& path, const std::string& file)
 {
@@ -35,25 +38,6 @@ FrameShape shapeOf(hid_t dataset, const std::string& path, const std::string& fi
         throw MRuntimeException("HDF5: " + path + " has " + std::to_string(extents->size()) +
                                 " dimensions and can't be shown as images: " + file);
     return FrameShape(*extents);
-}
-
-/// The bytes of a data set may lie in other files. One that is a pipe would keep its reader
-/// waiting.
-void checkExternalFiles(hid_t creation, const std::string& path, const std::string& file)
-{
-    const int count = H5Pget_external_count(creation);
-    for (int i = 0; i < count; ++i) {
-        char name[4096] = {};
-        off_t offset = 0;
-        hsize_t size = 0;
-        if (H5Pget_external(creation, static_cast<unsigned>(i), sizeof name - 1, name, &offset,
-                            &size) < 0)
-            fail("the external files of " + path + " can't be read", file);
-        std::error_code none;
-        if (std::filesystem::exists(name, none) && !std::filesystem::is_regular_file(name, none))
-            throw MNoFileAccessException("HDF5: the pixels of " + path + " lie in " + name +
-                                         ", which is no regular file: " + file);
-    }
 }
 
 PixelFormat formatOf(hid_t dataset, const std::string& file)
@@ -92,6 +76,26 @@ void FrameSet::_checkSize() const
         throw MRuntimeException("HDF5: " + _path + " announces frames of " + std::to_string(bytes) +
                                 " bytes, more than the file of " + std::to_string(_file->size()) +
                                 " bytes can hold: " + _file->path());
+    _checkChunks();
+}
+
+void FrameSet::_checkChunks() const
+{
+    std::vector<hsize_t> extents(_shape.rank);
+    if (H5Pget_layout(_creation.id()) != H5D_CHUNKED ||
+        H5Pget_chunk(_creation.id(), static_cast<int>(_shape.rank), extents.data()) !=
+            static_cast<int>(_shape.rank))
+        return;
+    const FrameShape chunk(extents);
+    const auto along = [](hsize_t extent, hsize_t each) { return (extent - 1) / each + 1; };
+    // A frame has below 2^31 pixels, hence its chunks can't overflow the product.
+    const hsize_t chunks = along(_shape.modules, chunk.modules) * along(_shape.rows, chunk.rows) *
+                           along(_shape.columns, chunk.columns);
+    if (chunks > MostChunks)
+        throw MRuntimeException("HDF5: each frame of " + _path + " lies in " +
+                                std::to_string(chunks) + " chunks of " +
+                                std::to_string(chunk.columns) + " x " + std::to_string(chunk.rows) +
+                                " pixels, too many to be read: " + _file->path());
 }
 
 MImage FrameSet::read(std::size_t frame, FrameSets& sets) const

@@ -53,6 +53,7 @@ public:
 
 private:
     void _checkSize() const;
+    void _checkChunks() const;
     void _readThroughLibrary(std::size_t frame, std::byte* pixels) const;
     std::string _missingFilters() const;
 

@@ -25,15 +25,19 @@ using Bytes = std::span<const std::byte>;
 /// The largest chunk of the library.
 constexpr std::size_t MostBytes = 0xffffffff;
 
+/// Bytes that one byte of a packed block can stand for, at most.
+constexpr std::size_t BestLz4 = 255;
+constexpr std::size_t BestZstd = 40'000;
+
 /// The decoded length at the head of a chunk; 0 when it can't be true.
-std::size_t announcedBytes(Bytes stored)
+std::size_t announcedBytes(Bytes stored, std::size_t bestRatio)
 {
     std::size_t announced = 0;
     if (stored.size() < 8)
         return 0;
     for (const std::byte byte : stored.first(8))
         announced = announced << 8 | std::to_integer<std::size_t>(byte);
-    return announced <= MostBytes ? announced : 0;
+    return announced <= std::min(MostBytes, bestRatio * stored.size()) ? announced : 0;
 }
 
 /// Replaces the library's buffer by one of its own kind; returns the number of bytes, 0 on failure.
@@ -52,7 +56,10 @@ std::size_t replace(Bytes content, std::size_t* capacity, void** buffer)
 std::vector<std::byte> decode(unsigned id, std::vector<unsigned> values, Bytes stored)
 {
     const bool plain = id == codec::BitshuffleFilter && (values.size() < 5 || values[4] == 0);
-    std::vector<std::byte> decoded(plain ? stored.size() : announcedBytes(stored));
+    const bool zstd = id == codec::BitshuffleFilter && !plain &&
+                      values[4] == static_cast<unsigned>(codec::BlockPacking::Zstd);
+    std::vector<std::byte> decoded(plain ? stored.size()
+                                         : announcedBytes(stored, zstd ? BestZstd : BestLz4));
     codec::decodeChunk({{{id, std::move(values)}}, 1, decoded.size()}, stored, 0, decoded);
     return decoded;
 }

@@ -44,58 +44,123 @@ MImage stacked(const FrameSet& set, FrameSets& sets)
     return result;
 }
 
-/// One mask in the shape of the image; empty when there is none that fits.
-MImage readOne(FrameSets& sets, const std::string& file, const std::string& path, int width,
-               int height)
-{
-    try {
-        if (!sets.files().find(sets.files().file(file), path))
-            return {};
-        const FrameSetPtr set = sets.at({file, path});
-        const FrameShape& shape = set->shape();
-        const bool fits = shape.width() == width && shape.height() == height;
-        const bool lies = shape.width() == height && shape.height() == width;
-        if (!fits && shape.rank == 3 && shape.width() == width &&
-            shape.frames == static_cast<hsize_t>(height) / shape.rows &&
-            shape.frames * shape.rows == static_cast<hsize_t>(height))
-            return stacked(*set, sets);
-        if (!fits && !lies)
-            return {};
-        const MImage mask = set->read(0, sets).asType<unsigned>();
-        return fits ? mask : turned(mask);
-    } catch (const MException&) {
-        return {};  // an image without its mask is worth more than none
-    }
-}
+/// Reads the masks of one frame and adds them up.
+class Gatherer {
+public:
+    Gatherer(FrameSets& sets, const std::string& file, const MaskedFrame& frame)
+        : _sets(sets)
+        , _file(file)
+        , _frame(frame)
+    {}
 
-}  // namespace
-
-MImage readMask(FrameSets& sets, const std::string& file, const std::vector<std::string>& paths,
-                int width, int height)
-{
-    MImage mask;
-    for (const std::string& path : paths) {
-        mask = readOne(sets, file, path, width, height);
-        for (int number = 2; number <= MostMasks && !mask.empty(); ++number) {
-            const MImage more =
-                readOne(sets, file, path + "_" + std::to_string(number), width, height);
+    /// Adds the mask at a path. @returns whether there is one that fits
+    bool add(const std::string& path)
+    {
+        try {
+            if (!_sets.files().find(_sets.files().file(_file), path))
+                return false;
+            const MImage more = _read(*_sets.at({_file, path}));
             if (more.empty())
-                break;
-            auto* bits = static_cast<unsigned*>(mask.data());
-            std::transform(bits, bits + mask.size(), more.pixels<unsigned>(), bits,
-                           [](unsigned left, unsigned right) { return left | right; });
+                return false;
+            _or(more);
+            return true;
+        } catch (const MMemoryException&) {
+            throw;
+        } catch (const MException& error) {
+            _remark(path, std::string("left out, because it can't be read (") + error.what() + ")");
+            return false;
         }
-        if (!mask.empty())
-            break;
     }
-    if (!mask.empty()) {
-        auto* bits = static_cast<unsigned*>(mask.data());
-        std::transform(bits, bits + mask.size(), bits, [](unsigned value) {
+
+    Mask take()
+    {
+        if (!_mask.image.empty())
+            _foldBits();
+        return std::move(_mask);
+    }
+
+private:
+    MImage _read(const FrameSet& set)
+    {
+        const FrameShape& shape = set.shape();
+        const bool fits = shape.width() == _frame.width && shape.height() == _frame.height;
+        const bool lies = shape.width() == _frame.height && shape.height() == _frame.width;
+        const auto height = static_cast<hsize_t>(_frame.height);
+        if (!fits && shape.rank == 3 && shape.width() == _frame.width &&
+            shape.frames == height / shape.rows && shape.frames * shape.rows == height)
+            return stacked(set, _sets);
+        if (!fits && !lies) {
+            _remark(set.path(), "left out: it has " + std::to_string(shape.width()) + " x " +
+                                    std::to_string(shape.height()) + " pixels, the images have " +
+                                    std::to_string(_frame.width) + " x " +
+                                    std::to_string(_frame.height));
+            return {};
+        }
+        const MImage mask = set.read(_plane(set), _sets).asType<unsigned>();
+        return fits ? mask : turned(mask);
+    }
+
+    /// Which of the masks of a data set belongs to the frame.
+    std::size_t _plane(const FrameSet& set)
+    {
+        if (set.frames() <= 1)
+            return 0;
+        if (set.frames() == _frame.frames) {
+            _mask.ofFrame = true;
+            return _frame.position;
+        }
+        _remark(set.path(), "the first of " + std::to_string(set.frames()) + ", for all " +
+                                std::to_string(_frame.frames) + " images");
+        return 0;
+    }
+
+    void _or(const MImage& more)
+    {
+        if (_mask.image.empty()) {
+            _mask.image = more;
+            return;
+        }
+        auto* bits = static_cast<unsigned*>(_mask.image.data());
+        std::transform(bits, bits + more.size(), more.pixels<unsigned>(), bits,
+                       [](unsigned left, unsigned right) { return left | right; });
+    }
+
+    void _foldBits()
+    {
+        auto* bits = static_cast<unsigned*>(_mask.image.data());
+        std::transform(bits, bits + _mask.image.size(), bits, [](unsigned value) {
             const bool fold = (value & Tested) == 0 && (value & Folded) != 0;
             return value | (fold ? Defective : 0);
         });
     }
-    return mask;
+
+    void _remark(const std::string& path, const std::string& what)
+    {
+        if (_mask.remark.empty())
+            _mask.remark = "HDF5: the pixel mask " + path + " is " + what + ": " + _file;
+    }
+
+    FrameSets& _sets;
+    const std::string& _file;
+    const MaskedFrame& _frame;
+    Mask _mask;
+};
+
+}  // namespace
+
+Mask readMask(FrameSets& sets, const std::string& file, const std::vector<std::string>& paths,
+              const MaskedFrame& frame)
+{
+    Gatherer gatherer(sets, file, frame);
+    for (const std::string& path : paths) {
+        if (!gatherer.add(path))
+            continue;
+        for (int number = 2; number <= MostMasks; ++number)
+            if (!gatherer.add(path + "_" + std::to_string(number)))
+                break;
+        break;
+    }
+    return gatherer.take();
 }
 
 }  // namespace morvend::imglib::hdf5

@@ -7,8 +7,9 @@
 #include "imagelib/image/MException.h"
 #include "imagelib/io/formats/hdf5/DataFileNames.h"
 #include "imagelib/io/formats/hdf5/DataFinder.h"
-#include "imagelib/io/formats/hdf5/MaskReader.h"
 #include "imagelib/io/formats/hdf5/MetadataTree.h"
+
+#include <cstdio>
 
 namespace morvend::imglib::hdf5 {
 
@@ -79,24 +80,30 @@ MImage NexusMaster::frame(std::size_t position)
         _state->header.setImages(frames());
     MImage image = spot.set->read(spot.frame, _sets);
     MBasicImageOptionalData<> header = _state->header.of(position);
-    if (const MImage& mask = _maskFor(image); !mask.empty())
-        header.set_pixel_mask(mask);
+    _addMask(header, image, position);
     image.setOptionalData(header);
     return image;
 }
 
-const MImage& NexusMaster::_maskFor(const MImage& image)
+void NexusMaster::_addMask(MBasicImageOptionalData<>& header, const MImage& image,
+                           std::size_t position)
 {
-    static const MImage none;
-    if (!_maskRead) {
-        MImage mask = readMask(_sets, _state->source, _state->header.maskPaths(), image.width(),
-                               image.height());
+    if (!_mask || _mask->ofFrame) {
+        Mask mask = readMask(_sets, _state->source, _state->header.maskPaths(),
+                             {image.width(), image.height(), position, frames()});
         // An unchanged mask keeps its identity, by which others know that they know it.
-        if (_mask.empty() || !samePixels(mask, _mask))
-            _mask = std::move(mask);
-        _maskRead = true;
+        if (_lastMask.empty() || !samePixels(mask.image, _lastMask))
+            _lastMask = mask.image;
+        if (!mask.remark.empty() && mask.remark != _remark)
+            std::fprintf(stderr, "WARNING: %s\n", mask.remark.c_str());
+        _remark = mask.remark;
+        _mask = std::move(mask);
     }
-    return _mask.width() == image.width() && _mask.height() == image.height() ? _mask : none;
+    if (!_remark.empty())
+        header.set_rawHeader("WARNING: " + _remark + "\n" + header.rawHeader().value_or(""));
+    if (!_lastMask.empty() && _lastMask.width() == image.width() &&
+        _lastMask.height() == image.height())
+        header.set_pixel_mask(_lastMask);
 }
 
 void NexusMaster::update()
@@ -121,7 +128,7 @@ void NexusMaster::_updateState()
     }
     if (_state->dataFiles.empty() && changed) {
         _state = _load(_state->source);
-        _maskRead = false;
+        _mask.reset();
         return;
     }
     BlockTable blocks = _state->blocks;

@@ -6,6 +6,7 @@
 
 #include "imagelib/io/formats/hdf5/BlockTable.h"
 #include "imagelib/io/formats/hdf5/FrameSets.h"
+#include "imagelib/io/formats/hdf5/MaskReader.h"
 #include "imagelib/io/formats/hdf5/NexusHeader.h"
 
 #include <optional>
@@ -27,7 +28,8 @@ public:
     std::size_t openedFrame() const { return _openedFrame; }
     /// The file of links and header: the master, if there is one.
     const std::string& source() const { return _state->source; }
-    /// A frame with its header and the mask, which all frames of the series share.
+    /// A frame with its header and mask. Where a mask is left out, the raw header begins with a
+    /// line that says so, and standard error gets it once.
     MImage frame(std::size_t position);
     std::string path(std::size_t position) { return _state->blocks.path(position); }
 
@@ -52,15 +54,17 @@ private:
     State _load(const std::string& source);
     State _loadDataFiles(const std::string& path);
     void _updateState();
-    const MImage& _maskFor(const MImage& image);
+    /// Adds the mask of an image, and what is to be said about it, to its header.
+    void _addMask(MBasicImageOptionalData<>& header, const MImage& image, std::size_t position);
 
     std::string _path;
     Hdf5Files _files;
     FrameSets _sets{_files};
     std::optional<State> _state;
     std::size_t _openedFrame = 0;
-    bool _maskRead = false;
-    MImage _mask;
+    std::optional<Mask> _mask;  // as it was read last
+    MImage _lastMask;           // the same pixels, with the identity of those before if unchanged
+    std::string _remark;        // about the mask, told already
 };
 
 }  // namespace morvend::imglib::hdf5

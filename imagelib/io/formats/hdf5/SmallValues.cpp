@@ -15,10 +15,17 @@ using nexus::Value;
 namespace {
 
 constexpr std::size_t MostTextBytes = std::size_t(1) << 20;
+/// The library reads all texts of an attribute before their length can be known.
+constexpr std::size_t MostAttributeTexts = 64;
 constexpr unsigned MostAttributes = 256;
 
-/// Reads all elements, as values of a type in memory.
-using Reader = std::function<herr_t(hid_t memoryType, void* target)>;
+/// What differs between a data set and an attribute.
+struct Reader {
+    /// Reads all elements, as values of a type in memory.
+    std::function<herr_t(hid_t memoryType, void* target)> read;
+    /// Are texts of variable length few and short enough to be read?
+    std::function<bool(hid_t type, hid_t space, std::size_t count)> textsFit;
+};
 
 template <class T>
 Value scalarOrArray(std::vector<T> values)
@@ -29,10 +36,10 @@ Value scalarOrArray(std::vector<T> values)
 }
 
 template <class T>
-std::optional<Value> readNumbers(hid_t memoryType, std::size_t count, const Reader& read)
+std::optional<Value> readNumbers(hid_t memoryType, std::size_t count, const Reader& reader)
 {
     std::vector<T> values(count);
-    if (read(memoryType, values.data()) < 0)
+    if (reader.read(memoryType, values.data()) < 0)
         return std::nullopt;
     return scalarOrArray(std::move(values));
 }
@@ -45,13 +52,13 @@ std::string cleaned(const char* text, std::size_t most)
     return result;
 }
 
-std::optional<Value> readFixedTexts(hid_t type, std::size_t count, const Reader& read)
+std::optional<Value> readFixedTexts(hid_t type, std::size_t count, const Reader& reader)
 {
     const std::size_t size = H5Tget_size(type);
     if (size == 0 || size > MostTextBytes || count * size > MostTextBytes)
         return std::nullopt;
     std::vector<char> bytes(count * size);
-    if (read(type, bytes.data()) < 0)
+    if (reader.read(type, bytes.data()) < 0)
         return std::nullopt;
     std::vector<std::string> texts;
     for (std::size_t i = 0; i < count; ++i)
@@ -60,10 +67,12 @@ std::optional<Value> readFixedTexts(hid_t type, std::size_t count, const Reader&
 }
 
 std::optional<Value> readVariableTexts(hid_t type, hid_t space, std::size_t count,
-                                       const Reader& read)
+                                       const Reader& reader)
 {
+    if (!reader.textsFit(type, space, count))
+        return std::nullopt;
     std::vector<char*> pointers(count, nullptr);
-    const bool good = read(type, pointers.data()) >= 0;
+    const bool good = reader.read(type, pointers.data()) >= 0;
     std::vector<std::string> texts;
     std::size_t bytes = 0;
     for (const char* each : pointers) {
@@ -76,7 +85,7 @@ std::optional<Value> readVariableTexts(hid_t type, hid_t space, std::size_t coun
     return scalarOrArray(std::move(texts));
 }
 
-std::optional<Value> readValue(hid_t type, hid_t space, std::size_t most, const Reader& read)
+std::optional<Value> readValue(hid_t type, hid_t space, std::size_t most, const Reader& reader)
 {
     const auto shape = extents(space);
     if (!shape)
@@ -92,7 +101,7 @@ std::optional<Value> readValue(hid_t type, hid_t space, std::size_t most, const 
     switch (H5Tget_class(type)) {
     case H5T_INTEGER:
     case H5T_BITFIELD:
-        return readNumbers<std::int64_t>(H5T_NATIVE_INT64, count, read);
+        return readNumbers<std::int64_t>(H5T_NATIVE_INT64, count, reader);
     case H5T_ENUM: {
         const Datatype base(H5Tget_super(type));
         const std::size_t size = H5Tget_size(type);
@@ -100,16 +109,16 @@ std::optional<Value> readValue(hid_t type, hid_t space, std::size_t most, const 
             return std::nullopt;
         // Enumerations convert to their own kind alone: read as they are, then as numbers.
         std::vector<std::int64_t> values(count);
-        if (read(type, values.data()) < 0 ||
+        if (reader.read(type, values.data()) < 0 ||
             H5Tconvert(base.id(), H5T_NATIVE_INT64, count, values.data(), nullptr, H5P_DEFAULT) < 0)
             return std::nullopt;
         return scalarOrArray(std::move(values));
     }
     case H5T_FLOAT:
-        return readNumbers<double>(H5T_NATIVE_DOUBLE, count, read);
+        return readNumbers<double>(H5T_NATIVE_DOUBLE, count, reader);
     case H5T_STRING:
-        return H5Tis_variable_str(type) > 0 ? readVariableTexts(type, space, count, read)
-                                            : readFixedTexts(type, count, read);
+        return H5Tis_variable_str(type) > 0 ? readVariableTexts(type, space, count, reader)
+                                            : readFixedTexts(type, count, reader);
     default:
         return std::nullopt;
     }
@@ -138,9 +147,15 @@ std::optional<Value> readDataset(hid_t dataset, std::size_t most)
 {
     const Datatype type(H5Dget_type(dataset));
     const Dataspace space(H5Dget_space(dataset));
-    auto value = readValue(type.id(), space.id(), most, [&](hid_t memory, void* target) {
-        return H5Dread(dataset, memory, H5S_ALL, H5S_ALL, H5P_DEFAULT, target);
-    });
+    const Reader reader{[&](hid_t memory, void* target) {
+                            return H5Dread(dataset, memory, H5S_ALL, H5S_ALL, H5P_DEFAULT, target);
+                        },
+                        [&](hid_t texts, hid_t whole, std::size_t) {
+                            hsize_t bytes = 0;
+                            return H5Dvlen_get_buf_size(dataset, texts, whole, &bytes) >= 0 &&
+                                   bytes <= MostTextBytes;
+                        }};
+    auto value = readValue(type.id(), space.id(), most, reader);
     takeErrorText();
     return value;
 }
@@ -152,10 +167,10 @@ std::optional<Value> readAttribute(hid_t object, const char* name)
     const Attribute attribute(H5Aopen(object, name, H5P_DEFAULT));
     const Datatype type(H5Aget_type(attribute.id()));
     const Dataspace space(H5Aget_space(attribute.id()));
-    auto value =
-        readValue(type.id(), space.id(), MostTreeElements, [&](hid_t memory, void* target) {
-            return H5Aread(attribute.id(), memory, target);
-        });
+    const Reader reader{
+        [&](hid_t memory, void* target) { return H5Aread(attribute.id(), memory, target); },
+        [](hid_t, hid_t, std::size_t count) { return count <= MostAttributeTexts; }};
+    auto value = readValue(type.id(), space.id(), MostTreeElements, reader);
     takeErrorText();
     return value;
 }

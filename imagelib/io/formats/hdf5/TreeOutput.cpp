@@ -14,6 +14,9 @@ namespace {
 
 using nexus::Value;
 
+/// An attribute holds no 64 KiB, but a text of variable length lies outside of it.
+constexpr std::size_t LongestFixedText = 32 << 10;
+
 template <class T>
 hid_t numberType()
 {
@@ -55,7 +58,10 @@ bool withValue(const Value& value, const std::string& path, const Store& store)
             } else if constexpr (std::is_arithmetic_v<T>) {
                 store(numberType<T>(), scalar(path).id(), &v);
             } else if constexpr (std::is_same_v<T, std::string>) {
-                store(textType(v.size() + 1, path).id(), scalar(path).id(), v.c_str());
+                const char* const text = v.c_str();
+                const bool fixed = v.size() <= LongestFixedText;
+                store(textType(fixed ? v.size() + 1 : H5T_VARIABLE, path).id(), scalar(path).id(),
+                      fixed ? static_cast<const void*>(text) : &text);
             } else if constexpr (std::is_same_v<T, std::vector<std::string>>) {
                 std::vector<const char*> texts(v.size());
                 std::transform(v.begin(), v.end(), texts.begin(),

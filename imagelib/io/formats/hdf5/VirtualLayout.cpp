@@ -5,6 +5,7 @@
 #include "imagelib/io/formats/hdf5/VirtualLayout.h"
 
 #include "imagelib/image/MException.h"
+#include "imagelib/io/formats/hdf5/ExternalFiles.h"
 #include "imagelib/io/formats/hdf5/FrameSets.h"
 
 #include <algorithm>
@@ -312,6 +313,7 @@ void VirtualLayout::_openAllSources(FrameSets& sets) const
         if (H5Pget_layout(creation.id()) == H5D_VIRTUAL)
             throw MRuntimeException("HDF5: virtual sources are selected by " + who +
                                     " in a way that can't be followed: " + place.file);
+        checkExternalFiles(creation.id(), place.path, place.file);
     }
 }
 

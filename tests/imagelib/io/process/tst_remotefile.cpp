@@ -1,0 +1,240 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Readers that die, hang or talk nonsense, and the process that goes on without them.
+#include "imagelib/image/MException.h"
+#include "imagelib/io/process/RemoteFile.h"
+#include "tests/imagelib/io/process/StrangeImages.h"
+#include "tests/support/Processes.h"
+
+#include <gmock/gmock.h>
+
+#include <csignal>
+#include <future>
+
+#include <sys/wait.h>
+
+namespace tarvik::tests {
+
+using namespace morvend;
+using namespace morvend::imglib;
+using namespace std::chrono_literals;
+using testing::HasSubstr;
+
+namespace {
+
+ReaderProcess::Options strangeReader(std::chrono::milliseconds limit = 20s)
+{
+    return {TARVIK_STRANGE_READER, limit};
+}
+
+RemoteFile openStrange(std::chrono::milliseconds limit = 20s)
+{
+    return {"/data/strange", "STRANGE", strangeReader(limit)};
+}
+
+template <class Exception, class Call>
+std::string messageOf(Call&& call)
+{
+    try {
+        call();
+    } catch (const Exception& error) {
+        return error.what();
+    } catch (const std::exception& error) {
+        return std::string("another exception: ") + error.what();
+    }
+    return "no exception";
+}
+
+void expectGood(const MImage& image, std::size_t position)
+{
+    const MImage expected = strangeImage(position);
+    EXPECT_TRUE(samePixels(image, expected));
+    const auto& header = image.optionalData();
+    EXPECT_EQ(header.rotation_angle(), expected.optionalData().rotation_angle());
+    EXPECT_EQ(header.wavelength(), 1.25f);
+    EXPECT_EQ(header.rawHeader(), std::string("raw header"));
+    EXPECT_EQ(header.nexusTree().toText(), expected.optionalData().nexusTree().toText());
+    ASSERT_EQ(header.pixel_mask().has_value(), expected.optionalData().pixel_mask().has_value());
+    if (header.pixel_mask())
+        EXPECT_TRUE(samePixels(*header.pixel_mask(), *expected.optionalData().pixel_mask()));
+}
+
+}  // namespace
+
+TEST(RemoteFile, ShowsTheFileOfTheReader)
+{
+    RemoteFile file = openStrange();
+    EXPECT_STREQ(file.format(), "STRANGE");
+    EXPECT_EQ(file.frameCount(), std::size_t(StrangeImages));
+    EXPECT_EQ(file.openedFrame(), 2u);
+    EXPECT_EQ(file.firstNumber(), 1);
+    EXPECT_EQ(file.mainPath(), "");
+    // Headers come as changes; forth and back, and over one that lacks a field.
+    for (const std::size_t position : {Good, AlsoGood, Good, SmallAndGood, Good, AlsoGood}) {
+        expectGood(file.frame(position), position);
+        EXPECT_EQ(file.framePath(position), "/data/" + std::to_string(position));
+        EXPECT_EQ(file.framePath(7), "/data/7");
+    }
+    file.update();
+    EXPECT_EQ(file.framePath(0), "/data/0");
+}
+
+struct FailureCase {
+    StrangeImage image;
+    const char* text;
+    bool readerSurvives;
+};
+
+TEST(RemoteFile, AReaderThatFailsCostsOneRequestAlone)
+{
+    const FailureCase cases[] = {
+        {Violates,
+         "STRANGE: the reader process ended with signal 11 (Segmentation fault) while reading "
+         "image 2: /data/strange",
+         false},
+        {Aborts,
+         "STRANGE: the reader process ended with signal 6 (Aborted) while reading image 3: "
+         "/data/strange",
+         false},
+        {Exits,
+         "STRANGE: the reader process ended with exit code 3 while reading image 4: "
+         "/data/strange",
+         false},
+        {Throws, "an exception of another family", true},
+    };
+    RemoteFile file = openStrange();
+    const MImage kept = file.frame(Good);
+    for (const FailureCase& each : cases) {
+        SCOPED_TRACE(each.text);
+        const pid_t before = file.pid();
+        // Again and again: nothing is tried twice, nothing goes round.
+        for (int round = 0; round < 3; ++round)
+            EXPECT_EQ(messageOf<MRuntimeException>([&] { file.frame(each.image); }), each.text);
+        EXPECT_EQ(file.frameCount(), std::size_t(StrangeImages));
+        expectGood(file.frame(AlsoGood), AlsoGood);
+        EXPECT_EQ(file.pid() == before, each.readerSurvives);
+    }
+    expectGood(kept, Good);
+}
+
+TEST(RemoteFile, ExceptionsKeepTheirClass)
+{
+    RemoteFile file = openStrange();
+    EXPECT_EQ(messageOf<MOutOfRangeException>([&] { file.frame(Refuses); }),
+              "there is no such image: /data/strange");
+    EXPECT_EQ(messageOf<MNoFileAccessException>(
+                  [] { RemoteFile(MissingPath, "STRANGE", strangeReader()); }),
+              "Cannot open file: No such file or directory: /data/missing");
+}
+
+TEST(RemoteFile, AReaderThatDoesNotAnswerIsEnded)
+{
+    RemoteFile file = openStrange(400ms);
+    const pid_t reader = file.pid();
+    EXPECT_EQ(messageOf<MTimeoutException>([&] { file.frame(Hangs); }),
+              "STRANGE: the reader process has not answered within 400 ms while reading image 5: "
+              "/data/strange");
+    EXPECT_TRUE(hasEnded(reader));
+    expectGood(file.frame(Good), Good);
+}
+
+TEST(RemoteFile, AnAnswerThatIsNoneEndsTheReader)
+{
+    RemoteFile file = openStrange();
+    const pid_t reader = file.pid();
+    EXPECT_THAT(messageOf<MRuntimeException>([&] { file.frame(Babbles); }),
+                testing::AllOf(HasSubstr("STRANGE: the reader process gave an answer that can't be "
+                                         "used ("),
+                               HasSubstr("while reading image 6: /data/strange")));
+    EXPECT_TRUE(hasEnded(reader));
+    expectGood(file.frame(Good), Good);
+}
+
+TEST(RemoteFile, OpeningMayKillTheReader)
+{
+    EXPECT_EQ(
+        messageOf<MRuntimeException>([] { RemoteFile(FatalPath, "STRANGE", strangeReader()); }),
+        "STRANGE: the reader process ended with signal 7 (Bus error) while opening the file: "
+        "/data/fatal");
+}
+
+TEST(RemoteFile, AProgramThatIsNoReaderIsAFailure)
+{
+    EXPECT_THAT(messageOf<MRuntimeException>(
+                    [] { RemoteFile("/data/x", "STRANGE", {"/no/such/program"}); }),
+                HasSubstr("the reader process cannot be started: No such file or directory"));
+    EXPECT_THAT(
+        messageOf<MRuntimeException>([] { RemoteFile("/data/x", "STRANGE", {"/bin/true"}); }),
+        HasSubstr("ended with exit code 0 while opening the file: /data/x"));
+}
+
+TEST(RemoteFile, AReaderThatDiesBetweenTwoRequestsIsNoFailure)
+{
+    RemoteFile file = openStrange();
+    for (const int signal : {SIGKILL, SIGSEGV}) {
+        const pid_t reader = file.pid();
+        ASSERT_EQ(::kill(reader, signal), 0);
+        ASSERT_TRUE(waitFor([&] { return file.pid() < 0; }));
+        expectGood(file.frame(Good), Good);
+        EXPECT_NE(file.pid(), reader);
+    }
+}
+
+TEST(RemoteFile, AReaderThatIsKilledInTheMiddleOfARequestFailsIt)
+{
+    RemoteFile file = openStrange();
+    for (const int signal : {SIGKILL, SIGSEGV}) {
+        const pid_t reader = file.pid();
+        // Stopped, the reader can't answer before the signal that ends it.
+        ASSERT_EQ(::kill(reader, SIGSTOP), 0);
+        ASSERT_TRUE(waitFor([&] { return processState(reader) == 'T'; }));
+        auto request = std::async(std::launch::async, [&] {
+            return messageOf<MRuntimeException>([&] { file.frame(Good); });
+        });
+        EXPECT_EQ(request.wait_for(50ms), std::future_status::timeout);
+        ::kill(reader, signal);
+        ::kill(reader, SIGCONT);
+        EXPECT_THAT(request.get(), HasSubstr("ended with signal " + std::to_string(signal)));
+        expectGood(file.frame(Good), Good);
+    }
+}
+
+TEST(RemoteFile, NothingStaysBehind)
+{
+    openStrange().frame(Good);
+    const std::size_t files = openDescriptors();
+    for (int i = 0; i < 20; ++i) {
+        RemoteFile file = openStrange();
+        file.frame(Good);
+        messageOf<MRuntimeException>([&] { file.frame(Violates); });
+        file.frame(AlsoGood);
+        ASSERT_EQ(children().size(), 1u);
+    }
+    EXPECT_EQ(children().size(), 0u);
+    EXPECT_EQ(openDescriptors(), files);
+}
+
+TEST(RemoteFile, TheReaderGoesWithAParentThatIsKilled)
+{
+    int ends[2];
+    ASSERT_EQ(::pipe(ends), 0);
+    const pid_t parent = ::fork();
+    if (parent == 0) {
+        RemoteFile file = openStrange();
+        const pid_t reader = file.pid();
+        if (::write(ends[1], &reader, sizeof reader) == sizeof reader)
+            ::pause();
+        std::_Exit(1);
+    }
+    pid_t reader = -1;
+    ASSERT_EQ(::read(ends[0], &reader, sizeof reader), ssize_t(sizeof reader));
+    EXPECT_FALSE(hasEnded(reader));
+    ::kill(parent, SIGKILL);
+    ::waitpid(parent, nullptr, 0);
+    EXPECT_TRUE(waitFor([&] { return hasEnded(reader); }));
+    ::close(ends[0]);
+    ::close(ends[1]);
+}
+
+}  // namespace tarvik::tests

@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <cstring>
 #include <functional>
+#include <memory>
+#include <new>
 
 namespace morvend::imglib::hdf5 {
 
@@ -22,9 +24,45 @@ constexpr unsigned MostAttributes = 256;
 /// What differs between a data set and an attribute.
 struct Reader {
     /// Reads all elements, as values of a type in memory.
-    std::function<herr_t(hid_t memoryType, void* target)> read;
-    /// Are texts of variable length few and short enough to be read?
-    std::function<bool(hid_t type, hid_t space, std::size_t count)> textsFit;
+    std::function<herr_t(hid_t memoryType, void* target, hid_t transfer)> read;
+    /// Do the properties of the transfer count?
+    bool transfers = false;
+};
+
+/// Where the library puts texts of variable length: no more of them than fit the limit.
+class TextMemory {
+public:
+    TextMemory()
+        : _transfer(H5Pcreate(H5P_DATASET_XFER))
+    {
+        H5Pset_vlen_mem_manager(
+            _transfer.id(),
+            [](std::size_t size, void* self) {
+                return static_cast<TextMemory*>(self)->_allocate(size);
+            },
+            this, [](void*, void*) {}, this);  // all goes at once, with this object
+    }
+    TextMemory(const TextMemory&) = delete;
+    TextMemory& operator=(const TextMemory&) = delete;
+    hid_t transfer() const { return _transfer.id(); }
+
+private:
+    void* _allocate(std::size_t size) noexcept
+    {
+        // A little more than the limit, for the ends of the texts.
+        if (size > 2 * MostTextBytes - _used)
+            return nullptr;
+        _used += size;
+        try {
+            return _texts.emplace_back(std::make_unique<char[]>(size)).get();
+        } catch (const std::bad_alloc&) {
+            return nullptr;
+        }
+    }
+
+    Properties _transfer;
+    std::size_t _used = 0;
+    std::vector<std::unique_ptr<char[]>> _texts;
 };
 
 template <class T>
@@ -39,7 +77,7 @@ template <class T>
 std::optional<Value> readNumbers(hid_t memoryType, std::size_t count, const Reader& reader)
 {
     std::vector<T> values(count);
-    if (reader.read(memoryType, values.data()) < 0)
+    if (reader.read(memoryType, values.data(), H5P_DEFAULT) < 0)
         return std::nullopt;
     return scalarOrArray(std::move(values));
 }
@@ -58,7 +96,7 @@ std::optional<Value> readFixedTexts(hid_t type, std::size_t count, const Reader&
     if (size == 0 || size > MostTextBytes || count * size > MostTextBytes)
         return std::nullopt;
     std::vector<char> bytes(count * size);
-    if (reader.read(type, bytes.data()) < 0)
+    if (reader.read(type, bytes.data(), H5P_DEFAULT) < 0)
         return std::nullopt;
     std::vector<std::string> texts;
     for (std::size_t i = 0; i < count; ++i)
@@ -69,17 +107,19 @@ std::optional<Value> readFixedTexts(hid_t type, std::size_t count, const Reader&
 std::optional<Value> readVariableTexts(hid_t type, hid_t space, std::size_t count,
                                        const Reader& reader)
 {
-    if (!reader.textsFit(type, space, count))
+    if (!reader.transfers && count > MostAttributeTexts)
         return std::nullopt;
+    const TextMemory memory;
     std::vector<char*> pointers(count, nullptr);
-    const bool good = reader.read(type, pointers.data()) >= 0;
+    const bool good = reader.read(type, pointers.data(), memory.transfer()) >= 0;
     std::vector<std::string> texts;
     std::size_t bytes = 0;
     for (const char* each : pointers) {
         texts.push_back(each && good ? cleaned(each, MostTextBytes) : std::string());
         bytes += texts.back().size();
     }
-    H5Dvlen_reclaim(type, space, H5P_DEFAULT, pointers.data());
+    if (!reader.transfers)
+        H5Dvlen_reclaim(type, space, H5P_DEFAULT, pointers.data());
     if (!good || bytes > MostTextBytes)
         return std::nullopt;
     return scalarOrArray(std::move(texts));
@@ -109,7 +149,7 @@ std::optional<Value> readValue(hid_t type, hid_t space, std::size_t most, const 
             return std::nullopt;
         // Enumerations convert to their own kind alone: read as they are, then as numbers.
         std::vector<std::int64_t> values(count);
-        if (reader.read(type, values.data()) < 0 ||
+        if (reader.read(type, values.data(), H5P_DEFAULT) < 0 ||
             H5Tconvert(base.id(), H5T_NATIVE_INT64, count, values.data(), nullptr, H5P_DEFAULT) < 0)
             return std::nullopt;
         return scalarOrArray(std::move(values));
@@ -147,14 +187,10 @@ std::optional<Value> readDataset(hid_t dataset, std::size_t most)
 {
     const Datatype type(H5Dget_type(dataset));
     const Dataspace space(H5Dget_space(dataset));
-    const Reader reader{[&](hid_t memory, void* target) {
-                            return H5Dread(dataset, memory, H5S_ALL, H5S_ALL, H5P_DEFAULT, target);
+    const Reader reader{[&](hid_t memory, void* target, hid_t transfer) {
+                            return H5Dread(dataset, memory, H5S_ALL, H5S_ALL, transfer, target);
                         },
-                        [&](hid_t texts, hid_t whole, std::size_t) {
-                            hsize_t bytes = 0;
-                            return H5Dvlen_get_buf_size(dataset, texts, whole, &bytes) >= 0 &&
-                                   bytes <= MostTextBytes;
-                        }};
+                        true};
     auto value = readValue(type.id(), space.id(), most, reader);
     takeErrorText();
     return value;
@@ -168,8 +204,8 @@ std::optional<Value> readAttribute(hid_t object, const char* name)
     const Datatype type(H5Aget_type(attribute.id()));
     const Dataspace space(H5Aget_space(attribute.id()));
     const Reader reader{
-        [&](hid_t memory, void* target) { return H5Aread(attribute.id(), memory, target); },
-        [](hid_t, hid_t, std::size_t count) { return count <= MostAttributeTexts; }};
+        [&](hid_t memory, void* target, hid_t) { return H5Aread(attribute.id(), memory, target); },
+        false};
     auto value = readValue(type.id(), space.id(), MostTreeElements, reader);
     takeErrorText();
     return value;

@@ -7,6 +7,7 @@
 #include "tests/imagelib/io/process/StrangeImages.h"
 #include "tests/support/Processes.h"
 
+#include <boost/optional/optional_io.hpp>
 #include <gmock/gmock.h>
 
 #include <csignal>
@@ -56,8 +57,9 @@ void expectGood(const MImage& image, std::size_t position)
     EXPECT_EQ(header.rawHeader(), std::string("raw header"));
     EXPECT_EQ(header.nexusTree().toText(), expected.optionalData().nexusTree().toText());
     ASSERT_EQ(header.pixel_mask().has_value(), expected.optionalData().pixel_mask().has_value());
-    if (header.pixel_mask())
+    if (header.pixel_mask()) {
         EXPECT_TRUE(samePixels(*header.pixel_mask(), *expected.optionalData().pixel_mask()));
+    }
 }
 
 }  // namespace

@@ -57,8 +57,11 @@ public:
     {
         const auto width = _in.get<std::int32_t>();
         const auto height = _in.get<std::int32_t>();
-        const auto type = static_cast<datatypes::Type>(_in.get<std::uint8_t>());
+        const int kind = _in.get<std::uint8_t>();
         const std::size_t bits = _in.get<std::uint8_t>();
+        if (kind > datatypes::FLOAT)
+            malformed("pixels of the unknown kind " + std::to_string(kind));
+        const auto type = static_cast<datatypes::Type>(kind);
         _in.take(2);
         const ArrayPlace place = readPlace(_in);
         MImage result = pixels(width, height, type, bits, place);

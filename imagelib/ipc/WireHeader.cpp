@@ -4,6 +4,7 @@
 // Header fields, metadata tree and drawing primitives as bytes.
 #include "imagelib/ipc/WireHeader.h"
 
+#include "imagelib/image/QuotedText.h"
 #include "imagelib/ipc/WireFormat.h"
 
 namespace morvend::imglib::wire {
@@ -155,7 +156,7 @@ T fieldValue(const std::string& name, const Value& value)
         if (const auto* integer = std::get_if<std::int64_t>(&value))
             return static_cast<T>(*integer);
     }
-    malformed("the header field " + name.substr(0, 40) + " has a value of a wrong type");
+    malformed("the header field " + quoted(name) + " has a value of a wrong type");
 }
 
 void setField(MBasicImageOptionalData<>& header, const std::string& name, const Value& value)
@@ -195,7 +196,7 @@ void readHeader(ByteReader& in, MBasicImageOptionalData<>& header,
         else if (name == "pixel_mask")
             header.set_pixel_mask(mask());
         else
-            malformed("the header field " + name.substr(0, 40) + " can't be an image");
+            malformed("the header field " + quoted(name) + " can't be an image");
     }
     header.setNexusTree(readTree(in));  // last, since setting fields touches the tree
 }

@@ -31,15 +31,6 @@ bool sameWord(std::string_view left, std::string_view right)
                       [](char a, char b) { return lower(a) == lower(b); });
 }
 
-std::string quoted(std::string_view text)
-{
-    constexpr std::size_t Most = 80;
-    std::string result = "\"";
-    for (const char c : text.substr(0, Most))
-        result += static_cast<unsigned char>(c) < ' ' || c == '\x7f' ? '?' : c;
-    return result + (text.size() > Most ? "...\"" : "\"");
-}
-
 Words wordsOf(std::string_view line, bool splitAtCommas)
 {
     const auto separates = [&](std::size_t i) {

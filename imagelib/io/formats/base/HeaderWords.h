@@ -7,7 +7,6 @@
 #include <cstddef>
 #include <optional>
 #include <span>
-#include <string>
 #include <string_view>
 #include <vector>
 
@@ -22,10 +21,6 @@ inline bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <
 std::string_view trimmed(std::string_view text);
 /// Are two texts equal but for the case of ASCII letters?
 bool sameWord(std::string_view left, std::string_view right);
-
-/// A text from a file for a message to the user: in quotes, cut when it is long, without the
-/// control characters that would cut or garble the message.
-std::string quoted(std::string_view text);
 
 using Words = std::vector<std::string_view>;
 /// The words of a line, without blanks and ( ) # : =. A comma ends a word only before a blank

@@ -32,7 +32,19 @@ constexpr std::string_view Boundary = "--CIF-BINARY-FORMAT-SECTION--";
 constexpr std::string_view DataMark = "\x0c\x1a\x04\xd5";
 constexpr std::size_t LongestText = std::size_t(16) << 20;
 constexpr std::size_t LongestHead = std::size_t(64) << 10;
+constexpr std::size_t MostSections = 50'000;
 constexpr std::uint64_t Nowhere = std::numeric_limits<std::uint64_t>::max();
+
+/// Where a boundary that begins (or else ends) a section stands at the begin of a line.
+std::size_t findBoundary(std::string_view piece, bool begins)
+{
+    for (std::size_t at = 0; (at = piece.find(Boundary, at)) != piece.npos; ++at) {
+        const bool atLine = at > 0 && (piece[at - 1] == '\n' || piece[at - 1] == '\r');
+        if (atLine && piece.substr(at + Boundary.size()).starts_with("--") != begins)
+            return at;
+    }
+    return piece.npos;
+}
 
 /// Searches a file for the boundaries of its sections, piece by piece.
 class BoundarySearch {
@@ -50,7 +62,7 @@ public:
         for (std::uint64_t at = from > 0 ? from - 1 : 0;; size = LaterPieces) {
             std::string piece(size, '\0');
             piece.resize(_source.readSome(at, piece.data(), size));
-            const std::size_t found = find(piece, begins);
+            const std::size_t found = findBoundary(piece, begins);
             if (found != piece.npos)
                 return at + found;
             if (piece.size() < size)
@@ -62,16 +74,6 @@ public:
 private:
     static constexpr std::size_t FirstPiece = std::size_t(8) << 10;
     static constexpr std::size_t LaterPieces = std::size_t(256) << 10;
-
-    static std::size_t find(std::string_view piece, bool begins)
-    {
-        for (std::size_t at = 0; (at = piece.find(Boundary, at)) != piece.npos; ++at) {
-            const bool atLine = at > 0 && (piece[at - 1] == '\n' || piece[at - 1] == '\r');
-            if (atLine && piece.substr(at + Boundary.size()).starts_with("--") != begins)
-                return at;
-        }
-        return piece.npos;
-    }
 
     const ByteSource& _source;
 };
@@ -91,7 +93,8 @@ struct HeadEnd {
 HeadEnd headEnd(std::string_view text)
 {
     const std::size_t mark = text.find(DataMark);
-    if (mark != text.npos)
+    // Behind the end of this section it would be the mark of another one.
+    if (mark != text.npos && findBoundary(text.substr(0, mark), false) == text.npos)
         return {mark, mark + DataMark.size()};
     // Text encodings have no mark: an empty line ends the head.
     for (const std::string_view empty : {"\r\n\r\n", "\n\n", "\n\r\n"}) {
@@ -118,6 +121,8 @@ public:
         const Cif cif(text);
         _header = cbfHeader(text, cif);
         while (boundary != Nowhere) {
+            if (_sections.size() == MostSections)
+                fail("the file has more than " + std::to_string(MostSections) + " binary sections");
             addSection(boundary, cif, search);
             const CbfSection& last = _sections.back();
             boundary = search.next(last.offset + last.bytes, true);
@@ -295,7 +300,7 @@ private:
                                           pixels.size() * pixelBytes);
         std::size_t done = 0;
         if (section.conversion == None) {
-            std::memcpy(target.data(), stored.data(), target.size());
+            std::ranges::copy(stored.first(target.size()), target.begin());
             swapByteOrder(target, section.bigEndian ? pixelBytes : 1);
             done = pixels.size();
         } else if (section.conversion == ByteOffset) {

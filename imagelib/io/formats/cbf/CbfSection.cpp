@@ -6,6 +6,7 @@
 
 #include "imagelib/image/MException.h"
 #include "imagelib/image/PixelTypes.h"
+#include "imagelib/image/QuotedText.h"
 #include "imagelib/io/formats/base/HeaderWords.h"
 
 #include <algorithm>

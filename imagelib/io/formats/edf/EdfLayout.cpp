@@ -5,6 +5,7 @@
 #include "imagelib/io/formats/edf/EdfLayout.h"
 
 #include "imagelib/image/MException.h"
+#include "imagelib/image/QuotedText.h"
 #include "imagelib/io/formats/base/HeaderWords.h"
 #include "imagelib/io/formats/edf/EdfHeader.h"
 

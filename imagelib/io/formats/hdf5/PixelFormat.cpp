@@ -156,7 +156,7 @@ void PixelFormat::convert(std::span<const std::byte> stored, std::byte* pixels) 
         else if (_stored == 8)
             swapAll<std::uint64_t>(stored.data(), count, pixels);
         else
-            assert(!"one byte has no order");
+            assert(false && "one byte has no order");
         break;
     case Way::Half:
         widenAll<false>(stored.data(), count, pixels);

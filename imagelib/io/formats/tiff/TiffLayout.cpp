@@ -122,6 +122,21 @@ void checkSize(const TiffHandle& handle, const TiffLayout& layout, int width, in
                                 " bytes: " + handle.source().path());
 }
 
+/// A tile may reach beyond its page, as small pages of large tiles do, but not by any size: it is
+/// unpacked into memory of its own.
+void checkTile(const TiffHandle& handle, const TiffLayout& layout)
+{
+    constexpr Wide AlwaysAllowed = Wide(64) << 20;
+    const auto bytes = [&](int width, int height) {
+        return static_cast<Wide>(layout.rowBytes(width)) * static_cast<unsigned>(height);
+    };
+    const Wide tile = bytes(layout.partWidth, layout.partHeight);
+    if (tile > AlwaysAllowed && tile > bytes(layout.width, layout.height))
+        handle.fail("a page of " + std::to_string(layout.width) + " x " +
+                    std::to_string(layout.height) + " pixels can't have tiles of " +
+                    std::to_string(layout.partWidth) + " x " + std::to_string(layout.partHeight));
+}
+
 std::uint64_t partsAcross(int size, int part)
 {
     return (static_cast<std::uint64_t>(size) + static_cast<std::uint64_t>(part) - 1) /
@@ -136,6 +151,7 @@ void readParts(const TiffHandle& handle, TiffLayout& layout)
         layout.partHeight = sizeTag(handle, TIFFTAG_TILELENGTH, "the height of a tile");
         layout.parts = TIFFNumberOfTiles(handle.get());
         checkSize(handle, layout, layout.partWidth, layout.partHeight);
+        checkTile(handle, layout);
     } else {
         std::uint32_t rows = 0;  // absent or all ones: one strip holds everything
         TIFFGetFieldDefaulted(handle.get(), TIFFTAG_ROWSPERSTRIP, &rows);

@@ -119,6 +119,7 @@ struct Parts {
     std::string head = "X-Binary-Size: 12\r\nX-Binary-Element-Type: \"signed 16-bit integer\"\r\n"
                        "X-Binary-Size-Fastest-Dimension: 3\r\n"
                        "X-Binary-Size-Second-Dimension: 2\r\n";
+    std::string mark = "\x0c\x1a\x04\xd5";
     std::string data = std::string("\1\0\2\0\3\0\4\0\5\0\6\0", 12);
     std::string after = "\r\n--CIF-BINARY-FORMAT-SECTION----\r\n;\r\n";
 
@@ -126,7 +127,7 @@ struct Parts {
     {
         return "--CIF-BINARY-FORMAT-SECTION--\r\nContent-Type: application/octet-stream;\r\n"
                "     conversions=\"" +
-               conversion + "\"\r\n" + head + "\r\n\x0c\x1a\x04\xd5" + data + after;
+               conversion + "\"\r\n" + head + "\r\n" + mark + data + after;
     }
     std::string file() const { return before + section(); }
 };
@@ -210,6 +211,19 @@ TEST(CbfReader, SectionsAndThirdDimensionsAreFrames)
     EXPECT_EQ(file->frame(1).pixel<int>(0, 1, 0), 2);
     EXPECT_EQ(file->frame(0).pixel<int>(0, 1, 0), 4);
     EXPECT_THROW(file->frame(5), MOutOfRangeException);
+}
+
+TEST(CbfReader, TextSectionBeforeABinaryOne)
+{
+    Parts binary;
+    Parts text = binary;
+    text.head += "Content-Transfer-Encoding: BASE64\r\n";
+    text.mark = "";
+    text.data = codec::base64Encode(std::as_bytes(std::span(text.data)));
+    const auto file = openText(text.file() + binary.section());
+    ASSERT_EQ(file->frameCount(), 2U);
+    EXPECT_EQ(file->frame(0).pixel<int>(2, 1, 0), 6);
+    EXPECT_EQ(file->frame(1).pixel<int>(2, 1, 0), 6);
 }
 
 TEST(CbfReader, LongHeadersAndBoundariesOnAnyByte)

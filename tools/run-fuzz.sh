@@ -17,6 +17,9 @@ if [ $# -eq 0 ]; then
     for fuzzer in "$build"/bin/fuzz_*; do set -- "$@" "${fuzzer##*/fuzz_}"; done
 fi
 mkdir -p "$build/findings"
+# Files that fuzzers write and read again stay off the disk where that is possible.
+memory=/tmp
+[ -w /dev/shm ] && memory=/dev/shm
 
 # The time limit is far above what any file of this size may take; the memory limit is for the sums
 # of blocks, a single one that can't be had is a failure that the readers have to report.
@@ -25,10 +28,11 @@ run() {
     mkdir -p "$build/corpus/$target"
     dictionary=tests/fuzz/$target.dict
     status=0
-    ASAN_OPTIONS=allocator_may_return_null=1 nice -n 19 "$build/bin/fuzz_$target" \
+    ASAN_OPTIONS=allocator_may_return_null=1:malloc_context_size=8 TMPDIR=$memory nice -n 19 "$build/bin/fuzz_$target" \
         -max_total_time="$seconds" -timeout=5 -rss_limit_mb=2048 -max_len=16384 \
         -print_final_stats=1 -artifact_prefix="$build/findings/$target-" \
-        $([ -e "$dictionary" ] && echo "-dict=$dictionary") \
+        $([ ! -e "$dictionary" ] || echo "-dict=$dictionary") \
+        $(cat "tests/fuzz/$target.options" 2>/dev/null || true) \
         "$build/corpus/$target" "tests/fuzz/corpus/$target" >"$build/$target.log" 2>&1 || status=$?
     runs=$(sed -n 's/^stat::number_of_executed_units: *//p' "$build/$target.log")
     if [ "$status" -eq 0 ]; then
@@ -41,5 +45,5 @@ run() {
     return 1
 }
 export -f run
-export build seconds
+export build seconds memory
 printf '%s\n' "$@" | xargs -P 2 -I '{}' bash -c 'run {}'

@@ -18,6 +18,7 @@ public:
         : _bytes(reinterpret_cast<const std::byte*>(data), size)
     {}
 
+    bool empty() const { return _bytes.empty(); }
     /// The next byte; 0 when none is left.
     unsigned byte()
     {

@@ -66,37 +66,37 @@ std::string describe(const MImage& image)
            std::to_string(std::hash<std::string>()(text)) + '\n';
 }
 
-/// What `step` gives, or the text of its failure.
+/// What `step` gives, or the text of its failure, which names a file of the folder.
 template <class Step>
-std::string outcome(Step&& step)
+std::string outcome(const std::string& folder, Step&& step)
 {
     try {
         return step();
     } catch (const MException& error) {
         const std::string text = error.what();
-        demand(text.find(Folder) != text.npos, "a failure names its file: " + text);
+        demand(text.find(folder) != text.npos, "a failure names its file: " + text);
         demand(text.size() < 1000 && std::ranges::none_of(text, isControl),
                "a failure can be shown: " + text);
         return text + '\n';
     }
 }
 
-std::string readFrames(ImageFile& file)
+std::string readFrames(ImageFile& file, const std::string& folder)
 {
     constexpr std::size_t MostFrames = 6;
     std::size_t count = 0;
-    std::string result = outcome([&] {
+    std::string result = outcome(folder, [&] {
         count = file.frameCount();
         return std::to_string(count) + " frames\n";
     });
     for (std::size_t i = 0; i < count; i = i + 1 < MostFrames ? i + 1 : std::max(i + 1, count - 1))
-        result += outcome([&] { return describe(file.frame(i)); });
-    result += outcome([&] {
+        result += outcome(folder, [&] { return describe(file.frame(i)); });
+    result += outcome(folder, [&] {
         file.update();
         demand(file.frameCount() == count, "a file that stays has as many frames as before");
         return std::string();
     });
-    outcome([&] {
+    outcome(folder, [&] {
         file.frame(count);
         demand(false, "there is no frame behind the last one");
         return std::string();
@@ -118,12 +118,13 @@ std::shared_ptr<const ByteSource> byPosition(const std::uint8_t* data, std::size
 
 std::string readAll(imglib::ImageFileOpener open, const std::shared_ptr<const ByteSource>& source)
 {
+    const std::string folder = source->path().substr(0, source->path().rfind('/') + 1);
     std::unique_ptr<ImageFile> file;
-    const std::string failure = outcome([&] {
+    const std::string failure = outcome(folder, [&] {
         file = open(source);
         return std::string();
     });
-    return file ? readFrames(*file) : failure;
+    return file ? readFrames(*file, folder) : failure;
 }
 
 }  // namespace tarvik::fuzz

@@ -13,7 +13,6 @@
 namespace tarvik::fuzz {
 
 /// The name under which bytes are read, in a folder that does not exist.
-inline constexpr const char* Folder = "/no/such/folder/";
 inline constexpr const char* FilePath = "/no/such/folder/fuzzed";
 
 /// The bytes as a file in memory, or as one that has to be read by position.
@@ -24,7 +23,8 @@ std::shared_ptr<const morvend::imglib::ByteSource> byPosition(const std::uint8_t
 
 /// Reads the number of frames, the first frames and the last one, and says what came of it, with
 /// sums of the pixels: equal texts, equal results. Demands that every failure is an MException
-/// which names the file, and that every image has the pixels that its size asks for.
+/// which names a file of the same folder, and that every image has the pixels that its size asks
+/// for.
 std::string readAll(morvend::imglib::ImageFileOpener open,
                     const std::shared_ptr<const morvend::imglib::ByteSource>& source);
 

@@ -48,7 +48,7 @@ def make_edf():
     fields = ("Center_1 = 4.5 ;\nPSize_1 = 172 um ;\nSampleDistance = 0.2 m ;\nEnergy = 12 keV ;\n"
               "count_time = 100 ms ;\nEDF_BinarySize = 90 ;\n")
     seed("edf", "fields", edf_block(small, more=fields))
-    for name, pack in (("gzip", gzip.compress), ("bzip2", bz2.compress), ("z", zlib.compress)):
+    for name, pack in (("gzip", lambda data: gzip.compress(data, mtime=0)), ("bzip2", bz2.compress), ("z", zlib.compress)):
         packed = pack(small.tobytes())
         seed("edf", name, edf_block(small, more=f"Compression = {name} ;\n", packed=packed))
     general = b"{\nEDF_DataBlockID = 0.Image.General ;\nEDF_BinarySize = 0 ;\nPSize_2 = 1 cm ;\n}\n"
@@ -220,8 +220,81 @@ def make_chunks():
     seed("chunk", "shuffle-deflate", b"\x15" + size + b"\2\2\3" + zlib.compress(raw))
 
 
+def text(value):
+    return struct.pack("<I", len(value)) + value
+
+
+def queue_image(width, height, place, fields=b"", count=0, tree=struct.pack("<I", 0)):
+    where = struct.pack("<BBHIiIQ", place, 0xFF, 0, 1, 0, 0, 0)
+    return (struct.pack("<iiBBH", width, height, 3, 16, 0) + where
+            + struct.pack("<I", count) + fields + tree)
+
+
+def make_hdf5():
+    names = {"entry": 0, "data": 1, "instrument": 2, "detector": 3, "data_000001": 4,
+             "data_000002": 5, "detectorSpecific": 7, "pixel_mask": 8, "nimages": 10, "sample": 13,
+             "x_pixel_size": 16, "transformations": 21, "omega": 22, "depends_on": 27}
+    def group(parent, name):
+        return bytes([1, parent, names[name]])
+    def array(parent, name, kind, rank, extents, layout=b"\0"):
+        ranks = {3: 0, 2: 1, 0: 3, 1: 4, 4: 5}
+        return (bytes([3, parent, names[name], kind, ranks[rank], 1]) + bytes(extents) + layout +
+                b"\7\3")
+    def external(parent, name, file, path):
+        return bytes([8, parent, names[name], path, 1, file])
+    def turn(file):
+        return bytes([0, file])
+    # Parents: 0 the root, 1 and on what was made below it. Extents 3 and 4 are 5 and 8.
+    block = group(0, "entry") + group(1, "data") + array(2, "data", 0, 3, (2, 3, 4))
+    master = (group(0, "entry") + group(1, "data") + external(2, "data_000001", 1, 0) +
+              external(2, "data_000002", 2, 0))
+    detector = (group(1, "instrument") + group(3, "detector") + array(4, "pixel_mask", 1, 2, (3, 4)) +
+                array(4, "nimages", 1, 0, ()) + array(4, "x_pixel_size", 7, 0, ()) +
+                group(4, "detectorSpecific"))
+    klass = b"".join(bytes([6, n, 0, n - 1, 0]) for n in (1, 2))
+    seed("hdf5", "series", b"\0" + turn(1) + block + turn(2) + block + turn(0) + master)
+    seed("hdf5", "header", b"\0" + turn(1) + block + turn(0) + master + klass + detector)
+    seed("hdf5", "data-file", b"\3" + turn(1) + block + turn(2) + block)
+    chunked = b"\3" + bytes([0, 3, 4]) + bytes([4 << 2 | 128, 0])
+    chunk = bytes([5, 0, 1, 0, 0, 20]) + struct.pack(">QIIB", 80, 80, 9, 0xF0) + bytes(8)
+    seed("hdf5", "chunks", b"\0" + group(0, "entry") + array(1, "data", 0, 3, (2, 3, 4), chunked)
+         + chunk)
+    sample = (group(1, "sample") + group(2, "transformations") + array(3, "omega", 7, 1, (3,)) +
+              bytes([6, 4, 3, 12, 0]) + array(2, "depends_on", 206, 0, (), b"\0\x28\0\x12"))
+    seed("hdf5", "axes", b"\0" + group(0, "entry") + sample + array(1, "data", 1, 3, (2, 3, 4)))
+    whole = bytes([0, 0, 0])
+    virtual = (bytes([9, 1, names["data"], 0, 1, 2, 3, 4, 0]) + whole + bytes([1, 0, 0, 1, 2, 3, 4, 0]))
+    seed("hdf5", "virtual", b"\0" + turn(1) + block + turn(0) + group(0, "entry") + virtual)
+
+
+def make_queue():
+    def parts(kind, meta, bulk=b"", descriptors=0):
+        return b"\0" + struct.pack("<BBH", kind, descriptors, len(meta)) + meta + bulk
+    seed("queue", "hello", parts(1, struct.pack("<I", 77) + text(b"preload"), descriptors=1))
+    seed("queue", "text", parts(2, b"", b"openImage a.cbf"))
+    seed("queue", "forget", parts(5, struct.pack("<III", 2, 5, 6)))
+    bulk = pixels("<u2", 4, 3).tobytes()
+    seed("queue", "image", parts(3, queue_image(4, 3, 1), bulk))
+    number = text(b"wavelength") + b"\2" + struct.pack("<d", 0.98)
+    words = text(b"description") + b"\3" + text(b"made")
+    mask = text(b"pixel_mask") + b"\7" + queue_image(4, 3, 2)
+    values = b"\5" + struct.pack("<Idd", 2, 1, 2)
+    node = text(b"/entry/x") + values + struct.pack("<I", 1) + text(b"units") + b"\3" + text(b"m")
+    tree = struct.pack("<I", 1) + node
+    seed("queue", "header", parts(3, queue_image(4, 3, 2, number + words + mask, 3, tree)))
+    colour = bytes([255, 0, 0, 255])
+    numbers = (2, 4, 2, 5)
+    items = b"".join(bytes([kind]) + colour + struct.pack(f"<{n}d", *range(n)) +
+                     (text(b"spot") if kind == 2 else b"") for kind, n in enumerate(numbers))
+    seed("queue", "drawing", parts(4, struct.pack("<I", 4) + items))
+    head = struct.pack("<IHHIIQQ", 0x514D5654, 1, 2, 0, 0, 4, 9)
+    seed("queue", "whole-frame", b"\1" + head + b"text")
+
+
 make_edf()
 make_cbf()
 make_streams()
 make_tiff()
 make_chunks()
+make_hdf5()
+make_queue()

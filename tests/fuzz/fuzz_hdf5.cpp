@@ -1,0 +1,54 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// A script that makes HDF5 files, which are read as a series from the master and as a data file.
+#include "imagelib/io/formats/hdf5/NexusReader.h"
+#include "tests/fuzz/Demand.h"
+#include "tests/fuzz/Hdf5Script.h"
+#include "tests/fuzz/Reading.h"
+#include "tests/support/TempFolder.h"
+
+#include <hdf5.h>
+
+#include <filesystem>
+
+using namespace morvend::imglib;
+using namespace tarvik::fuzz;
+
+namespace {
+
+/// Identifiers of the library that are in use.
+hsize_t identifiers()
+{
+    hsize_t sum = 0;
+    for (const H5I_type_t type : {H5I_FILE, H5I_GROUP, H5I_DATATYPE, H5I_DATASPACE, H5I_DATASET,
+                                  H5I_ATTR, H5I_GENPROP_LST}) {
+        hsize_t count = 0;
+        H5Inmembers(type, &count);
+        sum += count;
+    }
+    return sum;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    static const tarvik::tests::TempFolder folder;
+    // Freed memory goes back to the sanitizer and not into the library's own lists.
+    static const herr_t freed = H5set_free_list_limits(0, 0, 0, 0, 0, 0);
+    static_cast<void>(freed);
+    Input script(data, size);
+    const unsigned choice = script.byte();
+    const hsize_t before = identifiers();
+    writeHdf5Files(folder.path(), script);
+    demand(identifiers() == before, "a script closes what it opens");
+    const std::string path = folder / Hdf5Files[choice % 4 == 3 ? 1 : 0];
+    if (std::filesystem::exists(path))
+        readAll(openHdf5, ByteSource::open(path));
+    demand(identifiers() == before, "a reader closes what it opens");
+    for (const char* name : Hdf5Files)
+        std::filesystem::remove(folder / name);
+    std::filesystem::remove(folder / "raw");
+    return 0;
+}

@@ -64,7 +64,7 @@ void shuffleBits(const std::byte* elements, std::size_t count, std::size_t eleme
 
 UnshuffleBits bitUnshuffler()
 {
-#ifdef TARVIK_GFNI
+#ifdef TARVIK_AVX512_FILES
     // This target's test of the processor covers both extensions that the kernel uses.
     if (hwy::SupportedTargets() & HWY_AVX3_DL)
         return unshuffleBitsGfni;

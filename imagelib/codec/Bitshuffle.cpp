@@ -6,7 +6,9 @@
 
 #include "imagelib/codec/BitPlanes.h"
 #include "imagelib/codec/BlockStream.h"
+#include "imagelib/codec/Lz4Block.h"
 #include "imagelib/image/MException.h"
+#include "imagelib/image/StreamCopy.h"
 
 #include <algorithm>
 #include <cassert>
@@ -20,36 +22,42 @@ namespace morvend::codec {
 
 namespace {
 
-/// The bit planes of one block, memory kept by the thread as long as blocks have a usual size.
+constexpr std::size_t Line = 64;
+
+/// Memory for one block, kept by the thread as long as blocks have a usual size.
 class Scratch {
 public:
     explicit Scratch(std::size_t bytes)
         : _bytes(bytes)
     {
-        constexpr std::size_t MostKept = std::size_t(1) << 20;
-        thread_local std::vector<std::byte> kept;
-        if (bytes <= MostKept) {
-            if (kept.size() < bytes)
-                kept.resize(bytes);
-            _data = kept.data();
+        constexpr std::size_t MostKept = (std::size_t(1) << 20) / Line;
+        thread_local std::vector<CacheLine> kept;
+        const std::size_t lines = (bytes + Line - 1) / Line;
+        if (lines <= MostKept) {
+            if (kept.size() < lines)
+                kept.resize(lines);
+            _data = kept.data()->bytes;
         } else {
-            _own = std::make_unique_for_overwrite<std::byte[]>(bytes);
-            _data = _own.get();
+            _own = std::make_unique_for_overwrite<CacheLine[]>(lines);
+            _data = _own[0].bytes;
         }
     }
-    std::span<std::byte> first(std::size_t bytes) const
+    std::span<std::byte> part(std::size_t at, std::size_t bytes) const
     {
-        assert(bytes <= _bytes);
-        return {_data, bytes};
+        assert(at + bytes <= _bytes);
+        return {_data + at, bytes};
     }
 
 private:
+    struct alignas(Line) CacheLine {
+        std::byte bytes[Line];
+    };
     std::size_t _bytes;
-    std::unique_ptr<std::byte[]> _own;
+    std::unique_ptr<CacheLine[]> _own;
     std::byte* _data = nullptr;
 };
 
-bool zstdBlock(std::span<const std::byte> packed, std::span<std::byte> to)
+bool zstdBlock(std::span<const std::byte> packed, std::span<std::byte> to, const BlockMargins&)
 {
     return ZSTD_decompress(to.data(), to.size(), packed.data(), packed.size()) == to.size();
 }
@@ -107,17 +115,26 @@ void bitshuffleDecode(std::span<const std::byte> stored, std::size_t elementSize
     if (packing == BlockPacking::None)
         return decodePlain(stored, elementSize, blockBytes, decoded);
     const BlockStream blocks(stored, decoded.size(), 8 * elementSize, blockBytes);
-    const auto unpack = packing == BlockPacking::Lz4 ? lz4Block : zstdBlock;
+    const auto unpack = packing == BlockPacking::Lz4 ? lz4PlanesUnpacker() : zstdBlock;
     const UnshuffleBits unshuffle = bitUnshuffler();
+    const std::size_t planeBytes = blocks.blockBytes() + UsefulMargins.writable;
+    const bool streams =
+        image::isWorthStreaming(decoded.data(), decoded.size()) && blocks.blockBytes() % Line == 0;
     const auto rest =
         forEachBlock(blocks, threads, [&](const StoredBlock& block) {
-            const Scratch scratch(blocks.blockBytes());
-            const auto planes = scratch.first(block.bytes);
-            if (!unpack(block.stored, planes))
+            const Scratch scratch(planeBytes + (streams ? blocks.blockBytes() : 0));
+            const auto planes = scratch.part(0, block.bytes);
+            if (!unpack(block.stored, planes, {block.readable, UsefulMargins.writable}))
                 throw MRuntimeException(block.failure(
                     packing == BlockPacking::Lz4 ? "is damaged (LZ4)" : "is damaged (zstd)"));
-            unshuffle(planes.data(), block.bytes / elementSize, elementSize,
-                      decoded.data() + block.at);
+            std::byte* const target = decoded.data() + block.at;
+            std::byte* const elements =
+                streams ? scratch.part(planeBytes, block.bytes).data() : target;
+            unshuffle(planes.data(), block.bytes / elementSize, elementSize, elements);
+            if (streams) {
+                image::streamCopy(elements, target, block.bytes);
+                image::finishStreaming();
+            }
         }).rest();
     std::copy(rest.begin(), rest.end(), decoded.end() - static_cast<std::ptrdiff_t>(rest.size()));
 }
@@ -139,7 +156,7 @@ std::vector<std::byte> bitshuffleEncode(std::span<const std::byte> decoded, std:
         appendBigEndian(stored, blockBytes, 4);
     }
     const auto encode = [&](std::size_t at, std::size_t bytes) {
-        const auto planes = scratch.first(bytes);
+        const auto planes = scratch.part(0, bytes);
         shuffleBits(decoded.data() + at, bytes / elementSize, elementSize, planes.data());
         if (packing == BlockPacking::Lz4)
             appendLz4Block(stored, planes, false);

@@ -10,7 +10,6 @@
 #include <atomic>
 #include <limits>
 
-#include <lz4.h>
 #include <tbb/blocked_range.h>
 #include <tbb/info.h>
 #include <tbb/parallel_for.h>
@@ -87,7 +86,7 @@ BlockStream::BlockStream(std::span<const std::byte> stored, std::size_t decodedB
 
 StoredBlock BlockStream::next()
 {
-    StoredBlock block{_index, {}, _at, std::min(_blockBytes, _end - _at)};
+    StoredBlock block{_index, {}, 0, _at, std::min(_blockBytes, _end - _at)};
     if (_stored.size() < LengthBytes)
         throw MRuntimeException(block.failure("is missing"));
     const auto length = static_cast<std::size_t>(bigEndian(_stored.first(LengthBytes)));
@@ -97,6 +96,7 @@ StoredBlock BlockStream::next()
                                 " of " + std::to_string(length) + " bytes");
     block.stored = _stored.first(length);
     _stored = _stored.subspan(length);
+    block.readable = _stored.size();
     _at += block.bytes;
     ++_index;
     return block;
@@ -147,35 +147,6 @@ void appendBigEndian(std::vector<std::byte>& to, std::uint64_t value, std::size_
 {
     while (bytes-- > 0)
         to.push_back(static_cast<std::byte>(value >> (8 * bytes) & 0xff));
-}
-
-bool lz4Block(std::span<const std::byte> packed, std::span<std::byte> to)
-{
-    constexpr std::size_t Most = std::numeric_limits<int>::max();
-    if (packed.size() > Most || to.size() > Most)
-        return false;
-    const int got = LZ4_decompress_safe(
-        reinterpret_cast<const char*>(packed.data()), reinterpret_cast<char*>(to.data()),
-        static_cast<int>(packed.size()), static_cast<int>(to.size()));
-    return got >= 0 && static_cast<std::size_t>(got) == to.size();
-}
-
-void appendLz4Block(std::vector<std::byte>& to, std::span<const std::byte> block, bool mayStore)
-{
-    const std::size_t head = to.size();
-    const int bound = LZ4_compressBound(static_cast<int>(block.size()));
-    to.resize(head + LengthBytes + static_cast<std::size_t>(bound));
-    std::byte* const target = to.data() + head + LengthBytes;
-    std::size_t length = static_cast<std::size_t>(LZ4_compress_default(
-        reinterpret_cast<const char*>(block.data()), reinterpret_cast<char*>(target),
-        static_cast<int>(block.size()), bound));
-    if (mayStore && length >= block.size()) {
-        std::copy(block.begin(), block.end(), target);
-        length = block.size();
-    }
-    for (std::size_t i = 0; i < LengthBytes; ++i)
-        to[head + i] = static_cast<std::byte>(length >> (8 * (LengthBytes - 1 - i)) & 0xff);
-    to.resize(head + LengthBytes + length);
 }
 
 }  // namespace morvend::codec

@@ -18,6 +18,7 @@ namespace morvend::codec {
 struct StoredBlock {
     std::size_t index = 0;
     std::span<const std::byte> stored;
+    std::size_t readable = 0;  ///< bytes of the chunk behind the stored ones
     std::size_t at = 0;
     std::size_t bytes = 0;
 
@@ -61,11 +62,5 @@ BlockStream forEachBlock(BlockStream stream, unsigned threads,
 
 /// Appends a head or the length of a block, big-endian.
 void appendBigEndian(std::vector<std::byte>& to, std::uint64_t value, std::size_t bytes);
-
-/// Unpacks one LZ4 block into exactly `to`; false when it is damaged.
-bool lz4Block(std::span<const std::byte> packed, std::span<std::byte> to);
-/// Packs one LZ4 block and appends it to `to` behind its 4-byte length. With `mayStore`, a block
-/// that doesn't shrink is appended as it is.
-void appendLz4Block(std::vector<std::byte>& to, std::span<const std::byte> block, bool mayStore);
 
 }  // namespace morvend::codec

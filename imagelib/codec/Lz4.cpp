@@ -5,6 +5,7 @@
 #include "imagelib/codec/Lz4.h"
 
 #include "imagelib/codec/BlockStream.h"
+#include "imagelib/codec/Lz4Block.h"
 #include "imagelib/image/MException.h"
 
 #include <algorithm>

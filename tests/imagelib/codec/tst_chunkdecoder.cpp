@@ -8,6 +8,7 @@
 #include "imagelib/codec/Lz4.h"
 #include "imagelib/codec/Shuffle.h"
 #include "imagelib/image/MException.h"
+#include "imagelib/image/PixelBuffer.h"
 #include "tests/imagelib/codec/TestData.h"
 
 #include <gmock/gmock.h>
@@ -259,6 +260,20 @@ TEST(ChunkDecoder, FirstDamagedBlockIsToldForAnyNumberOfThreads)
             EXPECT_STREQ(failure.what(), "block 700 of the chunk is damaged (LZ4)") << threads;
         }
     }
+}
+
+TEST(ChunkDecoder, ImagesLargerThanTheCachesComeBackAsTheyWere)
+{
+    const Bytes original = makeElements(Pattern::Gaps, (std::size_t(33) << 18) + 13, 4);
+    const Bytes stored = bitshuffleEncode(original, 4);
+    const auto decoded = image::PixelBuffer::allocate(original.size());
+    for (const std::size_t offset : {0U, 16U})  // lines of the cache whole, and not
+        for (const unsigned threads : {1U, 2U}) {
+            const std::span<std::byte> to(decoded->data() + offset, original.size());
+            std::fill(to.begin(), to.end(), std::byte(0xa5));
+            bitshuffleDecode(stored, 4, BlockPacking::Lz4, 0, to, threads);
+            EXPECT_TRUE(std::equal(to.begin(), to.end(), original.begin())) << offset << threads;
+        }
 }
 
 TEST(ChunkDecoder, FilterMaskLeavesFiltersOut)

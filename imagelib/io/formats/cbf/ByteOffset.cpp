@@ -4,6 +4,7 @@
 // Byte-offset streams, 64 bytes a step with the best vector instructions of the processor.
 #include "imagelib/io/formats/cbf/ByteOffset.h"
 
+#include "imagelib/image/StreamCopy.h"
 #include "imagelib/io/formats/cbf/ByteOffsetPlain.h"
 #include "imagelib/io/formats/cbf/LaneTables.h"
 
@@ -345,24 +346,11 @@ std::size_t PackVectors(const P* pixels, std::size_t first, std::size_t count, s
     return i;
 }
 
-/// Copies whole lines of 64 bytes past the caches; `to` is a multiple of 64.
-void StreamLines(const std::uint8_t* from, std::uint8_t* to, std::size_t bytes)
-{
-    const hn::ScalableTag<std::uint8_t> d;
-    for (std::size_t i = 0; i < bytes; i += hn::Lanes(d))
-        hn::Stream(hn::LoadU(d, from + i), d, to + i);
-}
-
 #else
 
 template <class T>
 void UnpackVectors(Cursor<T>&)
 {}
-
-void StreamLines(const std::uint8_t* from, std::uint8_t* to, std::size_t bytes)
-{
-    std::memcpy(to, from, bytes);
-}
 
 template <class P>
 std::size_t PackVectors(const P*, std::size_t first, std::size_t, std::uint8_t*&)
@@ -397,7 +385,6 @@ namespace {
 
 HWY_EXPORT(UnpackVectors16);
 HWY_EXPORT(UnpackVectors32);
-HWY_EXPORT(StreamLines);
 HWY_EXPORT(PackSigned16);
 HWY_EXPORT(PackUnsigned16);
 HWY_EXPORT(PackSigned32);
@@ -420,7 +407,7 @@ template <class T>
 void unpackStreaming(Cursor<T>& at)
 {
     constexpr std::size_t Line = 64;
-    constexpr std::size_t Pixels = 4096;
+    constexpr std::size_t Pixels = 1024;
     alignas(Line) std::array<T, Pixels> stage;
     std::size_t waiting = 0;  // pixels at the begin of the stage that fill no line yet
     while (at.outEnd - at.out > static_cast<std::ptrdiff_t>(Pixels)) {
@@ -428,9 +415,7 @@ void unpackStreaming(Cursor<T>& at)
         unpackVectors(staged);
         const auto filled = static_cast<std::size_t>(staged.out - stage.data());
         const std::size_t lines = filled * sizeof(T) / Line * Line;
-        HWY_DYNAMIC_DISPATCH(StreamLines)
-        (reinterpret_cast<const std::uint8_t*>(stage.data()),
-         reinterpret_cast<std::uint8_t*>(at.out), lines);
+        image::streamCopy(stage.data(), at.out, lines);
         const bool stuck = staged.in == at.in;
         at.in = staged.in;
         at.value = staged.value;
@@ -440,7 +425,7 @@ void unpackStreaming(Cursor<T>& at)
         if (stuck)
             break;
     }
-    hwy::FlushStream();
+    image::finishStreaming();
     at.out = std::copy_n(stage.data(), waiting, at.out);
 }
 
@@ -448,12 +433,11 @@ template <class T>
 UnpackedPixels unpackAs(std::span<const std::byte> packed, std::span<std::byte> pixels,
                         bool vectors)
 {
-    constexpr std::size_t LeastStreamed = std::size_t(32) << 20;
     const auto* in = reinterpret_cast<const std::uint8_t*>(packed.data());
     auto* out = reinterpret_cast<T*>(pixels.data());
     Cursor<T> at{in, in + packed.size(), out, out + pixels.size() / sizeof(T)};
     if (vectors && (sizeof(T) == 2 || sizeof(T) == 4)) {
-        if (pixels.size() >= LeastStreamed && reinterpret_cast<std::uintptr_t>(out) % 64 == 0)
+        if (image::isWorthStreaming(out, pixels.size()))
             unpackStreaming(at);
         unpackVectors(at);
     }

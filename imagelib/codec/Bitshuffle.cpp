@@ -133,9 +133,11 @@ void bitshuffleDecode(std::span<const std::byte> stored, std::size_t elementSize
             unshuffle(planes.data(), block.bytes / elementSize, elementSize, elements);
             if (streams) {
                 image::streamCopy(elements, target, block.bytes);
-                image::finishStreaming();
+                if (threads > 1)
+                    image::finishStreaming();  // each thread answers for what it has stored
             }
         }).rest();
+    image::finishStreaming();
     std::copy(rest.begin(), rest.end(), decoded.end() - static_cast<std::ptrdiff_t>(rest.size()));
 }
 

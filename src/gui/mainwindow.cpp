@@ -10,6 +10,7 @@
 #include "gui/kit/SvgWidget.h"
 #include "gui/window/DroppedFiles.h"
 #include "gui/window/MainWindowActions.h"
+#include "gui/window/MainWindowEventControl.h"
 #include "gui/window/OpenDirectory.h"
 #include "gui/window/OpenFileDialog.h"
 #include "gui/window/SubWindow.h"
@@ -56,6 +57,7 @@ MainWindow::MainWindow(TarvikCore& core, bool useGlsl, bool quitOnClose)
     setContextMenuPolicy(Qt::PreventContextMenu);
     _actions = std::make_unique<MainWindowActions>(
         *this, MainWindowActions::Slots{[this] { newSubWindow(); }, [this] { _open(); }});
+    _eventControl = std::make_unique<MainWindowEventControl>(*this);
     _createMenus();
     _createLayout();
     resize(1200, 800);

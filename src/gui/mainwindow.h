@@ -10,6 +10,7 @@
 #include <set>
 
 class MainWindowActions;
+class MainWindowEventControl;
 class MdiArea;
 class MdiSplitter;
 class QToolBar;
@@ -84,6 +85,7 @@ private:
     MdiArea* _mdiArea;
     MdiSplitter* _splitter;
     std::unique_ptr<MainWindowActions> _actions;
+    std::unique_ptr<MainWindowEventControl> _eventControl;
     QToolBar* _controlBar;
     RibbonInterface* _ribbon;
     bool _useGlsl;

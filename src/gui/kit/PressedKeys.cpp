@@ -26,23 +26,16 @@ bool PressedKeys::pressed(int key)
     return pressedKeysTable().contains(key);
 }
 
-void PressedKeys::record(const QEvent& event)
+void PressedKeys::record(const QKeyEvent& event)
 {
-    if (event.type() == QEvent::ApplicationDeactivate || event.type() == QEvent::WindowDeactivate) {
-        clear();
-        return;
-    }
-    if (event.type() != QEvent::KeyPress && event.type() != QEvent::KeyRelease)
-        return;
-    const auto& key = static_cast<const QKeyEvent&>(event);
     // The releases of a key that repeats itself are none.
-    if (key.key() == Qt::Key_Escape || key.isAutoRepeat())
+    if (event.key() == Qt::Key_Escape || event.isAutoRepeat())
         return;
     const QMutexLocker lock(&pressedKeysMutex);
     if (event.type() == QEvent::KeyPress)
-        pressedKeysTable().insert(key.key());
+        pressedKeysTable().insert(event.key());
     else
-        pressedKeysTable().remove(key.key());
+        pressedKeysTable().remove(event.key());
 }
 
 void PressedKeys::clear()

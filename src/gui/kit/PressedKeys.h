@@ -4,18 +4,16 @@
 // Which keys are held down.
 #pragma once
 
-class QEvent;
+class QKeyEvent;
 
 /// The keys of the keyboard that are down, for gestures of the mouse that depend on a held key.
-///
-/// A filter of events records them; it also tells when the keyboard goes to another program, which
-/// leaves no key down, since nobody would hear of its release. Thread: any.
+/// Who filters the events of a window records them here. Thread: any.
 class PressedKeys {
 public:
     /// A key never seen is up.
     static bool pressed(int key);
-    /// Takes a key event, Escape apart, or a loss of the keyboard; other events are ignored.
-    static void record(const QEvent& event);
-    /// All keys are up.
+    /// Takes a press or a release, those of Escape apart.
+    static void record(const QKeyEvent& event);
+    /// All keys are up, as when the keyboard goes to another program.
     static void clear();
 };

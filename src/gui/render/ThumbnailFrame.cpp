@@ -7,6 +7,8 @@
 #include <QLineF>
 #include <QPainter>
 
+#include <cmath>
+
 namespace render {
 
 QRectF thumbnailFrame(const QRectF& visible, double scale)
@@ -26,7 +28,8 @@ void drawThumbnailFrame(QPainter& painter, const QRectF& frame)
     if (!frameNeedsCross(frame))
         return;
     constexpr double arm = 6;
-    const QPointF centre = frame.center();
+    const QPointF centre(std::floor(frame.center().x()) + 0.5,
+                         std::floor(frame.center().y()) + 0.5);
     for (const QPen& pen : {QPen(Qt::white, 3), QPen(Qt::black, 1)}) {
         painter.setPen(pen);
         painter.drawLine(centre - QPointF(arm, 0), centre + QPointF(arm, 0));

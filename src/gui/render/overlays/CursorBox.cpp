@@ -6,8 +6,12 @@
 
 #include "gui/render/overlays/Marks.h"
 
+#include <QFont>
+#include <QFontMetrics>
 #include <QPainter>
 #include <QRect>
+
+#include <algorithm>
 
 namespace render {
 
@@ -20,6 +24,20 @@ constexpr int fontSize = 12;
 constexpr QPoint fillStart(12, 2);
 constexpr int labelColumn = 16;
 constexpr int valueColumn = 120;
+/// Between a label and its value, and between a value and the edge of the box.
+constexpr int gap = 5;
+
+/// Draws a text, closer together where it would not fit into its column.
+void drawFitted(QPainter& painter, QPoint start, const QString& text, int room)
+{
+    QFont font = marks::font(fontSize);
+    const int width = QFontMetrics(font, painter.device()).horizontalAdvance(text);
+    constexpr int closest = 60;
+    if (width > room)
+        font.setStretch(std::max(100 * room / width, closest));
+    painter.setFont(font);
+    painter.drawText(start, text);
+}
 
 /// The point that the box hangs on.
 QPoint corner(QPoint cursor, QSize view, bool extended)
@@ -52,13 +70,12 @@ void drawCursorBox(QPainter& painter, QPoint cursor, QSize view, const CursorInf
     const bool extended = cursorBoxExtended(info);
     painter.fillRect(cursorBoxArea(cursor, view, extended), QColor(0, 0, 0, 150));
     painter.setPen(QPen(Qt::white));
-    painter.setFont(marks::font(fontSize));
 
     QPoint row = corner(cursor, view, extended);
     const auto write = [&](const QString& label, const QString& value) {
         row.ry() += rowHeight;
-        painter.drawText(row + QPoint(labelColumn, 0), label);
-        painter.drawText(row + QPoint(valueColumn, 0), value);
+        drawFitted(painter, row + QPoint(labelColumn, 0), label, valueColumn - labelColumn - gap);
+        drawFitted(painter, row + QPoint(valueColumn, 0), value, boxWidth - valueColumn - gap);
     };
     write(QStringLiteral("Image X Y"), QStringLiteral("%1 %2").arg(info.imgX(), info.imgY()));
     write(CursorInfo::intensityKey(), info.intensity());

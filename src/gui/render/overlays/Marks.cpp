@@ -7,10 +7,9 @@
 #include "logic/support/GlobalStyle.h"
 
 #include <QFont>
-#include <QLineF>
 #include <QPainter>
 
-#include <cmath>
+#include <algorithm>
 
 namespace render::marks {
 
@@ -28,8 +27,12 @@ void drawCross(QPainter& painter, QPoint centre, int arm, QSize view)
     const QRectF room = QRectF(QPointF(), view).adjusted(-arm - 2, -arm - 2, arm + 2, arm + 2);
     if (!room.contains(c))
         return;
-    painter.drawLine(c - QPointF(arm, 0), c + QPointF(arm, 0));
-    painter.drawLine(c - QPointF(0, arm), c + QPointF(0, arm));
+    // As areas: lines of one pixel along the border of two would fall on either.
+    const int width = std::max(qRound(painter.pen().widthF()), 1);
+    const QPoint first = centre - QPoint(width / 2, width / 2);
+    const QColor color = painter.pen().color();
+    painter.fillRect(QRect(first - QPoint(arm, 0), QSize(2 * arm + width, width)), color);
+    painter.fillRect(QRect(first - QPoint(0, arm), QSize(width, 2 * arm + width)), color);
 }
 
 QRectF windowOf(QSize view)
@@ -41,6 +44,9 @@ QRectF windowOf(QSize view)
 void drawOutline(QPainter& painter, const Outline& outline, const QRectF& window)
 {
     const QPen pen = painter.pen();
+    // A line of an odd width runs through the centres of pixels, whose corners positions name.
+    const double half = qRound(pen.widthF()) % 2 == 1 ? 0.5 : 0;
+    const QPointF toCentre(half, half);
     for (const Outline::Piece& piece : outline.within(window)) {
         if (pen.style() == Qt::CustomDashLine) {
             QPen dashed = pen;
@@ -49,7 +55,7 @@ void drawOutline(QPainter& painter, const Outline& outline, const QRectF& window
         }
         QPolygonF line;
         for (const Outline::Point& point : piece)
-            line << point.at;
+            line << point.at + toCentre;
         painter.drawPolyline(line);
     }
     painter.setPen(pen);

@@ -20,7 +20,8 @@ namespace render::marks {
 QPen squarePen(const QColor& color, double width);
 /// The font of texts over an image, of a size in points.
 QFont font(int points);
-/// An upright cross whose arms reach over a distance from a point; nothing when all of it lies
+/// An upright cross in the colour and width of the painter's pen, whose arms reach over a distance
+/// from a pixel; nothing when all of it lies
 /// outside of a view of that size.
 void drawCross(QPainter& painter, QPoint centre, int arm, QSize view);
 /// What of a view has to be drawn, with some room for the width of lines.

@@ -156,6 +156,14 @@ Outline Outline::ellipse(const QRectF& box, const QRectF& window)
     return outline;
 }
 
+Outline Outline::mapped(const QTransform& transform) const
+{
+    Outline outline = *this;
+    for (Point& point : outline._points)
+        point.at = transform.map(point.at);
+    return outline;
+}
+
 std::vector<Outline::Piece> Outline::within(const QRectF& window) const
 {
     std::vector<Piece> pieces;

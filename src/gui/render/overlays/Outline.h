@@ -7,6 +7,7 @@
 #include <QPointF>
 #include <QPolygonF>
 #include <QRectF>
+#include <QTransform>
 
 #include <vector>
 
@@ -31,6 +32,8 @@ public:
     /// true curve within the window, coarse where nobody looks. Empty when the box is not finite.
     static Outline ellipse(const QRectF& box, const QRectF& window);
 
+    /// The outline turned and moved; ways along it stay as they are.
+    Outline mapped(const QTransform& transform) const;
     /// What can be seen of the outline; parts that hang together are one piece.
     std::vector<Piece> within(const QRectF& window) const;
     /// The area that the outline, which must be convex, encloses within the window.

@@ -61,9 +61,11 @@ void draw(QPainter& painter, const ViewGeometry& geometry, const MDrawingEllipse
     using morvend::datatypes::convertPixel;
     const double a = convertPixel<int>(ellipse.rx() * geometry.zoom());
     const double b = convertPixel<int>(ellipse.ry() * geometry.zoom());
-    painter.setTransform(turn, true);
-    const QRectF window = turn.inverted().mapRect(marks::windowOf(geometry.view()));
-    marks::drawOutline(painter, Outline::ellipse(QRectF(-a, -b, 2 * a, 2 * b), window), window);
+    // Turned here and not by the painter, whose single precision would not do for large ones.
+    const QRectF window = marks::windowOf(geometry.view());
+    const Outline upright =
+        Outline::ellipse(QRectF(-a, -b, 2 * a, 2 * b), turn.inverted().mapRect(window));
+    marks::drawOutline(painter, upright.mapped(turn), window);
 }
 
 }  // namespace

@@ -26,7 +26,11 @@ void drawLabel(QPainter& painter, QPoint anchor, const QString& label, const QRe
     const QSize text(metrics.horizontalAdvance(label), metrics.height());
     const QPoint corner = labelCorner(anchor, text, boundary);
     painter.fillRect(QRect(corner, text + QSize(2 * labelMargin, 2 * labelMargin)), Qt::white);
-    painter.drawText(QRectF(corner + QPoint(labelMargin, labelMargin), text), label, QTextOption());
+    // Widths are rounded, and a label that is wrapped for half a pixel loses all but its first
+    // digit.
+    QTextOption option;
+    option.setWrapMode(QTextOption::NoWrap);
+    painter.drawText(QRectF(corner + QPoint(labelMargin, labelMargin), text), label, option);
 }
 
 }  // namespace

@@ -1,0 +1,26 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// What a main window learns of all events of the program.
+#pragma once
+
+#include <QObject>
+
+class MainWindow;
+
+/// Records which keys are held down while its main window is the active one. Thread: GUI only,
+/// apart from keyPressed().
+class MainWindowEventControl : public QObject {
+    Q_OBJECT
+public:
+    /// Watches from now on until its end.
+    explicit MainWindowEventControl(MainWindow& window);
+
+    /// Is a key down? Thread: any.
+    static bool keyPressed(int key);
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    MainWindow& _window;
+};

@@ -1,0 +1,175 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The small view that steers a main view.
+#include "gui/render/ImageDrawerThumbnail.h"
+
+#include "gui/render/ThumbnailFrame.h"
+#include "tests/gui/render/DrawnImage.h"
+#include "tests/gui/render/MouseEvents.h"
+#include "tests/gui/render/TestImages.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(ThumbnailFrame, IsTheVisiblePartReduced)
+{
+    const QRectF frame = render::thumbnailFrame(QRectF(100, 50, 400, 200), 0.2);
+    EXPECT_EQ(frame, QRectF(20, 10, 80, 40));
+    EXPECT_FALSE(render::frameNeedsCross(frame));
+    EXPECT_TRUE(render::frameNeedsCross(QRectF(0, 0, 4.9, 80)));
+    EXPECT_TRUE(render::frameNeedsCross(QRectF(0, 0, 80, 4.9)));
+    EXPECT_FALSE(render::frameNeedsCross(QRectF(0, 0, 5, 5)));
+    EXPECT_EQ(render::thumbnailFrame(QRectF(), 0.2), QRectF());
+}
+
+class Thumbnail : public testing::TestWithParam<bool> {
+protected:
+    Thumbnail()
+        : _view(QSize(300, 200), GetParam())
+        , _thumbnail(_view.drawer.get())
+    {
+        _thumbnail.resize(_thumbnail.sizeHint());
+        _thumbnail.show();
+        (void)QTest::qWaitForWindowExposed(&_thumbnail);
+        settle();
+    }
+
+    /// 1000 by 800 pixels, a fifth of it in the thumbnail.
+    void open()
+    {
+        ASSERT_TRUE(_view.open(images::withGeometry(1000, 800, 5, 500, 400)));
+        _view.service->setContrastData({5, 0, morvend::imglib::MColorTable::grey(), false});
+        _thumbnail.resize(_thumbnail.sizeHint());
+        settle();
+    }
+    ViewportData viewport() const { return _view.service->viewportData(); }
+    QColor at(int x, int y) { return _thumbnail.grab().pixelColor(x, y); }
+
+    DrawnImage _view;
+    ImageDrawerThumbnail _thumbnail;
+};
+
+INSTANTIATE_TEST_SUITE_P(Colouring, Thumbnail, testing::Bool(),
+                         [](const auto& row) { return row.param ? "Shaders" : "Processor"; });
+
+TEST_P(Thumbnail, HasTheSizeOfTheReducedImage)
+{
+    EXPECT_EQ(_thumbnail.sizeHint(), QSize(200, 100));
+    EXPECT_EQ(at(100, 50), QColor(Qt::darkGray));
+    open();
+    EXPECT_EQ(_thumbnail.sizeHint(), QSize(200, 160));
+    EXPECT_EQ(_thumbnail.minimumSizeHint(), QSize(200, 160));
+    EXPECT_EQ(_thumbnail.imgX(40), 200) << "coordinates are those of the image";
+    EXPECT_EQ(_thumbnail.screenX(500), 100);
+}
+
+TEST_P(Thumbnail, DarkensWhatTheMainViewShows)
+{
+    open();
+    ASSERT_EQ(viewport(), ViewportData(350, 300, 0, 0, 0));
+    const QColor bare = at(10, 10);
+    const QColor dark = at(100, 80);
+    EXPECT_NEAR(dark.red(), bare.red() * 105 / 255, 1);
+    EXPECT_EQ(at(71, 61), dark) << "from 350 / 5, 300 / 5";
+    EXPECT_EQ(at(68, 61), bare);
+    EXPECT_EQ(at(128, 98), dark) << "to 650 / 5, 500 / 5";
+    EXPECT_EQ(at(131, 98), bare);
+    // A larger main view shows more.
+    _view.drawer->resize(600, 200);
+    settle();
+    EXPECT_EQ(at(188, 80), dark);
+    // At its lowest zoom it shows everything.
+    _view.service->setViewportData(ViewportData(-100, 0, -2, 0, 0));
+    EXPECT_EQ(at(1, 1), dark);
+    EXPECT_EQ(at(198, 158), dark);
+}
+
+TEST_P(Thumbnail, ASmallPartIsMarkedByACross)
+{
+    open();
+    _view.service->setViewportData(ViewportData(500, 400, 6, 0, 0));
+    EXPECT_EQ(at(100, 80), QColor(Qt::black));
+    EXPECT_EQ(at(100, 75), QColor(Qt::black));
+    EXPECT_EQ(at(105, 80), QColor(Qt::black));
+    EXPECT_EQ(at(104, 81), QColor(Qt::white));
+    EXPECT_NE(at(100, 70), QColor(Qt::black));
+}
+
+TEST_P(Thumbnail, ADragMovesTheFrameWithTheCursor)
+{
+    open();
+    mouse::drag(_thumbnail, Qt::LeftButton, {100, 80}, {{90, 85}, {88, 86}});
+    EXPECT_EQ(viewport(), ViewportData(350 - 60, 300 + 30, 0, 0, 0));
+    _view.service->setViewportData(ViewportData(350, 300, 3, 0, 0));
+    mouse::drag(_thumbnail, Qt::LeftButton, {10, 10}, {{11, 13}});
+    EXPECT_EQ(viewport(), ViewportData(355, 315, 3, 0, 0)) << "nor does it jump to the cursor";
+    mouse::drag(_thumbnail, Qt::RightButton, {10, 10}, {{40, 40}});
+    EXPECT_EQ(viewport(), ViewportData(355, 315, 3, 0, 0));
+}
+
+TEST_P(Thumbnail, TheMainViewRefusesAWiderBorder)
+{
+    open();
+    mouse::drag(_thumbnail, Qt::LeftButton, {100, 80}, {{30, 70}});
+    EXPECT_EQ(_view.drawer->visibleRange(), QRectF(0, 250, 300, 200));
+    mouse::drag(_thumbnail, Qt::LeftButton, {100, 80}, {{95, 70}});
+    EXPECT_EQ(_view.drawer->visibleRange(), QRectF(0, 200, 300, 200)) << "one axis only";
+}
+
+TEST_P(Thumbnail, TheWheelZoomsTheMainViewAboutThePointUnderTheCursor)
+{
+    open();
+    mouse::hover(_thumbnail, {40, 120});
+    mouse::wheel(_thumbnail, {40, 120}, {0, 120});
+    EXPECT_EQ(viewport(), ViewportData(200 - 75, 600 - 50, 1, 0, 0));
+    EXPECT_EQ(_view.drawer->imgX(150), 200);
+    EXPECT_EQ(_view.drawer->imgY(100), 600);
+    mouse::wheel(_thumbnail, {40, 120}, {0, -120});
+    mouse::wheel(_thumbnail, {40, 120}, {0, -120});
+    EXPECT_EQ(viewport(), ViewportData(200 - 300, 600 - 200, -1, 0, 0));
+    mouse::wheel(_thumbnail, {40, 120}, {0, 0});
+    EXPECT_EQ(viewport().zoomPower, -1);
+}
+
+TEST_P(Thumbnail, ShowsThreeRingsAtAnyZoomOfTheMainView)
+{
+    open();
+    const QImage without = _thumbnail.grab();
+    _view.service->toggleShowResolutionRings(true);
+    double x = 0;
+    double y = 0;
+    std::vector<double> radii;
+    std::vector<QString> labels;
+    _view.service->recommendResolutionRadius(3, x, y, radii, labels);
+    ASSERT_EQ(radii.size(), 3U);
+    const int smallest = int(radii[0] / 5);
+    for (const int power : {0, 6}) {
+        _view.service->setViewportData(ViewportData(0, 0, power, 0, 0));
+        const QImage picture = _thumbnail.grab();
+        int blue = 0;
+        for (int row = 80 + smallest - 2; row <= 80 + smallest + 1; ++row)
+            blue += picture.pixelColor(100, row).blue() > 200 &&
+                    picture.pixelColor(100, row).red() < 100;
+        EXPECT_GE(blue, 1) << "the lowest point of the first ring at zoom power " << power;
+    }
+}
+
+TEST_P(Thumbnail, WorksWithoutImageAndWithOnePixel)
+{
+    mouse::drag(_thumbnail, Qt::LeftButton, {10, 10}, {{50, 50}});
+    mouse::wheel(_thumbnail, {10, 10}, {0, 120});
+    EXPECT_EQ(viewport(), ViewportData());
+    ASSERT_TRUE(_view.open(images::withGeometry(1, 1, 5, 0.5F, 0.5F)));
+    EXPECT_EQ(_thumbnail.sizeHint(), QSize(1, 1));
+    for (const QSize size : {QSize(1, 1), QSize(0, 0), QSize(200, 100)}) {
+        _thumbnail.resize(size);
+        settle();
+        mouse::drag(_thumbnail, Qt::LeftButton, {0, 0}, {{5, 5}});
+        mouse::wheel(_thumbnail, {0, 0}, {0, 120});
+        (void)_thumbnail.grab();
+    }
+}
+
+}  // namespace

@@ -5,6 +5,7 @@ of its seconds.
 
     peer_numpy.py colormap FOLDER TYPE ROUNDS FOREGROUND BACKGROUND CUTOFF
     peer_numpy.py statistics|read|bincount|sort FOLDER TYPE ROUNDS
+    peer_numpy.py thumbnail FOLDER TYPE ROUNDS WIDTH HEIGHT
 """
 
 import pathlib
@@ -86,7 +87,24 @@ def sort(folder, kind):
     return lambda: np.sort(image[(mask & 31) == 0])
 
 
-TASKS = {"colormap": colormap, "statistics": whole_statistics, "read": read, "bincount": bincount,
+def thumbnail(folder, kind, width, height):
+    """Means of square cells, 200 of them along the longer side."""
+    width, height = int(width), int(height)
+    image = np.fromfile(folder / "image", kind).reshape(height, width)
+    scale = max(width, height) / 200
+    columns, rows = ((np.arange(int(side / scale)) * scale + 0.5).astype(int)
+                     for side in (width, height))
+
+    def run():
+        sums = np.add.reduceat(image, rows, axis=0, dtype=np.float64)
+        sums = np.add.reduceat(sums, columns, axis=1)
+        pixels = np.outer(np.diff(rows, append=height), np.diff(columns, append=width))
+        return (sums / pixels).astype(image.dtype)
+
+    return run
+
+
+TASKS = {"thumbnail": thumbnail, "colormap": colormap, "statistics": whole_statistics, "read": read, "bincount": bincount,
          "sort": sort}
 
 

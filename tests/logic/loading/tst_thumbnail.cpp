@@ -3,12 +3,16 @@
 //
 // Sizes, means and marks of thumbnails.
 #include "logic/loading/MaskFixup.h"
+#include "logic/loading/MaskThumbnails.h"
 #include "logic/loading/Thumbnail.h"
+#include "tests/logic/analysis/statistics/EveryTarget.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <limits>
 #include <numeric>
+#include <random>
 
 namespace {
 
@@ -38,6 +42,115 @@ TEST(Thumbnail, LongerSideHasTwoHundredPixelsAtMost)
         EXPECT_EQ(thumb.typeBits(), 16U);
         EXPECT_EQ(thumb.pixel<int>(thumb.width() - 1, 0, 7), 7);
     }
+}
+
+/// The cells as the rule reads, pixel by pixel, in one plain loop.
+template <class T, class Value>
+std::vector<T> plainCells(const MImage& image, int width, int height, Value&& value)
+{
+    const double length = 1 / (double(width) / image.width());
+    const auto edge = [&](int i, int limit) { return std::min(int(i * length + 0.5), limit); };
+    std::vector<T> result;
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x) {
+            std::vector<T> cell;
+            for (int v = edge(y, image.height()); v < edge(y + 1, image.height()); ++v)
+                for (int u = edge(x, image.width()); u < edge(x + 1, image.width()); ++u)
+                    cell.push_back(image.pixel<T>(u, v, T(0)));
+            result.push_back(cell.empty() ? T(0) : value(cell));
+        }
+    return result;
+}
+
+template <class T>
+T plainMean(const std::vector<T>& cell, bool hasNegatives)
+{
+    double sum = 0;
+    for (const T pixel : cell) {
+        if (std::is_signed_v<T> && !hasNegatives && pixel < T(0))
+            return pixel;
+        sum += double(pixel);
+    }
+    return morvend::datatypes::convertPixel<T>(sum / double(cell.size()));
+}
+
+template <class T>
+T plainMark(const std::vector<T>& pixels)
+{
+    const auto mark = std::find_if(pixels.begin(), pixels.end(), [](T p) { return p != T(0); });
+    return mark == pixels.end() ? T(0) : *mark;
+}
+
+/// Small numbers, some zeros in a row, some of the largest, and now and then a mark.
+template <class T>
+MImage mixedPixels(int width, int height)
+{
+    MImage image(width, height, T(0));
+    std::minstd_rand random(unsigned(width) * 31 + unsigned(height));
+    T* pixel = pixels<T>(image);
+    for (std::size_t i = 0; i < image.size(); ++i) {
+        const auto kind = random() % 400;
+        pixel[i] = kind == 0                          ? std::numeric_limits<T>::max()
+                   : kind == 1 && std::is_signed_v<T> ? T(-1.5)
+                   : i / 700 % 3 == 0                 ? T(0)
+                                                      : T(double(random() % 100) * 1.25);
+    }
+    return image;
+}
+
+template <class T>
+class ThumbnailCells : public testing::Test {};
+using AllTypes = testing::Types<bool, char, signed char, short, int, long long, unsigned char,
+                                unsigned short, unsigned int, unsigned long long, float, double>;
+TYPED_TEST_SUITE(ThumbnailCells, AllTypes);
+
+TYPED_TEST(ThumbnailCells, EqualThoseOfAPlainLoop)
+{
+    using T = TypeParam;
+    for (const auto& [width, height] : {std::pair(1031, 517),
+                                        {517, 1031},
+                                        {201, 7},
+                                        {7, 999},
+                                        {199, 200},
+                                        {403, 402},
+                                        {1, 300}}) {
+        const MImage image = mixedPixels<T>(width, height);
+        for (const bool hasNegatives : {false, true}) {
+            const MImage thumb = thumbnail::ofImage(image, hasNegatives);
+            const auto plain = plainCells<T>(
+                image, thumb.width(), thumb.height(),
+                [&](const std::vector<T>& cell) { return plainMean(cell, hasNegatives); });
+            ASSERT_TRUE(std::equal(plain.begin(), plain.end(), thumb.pixels<T>()))
+                << width << " x " << height << ' ' << hasNegatives;
+        }
+        const MImage thumb = thumbnail::ofMask(image);
+        const auto plain = plainCells<T>(image, thumb.width(), thumb.height(), plainMark<T>);
+        ASSERT_TRUE(std::equal(plain.begin(), plain.end(), thumb.pixels<T>()));
+    }
+}
+
+TEST(Thumbnail, IsTheSameForEachInstructionSet)
+{
+    const MImage image = mixedPixels<int>(1031, 517);
+    const MImage best = thumbnail::ofImage(image, false);
+    const MImage bestMask = thumbnail::ofMask(image);
+    forEveryTarget([&] {
+        EXPECT_TRUE(samePixels(thumbnail::ofImage(image, false), best));
+        EXPECT_TRUE(samePixels(thumbnail::ofMask(image), bestMask));
+    });
+}
+
+TEST(MaskThumbnails, AreMadeOnceForEachMask)
+{
+    MaskThumbnails known;
+    MImage first(300, 300, 0U);
+    const MImage second(300, 300, 1U);
+    const auto identity = known.of(first).identity();
+    EXPECT_EQ(known.of(second).pixel<int>(0, 0, -1), 1);
+    EXPECT_EQ(known.of(MImage(first)).identity(), identity);
+    EXPECT_EQ(known.of(MImage(150, 300, first.imageData())).width(), 100);
+    pixels<unsigned>(first)[0] = 8;
+    EXPECT_EQ(known.of(first).pixel<int>(0, 0, -1), 8) << "its pixels have changed";
 }
 
 TEST(Thumbnail, SmallImageIsItself)

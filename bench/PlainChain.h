@@ -37,7 +37,7 @@ public:
     ~PlainChain();
 
     /// Reads a frame and computes statistics, histogram with sorted tails, and both thumbnails, all
-    /// in fresh memory. @returns a number that depends on all of them
+    /// in fresh memory. @returns the sum of the good pixels
     double run(std::size_t frame) const;
 
 private:

@@ -1,71 +1,192 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// What a loader computes for each image: statistics and thumbnails, on a diffraction-like frame.
-#include "logic/analysis/statistics/ComputeStatistics.h"
-#include "logic/loading/Thumbnail.h"
+// From a request to a finished image, against the plain chain in the same run: from the file, from
+// the preloader's cache, the hand-over between the processes alone, and a movie.
+#include "bench/HwyTarget.h"
+#include "bench/LoadingSeries.h"
+#include "bench/Peer.h"
+#include "bench/PlainChain.h"
+#include "imagelib/ipc/MMessageQueue.h"
+#include "logic/PreloaderService.h"
+#include "logic/preload/PreloaderProcess.h"
+#include "logic/support/Console.h"
+
+#include <QCoreApplication>
 
 #include <benchmark/benchmark.h>
 
-#include <random>
+#include <csignal>
+#include <map>
+#include <memory>
+#include <thread>
 
 namespace {
 
 using morvend::imglib::MImage;
+using morvend::imglib::MMessageQueue;
+using tarvik::bench::LoadingSeries;
+using tarvik::bench::PlainChain;
+using tarvik::bench::Stepper;
+using tarvik::bench::Stopwatch;
 
-/// Counts around 3 with some strong spots; the same for every run.
-template <class T>
-MImage frame(int side)
+constexpr int SeriesFrames = 40;
+
+const LoadingSeries& series(int megapixels)
 {
-    MImage image(side, side, T(0));
-    T* pixels = static_cast<T*>(image.data());
-    std::minstd_rand random(1);
-    for (std::size_t i = 0; i < image.size(); ++i)
-        pixels[i] = static_cast<T>(random() % 7 + (random() % 5000 == 0 ? 500 : 0));
-    return image;
+    static std::map<int, std::unique_ptr<LoadingSeries>> all;
+    auto& one = all[megapixels];
+    if (!one)
+        one = std::make_unique<LoadingSeries>(megapixels, SeriesFrames);
+    return *one;
 }
 
-void perPixel(benchmark::State& state, const MImage& image)
+/// The least time of the plain chain; checks that it computes what the loader does.
+double plainSeconds(const LoadingSeries& frames, Stepper& stepper)
 {
-    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(image.size()));
+    const PlainChain chain(frames.dataFile(), "/entry/data/data", frames.mask());
+    double least = 1e9;
+    for (int i = 1; i <= 4; ++i) {
+        double sum = 0;
+        least = std::min(least, tarvik::bench::seconds([&] { sum = chain.run(std::size_t(i)); }));
+        stepper.go(i + 1);
+        if (sum != stepper.record().statistics->sum)
+            throw std::runtime_error("plain chain and loader do not agree");
+    }
+    return least;
 }
 
-template <class T>
-void statistics(benchmark::State& state)
+/// This program in the preloader's role, for this object's life.
+class Preloading {
+public:
+    Preloading()
+        : _process(QCoreApplication::applicationFilePath(), true)
+        , _queue(PreloaderClient::messageQueueId().c_str())
+    {
+        if (_queue.waitForPeer(std::chrono::seconds(5)) == MMessageQueue::NoPeer)
+            throw std::runtime_error("no preloader");
+    }
+    ~Preloading() { ::kill(static_cast<pid_t>(_process.processId()), SIGKILL); }
+
+private:
+    PreloaderProcess _process;
+    MMessageQueue _queue;
+};
+
+void fromFile(benchmark::State& state, int megapixels)
 {
-    const MImage image = frame<T>(static_cast<int>(state.range(0)));
-    const MImage mask(image, 0U);
-    ImageStatistics result;
-    const ComputeStatistics compute(&result);
+    const LoadingSeries& frames = series(megapixels);
+    Stepper stepper(frames.master());
+    Stopwatch watch(state, plainSeconds(frames, stepper));
+    int index = 1;
+    for (auto _ : state) {
+        index = index % SeriesFrames + 1;
+        watch.time([&] { stepper.go(index); });
+    }
+}
+
+void fromCache(benchmark::State& state, int megapixels)
+{
+    const LoadingSeries& frames = series(megapixels);
+    const Preloading preloading;
+    Stepper stepper(frames.master());
+    Stopwatch watch(state, plainSeconds(frames, stepper));
+    int index = SeriesFrames;
+    const auto hitsBefore = StepTimes::now().hits;
+    double asked = 0;
+    for (auto _ : state) {
+        if (++index > SeriesFrames) {
+            stepper.go(1);
+            index = 2;
+        }
+        // Reading ahead has its own time: here all of it has happened.
+        std::this_thread::sleep_for(std::chrono::milliseconds(megapixels == 4 ? 15 : 60));
+        ++asked;
+        watch.time([&] { stepper.go(index); });
+    }
+    state.counters["hits"] = double(StepTimes::now().hits - hitsBefore) / asked;
+}
+
+/// A question and its answer, up to the image in hand.
+void handOver(benchmark::State& state, int megapixels)
+{
+    const LoadingSeries& frames = series(megapixels);
+    const Preloading preloading;
+    PreloaderClient client;
+    client.put(1, frames.master());
+    Stopwatch watch(state, 0);
+    unsigned long index = 1;
+    double hits = 0, asked = 0;
+    for (auto _ : state) {
+        if (++index > SeriesFrames) {
+            index = 2;
+            client.put(1, frames.master());
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(megapixels == 4 ? 15 : 60));
+        MImage image;
+        ++asked;
+        watch.time([&] { hits += client.get(image, index); });
+    }
+    state.counters["hits"] = hits / asked;
+}
+
+void movie(benchmark::State& state, int megapixels)
+{
+    const LoadingSeries& frames = series(megapixels);
+    const Preloading preloading;
+    Stepper stepper(frames.master());
+    const auto before = StepTimes::now();
     for (auto _ : state)
-        compute.computeNumbers(image, mask);
-    perPixel(state, image);
+        for (int i = 2; i <= SeriesFrames; ++i)
+            stepper.go(i);
+    const auto after = StepTimes::now();
+    state.counters["fps"] =
+        benchmark::Counter(double(after.images - before.images), benchmark::Counter::kIsRate);
+    state.counters["hits"] =
+        double(after.hits - before.hits) / double(after.images - before.images);
 }
 
-template <class T>
-void thumbnailOfImage(benchmark::State& state)
+void registerAll()
 {
-    const MImage image = frame<T>(static_cast<int>(state.range(0)));
-    for (auto _ : state)
-        benchmark::DoNotOptimize(thumbnail::ofImage(image, false).cdata());
-    perPixel(state, image);
+    const auto add = [](const std::string& name, int megapixels, auto function) {
+        return benchmark::RegisterBenchmark(
+                   (name + '/' + std::to_string(megapixels) + "Mpx").c_str(), function)
+            ->Unit(benchmark::kMillisecond)
+            ->UseRealTime();
+    };
+    for (const int size : {4, 16}) {
+        const int steps = size == 4 ? 150 : 60;
+        add("from_file", size, [=](auto& s) { fromFile(s, size); })->Iterations(steps);
+        add("from_cache", size, [=](auto& s) { fromCache(s, size); })->Iterations(steps);
+        add("hand_over", size, [=](auto& s) { handOver(s, size); })->Iterations(steps);
+        add("movie", size, [=](auto& s) { movie(s, size); })->Iterations(size == 4 ? 8 : 4);
+    }
 }
 
-void thumbnailOfMask(benchmark::State& state)
+int preload(const char* queue, int parent)
 {
-    const MImage mask(static_cast<int>(state.range(0)), static_cast<int>(state.range(0)), 0U);
-    for (auto _ : state)
-        benchmark::DoNotOptimize(thumbnail::ofMask(mask).cdata());
-    perPixel(state, mask);
+    PreloaderService service(queue);
+    std::thread watch([&] {
+        while (::kill(parent, 0) == 0)
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        service.stop();
+    });
+    service.run();
+    watch.join();
+    return 0;
 }
-
-BENCHMARK(statistics<unsigned int>)->Arg(2048)->Arg(4096)->Unit(benchmark::kMillisecond);
-BENCHMARK(statistics<unsigned short>)->Arg(4096)->Unit(benchmark::kMillisecond);
-BENCHMARK(thumbnailOfImage<unsigned int>)->Arg(2048)->Arg(4096)->Unit(benchmark::kMillisecond);
-BENCHMARK(thumbnailOfImage<int>)->Arg(4096)->Unit(benchmark::kMillisecond);
-BENCHMARK(thumbnailOfImage<float>)->Arg(4096)->Unit(benchmark::kMillisecond);
-BENCHMARK(thumbnailOfMask)->Arg(4096)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 
-BENCHMARK_MAIN();
+int main(int argc, char** argv)
+{
+    std::signal(SIGPIPE, SIG_IGN);
+    console::muteInformation();
+    tarvik::bench::holdToTarget();
+    if (argc == 5 && std::string(argv[1]) == "--preloader")
+        return preload(argv[2], std::atoi(argv[4]));
+    const QCoreApplication application(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    registerAll();
+    benchmark::RunSpecifiedBenchmarks();
+}

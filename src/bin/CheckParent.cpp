@@ -8,6 +8,28 @@
 
 #include <csignal>
 
+#include <poll.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace {
+
+/// Has the process ended? One that its own parent has not asked for yet still takes signals.
+bool gone(int pid)
+{
+    if (kill(pid, 0) != 0)
+        return true;
+    const int handle = static_cast<int>(::syscall(SYS_pidfd_open, pid, 0));
+    if (handle < 0)
+        return false;
+    pollfd end{handle, POLLIN, 0};
+    const bool ended = ::poll(&end, 1, 0) > 0;
+    ::close(handle);
+    return ended;
+}
+
+}  // namespace
+
 CheckParent::CheckParent(int parentPid)
     : _parentPid(parentPid)
 {}
@@ -23,7 +45,7 @@ void CheckParent::run()
     // A quit would first ask all windows, and one that must not be closed could refuse. Leaving
     // again and again is harmless, and needed when the event loop has not begun yet.
     do {
-        if (kill(_parentPid, 0) != 0)
+        if (gone(_parentPid))
             QMetaObject::invokeMethod(
                 QCoreApplication::instance(), [] { QCoreApplication::exit(0); },
                 Qt::QueuedConnection);

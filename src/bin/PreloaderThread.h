@@ -4,19 +4,30 @@
 // The one worker of the preloader process.
 #pragma once
 
+#include "logic/PreloaderService.h"
+
 #include <QThread>
 
+#include <memory>
+#include <mutex>
 #include <string>
 
-/// Runs the preloader's service over a queue, until the process ends.
+/// Runs the preloader's service over a queue until it is stopped. Ends the application when the
+/// queue can't be opened.
 class PreloaderThread : public QThread {
     Q_OBJECT
 public:
     explicit PreloaderThread(std::string queueId);
+
+    /// Lets the service end, so that it takes its traces off the file system. Thread: any.
+    void stop();
 
 protected:
     void run() override;
 
 private:
     const std::string _queueId;
+    std::mutex _mutex;
+    bool _stop = false;
+    PreloaderService* _service = nullptr;  // while it runs
 };

@@ -10,14 +10,14 @@
 #include "gui/mainwindow.h"
 #include "gui/window/SubWindow.h"
 #include "imagelib/io/FormatRegistry.h"
-#include "logic/preload/PreloaderClient.h"
+#include "logic/preload/PreloaderProcess.h"
 #include "logic/support/Assert.h"
 #include "logic/support/Console.h"
 #include "logic/tarvikcore.h"
 
 #include <QFile>
-#include <QProcess>
 
+#include <clocale>
 #include <csignal>
 #include <cstdlib>
 #include <memory>
@@ -40,17 +40,9 @@ QStringList rawArguments(int argc, char** argv)
     return arguments;
 }
 
-void startPreloader()
-{
-    const QStringList arguments = {
-        QStringLiteral("--preloader"), QString::fromStdString(PreloaderClient::messageQueueId()),
-        QStringLiteral("--parent-pid"), QString::number(QCoreApplication::applicationPid())};
-    QProcess::startDetached(QCoreApplication::applicationFilePath(), arguments);
-}
-
 int runViewer(MainApplication& application, const CommandLine& line)
 {
-    startPreloader();
+    const PreloaderProcess preloader(QCoreApplication::applicationFilePath());
     TarvikCore core;
     core.setDefaultColorTable(QStringLiteral("High Dynamic Range"));
     MainWindow mainWindow(core, line.glslEnabled, true);
@@ -66,18 +58,35 @@ int runViewer(MainApplication& application, const CommandLine& line)
 
 int runDaemon()
 {
-    startPreloader();
+    const PreloaderProcess preloader(QCoreApplication::applicationFilePath());
     TarvikCore core;
     core.setDefaultColorTable(QStringLiteral("Grey Scale"));
     return QCoreApplication::exec();
 }
 
-[[noreturn]] void runPreloader(const std::string& queueId)
+std::unique_ptr<CheckParent> watchParent(const CommandLine& line)
 {
-    PreloaderThread thread(queueId);
+    if (line.parentPid <= 0)
+        return nullptr;
+    auto watch = std::make_unique<CheckParent>(line.parentPid);
+    watch->start();
+    return watch;
+}
+
+/// Needs no display.
+int runPreloader(int argc, char** argv, const CommandLine& line)
+{
+    QCoreApplication application(argc, argv);
+    std::setlocale(LC_NUMERIC, "C");
+    const auto checkParent = watchParent(line);
+    PreloaderThread thread(line.queueId.toStdString());
     thread.start();
-    // The thread never returns, so the process ends without taking its objects apart.
-    std::_Exit(QCoreApplication::exec());
+    const int result = QCoreApplication::exec();
+    thread.stop();
+    // A file system that doesn't answer must not keep the process.
+    if (!thread.wait(500))
+        std::_Exit(result);
+    return result;
 }
 
 }  // namespace
@@ -85,11 +94,13 @@ int runDaemon()
 int main(int argc, char** argv)
 {
     // Texts and wrong options need no display, hence a first look before the application exists.
-    if (const auto line = CommandLine::parse(rawArguments(argc, argv), TARVIK_VERSION);
-        endsAtOnce(line))
-        return *line.exitCode;
+    const auto raw = CommandLine::parse(rawArguments(argc, argv), TARVIK_VERSION);
+    if (endsAtOnce(raw))
+        return *raw.exitCode;
     // A reader of the printed lines, or a peer, that goes must not take the viewer along.
     std::signal(SIGPIPE, SIG_IGN);
+    if (raw.role == CommandLine::Role::Preloader)
+        return runPreloader(argc, argv, raw);
     look::beforeApplication();
     MainApplication application(argc, argv);
 
@@ -97,20 +108,16 @@ int main(int argc, char** argv)
     const auto line = CommandLine::parse(QCoreApplication::arguments(), TARVIK_VERSION);
     if (endsAtOnce(line))
         return *line.exitCode;
-    std::unique_ptr<CheckParent> checkParent;
-    if (line.parentPid > 0) {
-        checkParent = std::make_unique<CheckParent>(line.parentPid);
-        checkParent->start();
-    }
-    // The preloader reads in place: it is a process apart already.
-    morvend::imglib::FormatRegistry::readHdf5Apart(line.role != CommandLine::Role::Preloader);
+    const auto checkParent = watchParent(line);
+    // Not in the preloader, which reads in place: it is a process apart already.
+    morvend::imglib::FormatRegistry::readHdf5Apart(true);
     switch (line.role) {
     case CommandLine::Role::Viewer:
         return runViewer(application, line);
     case CommandLine::Role::Daemon:
         return runDaemon();
     case CommandLine::Role::Preloader:
-        runPreloader(line.queueId.toStdString());
+        break;  // ran above
     }
     assert(!"one of the three roles");
     return 1;

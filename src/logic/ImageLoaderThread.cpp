@@ -12,9 +12,33 @@
 #include "logic/support/Assert.h"
 #include "logic/support/Console.h"
 
+#include <chrono>
+#include <filesystem>
 #include <new>
+#include <utility>
 
 using morvend::imglib::MImage;
+using morvend::imglib::MImageSeries;
+
+namespace {
+
+/// The path as another process finds it, wherever that one stands.
+std::string absolute(const std::string& path)
+{
+    std::error_code error;
+    const auto result = std::filesystem::absolute(path, error);
+    return error ? path : result.string();
+}
+
+std::string rangeText(const MImageSeries& series)
+{
+    if (series.empty())
+        return ": the series is empty";
+    return " in the series, which goes from " + std::to_string(series.first()) + " to " +
+           std::to_string(series.last());
+}
+
+}  // namespace
 
 ImageLoaderThread::ImageLoaderThread(ImageLoader* loader, ImageLoader::Task task,
                                      const ImageLoader::Data& data, bool signalLoadError,
@@ -75,29 +99,51 @@ void ImageLoaderThread::_load()
 
 void ImageLoaderThread::_openSeries()
 {
+    MImageSeries& series = *_loader->_series;
+    PreloaderClient& preloader = _loader->_preloader;
     _step.restart();
-    _data.index = _loader->_series->open(_data.path);
-    console::printTime("\nTIME OPENING SERIES: ", _step.elapsed());
+    _data.index = series.open(_data.path);
+    preloader.put(static_cast<unsigned long>(_data.index), absolute(_data.path));
+    _endStep(StepTimes::Open, "\nTIME OPENING SERIES: ");
     _step.restart();
-    _data.image = _loader->_series->at(static_cast<std::size_t>(_data.index));
-    console::printTime("TIME LOADING IMAGE: ", _step.elapsed());
+    _data.image = series.at(static_cast<std::size_t>(_data.index));
+    preloader.setDefaultOptData(std::as_const(_data.image).optionalData());
+    _endStep(StepTimes::Source, "TIME LOADING IMAGE: ");
 }
 
 void ImageLoaderThread::_openIndex()
 {
+    MImageSeries& series = *_loader->_series;
     if (_data.index < 0)
         throw morvend::MOutOfRangeException("There is no image " + std::to_string(_data.index) +
-                                            " in this series");
+                                            rangeText(series));
+    _step.restart();
+    const auto index = static_cast<unsigned long>(_data.index);
+    const bool hit = _loader->_preloader.get(_data.image, index, "");
+    _endStep(StepTimes::Cache, "\nTIME LOADING IMAGE FROM CACHE: ");
+    // The preloader may know images that have come since the last look; without a hit too the
+    // series may have grown.
+    if (_data.index > series.last())
+        series.update();
+    if (hit)
+        StepTimes::addHit();
+    else
+        _readFromSource();
+}
+
+void ImageLoaderThread::_readFromSource()
+{
     _step.restart();
     _data.image = _loader->_series->at(static_cast<std::size_t>(_data.index));
-    console::printTime("TIME LOADING IMAGE FROM SOURCE: ", _step.elapsed());
+    _endStep(StepTimes::Source, "TIME LOADING IMAGE FROM SOURCE: ");
 }
 
 void ImageLoaderThread::_pushImage()
 {
     if (_data.image.empty())
-        return;  // refused by the caller, before the series takes it
-    morvend::imglib::MImageSeries& series = *_loader->_series;
+        return;                             // refused by the caller, before the series takes it
+    _loader->_preloader.setEnabled(false);  // there is no file to read ahead
+    MImageSeries& series = *_loader->_series;
     try {
         series.pushBack(_data.image);
     } catch (const morvend::MRuntimeException&) {
@@ -112,12 +158,14 @@ void ImageLoaderThread::_analyse()
 {
     _data.mask = _loader->_maskFixup(_data.image);
     _step.restart();
-    _data.thumbnailMask = thumbnail::ofMask(_data.mask);
-    console::printTime("TIME COMPUTING MASK: ", _step.elapsed());
+    _data.thumbnailMask = _loader->_maskThumbnails.of(_data.mask);
+    _endStep(StepTimes::Mask, "TIME COMPUTING MASK: ");
     _printSubtotal();
 
+    _step.restart();
     _data.statistics.reset(new ImageStatistics);
     ComputeStatistics(_data.statistics.data()).compute(_data.image, _data.mask);
+    StepTimes::add(StepTimes::Statistics, std::chrono::nanoseconds(_step.nsecsElapsed()));
     _printSubtotal();
 
     _step.restart();
@@ -130,7 +178,7 @@ void ImageLoaderThread::_analyse()
     region.setMask(_data.mask);
     region.setStatisticsData(_data.statisticsData);
     _data.roiStatistics = region.computeOrWarn();
-    console::printTime("TIME FOR ADDITIONAL COMPUTATION: ", _step.elapsed());
+    _endStep(StepTimes::Region, "TIME FOR ADDITIONAL COMPUTATION: ");
 }
 
 void ImageLoaderThread::_deliver()
@@ -139,6 +187,7 @@ void ImageLoaderThread::_deliver()
     const std::lock_guard lock(_loader->_mutex);
     _loader->_noteBounds();
     _loader->_results.push_back(_data);
+    StepTimes::addImage();
     emit _loader->newImage();
     _printSubtotal();
 }
@@ -151,6 +200,12 @@ void ImageLoaderThread::_fail(const QString& message)
     }
     if (_signalLoadError)
         emit _loader->loadError(message);
+}
+
+void ImageLoaderThread::_endStep(StepTimes::Step step, const char* label) const
+{
+    console::printTime(label, _step.elapsed());
+    StepTimes::add(step, std::chrono::nanoseconds(_step.nsecsElapsed()));
 }
 
 void ImageLoaderThread::_printSubtotal() const

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "logic/loading/ImageLoader.h"
+#include "logic/loading/StepTimes.h"
 
 #include <QElapsedTimer>
 #include <QRunnable>
@@ -29,10 +30,13 @@ private:
     void _load();
     void _openSeries();
     void _openIndex();
+    void _readFromSource();
     void _pushImage();
     void _analyse();
     void _deliver();
     void _fail(const QString& message);
+    /// Prints a timing line with the time of the step that ends here.
+    void _endStep(StepTimes::Step step, const char* label) const;
     void _printSubtotal() const;
 
     ImageLoader* const _loader;

@@ -4,16 +4,70 @@
 // The loop of the preloader process.
 #include "logic/PreloaderService.h"
 
-#include <unistd.h>
+#include "logic/support/Console.h"
 
-#include <utility>
+#include <chrono>
 
-PreloaderService::PreloaderService(std::string queueId)
-    : _queueId(std::move(queueId))
+using morvend::imglib::MImage;
+using morvend::imglib::MMessageQueue;
+
+PreloaderService::PreloaderService(const std::string& queueId)
+    : _queue(queueId.c_str())
+    , _preloader(_cache)
 {}
 
 void PreloaderService::run()
 {
-    for (;;)
-        pause();
+    while (!_stop) {
+        const Peer peer = _queue.waitForPeer(std::chrono::milliseconds(100));
+        if (peer == MMessageQueue::NoPeer)
+            continue;
+        try {
+            while (!_stop)
+                _serve(peer);
+        } catch (const morvend::MPeerGoneException&) {
+            // The viewer may come again; when it has gone for good the process ends.
+        } catch (const std::exception& error) {
+            console::warn(std::string("Preloader: ") + error.what() + '\n');
+            _queue.disconnect(peer);
+        }
+    }
+}
+
+void PreloaderService::stop()
+{
+    _stop = true;
+    _queue.disconnect(_queue.peer());
+}
+
+void PreloaderService::_serve(Peer peer)
+{
+    Method method{};
+    unsigned long index = 0;
+    std::string path;
+    preloader::unpack(_queue.receiveFrom(peer), method, index, path);
+    const PreloaderCache::Key key(path, index);
+    const std::string place = path + ", " + std::to_string(index) + '\n';
+    if (method == preloader::PUT) {
+        console::print("Preloader: PUT, " + place);
+    } else {
+        console::print("Preloader: GET, " + place);
+        _answer(peer, key);
+    }
+    _preloader.run(key);
+}
+
+void PreloaderService::_answer(Peer peer, const PreloaderCache::Key& key)
+{
+    _cache.eraseIfStale(key);
+    MImage image;
+    try {
+        image = _cache[key];
+    } catch (const morvend::MOutOfRangeException&) {
+        console::print("Preloader: Cache Fault\n");
+        _queue.sendTo(peer, preloader::pack(false));
+        return;
+    }
+    _queue.sendTo(peer, preloader::pack(true));
+    _queue.sendTo(peer, image);
 }

@@ -4,16 +4,34 @@
 // The server side of the preloader process.
 #pragma once
 
+#include "imagelib/ipc/MMessageQueue.h"
+#include "logic/preload/Preloader.h"
+#include "logic/preload/PreloaderMessages.h"
+
+#include <atomic>
 #include <string>
 
 /// Serves images that were read ahead to the views of the process that owns the queue.
 class PreloaderService {
 public:
-    explicit PreloaderService(std::string queueId);
+    using Method = preloader::Method;
 
-    /// Never returns: the process ends with its parent.
-    [[noreturn]] void run();
+    /// @throws MException when the queue can't be opened
+    explicit PreloaderService(const std::string& queueId);
+
+    /// Answers requests until stop() is called.
+    void run();
+    /// Lets run() return soon. Thread: any.
+    void stop();
 
 private:
-    const std::string _queueId;
+    using Peer = morvend::imglib::MMessageQueue::Peer;
+
+    void _serve(Peer peer);
+    void _answer(Peer peer, const PreloaderCache::Key& key);
+
+    morvend::imglib::MMessageQueue _queue;
+    PreloaderCache _cache;
+    Preloader _preloader;
+    std::atomic<bool> _stop = false;
 };

@@ -6,6 +6,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <gmock/gmock.h>
@@ -59,8 +60,13 @@ qint64 msUntil(Condition&& condition)
 /// A started process of the program, killed in the end.
 class Program {
 public:
-    explicit Program(const QStringList& arguments)
+    using Variables = std::vector<std::pair<QString, QString>>;
+    explicit Program(const QStringList& arguments, const Variables& variables = {})
     {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        for (const auto& [name, value] : variables)
+            environment.insert(name, value);
+        process.setProcessEnvironment(environment);
         process.setStandardOutputFile(QProcess::nullDevice());
         process.setStandardErrorFile(QProcess::nullDevice());
         process.start(TARVIK_EXECUTABLE, arguments);
@@ -134,6 +140,43 @@ void expectPreloader(const QStringList& arguments)
                          childThatWatches(parent) == 0;
               }),
               1000);
+}
+
+TEST(Roles, APreloaderThatDiesIsReplaced)
+{
+    Program program({});
+    const qint64 parent = program.process.processId();
+    qint64 preloader = 0;
+    msUntil([&] { return (preloader = childThatWatches(parent)) != 0; });
+    for (int i = 0; i < 2; ++i) {
+        QTest::qWait(500);  // the viewer's event loop runs by then
+        kill(static_cast<pid_t>(preloader), SIGKILL);
+        qint64 next = 0;
+        EXPECT_LT(msUntil([&] {
+                      next = childThatWatches(parent);
+                      return next != 0 && next != preloader;
+                  }),
+                  2000);
+        preloader = next;
+    }
+    EXPECT_TRUE(program.running());
+}
+
+TEST(Roles, NothingOfAKilledViewerStays)
+{
+    // Folders of its own, so that nothing of other programs is taken for its.
+    const QTemporaryDir folder;
+    Program program({}, {{"XDG_RUNTIME_DIR", folder.path()}, {"TMPDIR", folder.path()}});
+    const QByteArray queue = "PRELOADER_" + QByteArray::number(program.process.processId());
+    const auto sockets = [&] {
+        QFile file("/proc/net/unix");
+        return file.open(QIODevice::ReadOnly) && file.readAll().contains(queue);
+    };
+    msUntil([&] { return sockets(); });
+    program.process.kill();
+    program.process.waitForFinished();
+    EXPECT_LT(msUntil([&] { return !sockets(); }), 1000);
+    EXPECT_TRUE(QDir(folder.path()).isEmpty());
 }
 
 TEST(Roles, ViewerHasAPreloader) { expectPreloader({}); }

@@ -21,14 +21,6 @@ using morvend::imglib::MImage;
 
 namespace {
 
-MImage maskOf(const MImage& image)
-{
-    const auto& mask = image.optionalData().pixel_mask();
-    if (mask && mask->width() == image.width() && mask->height() == image.height())
-        return *mask;
-    return MImage(image.width(), image.height(), 0U);
-}
-
 /// Named numbers, as a JSON object or as lines for people.
 class Report {
 public:
@@ -89,7 +81,7 @@ private:
 Analysis::Analysis(Arguments arguments)
     : _arguments(std::move(arguments))
     , _chosen(_arguments)
-    , _mask(maskOf(std::as_const(_chosen.image)))
+    , _mask(_chosen.mask())
 {}
 
 void Analysis::write(std::ostream& out) const

@@ -73,11 +73,12 @@ const std::vector<Option>& options()
     static const std::vector<Option> all{
         {"--frame",
          {Command::Info, Command::Stats, Command::Peaks, Command::Roi, Command::Geometry,
-          Command::Convert, Command::Render},
+          Command::Thumbnail, Command::Convert, Command::Render},
          true,
          [](A& a, Text value) { a.frame = toCount(value, "--frame"); }},
         {"--json",
-         {Command::Info, Command::Stats, Command::Peaks, Command::Roi, Command::Geometry},
+         {Command::Info, Command::Stats, Command::Peaks, Command::Roi, Command::Geometry,
+          Command::Thumbnail},
          false,
          [](A& a, Text) { a.json = true; }},
         {"--raw-header", {Command::Info}, false, [](A& a, Text) { a.rawHeader = true; }},
@@ -110,6 +111,11 @@ const std::vector<Option>& options()
          true,
          [](A& a, Text value) { a.places.push_back(toPixel(value, "--at")); }},
         {"--rings", {Command::Geometry}, true, [](A& a, Text value) { a.rings = toRings(value); }},
+        {"--frames",
+         {Command::Play},
+         true,
+         [](A& a, Text value) { a.playFrames = toCount(value, "--frames"); }},
+        {"--no-preloader", {Command::Play}, false, [](A& a, Text) { a.preloader = false; }},
         {"--all", {Command::Convert}, false, [](A& a, Text) { a.all = true; }},
         {"--table", {Command::Render}, true, [](A& a, Text value) { a.table = value; }},
         {"--background",
@@ -177,6 +183,10 @@ Command toCommand(const std::string& word)
         return Command::Roi;
     if (word == "geometry")
         return Command::Geometry;
+    if (word == "thumbnail")
+        return Command::Thumbnail;
+    if (word == "play")
+        return Command::Play;
     if (word == "convert")
         return Command::Convert;
     if (word == "render")
@@ -260,6 +270,8 @@ std::string Arguments::usage()
        tarvik-image peaks [--json] [--frame N] COUNT FILE
        tarvik-image roi [--json] [--frame N] REGION FILE
        tarvik-image geometry [--json] [--frame N] [--at X,Y]... [--rings N] FILE
+       tarvik-image thumbnail [--json] [--frame N] FILE
+       tarvik-image play [--frames N] [--no-preloader] FILE
        tarvik-image convert [--frame N | --all] FILE OUT.cbf|.tif|.tiff|.h5
        tarvik-image render [--frame N] [--table NAME] [--background B] [--foreground F]
                            [--scale K] FILE OUT.png
@@ -285,6 +297,12 @@ geometry  tells what the header says of beam centre, distances and resolutions
   --at X,Y      with distance from the beam centre and resolution of a pixel; may be given
                 several times
   --rings N     with N resolution rings as the viewer draws them
+thumbnail tells the size of the reduced picture of an image
+  --json        with its pixels and those of its mask, row by row, as one JSON object
+play      runs through a series as fast as a view can, from the image that FILE names on, and
+          tells frames per second and what took how long
+  --frames N    at most N images behind the first one
+  --no-preloader  reads all images itself
 convert   writes an image in another format
   --all         all images of the series: numbered files, or the frames of one HDF5 series
 render    makes a PNG picture as the viewer shows it

@@ -6,6 +6,7 @@
 
 #include "logic/records/StatisticsData.h"
 
+#include <limits>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -29,7 +30,19 @@ struct Scale {
 };
 
 struct Arguments {
-    enum class Command { Help, Version, Info, Stats, Peaks, Roi, Geometry, Convert, Render };
+    enum class Command {
+        Help,
+        Version,
+        Info,
+        Stats,
+        Peaks,
+        Roi,
+        Geometry,
+        Thumbnail,
+        Play,
+        Convert,
+        Render
+    };
     enum class Format { Cbf, Tiff, Hdf5, Png };
 
     Command command = Command::Help;
@@ -37,7 +50,7 @@ struct Arguments {
     std::string output;           // convert, render
     Format format = Format::Cbf;  // of the output, by its extension
     std::optional<int> frame;     // number in the series; the one that the file names when absent
-    bool json = false;            // info, stats, peaks, roi, geometry
+    bool json = false;            // info, stats, peaks, roi, geometry, thumbnail
     // info
     bool rawHeader = false;
     std::vector<std::pair<int, int>> pixels;  // x, y
@@ -47,6 +60,9 @@ struct Arguments {
     // geometry
     std::vector<std::pair<int, int>> places;  // x, y
     int rings = 0;
+    // play
+    int playFrames = std::numeric_limits<int>::max();  // behind the first one, at most
+    bool preloader = true;
     // convert
     bool all = false;
     // render

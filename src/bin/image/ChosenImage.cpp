@@ -13,4 +13,12 @@ ChosenImage::ChosenImage(const Arguments& arguments)
     image = series.at(static_cast<std::size_t>(number));
 }
 
+morvend::imglib::MImage ChosenImage::mask() const
+{
+    const auto& mask = image.optionalData().pixel_mask();
+    if (mask && mask->width() == image.width() && mask->height() == image.height())
+        return *mask;
+    return {image.width(), image.height(), 0U};
+}
+
 }  // namespace tarvik::tool

@@ -14,6 +14,9 @@ struct ChosenImage {
     /// @throws MException
     explicit ChosenImage(const Arguments& arguments);
 
+    /// The image's mask, or one of good pixels when it has none of its size.
+    morvend::imglib::MImage mask() const;
+
     morvend::imglib::MImageSeries series{0};
     int number = 0;
     morvend::imglib::MImage image;

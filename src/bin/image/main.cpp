@@ -7,7 +7,9 @@
 #include "bin/image/Convert.h"
 #include "bin/image/GeometryReport.h"
 #include "bin/image/Info.h"
+#include "bin/image/Play.h"
 #include "bin/image/Render.h"
+#include "bin/image/ThumbnailReport.h"
 #include "imagelib/image/MException.h"
 #include "imagelib/io/FormatRegistry.h"
 
@@ -62,6 +64,12 @@ void run(const Arguments& arguments)
             report.writeText(std::cout);
         break;
     }
+    case Arguments::Command::Thumbnail:
+        tarvik::tool::ThumbnailReport::run(arguments, std::cout);
+        break;
+    case Arguments::Command::Play:
+        tarvik::tool::Play::run(arguments, std::cout);
+        break;
     case Arguments::Command::Convert:
         tarvik::tool::Convert(arguments).run();
         break;

@@ -24,67 +24,91 @@ HWY_INLINE void fetchAhead(const void* place)
     __builtin_prefetch(static_cast<const char*>(place) + 4096);
 }
 
-/// The pixels of two neighbouring rows at a time: half the traffic to and from the sums.
+/// Rows that are folded at a time: several streams from memory keep more of it busy than one, and
+/// the sums go back and forth less often.
+constexpr std::size_t Together = 4;
+
+/// Calls one(x) for whole vectors of `lanes` columns and rest(x) for the columns behind.
+template <class One, class Rest>
+HWY_INLINE void overColumns(std::size_t columns, std::size_t lanes, One&& one, Rest&& rest)
+{
+    std::size_t x = 0;
+    for (; x + lanes <= columns; x += lanes)
+        one(x);
+    for (; x < columns; ++x)
+        rest(x);
+}
+
 template <class T>
-void addPair(const T* upper, const T* lower, std::size_t columns, bool first, ColumnSum<T>* sums,
-             T* bits)
+HWY_INLINE void addTogether(const T* pixels, std::size_t columns, std::size_t rows, bool first,
+                            ColumnSum<T>* sums, T* bits)
 {
     using Sum = ColumnSum<T>;
     using Wide = std::conditional_t<std::is_signed_v<T> || sizeof(T) < 4, Sum, std::uint64_t>;
     const hn::ScalableTag<Sum> ds;
     const hn::ScalableTag<Wide> dw;
     const hn::Rebind<T, decltype(ds)> dt;
-    const std::size_t lanes = hn::Lanes(ds);
-    const auto widen = [&](auto pixels) { return hn::BitCast(ds, hn::PromoteTo(dw, pixels)); };
-    std::size_t x = 0;
-    for (; x + lanes <= columns; x += lanes) {
-        fetchAhead(upper + x);
-        fetchAhead(lower + x);
-        const auto above = hn::LoadU(dt, upper + x);
-        const auto below = hn::LoadU(dt, lower + x);
-        auto sum = hn::Add(widen(above), widen(below));
-        auto joined = hn::Or(above, below);
-        if (!first) {
-            sum = hn::Add(sum, hn::LoadU(ds, sums + x));
-            joined = hn::Or(joined, hn::LoadU(dt, bits + x));
-        }
-        hn::StoreU(sum, ds, sums + x);
-        hn::StoreU(joined, dt, bits + x);
-    }
-    for (; x < columns; ++x) {
-        sums[x] = (first ? 0 : sums[x]) + static_cast<Sum>(upper[x]) + static_cast<Sum>(lower[x]);
-        bits[x] = static_cast<T>((first ? 0 : bits[x]) | upper[x] | lower[x]);
-    }
+    overColumns(
+        columns, hn::Lanes(ds),
+        [&](std::size_t x) {
+            auto sum = first ? hn::Zero(ds) : hn::LoadU(ds, sums + x);
+            auto joined = first ? hn::Zero(dt) : hn::LoadU(dt, bits + x);
+            for (std::size_t row = 0; row < rows; ++row) {
+                const T* place = pixels + row * columns + x;
+                fetchAhead(place);
+                const auto values = hn::LoadU(dt, place);
+                sum = hn::Add(sum, hn::BitCast(ds, hn::PromoteTo(dw, values)));
+                joined = hn::Or(joined, values);
+            }
+            hn::StoreU(sum, ds, sums + x);
+            hn::StoreU(joined, dt, bits + x);
+        },
+        [&](std::size_t x) {
+            Sum sum = first ? 0 : sums[x];
+            T joined = first ? T(0) : bits[x];
+            for (std::size_t row = 0; row < rows; ++row) {
+                sum += static_cast<Sum>(pixels[row * columns + x]);
+                joined = static_cast<T>(joined | pixels[row * columns + x]);
+            }
+            sums[x] = sum;
+            bits[x] = joined;
+        });
 }
 
 template <class T>
 void addAll(const T* pixels, std::size_t columns, std::size_t rows, ColumnSum<T>* sums, T* bits)
 {
-    const std::size_t odd = rows % 2;
-    if (odd) {
-        std::copy_n(pixels, columns, sums);
-        std::copy_n(pixels, columns, bits);
-    }
-    for (std::size_t y = odd; y < rows; y += 2)
-        addPair(pixels + y * columns, pixels + (y + 1) * columns, columns, y == 0, sums, bits);
+    std::size_t y = 0;
+    for (; y + Together <= rows; y += Together)
+        addTogether(pixels + y * columns, columns, Together, y == 0, sums, bits);
+    if (y < rows)
+        addTogether(pixels + y * columns, columns, rows - y, y == 0, sums, bits);
 }
 
 void joinAll(const std::byte* bytes, std::size_t columns, std::size_t rows, std::byte* bits)
 {
     const hn::ScalableTag<std::uint8_t> d;
-    const std::size_t lanes = hn::Lanes(d);
     const auto* in = reinterpret_cast<const std::uint8_t*>(bytes);
     auto* out = reinterpret_cast<std::uint8_t*>(bits);
-    std::copy_n(in, columns, out);
-    for (std::size_t y = 1; y < rows; ++y) {
-        const std::uint8_t* row = in + y * columns;
-        std::size_t x = 0;
-        for (; x + lanes <= columns; x += lanes) {
-            fetchAhead(row + x);
-            hn::StoreU(hn::Or(hn::LoadU(d, row + x), hn::LoadU(d, out + x)), d, out + x);
-        }
-        for (; x < columns; ++x)
-            out[x] = static_cast<std::uint8_t>(out[x] | row[x]);
+    std::fill_n(out, columns, std::uint8_t(0));
+    for (std::size_t y = 0; y < rows;) {
+        const std::size_t together = std::min(Together, rows - y);
+        const std::uint8_t* first = in + y * columns;
+        overColumns(
+            columns, hn::Lanes(d),
+            [&](std::size_t x) {
+                auto joined = hn::LoadU(d, out + x);
+                for (std::size_t row = 0; row < together; ++row) {
+                    fetchAhead(first + row * columns + x);
+                    joined = hn::Or(joined, hn::LoadU(d, first + row * columns + x));
+                }
+                hn::StoreU(joined, d, out + x);
+            },
+            [&](std::size_t x) {
+                for (std::size_t row = 0; row < together; ++row)
+                    out[x] = static_cast<std::uint8_t>(out[x] | first[row * columns + x]);
+            });
+        y += together;
     }
 }
 

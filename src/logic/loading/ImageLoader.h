@@ -6,6 +6,8 @@
 
 #include "logic/loading/LoaderData.h"
 #include "logic/loading/MaskFixup.h"
+#include "logic/loading/MaskThumbnails.h"
+#include "logic/preload/PreloaderClient.h"
 
 #include <QElapsedTimer>
 #include <QObject>
@@ -24,7 +26,8 @@ class MImageSeries;
 /// Runs requests one at a time, in order, on a thread of its own; each ends in a finished record
 /// or in loadError().
 ///
-/// The series belongs to that one thread: only its jobs open, read and scan it. What they leave
+/// The series belongs to that one thread, as does the way to the preloader, which may hold the
+/// wanted image in memory already: only its jobs open, read and scan it. What they leave
 /// for others, the results and the bounds of the series, is guarded by a mutex that is held for
 /// moments only, so that no caller ever waits for a file. Thread: public calls from the GUI thread,
 /// never from a job.
@@ -86,6 +89,8 @@ private:
     std::atomic<int> _requests = 0;             // jobs that live
     const std::unique_ptr<morvend::imglib::MImageSeries> _series;
     MaskFixup _maskFixup;
+    MaskThumbnails _maskThumbnails;
+    PreloaderClient _preloader;
     std::mutex _handOver;
     mutable std::recursive_mutex _mutex;
     int _firstIndex = -1;

@@ -4,11 +4,51 @@
 // The client side of the preloader process.
 #pragma once
 
+#include "imagelib/image/MImage.h"
+
+#include <memory>
 #include <string>
 
-/// A view's way to the images that the preloader process has read ahead.
+namespace morvend::imglib {
+class MMessageQueue;
+}
+
+/// A view's way to the images that the preloader process has read ahead. Whatever becomes of that
+/// process, a view only misses: a peer that is dead, stopped or not there yet costs no more than
+/// half a second once.
+///
+/// All clients of a process share one queue and take turns. Thread: one at a time for each object.
 class PreloaderClient {
 public:
+    using MImage = morvend::imglib::MImage;
+    using Header = morvend::imglib::MBasicImageOptionalData<>;
+
     /// Name of the queue between this process and its preloader: private to this process.
     static std::string messageQueueId();
+
+    PreloaderClient();
+    ~PreloaderClient();
+
+    /// Lets the preloader read ahead behind an image of the series that `path` leads to; from now
+    /// on get() asks for images of that series.
+    void put(unsigned long index, const std::string& path);
+    /// The image of a number if it has been read ahead; its header is the default one with the
+    /// image's own fields laid over. The preloader goes on behind it.
+    /// @param path another series from now on, unless empty
+    /// @returns false on a miss, which leaves `image` as it is
+    bool get(MImage& image, unsigned long index, const std::string& path = {});
+
+    /// What all images of the series share, such as the tree of metadata, which does not travel.
+    void setDefaultOptData(const Header& header) { _defaultHeader = header; }
+    const Header& defaultOptData() const { return _defaultHeader; }
+    /// Off, get() asks nobody, and the default header is cleared.
+    void setEnabled(bool enabled);
+
+private:
+    bool _receive(MImage& image, unsigned long index);
+
+    std::unique_ptr<morvend::imglib::MMessageQueue> _queue;  // opened by the first put()
+    std::string _path;
+    bool _enabled = false;
+    Header _defaultHeader;
 };

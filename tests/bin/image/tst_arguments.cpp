@@ -35,6 +35,18 @@ TEST(ToolArguments, AFileMayHaveTheNameOfAnOption)
     EXPECT_EQ(Arguments::parse({"info", "-"}).file, "-");
 }
 
+TEST(ToolArguments, PlayAndThumbnail)
+{
+    const Arguments play = Arguments::parse({"play", "x.h5", "--frames", "12", "--no-preloader"});
+    EXPECT_EQ(play.command, Command::Play);
+    EXPECT_EQ(play.playFrames, 12);
+    EXPECT_FALSE(play.preloader);
+    EXPECT_TRUE(Arguments::parse({"play", "x.h5"}).preloader);
+    EXPECT_THROW(Arguments::parse({"play", "x.h5", "--json"}), UsageError);
+    EXPECT_THROW(Arguments::parse({"play", "x.h5", "--frames", "-1"}), UsageError);
+    EXPECT_TRUE(Arguments::parse({"thumbnail", "--json", "x.h5"}).json);
+}
+
 TEST(ToolArguments, RenderTakesLevelsAndScale)
 {
     const Arguments arguments =

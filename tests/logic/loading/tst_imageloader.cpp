@@ -168,7 +168,7 @@ TEST_F(Loader, FailuresAreToldInWords)
     push(MImage(2, 2, 1));
     finish(1);
     openIndex(-2);
-    EXPECT_EQ(error(), "There is no image -2 in this series");
+    EXPECT_EQ(error(), "There is no image -2 in the series, which goes from 0 to 0");
     push(MImage());
     EXPECT_EQ(error(), "The image has no pixels");
     openFile("/nowhere/x_1.cbf");
@@ -260,7 +260,9 @@ TEST_F(FileLoader, GoesThroughASeriesOfFiles)
     openIndex(1003);
     EXPECT_EQ(finish(1).front().image.pixel<int>(0, 0, -1), 3);
     EXPECT_THAT(testing::internal::GetCapturedStdout(),
-                testing::StartsWith("TIME LOADING IMAGE FROM SOURCE: "));
+                testing::MatchesRegex("\nTIME LOADING IMAGE FROM CACHE: [0-9]+\n"
+                                      "TIME LOADING IMAGE FROM SOURCE: [0-9]+\n"
+                                      "TIME COMPUTING MASK: .*"));
     openIndex(1004);
     EXPECT_THAT(error(), HasSubstr("1004"));
     write(4);
@@ -270,6 +272,43 @@ TEST_F(FileLoader, GoesThroughASeriesOfFiles)
     EXPECT_EQ(loader.lastIndex(), 1004);
     openIndex(1004);
     EXPECT_EQ(finish(1).front().path, folder / name(4));
+}
+
+TEST_F(FileLoader, ABrokenOrMissingImageIsNamedAndSteppingGoesOn)
+{
+    for (const int i : {1, 2, 3, 4, 6})
+        write(i);
+    openFile(folder / name(1));
+    finish(1);
+    folder.write(name(2), "{ HeaderID = 1 ; Size = 4 }\n");
+    std::filesystem::remove(folder / name(3));
+    openIndex(1002);
+    EXPECT_THAT(error(), HasSubstr(folder / name(2)));
+    openIndex(1003);
+    EXPECT_THAT(error(), HasSubstr(folder / name(3)));
+    openIndex(1005);
+    EXPECT_THAT(error(), HasSubstr(folder / name(5))) << "it never was there";
+    openIndex(1009);
+    EXPECT_THAT(error(), testing::AllOf(HasSubstr("1009"), HasSubstr("1001 to 1006")));
+    openIndex(1004);
+    EXPECT_EQ(finish(1).front().image.pixel<int>(0, 0, -1), 4);
+    write(7);
+    openIndex(1007);
+    EXPECT_EQ(finish(1).front().path, folder / name(7)) << "it has come since the last look";
+    EXPECT_EQ(loader.lastIndex(), 1007);
+}
+
+TEST_F(FileLoader, MaskWorkIsDoneOnce)
+{
+    for (int i = 1; i <= 3; ++i)
+        write(i);
+    openFile(folder / name(1));
+    const auto first = finish(1).front();
+    openIndex(1002);
+    const auto second = finish(1).front();
+    EXPECT_EQ(first.mask.identity(), second.mask.identity());
+    EXPECT_EQ(first.thumbnailMask.identity(), second.thumbnailMask.identity());
+    EXPECT_NE(first.statistics, second.statistics);
 }
 
 TEST_F(FileLoader, PushedImageBeginsASeriesInMemory)

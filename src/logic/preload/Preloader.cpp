@@ -1,0 +1,154 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The thread that reads ahead.
+#include "logic/preload/Preloader.h"
+
+#include "imagelib/io/MImageSeries.h"
+#include "imagelib/ipc/SegmentPool.h"
+#include "logic/support/Console.h"
+
+#include <system_error>
+
+using morvend::imglib::FileStamp;
+using morvend::imglib::MImage;
+using morvend::imglib::SegmentPool;
+using Key = PreloaderCache::Key;
+
+namespace {
+
+void warn(const std::string& place, const std::exception& error)
+{
+    console::warn("Preloader: Error opening " + place + "\n          " + error.what() + '\n');
+}
+
+}  // namespace
+
+/// The series that is read ahead, kept open between requests.
+class Preloader::Series {
+public:
+    /// Opens another series, or looks whether the open one has changed.
+    void select(const std::string& path)
+    {
+        // Stamped before the look: what is written meanwhile counts as a change.
+        const FileStamp now(path);
+        if (path != _path) {
+            _series.open(path);
+            _path = path;
+            // The images of the old one have another size as a rule.
+            SegmentPool::process()->trim();
+        } else if (_ended || !(now == _stamp)) {
+            _series.update();
+        }
+        _stamp = now;
+        _ended = false;
+    }
+
+    MImage read(unsigned long index, PreloaderCache::Origin& origin)
+    {
+        origin.mayGrow = _series.formatName() == "HDF5";
+        origin.path = _series.pathToImage(index);
+        origin.stamp = FileStamp(origin.path);
+        const morvend::image::PixelSource::Scope scope(*SegmentPool::process());
+        MImage image = _series[index];
+        image.optionalData().setNexusTree({});  // the client has it
+        return image;
+    }
+
+    /// The number itself, or the next one of the series where its known images leave a gap.
+    unsigned long overGap(unsigned long index) const
+    {
+        const int last = _series.last();
+        if (index == 0 || last < 0 || index > static_cast<unsigned long>(last))
+            return index;
+        return static_cast<unsigned long>(_series.next(static_cast<int>(index - 1)));
+    }
+
+    /// The series had no further image: it may have grown when it is asked for again.
+    void ended() { _ended = true; }
+
+private:
+    morvend::imglib::MImageSeries _series{0};
+    std::string _path;
+    FileStamp _stamp;
+    bool _ended = false;
+};
+
+Preloader::Preloader(PreloaderCache& cache, std::uint64_t most)
+    : _cache(cache)
+    , _mostBytes(most)
+{
+    try {
+        _thread = std::thread([this] { _threadMethod(); });
+    } catch (const std::system_error&) {
+        throw morvend::MRuntimeException("thread constructor failed");
+    }
+}
+
+Preloader::~Preloader()
+{
+    {
+        const std::lock_guard lock(_mutex);
+        _stop = true;
+    }
+    _condition.notify_one();
+    _thread.join();
+}
+
+void Preloader::run(const Key& key)
+{
+    const std::lock_guard lock(_mutex);
+    if (key == _wanted)
+        return;
+    _wanted = key;
+    _request = true;
+    _condition.notify_one();
+}
+
+bool Preloader::_nextRequest(Key& key)
+{
+    std::unique_lock lock(_mutex);
+    _condition.wait(lock, [this] { return _stop || _request; });
+    key = _wanted;
+    _request = false;
+    return !_stop;
+}
+
+void Preloader::_threadMethod()
+{
+    Series series;
+    Key key;
+    while (_nextRequest(key)) {
+        const std::string& path = std::get<0>(key);
+        try {
+            series.select(path);
+        } catch (const std::exception& error) {
+            warn(path, error);
+            continue;  // the series before stays open
+        }
+        _cache.eraseIfLessEqual(key);
+        _readAhead(key, series);
+    }
+}
+
+void Preloader::_readAhead(const Key& key, Series& series)
+{
+    const auto& [path, index] = key;
+    for (unsigned long i = index + 1; !_interrupted() && _cache.fill() <= _mostBytes; ++i) {
+        i = series.overGap(i);
+        const Key next(path, i);
+        _cache.eraseIfStale(next);
+        if (_cache.count(next))
+            continue;
+        try {
+            PreloaderCache::Origin origin{};
+            const MImage image = series.read(i, origin);
+            _cache.add(next, image, origin);
+        } catch (const morvend::MOutOfRangeException&) {
+            series.ended();
+            return;
+        } catch (const std::exception& error) {
+            warn(path + ':' + std::to_string(i), error);
+        }
+    }
+}

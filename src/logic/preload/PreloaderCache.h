@@ -1,0 +1,56 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The images that were read ahead.
+#pragma once
+
+#include "imagelib/image/MImage.h"
+#include "imagelib/io/series/FileStamp.h"
+
+#include <atomic>
+#include <cstdint>
+#include <map>
+#include <mutex>
+#include <string>
+#include <tuple>
+
+/// Images by path and number. Thread: any; no call does more than a few look-ups under the lock.
+class PreloaderCache {
+public:
+    using MImage = morvend::imglib::MImage;
+    /// Path of a series and number of an image in it.
+    using Key = std::tuple<std::string, unsigned long>;
+    /// The file that an image was read from, as it was before the reading.
+    struct Origin {
+        std::string path;
+        morvend::imglib::FileStamp stamp;
+        bool mayGrow;  // a container that its writer appends to
+    };
+
+    /// Inserts or overwrites. The bytes of an overwritten image go on counting.
+    void add(const Key& key, const MImage& image, const Origin& origin = {});
+    bool count(const Key& key) const;
+    /// A copy of the image, which shares the pixels.
+    /// @throws MOutOfRangeException "Cache fault" when it is not there
+    MImage operator[](const Key& key) const;
+    /// Erases the images of other paths, and those of this path up to and with this number.
+    void eraseIfLessEqual(const Key& key);
+    /// Erases an image whose file shows something else by now. One that has no file any more
+    /// stays. Looks at the file, without the lock.
+    void eraseIfStale(const Key& key);
+    /// Bytes of the pixels of all images.
+    std::uint64_t fill() const { return _fill; }
+
+private:
+    struct Entry {
+        MImage image;
+        Origin origin{};
+    };
+    using Entries = std::map<Key, Entry>;
+
+    static std::uint64_t _bytes(const Entry& entry);
+
+    mutable std::mutex _mutex;
+    Entries _entries;
+    std::atomic<std::uint64_t> _fill = 0;
+};

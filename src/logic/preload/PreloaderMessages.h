@@ -1,0 +1,34 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The requests and replies between a viewer and its preloader.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+/// Byte strings in the byte order of the machine:
+///
+/// | request: offset | size | field |
+/// |---|---|---|
+/// | 0 | 4 | method |
+/// | 4 | 8 | index |
+/// | 12 | rest | bytes of the path |
+///
+/// A GET is answered by one byte, 1 for a hit or 0 for a miss, and after a hit by an image.
+namespace preloader {
+
+enum Method : std::uint32_t {
+    GET = 0,  ///< hand over an image, and read ahead from it
+    PUT = 1   ///< read ahead from this image
+};
+
+std::string pack(Method method, unsigned long index, const std::string& path);
+/// Asserts that method and index are there.
+void unpack(const std::string& data, Method& method, unsigned long& index, std::string& path);
+
+std::string pack(bool hit);
+/// Asserts that the byte is there.
+void unpack(const std::string& data, bool& hit);
+
+}  // namespace preloader

@@ -1,0 +1,121 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// What the cache keeps and counts, and the bytes of requests.
+#include "logic/preload/PreloaderCache.h"
+#include "logic/preload/PreloaderMessages.h"
+#include "tests/support/TempFolder.h"
+
+#include <gmock/gmock.h>
+
+namespace {
+
+using morvend::imglib::FileStamp;
+using morvend::imglib::MImage;
+using tarvik::tests::TempFolder;
+
+TEST(PreloaderCache, GivesBackWhatWasAdded)
+{
+    PreloaderCache cache;
+    const MImage image(4, 3, 7);
+    cache.add({"a", 5}, image);
+    EXPECT_TRUE(cache.count({"a", 5}));
+    EXPECT_EQ((cache[{"a", 5}].identity()), image.identity());
+    for (const auto& other : {PreloaderCache::Key("a", 4), {"b", 5}, {"", 0}}) {
+        EXPECT_FALSE(cache.count(other));
+        try {
+            cache[other];
+            FAIL();
+        } catch (const morvend::MOutOfRangeException& error) {
+            EXPECT_STREQ(error.what(), "Cache fault");
+        }
+    }
+}
+
+TEST(PreloaderCache, KeepsOnlyWhatLiesAhead)
+{
+    PreloaderCache cache;
+    const MImage image(4, 3, 7);  // 48 bytes
+    for (unsigned long i = 1; i <= 6; ++i)
+        cache.add({"b", i}, image);
+    cache.add({"a", 9}, image);
+    cache.add({"c", 9}, image);
+    EXPECT_EQ(cache.fill(), 8 * 48U);
+    cache.eraseIfLessEqual({"b", 4});
+    for (unsigned long i = 1; i <= 6; ++i)
+        EXPECT_EQ(cache.count({"b", i}), i > 4) << i;
+    EXPECT_FALSE(cache.count({"a", 9}));
+    EXPECT_FALSE(cache.count({"c", 9}));
+    EXPECT_EQ(cache.fill(), 2 * 48U);
+    cache.eraseIfLessEqual({"b", 1});
+    EXPECT_EQ(cache.fill(), 2 * 48U) << "going back erases nothing ahead";
+}
+
+TEST(PreloaderCache, BytesOfAnOverwrittenImageGoOnCounting)
+{
+    PreloaderCache cache;
+    cache.add({"a", 1}, MImage(4, 3, 7));
+    cache.add({"a", 1}, MImage(2, 1, 7));
+    EXPECT_EQ(cache.fill(), 48U + 8U);
+    EXPECT_EQ((cache[{"a", 1}].width()), 2);
+    cache.eraseIfLessEqual({"a", 1});
+    EXPECT_EQ(cache.fill(), 48U);
+}
+
+struct StaleCase {
+    const char* name;
+    const char* before;
+    const char* after;  // null: removed
+    bool mayGrow;
+    bool stale;
+};
+
+TEST(PreloaderCache, ImageGoesWhenItsFileShowsSomethingElse)
+{
+    for (const StaleCase& row : {StaleCase{"unchanged", "abc", "", false, false},
+                                 {"rewritten", "abc", "xyz", false, true},
+                                 {"longer", "abc", "abcdef", false, true},
+                                 {"appended to", "abc", "abcdef", true, false},
+                                 {"cut", "abc", "a", true, true},
+                                 {"removed", "abc", nullptr, false, false}}) {
+        const TempFolder folder;
+        const std::string path = folder.write("x", row.before);
+        PreloaderCache cache;
+        cache.add({"a", 1}, MImage(4, 3, 7), {path, FileStamp(path), row.mayGrow});
+        if (!row.after)
+            std::filesystem::remove(path);
+        else if (*row.after) {
+            const auto later = std::filesystem::last_write_time(path) + std::chrono::seconds(2);
+            folder.write("x", row.after);
+            std::filesystem::last_write_time(path, later);
+        }
+        cache.eraseIfStale({"a", 1});
+        EXPECT_EQ(cache.count({"a", 1}), !row.stale) << row.name;
+        EXPECT_EQ(cache.fill(), row.stale ? 0 : 48U) << row.name;
+        cache.eraseIfStale({"a", 2});
+    }
+}
+
+TEST(PreloaderMessages, AreBytesInTheOrderOfTheMachine)
+{
+    const std::string put = preloader::pack(preloader::PUT, 0x0102030405060708UL, "/a b");
+    EXPECT_EQ(put, std::string("\1\0\0\0\x08\7\6\5\4\3\2\1/a b", 16));
+    EXPECT_EQ(preloader::pack(preloader::GET, 0, ""), std::string(12, '\0'));
+    preloader::Method method{};
+    unsigned long index = 0;
+    std::string path;
+    preloader::unpack(put, method, index, path);
+    EXPECT_EQ(method, preloader::PUT);
+    EXPECT_EQ(index, 0x0102030405060708UL);
+    EXPECT_EQ(path, "/a b");
+    EXPECT_EQ(preloader::pack(true), std::string("\1"));
+    EXPECT_EQ(preloader::pack(false), std::string("\0", 1));
+    bool hit = false;
+    preloader::unpack(std::string("\1x", 2), hit);
+    EXPECT_TRUE(hit);
+    EXPECT_DEATH(preloader::unpack(put.substr(0, 11), method, index, path),
+                 R"(data\.size\(\) >= sizeof\(Method\)\+sizeof\(index\))");
+    EXPECT_DEATH(preloader::unpack("", hit), R"(data\.size\(\) >= sizeof\(bool\))");
+}
+
+}  // namespace

@@ -1,0 +1,253 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// A view's questions to a real preloader process, and what becomes of them when it dies.
+#include "imagelib/ipc/MMessageQueue.h"
+#include "logic/ImageLoaderThread.h"
+#include "logic/preload/PreloaderClient.h"
+#include "logic/preload/PreloaderProcess.h"
+#include "tests/support/EdfFile.h"
+#include "tests/support/WaitFor.h"
+
+#include <QElapsedTimer>
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <csignal>
+#include <fstream>
+
+namespace {
+
+using morvend::imglib::MImage;
+using morvend::imglib::MMessageQueue;
+using tarvik::tests::TempFolder;
+using tarvik::tests::writeEdf;
+
+constexpr int side = 300;  // 360,000 bytes a frame: it travels in shared memory
+constexpr int frames = 24;
+
+class WithProcess : public testing::Test {
+protected:
+    WithProcess()
+    {
+        for (int i = 1; i <= frames; ++i)
+            writeEdf(folder, name(i), side, std::vector<std::int32_t>(side * side, 1000 + i));
+    }
+    static std::string name(int number) { return "x_" + std::to_string(number) + ".edf"; }
+    static bool shows(const MImage& image, int number)
+    {
+        const int* pixels = image.pixels<int>();
+        return image.size() == side * side &&
+               std::all_of(pixels, pixels + image.size(),
+                           [&](int p) { return p == 1000 + number; });
+    }
+    ~WithProcess() override
+    {
+        signalProcess(SIGKILL);
+        EXPECT_TRUE(waitFor([&] { return !queue.connected(); }));
+    }
+    /// Waits for a preloader that came after the one of that generation.
+    bool connected(MMessageQueue::Peer after = MMessageQueue::NoPeer)
+    {
+        return waitFor([&] { return queue.connected() && queue.generation() > after; });
+    }
+    void signalProcess(int signal) const
+    {
+        ASSERT_GT(process.processId(), 0);
+        ASSERT_EQ(kill(static_cast<pid_t>(process.processId()), signal), 0);
+    }
+    /// Takes an image from the preloader, which may be reading yet.
+    bool hits(PreloaderClient& client, MImage& image, unsigned long index)
+    {
+        return waitFor([&] {
+            if (client.get(image, index))
+                return true;
+            client.put(index - 1, folder / name(1));
+            return false;
+        });
+    }
+
+    const TempFolder folder;
+    MMessageQueue queue{PreloaderClient::messageQueueId().c_str()};
+    PreloaderProcess process{TARVIK_PRELOADER};
+};
+
+TEST_F(WithProcess, HandsOverWhatItHasReadAhead)
+{
+    PreloaderClient client;
+    MImage image(1, 1, 5);
+    EXPECT_FALSE(client.get(image, 1, folder / name(1))) << "not enabled before the first put";
+    client.put(1, folder / name(1));
+    PreloaderClient::Header header;
+    header.set_wavelength(0.9F);
+    header.set_imageDescription("default");
+    morvend::nexus::MBasicNeXusTree tree;
+    tree.setText("/entry/title", "kept");
+    header.setNexusTree(tree);
+    client.setDefaultOptData(header);
+    ASSERT_TRUE(connected());
+    ASSERT_TRUE(hits(client, image, 2));
+    EXPECT_TRUE(shows(image, 2));
+    EXPECT_TRUE(image.imageData().buffer()->readOnly()) << "the pixels are the preloader's";
+    const auto& merged = std::as_const(image).optionalData();
+    EXPECT_EQ(merged.wavelength().get_value_or(0), 0.9F);
+    EXPECT_EQ(merged.imageDescription().get_value_or(""), name(2))
+        << "the image's own fields count";
+    EXPECT_TRUE(merged.nexusTree().find("/entry/title"));
+    EXPECT_TRUE(hits(client, image, 3));
+
+    const MImage before = image;
+    QTest::qWait(100);
+    EXPECT_FALSE(client.get(image, 3)) << "it has been handed over";
+    EXPECT_EQ(image.identity(), before.identity()) << "a miss leaves the image";
+    EXPECT_FALSE(client.get(image, frames + 1));
+    EXPECT_FALSE(client.get(image, 1, folder / "nothing.edf"));
+    client.setEnabled(false);
+    EXPECT_FALSE(client.get(image, 4, folder / name(1)));
+    EXPECT_FALSE(client.defaultOptData().wavelength().has_value());
+}
+
+TEST_F(WithProcess, FramesThatAreShownStayAsTheyAre)
+{
+    PreloaderClient client;
+    client.put(1, folder / name(1));
+    ASSERT_TRUE(connected());
+    std::vector<MImage> shown;
+    for (int round = 0; round < 3; ++round)
+        for (int i = 2; i <= frames; ++i) {
+            MImage image;
+            ASSERT_TRUE(hits(client, image, static_cast<unsigned long>(i)));
+            ASSERT_TRUE(shows(image, i));
+            if (i % 5 == 0)
+                shown.push_back(image);
+            for (std::size_t k = 0; k < shown.size(); ++k)
+                ASSERT_TRUE(shows(shown[k], 5 * (int(k) % (frames / 5) + 1)));
+            if (i == frames)
+                client.put(1, folder / name(1));
+        }
+    signalProcess(SIGKILL);
+    QTest::qWait(50);
+    for (std::size_t k = 0; k < shown.size(); ++k)
+        EXPECT_TRUE(shows(shown[k], 5 * (int(k) % (frames / 5) + 1))) << "also without its owner";
+}
+
+TEST_F(WithProcess, ADeadPreloaderOnlyMissesAndComesAgain)
+{
+    PreloaderClient client;
+    client.put(1, folder / name(1));
+    ASSERT_TRUE(connected());
+    MImage image;
+    ASSERT_TRUE(hits(client, image, 2));
+    for (int round = 0; round < 2; ++round) {
+        const qint64 old = process.processId();
+        const auto before = queue.generation();
+        signalProcess(SIGKILL);
+        QElapsedTimer clock;
+        clock.start();
+        client.get(image, 3);
+        EXPECT_LT(clock.elapsed(), 1000);
+        ASSERT_TRUE(connected(before));
+        EXPECT_NE(process.processId(), old);
+        EXPECT_FALSE(client.get(image, 4));
+        QTest::qWait(200);
+        ASSERT_TRUE(client.get(image, 5)) << "its successor reads ahead without being told";
+        EXPECT_TRUE(shows(image, 5));
+    }
+}
+
+TEST_F(WithProcess, AStoppedPreloaderCostsHalfASecond)
+{
+    PreloaderClient client;
+    client.put(1, folder / name(1));
+    ASSERT_TRUE(connected());
+    MImage image;
+    ASSERT_TRUE(hits(client, image, 2));
+    signalProcess(SIGSTOP);
+    testing::internal::CaptureStderr();
+    QElapsedTimer clock;
+    clock.start();
+    EXPECT_FALSE(client.get(image, 3));
+    EXPECT_LT(clock.restart(), 900);
+    EXPECT_FALSE(client.get(image, 4));
+    EXPECT_LT(clock.elapsed(), 200) << "only once";
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), testing::HasSubstr("left alone"));
+    signalProcess(SIGCONT);
+    ASSERT_TRUE(hits(client, image, 9));
+    EXPECT_TRUE(shows(image, 9)) << "no answer to an earlier question";
+}
+
+TEST_F(WithProcess, LoaderStepsThroughKillsWithTheRightPixels)
+{
+    ImageLoader loader;
+    QObject receiver;
+    std::list<ImageLoader::Data> records;
+    QObject::connect(&loader, &ImageLoader::newImage, &receiver, [&] { loader.results(records); });
+    const auto load = [&](ImageLoader::Task task, int index) {
+        ImageLoader::Data request;
+        request.path = folder / name(1);
+        request.index = index;
+        records.clear();
+        QElapsedTimer clock;
+        clock.start();
+        loader.open(task, request, true);
+        EXPECT_TRUE(waitFor([&] { return !records.empty(); }));
+        EXPECT_LT(clock.elapsed(), 1000) << index;
+        EXPECT_TRUE(shows(records.front().image, index)) << index;
+        EXPECT_EQ(records.front().index, index);
+        EXPECT_EQ(records.front().path, folder / name(index));
+    };
+    testing::internal::CaptureStdout();
+    load(ImageLoader::TaskOpenSeries, 1);
+    EXPECT_TRUE(connected());
+    QTest::qWait(200);
+    const auto before = StepTimes::now();
+    for (int i = 2; i <= 8; ++i)
+        load(ImageLoader::TaskOpenIndex, i);
+    const auto cached = StepTimes::now();
+    const std::string lines = testing::internal::GetCapturedStdout();
+    EXPECT_GE(cached.hits - before.hits, 6U);
+    EXPECT_THAT(lines, testing::ContainsRegex("\nTIME LOADING IMAGE FROM CACHE: [0-9]+\n"
+                                              "TIME COMPUTING MASK: "));
+    for (int i = 9; i <= frames; ++i) {
+        const bool dies = i % 6 == 0;
+        const auto generation = queue.generation();
+        if (dies)
+            signalProcess(SIGKILL);
+        load(ImageLoader::TaskOpenIndex, i);
+        EXPECT_TRUE(connected(dies ? generation : generation - 1));
+        QTest::qWait(dies || i % 6 == 1 ? 200 : 1);
+    }
+    EXPECT_GE(StepTimes::now().hits, cached.hits + 4) << "read-ahead has come back";
+}
+
+TEST(WithoutProcess, EveryQuestionIsAMissAtOnce)
+{
+    PreloaderClient client;
+    client.put(1, "/nowhere/x_1.edf");
+    MImage image;
+    QElapsedTimer clock;
+    clock.start();
+    for (unsigned long i = 0; i < 100; ++i)
+        EXPECT_FALSE(client.get(image, i));
+    EXPECT_LT(clock.elapsed(), 200);
+}
+
+TEST(PreloaderProcess, ThatCanNotBeStartedIsTriedAgain)
+{
+    const TempFolder folder;
+    const std::string script = folder / "program";
+    PreloaderProcess process(QString::fromStdString(script));
+    EXPECT_EQ(process.processId(), 0);
+    folder.write("program", "#!/bin/sh\necho $@ >> \"$0.log\"\nsleep 100\n");
+    std::filesystem::permissions(script, std::filesystem::perms::owner_all);
+    ASSERT_TRUE(waitFor([&] { return process.processId() > 0; }));
+    ASSERT_TRUE(waitFor([&] { return std::filesystem::exists(script + ".log"); }));
+    kill(static_cast<pid_t>(process.processId()), SIGKILL);
+    std::string line;
+    std::getline(std::ifstream(script + ".log"), line);
+    const std::string pid = std::to_string(getpid());
+    EXPECT_EQ(line, "--preloader PRELOADER_" + pid + " --parent-pid " + pid);
+}
+
+}  // namespace

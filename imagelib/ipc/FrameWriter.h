@@ -21,6 +21,7 @@ public:
 
     void enqueue(wire::Parcel parcel) { _waiting.push_back(std::move(parcel)); }
     bool idle() const { return _waiting.empty(); }
+    std::size_t waiting() const { return _waiting.size(); }
     /// Writes until nothing waits any more, true, or until nothing can be written now, false.
     /// @throws MPeerGoneException, and MRuntimeException for an image that no memory can be had
     /// for: that one is dropped

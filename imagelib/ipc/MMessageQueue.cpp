@@ -39,6 +39,8 @@ void MMessageQueue::receive(MDrawingList<>& list)
     list = taken<MDrawingList<>>(*_end, NoPeer, Forever);
 }
 
+std::size_t MMessageQueue::waiting() const { return _end->waiting(); }
+
 MMessageQueue::Peer MMessageQueue::peer() const { return _end->peer(); }
 MMessageQueue::Peer MMessageQueue::generation() const { return _end->generation(); }
 MMessageQueue::Peer MMessageQueue::waitForPeer(std::chrono::milliseconds timeout) const

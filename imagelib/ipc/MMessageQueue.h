@@ -67,6 +67,10 @@ public:
     void receive(MImage& image);
     void receive(MDrawingList<>& list);
 
+    /// Number of messages that wait in this process, for a peer or for room in its socket: what a
+    /// producer that is faster than its peer looks at.
+    std::size_t waiting() const;
+
     /// The connected peer, or NoPeer.
     Peer peer() const;
     bool connected() const { return peer() != NoPeer; }

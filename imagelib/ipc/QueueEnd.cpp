@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cassert>
 #include <map>
+#include <system_error>
 
 #include <pthread.h>
 #include <signal.h>
@@ -60,7 +61,12 @@ QueueEnd::QueueEnd(const std::string& name, std::shared_ptr<SegmentPool> pool)
     sigset_t before;
     ::sigfillset(&all);
     ::pthread_sigmask(SIG_SETMASK, &all, &before);
-    _thread = std::thread([this] { run(); });
+    try {
+        _thread = std::thread([this] { run(); });
+    } catch (const std::system_error& error) {
+        ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+        throw MRuntimeException(std::string("Queue: no thread: ") + error.what());
+    }
     ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
 }
 
@@ -214,6 +220,12 @@ void QueueEnd::checkPeer(Peer peer)
 {
     if (peer == MMessageQueue::NoPeer)
         throw MPeerGoneException("Queue: there is no peer");
+}
+
+std::size_t QueueEnd::waiting() const
+{
+    const std::lock_guard sending(_sendMutex);
+    return _outbox.size() + (_sending ? _sending->writer.waiting() : 0);
 }
 
 QueueEnd::Peer QueueEnd::peer() const

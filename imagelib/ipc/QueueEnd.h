@@ -43,6 +43,7 @@ public:
     /// @throws MPeerGoneException for NoPeer, which no conversation can be held with
     static void checkPeer(Peer peer);
 
+    std::size_t waiting() const;
     Peer peer() const;
     Peer generation() const;
     Peer waitForPeer(std::chrono::milliseconds timeout) const;
@@ -78,7 +79,7 @@ private:
     UniqueFd _wake;      // an event for the thread
     PeerFinder _finder;  // the thread's alone, once it runs
 
-    std::mutex _sendMutex;
+    mutable std::mutex _sendMutex;
     std::deque<wire::Parcel> _outbox;  // for the next peer
     Link _sending;                     // the connection that is written to
 

@@ -51,6 +51,7 @@ TEST_F(QueueTest, MessagesSentBeforeThePeerIsThereWaitInOrder)
                                 countingImage(2000, 500), std::string("two")};
     for (const Message& message : messages)
         first->send(message);
+    EXPECT_EQ(first->waiting(), std::size(messages));
     second = openEnd(name);
     for (const Message& message : messages)
         EXPECT_TRUE(sameMessages(second->receive(message.index(), Any, 5s), message));

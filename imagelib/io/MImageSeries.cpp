@@ -96,10 +96,8 @@ int MImageSeries::open(const std::string& path)
 int MImageSeries::_open(const std::string& file)
 {
     std::unique_ptr<ImageFile> opened = FormatRegistry::open(file);
-    std::optional<SeriesFinder> finder;
-    if (!FrameSeries::suits(*opened))
-        finder = SeriesFinder::of(file);
-    if (finder) {
+    std::optional<SeriesFinder> finder = SeriesFinder::of(file);
+    if (finder && !FrameSeries::suits(*opened)) {
         const int number = finder->number();
         _d->series = std::make_unique<NumberedSeries>(std::move(*finder), std::move(opened));
         return number;

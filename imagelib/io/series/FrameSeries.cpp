@@ -7,6 +7,7 @@
 #include "imagelib/io/FormatRegistry.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <limits>
 #include <string_view>
 #include <utility>
@@ -25,7 +26,18 @@ FrameSeries::FrameSeries(std::string path, std::unique_ptr<ImageFile> file)
     , _file(std::move(file))
 {}
 
-bool FrameSeries::suits(const ImageFile& file) { return isHdf5(file) || file.frameCount() > 1; }
+bool FrameSeries::suits(const ImageFile& file)
+{
+    if (isHdf5(file) || file.frameCount() != 2)
+        return isHdf5(file) || file.frameCount() > 1;
+    try {
+        file.frame(1);
+        return true;
+    } catch (const MException& error) {
+        std::fprintf(stderr, "WARNING: the first image alone is shown: %s\n", error.what());
+        return false;
+    }
+}
 
 int FrameSeries::openedNumber() const { return first() + static_cast<int>(_file->openedFrame()); }
 

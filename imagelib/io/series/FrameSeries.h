@@ -20,7 +20,9 @@ public:
     FrameSeries(std::string path, std::unique_ptr<ImageFile> file);
 
     /// Is the file a series by itself, whatever its name? True for several frames and for HDF5,
-    /// whose writers append to the container even while it has one frame.
+    /// whose writers append to the container even while it has one frame. A second and last frame
+    /// that can't be read is none, with a line on standard error: some writers leave junk behind
+    /// their image, and it stays a member of its numbered set.
     static bool suits(const ImageFile& file);
 
     /// The number of the frame that the path names.

@@ -4,12 +4,16 @@
 // From the command line to an image.
 #include "bin/image/ChosenImage.h"
 
+#include "bin/image/CrashGuard.h"
+
 namespace tarvik::tool {
 
 ChosenImage::ChosenImage(const Arguments& arguments)
-    : number(series.open(arguments.file))
 {
+    CrashGuard::note("opening the file: " + arguments.file);
+    number = series.open(arguments.file);
     number = arguments.frame.value_or(number);
+    CrashGuard::note("reading image " + std::to_string(number) + ": " + arguments.file);
     image = series.at(static_cast<std::size_t>(number));
 }
 

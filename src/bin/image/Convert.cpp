@@ -4,6 +4,7 @@
 // Walks over the images of a series and writes them.
 #include "bin/image/Convert.h"
 
+#include "bin/image/CrashGuard.h"
 #include "bin/image/Progress.h"
 #include "bin/image/SourceGuard.h"
 #include "bin/image/StagingFolder.h"
@@ -21,8 +22,10 @@ using namespace morvend::imglib;
 
 Convert::Convert(Arguments arguments)
     : _arguments(std::move(arguments))
-    , _opened(_series.open(_arguments.file))
-{}
+{
+    CrashGuard::note("opening the file: " + _arguments.file);
+    _opened = _series.open(_arguments.file);
+}
 
 std::string Convert::numberedName(const std::string& output, int number)
 {
@@ -36,6 +39,12 @@ std::string Convert::numberedName(const std::string& output, int number)
 std::string Convert::target(int number) const
 {
     return _arguments.all ? numberedName(_arguments.output, number) : _arguments.output;
+}
+
+MImage Convert::image(int number) const
+{
+    CrashGuard::note("converting image " + std::to_string(number) + ": " + _arguments.file);
+    return _series.at(static_cast<std::size_t>(number));
 }
 
 int Convert::firstNumber() const
@@ -72,7 +81,7 @@ void Convert::writeFiles() const
     for (int number = firstNumber(); number >= 0; number = nextNumber(number)) {
         stop.check();
         progress.show(number);
-        MImageWriter::write(_series.at(static_cast<std::size_t>(number)), target(number), format);
+        MImageWriter::write(image(number), target(number), format);
     }
 }
 
@@ -86,12 +95,12 @@ void Convert::writeSeries() const
         for (int number = firstNumber(); number >= 0; number = nextNumber(number)) {
             stop.check();
             progress.show(number);
-            const MImage image = _series.at(static_cast<std::size_t>(number));
+            const MImage next = image(number);
             if (!writer)
                 writer = std::make_unique<MHdf5Writer>(staging.path(), 0,
-                                                       image.optionalData().nexusTree(),
+                                                       next.optionalData().nexusTree(),
                                                        MCompression::BITSHUFFLE_LZ4);
-            writer->write(image);
+            writer->write(next);
         }
         if (writer)
             writer->flush();

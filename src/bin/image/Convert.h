@@ -26,6 +26,7 @@ public:
 
 private:
     std::string target(int number) const;
+    morvend::imglib::MImage image(int number) const;
     int firstNumber() const;
     int nextNumber(int number) const;
     void guardSources() const;

@@ -5,13 +5,13 @@
 #include "bin/image/Analysis.h"
 #include "bin/image/Arguments.h"
 #include "bin/image/Convert.h"
+#include "bin/image/CrashGuard.h"
 #include "bin/image/GeometryReport.h"
 #include "bin/image/Info.h"
 #include "bin/image/Play.h"
 #include "bin/image/Render.h"
 #include "bin/image/ThumbnailReport.h"
 #include "imagelib/image/MException.h"
-#include "imagelib/io/FormatRegistry.h"
 
 #include <algorithm>
 #include <iostream>
@@ -81,16 +81,11 @@ void run(const Arguments& arguments)
         throw morvend::MRuntimeException("Cannot write to standard output");
 }
 
-}  // namespace
-
-int main(int argc, char** argv)
+int runCommand(const std::vector<std::string>& words)
 {
     std::string file;
-    // A file that brings the HDF5 library down is to end in a line and an exit code too.
-    morvend::imglib::FormatRegistry::readHdf5Apart(true);
     try {
-        const Arguments arguments =
-            Arguments::parse(std::vector<std::string>(argv + std::min(argc, 1), argv + argc));
+        const Arguments arguments = Arguments::parse(words);
         file = arguments.file;
         run(arguments);
         return Done;
@@ -102,4 +97,12 @@ int main(int argc, char** argv)
     } catch (const std::exception& error) {
         return fail(error.what());
     }
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    const std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
+    return tarvik::tool::CrashGuard::run([&] { return runCommand(words); }, fail);
 }

@@ -114,7 +114,9 @@ std::shared_ptr<const ByteSource> ByteSource::open(const std::string& path)
     const Packing packing = packingOf(file->head(4));
     if (packing == Packing::None)
         return file;
-    Unpacked unpacked = unpack(*file, packing, MostUnpacked);
+    const std::uint64_t packed = std::min(file->size(), MostUnpacked);
+    const std::uint64_t most = std::clamp(packed * BestRatio, AlwaysUnpacked, MostUnpacked);
+    Unpacked unpacked = unpack(*file, packing, most);
     return fromMemory(path, std::move(unpacked.buffer), unpacked.size);
 }
 

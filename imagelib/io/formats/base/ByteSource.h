@@ -21,11 +21,14 @@ namespace morvend::imglib {
 /// Thread: any number of threads may read one source.
 class ByteSource {
 public:
-    /// Largest size of an unpacked file.
+    /// Largest size of an unpacked file; one that unpacks to so many times its own size is a trap,
+    /// unless it stays below a size that one image may have.
     static constexpr std::uint64_t MostUnpacked = std::uint64_t(4) << 30;
+    static constexpr std::uint64_t BestRatio = 64;
+    static constexpr std::uint64_t AlwaysUnpacked = std::uint64_t(192) << 20;
 
     /// @throws MNoFileAccessException when the file can't be opened or is no regular file,
-    /// MRuntimeException when a compressed file is damaged or unpacks to more than MostUnpacked
+    /// MRuntimeException when a compressed file is damaged or unpacks to more than that
     static std::shared_ptr<const ByteSource> open(const std::string& path);
     /// Bytes in memory under a name, for tests and for parts of files.
     static std::shared_ptr<const ByteSource> fromMemory(std::string path,

@@ -82,11 +82,17 @@ void BlockTable::_findEnd()
         --end;
     _end = std::max(_end, end);
     if (_end == 0)
-        throw MNoFileAccessException(
-            "HDF5: none of the " + std::to_string(_blocks.size()) +
-            " data files exists, the first is " +
-            (_blocks.front().place ? _blocks.front().place->file : _blocks.front().link) + ": " +
-            _master);
+        _failWithoutBlocks();
+}
+
+void BlockTable::_failWithoutBlocks()
+{
+    const Place& first = _place(_blocks.front());  // throws when its link is what is wrong
+    if (_blocks.size() == 1)
+        throw MNoFileAccessException("HDF5: the data file " + first.file +
+                                     " does not exist: " + _master);
+    throw MNoFileAccessException("HDF5: none of the " + std::to_string(_blocks.size()) +
+                                 " data files exists, the first is " + first.file + ": " + _master);
 }
 
 bool BlockTable::_open(std::size_t block)

@@ -73,6 +73,7 @@ private:
     bool _exists(Block& block);
     bool _leadsTo(Block& block, const std::string& name);
     void _findEnd();
+    [[noreturn]] void _failWithoutBlocks();
     void _settle();
     bool _open(std::size_t block);
     void _countAll();

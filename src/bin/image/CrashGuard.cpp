@@ -1,0 +1,109 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Fork, wait, and tell.
+#include "bin/image/CrashGuard.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+
+#include <sys/mman.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace tarvik::tool {
+
+namespace {
+
+/// Memory that the child leaves behind.
+struct Note {
+    char text[4096];
+};
+Note* sharedNote = nullptr;
+
+volatile std::sig_atomic_t child = 0;
+
+void forward(int signal) { ::kill(static_cast<pid_t>(child), signal); }
+
+/// These end a program on purpose: the shell is to see that they did.
+constexpr int Deliberate[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE};
+
+/// A key that is pressed reaches the child by itself, a signal to this process alone does not.
+void leaveSignalsTo(pid_t pid)
+{
+    child = pid;
+    for (const int signal : {SIGINT, SIGQUIT, SIGPIPE})
+        std::signal(signal, SIG_IGN);
+    for (const int signal : {SIGTERM, SIGHUP}) {
+        struct sigaction action = {};
+        action.sa_handler = forward;
+        action.sa_flags = SA_RESTART;
+        ::sigaction(signal, &action, nullptr);
+    }
+}
+
+[[noreturn]] void endAs(int signal)
+{
+    std::signal(signal, SIG_DFL);
+    ::raise(signal);
+    std::_Exit(128 + signal);
+}
+
+std::string reasonOf(int signal)
+{
+    const char* const text = ::sigdescr_np(signal);
+    std::string reason = "the program ended with signal " + std::to_string(signal);
+    if (text)
+        reason += " (" + std::string(text) + ")";
+    if (sharedNote) {
+        const std::string doing(sharedNote->text, ::strnlen(sharedNote->text, sizeof(Note)));
+        reason += doing.empty() ? "" : " while " + doing;
+    }
+    return reason;
+}
+
+}  // namespace
+
+void CrashGuard::note(const std::string& doing)
+{
+    if (!sharedNote)
+        return;
+    const std::size_t size = std::min(doing.size(), sizeof(Note) - 1);
+    std::memcpy(sharedNote->text, doing.data(), size);
+    sharedNote->text[size] = '\0';
+}
+
+int CrashGuard::run(const std::function<int()>& work,
+                    const std::function<int(const std::string&)>& failed)
+{
+    void* const memory =
+        ::mmap(nullptr, sizeof(Note), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    sharedNote = memory == MAP_FAILED ? nullptr : static_cast<Note*>(memory);
+    std::signal(SIGCHLD, SIG_DFL);
+    const pid_t parent = ::getpid();
+    const pid_t pid = ::fork();
+    if (pid < 0)
+        return work();
+    if (pid == 0) {
+        ::prctl(PR_SET_PDEATHSIG, SIGTERM);
+        if (::getppid() != parent)
+            std::_Exit(1);
+        std::exit(work());
+    }
+    leaveSignalsTo(pid);
+    int status = 0;
+    while (::waitpid(pid, &status, 0) < 0 && errno == EINTR) {
+    }
+    if (!WIFSIGNALED(status))
+        return WEXITSTATUS(status);
+    const int signal = WTERMSIG(status);
+    if (std::find(std::begin(Deliberate), std::end(Deliberate), signal) != std::end(Deliberate))
+        endAs(signal);
+    return failed(reasonOf(signal));
+}
+
+}  // namespace tarvik::tool

@@ -1,0 +1,167 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// HDF5 files read by the process tarvik-reader, which is killed now and then.
+#include "imagelib/io/FormatRegistry.h"
+#include "imagelib/io/MImageSeries.h"
+#include "tests/imagelib/io/hostile/SmallFiles.h"
+#include "tests/support/Processes.h"
+
+#include <boost/optional/optional_io.hpp>
+#include <gmock/gmock.h>
+
+#include <csignal>
+#include <future>
+
+namespace tarvik::tests {
+
+using namespace morvend;
+using namespace morvend::imglib;
+using testing::HasSubstr;
+
+namespace {
+
+/// A series of five images with header and mask.
+std::string writeMaster(const TempFolder& folder)
+{
+    MHdf5Writer writer(folder / "x_master.h5", 5, {}, MCompression::BITSHUFFLE_LZ4);
+    for (int i = 0; i < 5; ++i) {
+        MImage image(700, 500, static_cast<unsigned short>(100 + i));
+        image.optionalData().set_wavelength(0.98f);
+        image.optionalData().set_rotation_angle(0.5f * static_cast<float>(i));
+        image.optionalData().set_pixel_mask(MImage(700, 500, 1u));
+        writer.write(image);
+    }
+    return folder / "x_master.h5";
+}
+
+class Apart : public testing::Test {
+public:
+    void SetUp() override { FormatRegistry::readHdf5Apart(true); }
+    void TearDown() override { FormatRegistry::readHdf5Apart(false); }
+
+    static pid_t reader()
+    {
+        const std::vector<pid_t> all = children();
+        return all.size() == 1 ? all.front() : -1;
+    }
+
+    const TempFolder folder;
+    const std::string path = writeMaster(folder);
+};
+
+}  // namespace
+
+TEST_F(Apart, ImagesAndHeadersAreThoseReadInPlace)
+{
+    MImageSeries apart(0);
+    EXPECT_EQ(apart.open(path), 1);
+    ASSERT_NE(reader(), -1);
+    FormatRegistry::readHdf5Apart(false);
+    MImageSeries here(0);
+    EXPECT_EQ(here.open(path), 1);
+    EXPECT_EQ(apart.formatName(), here.formatName());
+    EXPECT_EQ(apart.last(), 5);
+    for (const std::size_t number : {1u, 2u, 5u, 3u, 1u}) {
+        const MImage one = apart.at(number);
+        const MImage other = here.at(number);
+        EXPECT_TRUE(samePixels(one, other));
+        EXPECT_EQ(apart.pathToImage(number), here.pathToImage(number));
+        const auto& header = one.optionalData();
+        const auto& expected = other.optionalData();
+        EXPECT_EQ(header.rotation_angle(), 0.5f * (static_cast<float>(number) - 1));
+        EXPECT_EQ(header.wavelength(), expected.wavelength());
+        EXPECT_EQ(header.imageDescription(), expected.imageDescription());
+        EXPECT_EQ(header.rawHeader(), expected.rawHeader());
+        EXPECT_EQ(header.nexusTree().toText(), expected.nexusTree().toText());
+        ASSERT_TRUE(header.pixel_mask());
+        EXPECT_TRUE(samePixels(*header.pixel_mask(), *expected.pixel_mask()));
+    }
+    // One that did not change is known to be the same.
+    EXPECT_EQ(apart.at(1).optionalData().pixel_mask()->identity(),
+              apart.at(4).optionalData().pixel_mask()->identity());
+    EXPECT_THROW(apart.at(6), MOutOfRangeException);
+}
+
+TEST_F(Apart, ACrashCostsOneImageAndTheNextOneComes)
+{
+    MImageSeries series(0);
+    series.open(path);
+    for (const int signal : {SIGSEGV, SIGABRT, SIGKILL}) {
+        const MImage before = series.at(1);
+        const pid_t victim = reader();
+        ASSERT_EQ(::kill(victim, SIGSTOP), 0);
+        ASSERT_TRUE(waitFor([&] { return processState(victim) == 'T'; }));
+        auto read = std::async(std::launch::async, [&]() -> std::string {
+            try {
+                series.at(3);
+                return "no failure";
+            } catch (const MRuntimeException& error) {
+                return error.what();
+            }
+        });
+        ASSERT_EQ(read.wait_for(std::chrono::milliseconds(30)), std::future_status::timeout);
+        ::kill(victim, signal);
+        ::kill(victim, SIGCONT);
+        const std::string text = read.get();
+        EXPECT_THAT(text, HasSubstr("HDF5: the reader process ended with signal " +
+                                    std::to_string(signal)));
+        EXPECT_THAT(text, testing::EndsWith("while reading image 3: " + path));
+        EXPECT_EQ(before.pixel<int>(699, 499, 0), 100);
+        EXPECT_EQ(series.at(3).pixel<int>(699, 499, 0), 102);
+        EXPECT_EQ(series.last(), 5);
+    }
+}
+
+TEST_F(Apart, EverySeriesHasAReaderOfItsOwn)
+{
+    MImageSeries one(0);
+    MImageSeries two(0);
+    one.open(path);
+    const pid_t first = reader();
+    two.open(path);
+    EXPECT_EQ(children().size(), 2u);
+    ::kill(first, SIGKILL);
+    EXPECT_EQ(two.at(2).pixel<int>(0, 0, 0), 101);
+    EXPECT_EQ(one.at(2).pixel<int>(0, 0, 0), 101);
+    one.open(1);
+    EXPECT_EQ(children().size(), 1u);
+}
+
+TEST_F(Apart, SeriesGrow)
+{
+    const TempFolder growing;
+    MHdf5Writer writer(growing / "g_master.h5", 0, {}, MCompression::NONE);
+    const MImage image(64, 64, 7);
+    writer.write(image);
+    writer.flush();
+    MImageSeries series(0);
+    series.open(growing / "g_master.h5");
+    EXPECT_EQ(series.last(), 1);
+    writer.write(image);
+    writer.write(image);
+    writer.flush();
+    series.update();
+    EXPECT_EQ(series.last(), 3);
+    EXPECT_EQ(series.at(3).pixel<int>(1, 1, 0), 7);
+}
+
+TEST_F(Apart, ChangedBytesNeverEndThisProcess)
+{
+    const std::string whole = smallFile(folder, ".h5", 1);
+    int readable = 0;
+    for (std::size_t at = 0; at < std::min<std::size_t>(whole.size(), 4096); at += 23) {
+        std::string damaged = whole;
+        damaged[at] = static_cast<char>(damaged[at] ^ 0xff);
+        try {
+            MImageSeries series(0);
+            const int number = series.open(folder.write("flip.h5", damaged));
+            readable += !series.at(static_cast<std::size_t>(number)).empty();
+        } catch (const MException& error) {
+            EXPECT_THAT(error.what(), HasSubstr(folder.path()));
+        }
+    }
+    EXPECT_GT(readable, 0);
+}
+
+}  // namespace tarvik::tests

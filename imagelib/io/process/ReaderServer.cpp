@@ -38,9 +38,13 @@ void ReaderServer::run()
             ReaderAnswer answer = _answer(request, image);
             if (!image.empty())
                 answer.header = _header.shorten(image.optionalData());
-            _channel.send(answer.toText());
-            if (!image.empty())
+            if (image.empty()) {
+                _channel.send(answer.toText());
+            } else {
+                // Written together, both wake the parent once.
+                _channel.enqueue(answer.toText());
                 _channel.send(std::move(image));
+            }
         }
     } catch (const MPeerGoneException&) {
         return;

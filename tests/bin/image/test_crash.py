@@ -30,6 +30,8 @@ def ended(pid):
 class Crash(ToolCase):
     def start(self):
         """A conversion that is at work, and the process that works."""
+        for old in self.folder.glob("y_*.cbf"):
+            old.unlink()
         with h5py.File(self.folder / "x_master.h5", "w") as f:
             f.create_dataset("entry/data/data", data=numpy.ones((2000, 256, 256), "u2"),
                              chunks=(1, 256, 256), compression="gzip")

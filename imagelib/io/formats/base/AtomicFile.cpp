@@ -22,8 +22,8 @@ namespace {
 
 std::string systemError(int number) { return std::generic_category().message(number); }
 
-/// A hidden name in the folder of `path`. Not made from the file's own name, which may be as long
-/// as a name can be.
+}  // namespace
+
 std::string temporaryName(const std::string& path)
 {
     static std::atomic<unsigned> last{0};
@@ -31,8 +31,6 @@ std::string temporaryName(const std::string& path)
     const std::string folder = slash == std::string::npos ? "" : path.substr(0, slash + 1);
     return folder + ".tarvik-" + std::to_string(::getpid()) + "-" + std::to_string(++last) + ".tmp";
 }
-
-}  // namespace
 
 AtomicFile::AtomicFile(const std::string& path)
     : _path(path)

@@ -9,6 +9,10 @@
 
 namespace morvend::imglib {
 
+/// A name for a temporary file in the folder of `path`: hidden, ending in ".tmp", given only once.
+/// Not made from the file's own name, which may be as long as a name can be. Thread: any.
+std::string temporaryName(const std::string& path);
+
 /// Writes beside the target under a temporary name (hidden, ending in ".tmp") and renames it by
 /// commit(): readers see the old file or the new one, never a part. Without commit() nothing is
 /// left behind. A file that is replaced keeps its permissions.

@@ -19,12 +19,9 @@ namespace {
 
 using Header = MBasicImageOptionalData<>;
 
-constexpr double EnergyTimesWavelength = 12398.42;  // eV * Angstrom
-
 constexpr Unit Metres[] = {{"m", 1},         {"cm", 1e-2},      {"mm", 1e-3}, {"um", 1e-6},
                            {"micron", 1e-6}, {"microns", 1e-6}, {"nm", 1e-9}};
 constexpr Unit Seconds[] = {{"s", 1}, {"ms", 1e-3}, {"us", 1e-6}};
-constexpr Unit ElectronVolts[] = {{"eV", 1}, {"keV", 1e3}};
 constexpr Unit Angstroms[] = {{"A", 1}, {"nm", 10}, {"m", 1e10}};
 
 std::optional<float> toFloat(double value)
@@ -77,7 +74,7 @@ constexpr NumberKey ExposureTime{"Exposure_time", " s", Seconds, &Header::count_
                                  &Header::set_count_time};
 constexpr NumberKey ExposurePeriod{"Exposure_period", " s", Seconds, &Header::frame_time,
                                    &Header::set_frame_time};
-constexpr NumberKey Threshold{"Threshold_setting", " eV", ElectronVolts, &Header::threshold_energy,
+constexpr NumberKey Threshold{"Threshold_setting", " eV", EnergyUnits, &Header::threshold_energy,
                               &Header::set_threshold_energy};
 constexpr NumberKey Wavelength{"Wavelength", " A", Angstroms, &Header::wavelength,
                                &Header::set_wavelength};
@@ -112,11 +109,11 @@ std::string writeNumber(const Header& header)
 
 void readEnergy(const Words& words, std::string_view, Header& header)
 {
-    const auto quantity = quantityAt(words, 1, ElectronVolts);
+    const auto quantity = quantityAt(words, 1, EnergyUnits);
     if (!quantity || quantity->value <= 0)
         return;
     const double electronVolts = quantity->value * quantity->factor.value_or(1);
-    if (const auto value = toFloat(EnergyTimesWavelength / electronVolts))
+    if (const auto value = toFloat(ElectronVoltAngstrom / electronVolts))
         header.set_wavelength(*value);
 }
 

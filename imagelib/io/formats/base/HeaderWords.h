@@ -38,6 +38,11 @@ struct Unit {
 };
 using Units = std::span<const Unit>;
 
+/// Units of a photon energy in eV.
+inline constexpr Unit EnergyUnits[] = {{"eV", 1}, {"keV", 1e3}};
+/// Photon energy in eV times wavelength in Angstrom.
+inline constexpr double ElectronVoltAngstrom = 12398.42;
+
 /// The factor of a unit's name, if it is one of `units`.
 std::optional<double> factorOf(std::string_view word, Units units);
 

@@ -22,10 +22,8 @@ constexpr Unit Lengths[] = {{"m", 1},     {"cm", 1e-2},     {"mm", 1e-3},
                             {"um", 1e-6}, {"micron", 1e-6}, {"microns", 1e-6},
                             {"nm", 1e-9}, {"A", 1e-10},     {"Angstrom", 1e-10}};
 constexpr Unit Times[] = {{"s", 1}, {"sec", 1}, {"ms", 1e-3}, {"us", 1e-6}, {"min", 60}};
-constexpr Unit Energies[] = {{"eV", 1}, {"keV", 1e3}};
 
 constexpr double AngstromPerMetre = 1e10;
-constexpr double ElectronvoltAngstrom = 12398.42;
 
 /// The value of a key in the base unit, which a number without a unit has already.
 std::optional<double> find(const EdfHeader& header, std::string_view key, Units units)
@@ -40,9 +38,9 @@ std::optional<double> wavelength(const EdfHeader& header)
     if (const auto metres = find(header, "WaveLength", Lengths))
         return *metres * AngstromPerMetre;
     // Without a unit an energy may be in eV or in keV: it is left alone.
-    const auto energy = quantityAt(wordsOf(header.value("Energy").value_or("")), 0, Energies);
+    const auto energy = quantityAt(wordsOf(header.value("Energy").value_or("")), 0, EnergyUnits);
     if (energy && energy->factor && energy->value > 0)
-        return ElectronvoltAngstrom / (energy->value * *energy->factor);
+        return ElectronVoltAngstrom / (energy->value * *energy->factor);
     return std::nullopt;
 }
 

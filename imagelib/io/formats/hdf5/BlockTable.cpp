@@ -5,10 +5,10 @@
 #include "imagelib/io/formats/hdf5/BlockTable.h"
 
 #include "imagelib/image/MException.h"
+#include "imagelib/io/formats/hdf5/DataFileNames.h"
 #include "imagelib/io/formats/hdf5/SmallValues.h"
 
 #include <algorithm>
-#include <filesystem>
 
 namespace morvend::imglib::hdf5 {
 
@@ -21,11 +21,6 @@ constexpr std::size_t MostFrames = std::size_t(1) << 32;
 
 /// The frames that a block counts for.
 std::size_t countable(const FrameSet& set) { return std::min(set.frames(), MostFrames); }
-
-std::string baseName(const std::string& path)
-{
-    return std::filesystem::path(path).filename().string();
-}
 
 }  // namespace
 

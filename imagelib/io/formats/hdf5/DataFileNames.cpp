@@ -42,10 +42,9 @@ std::optional<Name> parse(const std::string& fileName)
 
 }  // namespace
 
-bool isDataFile(const std::string& path)
-{
-    return parse(fs::path(path).filename().string()).has_value();
-}
+std::string baseName(const std::string& path) { return fs::path(path).filename().string(); }
+
+bool isDataFile(const std::string& path) { return parse(baseName(path)).has_value(); }
 
 std::string masterOf(const std::string& dataFile)
 {

@@ -9,6 +9,9 @@
 
 namespace morvend::imglib::hdf5 {
 
+/// The name of a file without its folder.
+std::string baseName(const std::string& path);
+
 /// Is this a data file of a series: "<prefix>_data.<ext>" or "<prefix>_data_<digits>.<ext>"?
 bool isDataFile(const std::string& path);
 

@@ -4,6 +4,7 @@
 // The paths of each field, in the order in which they are tried.
 #include "imagelib/io/formats/hdf5/NexusHeader.h"
 
+#include "imagelib/io/formats/base/HeaderWords.h"
 #include "imagelib/io/formats/hdf5/NexusAxes.h"
 
 #include <algorithm>
@@ -13,8 +14,6 @@
 namespace morvend::imglib::hdf5 {
 
 namespace {
-
-constexpr double ElectronVoltAngstrom = 12398.42;
 
 boost::optional<float> toFloat(std::optional<double> value)
 {

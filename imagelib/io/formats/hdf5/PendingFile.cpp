@@ -5,8 +5,8 @@
 #include "imagelib/io/formats/hdf5/PendingFile.h"
 
 #include "imagelib/image/MException.h"
+#include "imagelib/io/formats/base/AtomicFile.h"
 
-#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <system_error>
@@ -14,18 +14,6 @@
 #include <unistd.h>
 
 namespace morvend::imglib::hdf5 {
-
-namespace {
-
-std::string temporaryName(const std::string& path)
-{
-    static std::atomic<unsigned> number{0};
-    const std::size_t name = path.rfind('/') + 1;  // 0 without a slash
-    return path.substr(0, name) + '.' + path.substr(name) + '.' + std::to_string(::getpid()) + '-' +
-           std::to_string(++number) + ".tmp";
-}
-
-}  // namespace
 
 PendingFile::PendingFile(const std::string& path)
     : _path(path)

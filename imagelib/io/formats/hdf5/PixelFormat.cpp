@@ -1,11 +1,13 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Choice of the pixel type; byte order, half precision, and odd types by the library.
+// Choice of the pixel type; odd types by the library.
 #include "imagelib/io/formats/hdf5/PixelFormat.h"
 
 #include "imagelib/image/MException.h"
 #include "imagelib/image/PixelBuffer.h"
+#include "imagelib/io/formats/base/HalfFloats.h"
+#include "imagelib/io/formats/base/RawPixels.h"
 
 #include <algorithm>
 #include <bit>
@@ -18,51 +20,6 @@ namespace morvend::imglib::hdf5 {
 static_assert(std::endian::native == std::endian::little, "pixels are kept in little-endian order");
 
 namespace {
-
-template <class T>
-T swapped(T value)
-{
-    if constexpr (sizeof(T) == 2)
-        return __builtin_bswap16(value);
-    else if constexpr (sizeof(T) == 4)
-        return __builtin_bswap32(value);
-    else
-        return __builtin_bswap64(value);
-}
-
-template <class T>
-void swapAll(const std::byte* from, std::size_t count, std::byte* to)
-{
-    for (std::size_t i = 0; i < count; ++i) {
-        T value;
-        std::memcpy(&value, from + i * sizeof(T), sizeof(T));
-        value = swapped(value);
-        std::memcpy(to + i * sizeof(T), &value, sizeof(T));
-    }
-}
-
-/// IEEE 754 half precision to single, exactly. Free of branches, so that the loop over it is
-/// vectorised: exponent and fraction are moved into place and scaled by 2^112, which makes
-/// subnormal numbers right as well; infinities and NaN then need their exponent filled up.
-std::uint32_t widened(std::uint16_t half)
-{
-    const std::uint32_t sign = std::uint32_t(half & 0x8000u) << 16;
-    const std::uint32_t magnitude = half & 0x7fffu;
-    const float scaled = std::bit_cast<float>(magnitude << 13) * 0x1p112f;
-    const std::uint32_t special = magnitude >= 0x7c00u ? 0x7f800000u : 0u;
-    return sign | special | std::bit_cast<std::uint32_t>(scaled);
-}
-
-template <bool Swapped>
-void widenAll(const std::byte* from, std::size_t count, std::byte* to)
-{
-    for (std::size_t i = 0; i < count; ++i) {
-        std::uint16_t half;
-        std::memcpy(&half, from + 2 * i, 2);
-        const std::uint32_t single = widened(Swapped ? swapped(half) : half);
-        std::memcpy(to + 4 * i, &single, 4);
-    }
-}
 
 hid_t nativeType(datatypes::Type type, std::size_t bits)
 {
@@ -149,20 +106,13 @@ void PixelFormat::convert(std::span<const std::byte> stored, std::byte* pixels) 
             std::memcpy(pixels, stored.data(), stored.size());
         break;
     case Way::Swap:
-        if (_stored == 2)
-            swapAll<std::uint16_t>(stored.data(), count, pixels);
-        else if (_stored == 4)
-            swapAll<std::uint32_t>(stored.data(), count, pixels);
-        else if (_stored == 8)
-            swapAll<std::uint64_t>(stored.data(), count, pixels);
-        else
-            assert(false && "one byte has no order");
+        if (stored.data() != pixels)
+            std::memcpy(pixels, stored.data(), stored.size());
+        swapByteOrder({pixels, stored.size()}, _stored);
         break;
     case Way::Half:
-        widenAll<false>(stored.data(), count, pixels);
-        break;
     case Way::SwappedHalf:
-        widenAll<true>(stored.data(), count, pixels);
+        widenHalfFloats(stored, _way == Way::SwappedHalf, pixels);
         break;
     case Way::Library: {
         // The library converts in place, in memory that holds the larger of the two types.

@@ -5,12 +5,12 @@
 #include "imagelib/io/formats/hdf5/VirtualLayout.h"
 
 #include "imagelib/image/MException.h"
+#include "imagelib/io/formats/hdf5/DataFileNames.h"
 #include "imagelib/io/formats/hdf5/ExternalFiles.h"
 #include "imagelib/io/formats/hdf5/FrameSets.h"
 
 #include <algorithm>
 #include <cstring>
-#include <filesystem>
 #include <map>
 
 namespace morvend::imglib::hdf5 {
@@ -19,11 +19,6 @@ namespace {
 
 constexpr std::size_t MostMappings = 1'000'000;
 constexpr hsize_t MostNamedBlocks = 1'000'000;
-
-std::string baseName(const std::string& path)
-{
-    return std::filesystem::path(path).filename().string();
-}
 
 /// A name of a source, by a call of the library that tells its length first.
 template <class Get>

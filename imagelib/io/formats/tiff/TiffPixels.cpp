@@ -4,6 +4,7 @@
 // Strips and tiles into an image.
 #include "imagelib/io/formats/tiff/TiffPixels.h"
 
+#include "imagelib/io/formats/base/HalfFloats.h"
 #include "imagelib/io/formats/base/RawPixels.h"
 #include "imagelib/io/formats/tiff/TiffHandle.h"
 #include "imagelib/io/formats/tiff/TiffLayout.h"
@@ -210,7 +211,7 @@ void PixelReader::_placeRow(std::span<const std::byte> row, int x, int y, int pi
     if (!_layout.widened())
         std::memcpy(target, row.data(), count * (_layout.typeBits / 8));
     else if (_layout.type == datatypes::FLOAT)
-        widenHalfFloats(row.first(2 * count), reinterpret_cast<float*>(target));
+        widenHalfFloats(row.first(2 * count), false, target);
     else
         unpackBits(row, _layout.fileBits, count, target);
 }

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Pixels of a TIFF file that are narrower than any pixel type in memory.
+// Integers of a TIFF file that are narrower than any pixel type in memory.
 #pragma once
 
 #include <cstddef>
@@ -14,8 +14,5 @@ namespace morvend::imglib::tiff {
 /// the row, `target` `pixels` values.
 void unpackBits(std::span<const std::byte> packed, std::size_t bits, std::size_t pixels,
                 void* target);
-
-/// Converts 16-bit floats of this machine's byte order to float, exactly.
-void widenHalfFloats(std::span<const std::byte> halves, float* target);
 
 }  // namespace morvend::imglib::tiff

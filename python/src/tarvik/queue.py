@@ -19,6 +19,7 @@ import weakref
 from . import wire
 
 LEASE_PAGE = 8192
+HELLO_TIME = 2.0
 COUNTERS_AT = 64
 SMALLEST_SHARED = 256 << 10  # smaller images travel in their frame
 SEALS = fcntl.F_SEAL_SHRINK | fcntl.F_SEAL_GROW
@@ -272,17 +273,24 @@ class MessageQueue:
         while self._connection is None:
             candidate = None
             try:
-                candidate = _Connection(self._meet(deadline), self.name)
-                candidate.greet(deadline)
+                connection, accepted = self._meet(deadline)
+                candidate = _Connection(connection, self.name)
+                # Who connects and says nothing holds up others no longer than this.
+                patience = time.monotonic() + HELLO_TIME if accepted else None
+                candidate.greet(min((each for each in (deadline, patience) if each is not None),
+                                    default=None))
                 self._connection, candidate = candidate, None
             except PeerGone:
                 pass  # the usual end of the one who waited behind another
+            except TimeoutError:
+                if deadline is not None and time.monotonic() >= deadline:
+                    raise
             finally:
                 if candidate:
                     candidate.close()
 
     def _meet(self, deadline):
-        """A socket connected to somebody of the same user."""
+        """A socket connected to somebody of the same user, and whether it came to us."""
         while True:
             if self._listener is None:
                 self._listener = self._listen()
@@ -292,7 +300,7 @@ class MessageQueue:
                 connection, _ = self._listener.accept()
                 try:
                     _check_user(connection)
-                    return connection
+                    return connection, True
                 except PermissionError:
                     connection.close()
                     continue
@@ -306,7 +314,7 @@ class MessageQueue:
                 time.sleep(0.002)
                 continue
             _check_user(connection)
-            return connection
+            return connection, False
 
     def _listen(self):
         listener = socket.socket(socket.AF_UNIX, socket.SOCK_STREAM)

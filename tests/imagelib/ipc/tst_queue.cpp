@@ -8,10 +8,17 @@
 #include "imagelib/ipc/QueueEnd.h"
 #include "tests/imagelib/ipc/Samples.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <filesystem>
+#include <algorithm>
+#include <cstddef>
 #include <thread>
+
+#include <signal.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <sys/wait.h>
 
 namespace {
 
@@ -252,6 +259,75 @@ TEST(MMessageQueue, NamesOfAnyLengthWorkAndNoNameIsAnError)
     const auto right = openEnd(name);
     left->send(std::string("x"));
     EXPECT_EQ(text(*right), "x");
+}
+
+/// Another user at the address of a queue of this one, until the object goes.
+class Stranger {
+public:
+    enum What { Listens, Connects };
+    Stranger(const std::string& name, What what)
+    {
+        const std::string address = queueAddress(name, ::geteuid());
+        sockaddr_un place{};
+        place.sun_family = AF_UNIX;
+        std::ranges::copy(address, place.sun_path + 1);
+        const auto size =
+            static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + address.size());
+        int ready[2];
+        if (::pipe(ready) != 0 || (_pid = ::fork()) < 0)
+            std::abort();
+        if (_pid == 0) {
+            const auto* at = reinterpret_cast<const sockaddr*>(&place);
+            const int socket = ::socket(AF_UNIX, SOCK_STREAM, 0);
+            char mark = 'x';
+            if (::setresuid(65534, 65534, 65534) == 0 &&
+                (what == Listens ? ::bind(socket, at, size) == 0 && ::listen(socket, 5) == 0
+                                 : ::connect(socket, at, size) == 0) &&
+                (what == Listens || ::read(socket, &mark, 1) <= 0))
+                mark = 'y';
+            if (::write(ready[1], &mark, 1) == 1)
+                ::pause();
+            ::_exit(0);
+        }
+        succeeded = ::read(ready[0], &_mark, 1) == 1 && _mark == 'y';
+        ::close(ready[0]);
+        ::close(ready[1]);
+    }
+    ~Stranger()
+    {
+        ::kill(_pid, SIGKILL);
+        ::waitpid(_pid, nullptr, 0);
+    }
+
+    bool succeeded = false;
+
+private:
+    pid_t _pid = -1;
+    char _mark = 0;
+};
+
+TEST(MMessageQueue, OtherUsersAreAnErrorOrTurnedAway)
+{
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "only the superuser can be somebody else";
+    const std::string name = uniqueName("strange");
+    {
+        const Stranger holder(name, Stranger::Listens);
+        ASSERT_TRUE(holder.succeeded);
+        try {
+            MMessageQueue queue(name.c_str());
+            ADD_FAILURE() << "the name of another user is not seen";
+        } catch (const morvend::MRuntimeException& exception) {
+            EXPECT_THAT(exception.what(), testing::HasSubstr("held by another user (65534)"));
+        }
+    }
+    MMessageQueue queue(name.c_str());
+    queue.send("not for strangers");
+    const Stranger visitor(name, Stranger::Connects);
+    EXPECT_TRUE(visitor.succeeded);  // in being hung up on, without a byte
+    EXPECT_FALSE(queue.connected());
+    const auto peer = openEnd(name);
+    EXPECT_EQ(text(*peer), "not for strangers");
 }
 
 TEST(MMessageQueue, ConversationsNeedAPeer)

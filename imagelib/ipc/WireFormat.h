@@ -23,7 +23,7 @@ inline constexpr std::size_t HeadBytes = 32;
 /// Most bytes of the description of a message, and of its inline data.
 inline constexpr std::size_t MostMeta = std::size_t(64) << 20;
 inline constexpr std::size_t MostBulk = std::size_t(64) << 20;
-/// Most nodes of a metadata tree.
+/// Most nodes and attributes of a metadata tree.
 inline constexpr std::uint32_t MostNodes = 1U << 20;
 /// Segments are numbered below this.
 inline constexpr std::uint32_t MostSegments = 1024;

@@ -81,9 +81,12 @@ Value readValue(ByteReader& in, Tag tag)
 
 void writeTree(ByteWriter& out, const nexus::MBasicNeXusTree& tree)
 {
-    if (tree.nodes().size() > MostNodes)
-        throw MBadParameterException("Queue: a metadata tree of " +
-                                     std::to_string(tree.nodes().size()) + " nodes is too large");
+    std::size_t size = tree.nodes().size();
+    for (const auto& [path, node] : tree.nodes())
+        size += node.attributes.size();
+    if (size > MostNodes)
+        throw MBadParameterException("Queue: a metadata tree of " + std::to_string(size) +
+                                     " nodes and attributes is too large");
     out.put(static_cast<std::uint32_t>(tree.nodes().size()));
     for (const auto& [path, node] : tree.nodes()) {
         out.text(path);

@@ -181,6 +181,12 @@ TEST(MessageChannel, WhatTheProtocolCannotCarryIsRefusedAtOnce)
     MImage image(2, 2, 1);
     image.optionalData().set_pixel_mask(mask);
     EXPECT_THROW(pair.left->send(image), morvend::MBadParameterException);
+    morvend::nexus::MBasicNeXusTree tree;
+    for (int i = 0; i <= 1 << 20; ++i)
+        tree.node("/").attributes[std::to_string(i)] = std::int64_t(i);
+    image = MImage(2, 2, 1);
+    image.optionalData().setNexusTree(tree);
+    EXPECT_THROW(pair.left->send(image), morvend::MBadParameterException);
     EXPECT_EQ(std::get<std::string>(pair.pass(std::string("still there"))), "still there");
 }
 

@@ -297,7 +297,10 @@ private:
         std::array<hsize_t, 8> chunk = {};
         for (int i = 0; i < rank; ++i)
             chunk[static_cast<std::size_t>(i)] = kind & 1 ? extent(_in) : 0;
+        _chunkElements = 1;
         if (kind & 1) {
+            for (int i = 0; i < rank && _chunkElements <= 1 << 20; ++i)
+                _chunkElements *= chunk[static_cast<std::size_t>(i)];
             H5Pset_chunk(creation, rank, chunk.data());
             if (kind & 2)
                 _filters(creation, elementSize);
@@ -352,7 +355,7 @@ private:
         const hssize_t count = H5Sget_simple_extent_npoints(space);
         const H5T_class_t kind = H5Tget_class(type);
         const bool number = kind == H5T_INTEGER || kind == H5T_FLOAT || kind == H5T_BITFIELD;
-        if (!_last || count <= 0 || count > 4096)
+        if (!_last || count <= 0 || count > 4096 || _chunkElements > 1 << 20)
             return;
         if (kind == H5T_STRING && H5Tis_variable_str(type) > 0) {
             const std::vector<const char*> texts(static_cast<std::size_t>(count),
@@ -510,6 +513,7 @@ private:
     std::vector<Object> _objects;  // of the file that is written
     Dataset _last;
     int _lastRank = 0;
+    hsize_t _chunkElements = 0;  // of that one; the library takes memory for a whole chunk
 };
 
 }  // namespace

@@ -183,9 +183,31 @@ std::optional<std::vector<hsize_t>> datasetExtents(hid_t dataset)
     return extents(space.id());
 }
 
+namespace {
+
+/// Are the chunks of a data set small? The library takes memory for a whole one, which may be up to
+/// 4 GiB for an array of a single value.
+bool hasSmallChunks(hid_t dataset, hid_t type)
+{
+    constexpr hsize_t MostBytes = hsize_t(64) << 20;
+    const Properties creation(H5Dget_create_plist(dataset));
+    if (H5Pget_layout(creation.id()) != H5D_CHUNKED)
+        return true;
+    hsize_t extents[H5S_MAX_RANK] = {};
+    const int rank = H5Pget_chunk(creation.id(), H5S_MAX_RANK, extents);
+    hsize_t bytes = H5Tget_size(type);
+    for (int i = 0; i < rank && bytes <= MostBytes; ++i)
+        bytes *= extents[i];  // below 2^32 each
+    return rank > 0 && bytes <= MostBytes;
+}
+
+}  // namespace
+
 std::optional<Value> readDataset(hid_t dataset, std::size_t most)
 {
     const Datatype type(H5Dget_type(dataset));
+    if (!hasSmallChunks(dataset, type.id()))
+        return std::nullopt;
     const Dataspace space(H5Dget_space(dataset));
     const Reader reader{[&](hid_t memory, void* target, hid_t transfer) {
                             return H5Dread(dataset, memory, H5S_ALL, H5S_ALL, transfer, target);

@@ -6,6 +6,7 @@ import ctypes
 import os
 import struct
 import sys
+import zlib
 
 # Plug-ins that happen to be installed would change the values of their filters.
 os.environ["HDF5_PLUGIN_PRELOAD"] = "::"
@@ -473,6 +474,12 @@ def damage():
     with h5py.File("pipe_value.h5", "w") as f:
         f["entry/data/data"] = pattern(2)
         f["entry"].create_dataset("value", shape=(4,), dtype="i4", external=[(pipe, 0, 16)])
+    with h5py.File("bomb_value.h5", "w") as f:
+        f["entry/data/data"] = pattern(2)
+        detector = f.create_group("entry/instrument/detector")
+        bomb = detector.create_dataset("detector_distance", shape=(1,), maxshape=(None,),
+                                       dtype="f4", chunks=(24 << 20,), compression="gzip")
+        bomb.id.write_direct_chunk((0,), zlib.compress(bytes(96 << 20)))
     create_raw("long_plain.h5", pattern(2), [], lambda frame: frame.tobytes() + bytes(500_000))
 
 

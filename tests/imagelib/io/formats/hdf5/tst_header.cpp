@@ -397,6 +397,13 @@ TEST_F(Hdf5Damage, ChunksLargerThanTheyShouldBeDoNoHarm)
     EXPECT_EQ(differenceFrom<unsigned>(open("long_plain.h5")->frame(1), 1), "");
 }
 
+TEST_F(Hdf5Damage, AValueInAHugeChunkIsLeftOut)
+{
+    const auto file = open("bomb_value.h5");
+    EXPECT_EQ(differenceFrom<unsigned>(file->frame(1), 1), "");
+    EXPECT_FALSE(file->frame(0).optionalData().detector_distance());
+}
+
 TEST_F(Hdf5Damage, AValueThatLiesInAPipeIsNotWaitedFor)
 {
     EXPECT_EQ(differenceFrom<unsigned>(open("pipe_value.h5")->frame(1), 1), "");

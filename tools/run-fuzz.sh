@@ -29,7 +29,7 @@ run() {
     dictionary=tests/fuzz/$target.dict
     status=0
     ASAN_OPTIONS=allocator_may_return_null=1:malloc_context_size=8 TMPDIR=$memory nice -n 19 "$build/bin/fuzz_$target" \
-        -max_total_time="$seconds" -timeout=5 -rss_limit_mb=2048 -max_len=16384 \
+        -max_total_time="$seconds" -timeout=25 -rss_limit_mb=2048 -max_len=16384 \
         -print_final_stats=1 -artifact_prefix="$build/findings/$target-" \
         $([ ! -e "$dictionary" ] || echo "-dict=$dictionary") \
         $(cat "tests/fuzz/$target.options" 2>/dev/null || true) \

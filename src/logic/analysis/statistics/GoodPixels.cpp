@@ -4,11 +4,14 @@
 // From mask pixels to bits, and the masks that are kept.
 #include "logic/analysis/statistics/GoodPixels.h"
 
+#include "imagelib/image/MException.h"
 #include "imagelib/image/PixelTypes.h"
 #include "logic/analysis/statistics/MaskRule.h"
 
 #include <list>
 #include <mutex>
+#include <new>
+#include <string>
 
 using morvend::imglib::MImage;
 using GoodPixelsPtr = std::shared_ptr<const GoodPixels>;
@@ -103,10 +106,15 @@ GoodPixelsPtr GoodPixels::of(const MImage& mask)
     GoodPixelsPtr pixels = RecentMasks::instance().find(mask);
     if (pixels)
         return pixels;
-    pixels = morvend::datatypes::dispatchPixelType(
-        mask.type(), mask.typeBits(), [&]<class M>() -> GoodPixelsPtr {
-            return std::make_shared<GoodPixels>(mask.pixels<M>(), mask.size());
-        });
+    try {
+        pixels = morvend::datatypes::dispatchPixelType(
+            mask.type(), mask.typeBits(), [&]<class M>() -> GoodPixelsPtr {
+                return std::make_shared<GoodPixels>(mask.pixels<M>(), mask.size());
+            });
+    } catch (const std::bad_alloc&) {
+        throw morvend::MRuntimeException("Not enough memory for a mask of " +
+                                         std::to_string(mask.size()) + " pixels");
+    }
     if (mask.size() <= MostPixels)
         RecentMasks::instance().keep(mask, pixels);
     return pixels;

@@ -22,11 +22,12 @@ struct IntegerBlock {
         : lowest(fill)
         , highest(fill)
     {}
-    bool exact() const
+    static bool small(T value)
     {
-        return static_cast<std::int64_t>(lowest) > -SmallLimit &&
-               static_cast<std::int64_t>(highest) < SmallLimit;
+        return static_cast<std::int64_t>(value) > -SmallLimit &&
+               static_cast<std::int64_t>(value) < SmallLimit;
     }
+    bool exact() const { return small(lowest) && small(highest); }
 
     T lowest, highest;
     unsigned int nonzeros = 0;
@@ -43,14 +44,8 @@ public:
         , _good(good)
         , _saturation(saturation)
         , _totals(pixels[0])
-        , _fill(pixels[0])
-    {
-        std::size_t word = 0;
-        while (word * 64 < good.size() && good.words()[word] == 0)
-            ++word;
-        if (word * 64 < good.size())
-            _fill = pixels[word * 64 + std::size_t(std::countr_zero(good.words()[word]))];
-    }
+        , _fill(chosenFill(pixels, good))
+    {}
 
     /// A good pixel, which changes no extreme.
     T fill() const { return _fill; }
@@ -89,6 +84,24 @@ public:
 
 private:
     __extension__ typedef unsigned __int128 Wide;
+
+    /// The first small good pixel: a large one would make every block inexact. The
+    /// first good one when all are large, any when none is good.
+    static T chosenFill(const T* pixels, const GoodPixels& good)
+    {
+        T fill = pixels[0];
+        bool any = false;
+        for (std::size_t word = 0; word * GoodPixels::WordBits < good.size(); ++word)
+            for (std::uint64_t rest = good.words()[word]; rest != 0; rest &= rest - 1) {
+                const T pixel = pixels[word * GoodPixels::WordBits +
+                                       static_cast<std::size_t>(std::countr_zero(rest))];
+                if (IntegerBlock<T>::small(pixel))
+                    return pixel;
+                fill = any ? fill : pixel;
+                any = true;
+            }
+        return fill;
+    }
 
     void _addLarge(std::size_t begin, std::size_t end)
     {

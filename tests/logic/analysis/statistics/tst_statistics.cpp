@@ -63,6 +63,27 @@ TEST(Statistics, FirstPixelCountsForTheRangeWhateverItsMask)
     EXPECT_FALSE(result->hasNegatives);
 }
 
+TEST(Statistics, LargeFirstPixelsLeaveTheRestExact)
+{
+    for (const int first : {1 << 24, -(1 << 24)}) {
+        std::vector<int> values{first, first};
+        std::vector<unsigned> marks{0, 0};
+        double sum = 2.0 * first;
+        unsigned zeros = 0;
+        for (int i = 2; i < 10000; ++i) {
+            values.push_back(i % 7);
+            marks.push_back(i % 3 == 0);
+            sum += i % 3 == 0 ? 0 : i % 7;
+            zeros += i % 3 != 0 && i % 7 == 0;
+        }
+        const auto result = statistics(row(values), row(marks));
+        EXPECT_EQ(result->sum, sum) << first;
+        EXPECT_EQ(result->zeros, zeros) << first;
+        EXPECT_EQ(result->minimum, std::min(first, 0)) << first;
+        EXPECT_EQ(result->maximum, std::max(first, 6)) << first;
+    }
+}
+
 TEST(Statistics, WithoutGoodPixelsHaveNoMean)
 {
     const MImage image(4, 2, 3);

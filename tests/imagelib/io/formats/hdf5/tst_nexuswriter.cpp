@@ -3,6 +3,7 @@
 //
 // h5py with the plug-ins reads every pixel, every header value and every link of what is written.
 #include "imagelib/image/MException.h"
+#include "imagelib/io/formats/hdf5/NexusReader.h"
 #include "imagelib/io/formats/hdf5/NexusWriter.h"
 #include "tests/support/TempFolder.h"
 
@@ -210,6 +211,25 @@ TEST(NexusWriterHeader, TreeIsWrittenAndTheImagesHeaderGoesBeforeIt)
     EXPECT_EQ(file["/entry/notes/numbers"]["value"], json({1, -2}));
     EXPECT_FALSE(file.contains("/entry/data/data_000009"));
     EXPECT_EQ(file["/entry/sample/goniometer/omega"]["value"], json({10.1}));
+}
+
+TEST(NexusWriterHeader, AnAttributeMayBeALongText)
+{
+    const TempFolder folder;
+    const std::string path = folder / "a_master.h5";
+    const std::string text(200'000, 'x');
+    nexus::MBasicNeXusTree tree;
+    tree.node("/entry/notes").value = std::int64_t(1);
+    tree.node("/entry/notes").attributes["log"] = text;
+    {
+        NexusWriter writer(path, tree, {Compression::None, 10});
+        writer.write(frameOf<int>(4, 3, 1));
+    }
+    EXPECT_THAT(readByPeer(folder, path).dump(), HasSubstr(text));
+    const auto header = openHdf5(ByteSource::open(path))->frame(0).optionalData();
+    const nexus::Node* node = header.nexusTree().find("/entry/notes");
+    ASSERT_TRUE(node);
+    EXPECT_EQ(node->attributes.at("log"), nexus::Value(text));
 }
 
 TEST(NexusWriterFiles, AreNamedAfterTheMasterAndNumberTheirImages)

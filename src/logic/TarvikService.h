@@ -28,6 +28,7 @@
 
 class HalvoClient;
 class TarvikCore;
+class WriteHeaderToFilesThread;
 
 /// The model of one image view, and the only object that its widgets talk to: they copy a record,
 /// change it and hand it back by a setter, and show what the signals return.
@@ -106,6 +107,11 @@ public:
     HalvoClient* halvoClient() const;
     /// Is a request for an image queued or running?
     bool loading() const;
+
+    /// A batch, not started yet, that writes header values into the files of the image's numbered
+    /// series.
+    /// @throws MUnknownFormatException when the image's file has no ending
+    std::unique_ptr<WriteHeaderToFilesThread> writeHeaderToFilesThread(const Header& header) const;
 
     /// The overlay of a scripting client.
     const MDrawingList& paintList() const;

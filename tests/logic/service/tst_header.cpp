@@ -2,7 +2,11 @@
 // SPDX-License-Identifier: MIT
 //
 // Header edits over a series, geometry, and the texts under the cursor.
+#include "imagelib/image/MException.h"
+#include "imagelib/io/MImageWriter.h"
+#include "logic/headerfiles/WriteHeaderToFilesThread.h"
 #include "tests/logic/service/ServiceTest.h"
+#include "tests/support/TempFolder.h"
 
 #include <cmath>
 #include <limits>
@@ -98,6 +102,33 @@ TEST_F(HeaderOfView, EditsGoWithTheGroupAndOnReset)
     show(view, image(5, 5));
     EXPECT_FALSE(view->globalHeader().rotation_angle());
     EXPECT_FALSE(view->optionalData().rotation_angle());
+}
+
+TEST_F(HeaderOfView, IsWrittenIntoAllFilesOfTheSeries)
+{
+    showAt(0);
+    EXPECT_THROW(view->writeHeaderToFilesThread({}), morvend::MUnknownFormatException)
+        << "an image without file";
+    const TempFolder folder;
+    const std::string stem = folder / "run.2_0";
+    for (const char* number : {"08", "09", "10"})
+        morvend::imglib::MImageWriter::write(image(), stem + number + ".cbf",
+                                             morvend::imglib::MImageWriter::CBF);
+    view->openImage((stem + "09.cbf").c_str());
+    arrive(view);
+    Header values;
+    values.set_wavelength(1.25F);
+    const auto batch = view->writeHeaderToFilesThread(values);
+    EXPECT_FALSE(batch->isRunning());
+    QSignalSpy progress(batch.get(), &WriteHeaderToFilesThread::progress);
+    batch->start();
+    ASSERT_TRUE(batch->wait(10000));
+    EXPECT_EQ(progress.size(), 4);
+    for (const int number : {8, 9, 10}) {
+        view->openImage(number);
+        arrive(view);
+        EXPECT_EQ(view->optionalData().wavelength(), 1.25F);
+    }
 }
 
 TEST_F(HeaderOfView, CircleThatMovesTakesTheBeamAlong)

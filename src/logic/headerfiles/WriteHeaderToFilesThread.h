@@ -1,0 +1,66 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Writes edited header values into all files of a series.
+#pragma once
+
+#include "logic/headerfiles/CbfHeaderWriter.h"
+
+#include <QMutex>
+#include <QThread>
+
+#include <atomic>
+#include <string>
+
+/// One batch over a numbered CBF series. Set it up, start() it, and follow progress(). Failures of
+/// single files end on standard error, and the batch goes on with the next one; what was rewritten
+/// before an abort stays rewritten. Thread: setters any, before or while it runs; the batch works
+/// on copies.
+class WriteHeaderToFilesThread : public QThread {
+    Q_OBJECT
+public:
+    using Header = CbfHeaderWriter::Header;
+
+    ~WriteHeaderToFilesThread() override;
+
+    /// @param index  number of the image that the header's start angle belongs to
+    void setNeXuS(const Header& header, int index);
+    /// Files are named directory/prefix<number>.suffix, with zeros in front of the number up to
+    /// that many digits.
+    void setImageSeries(const std::string& directory, const std::string& prefix,
+                        const std::string& suffix, unsigned long digits);
+    /// Ends the batch behind the file that is being written.
+    void abort() { _abort = true; }
+
+signals:
+    void progress(int done, int total);
+
+protected:
+    void run() override;
+
+private:
+    struct Files {
+        std::string directory;
+        std::string prefix;
+        std::string suffix;
+        unsigned long digits = 0;
+
+        std::string name(long long number) const;
+        bool exists(long long number) const;
+        /// Entries of the directory, "." and ".." included.
+        long long count() const;
+    };
+    struct Range {
+        long long lowest;
+        long long highest;
+    };
+
+    /// The numbers that exist around the header's image. @returns false for none or an abort
+    bool _find(const Files& files, int index, Range& range) const;
+
+    QMutex _mutex;
+    CbfHeaderWriter _writer;
+    Files _files;
+    int _index = 0;
+    std::atomic<bool> _abort = false;
+};

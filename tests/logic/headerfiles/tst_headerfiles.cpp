@@ -1,0 +1,194 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Header lines that change in place, in one file and in a series.
+#include "logic/headerfiles/WriteHeaderToFilesThread.h"
+#include "tests/support/TempFolder.h"
+
+#include <QSignalSpy>
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+namespace {
+
+using tarvik::tests::TempFolder;
+using Header = CbfHeaderWriter::Header;
+
+const std::string head = "###CBF: VERSION 1.5\r\n_array_data.header_contents\r\n;\r\n";
+const std::string tail =
+    std::string("\r\n;\r\n# Wavelength 9 A\r\nbinary \x0c\x1a\x04\xd5\0;\n#", 38);
+
+std::string read(const std::string& path)
+{
+    std::ostringstream text;
+    text << std::ifstream(path, std::ios::binary).rdbuf();
+    return text.str();
+}
+
+Header header(const std::vector<std::pair<void (Header::*)(const float&), float>>& values)
+{
+    Header result;
+    for (const auto& [set, value] : values)
+        (result.*set)(value);
+    return result;
+}
+
+struct Row {
+    const char* name;
+    Header header;
+    std::string before;
+    std::string after;
+};
+
+class CbfHeader : public testing::TestWithParam<Row> {};
+
+TEST_P(CbfHeader, ChangesTheLinesOfItsValuesOnly)
+{
+    const TempFolder folder;
+    const std::string path = folder.write("x.cbf", head + GetParam().before + tail);
+    CbfHeaderWriter writer;
+    writer.setNeXuS(GetParam().header);
+    writer.write(path);
+    EXPECT_EQ(read(path), head + GetParam().after + tail);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 1)
+        << "no temporary file stays";
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, CbfHeader,
+    testing::Values(Row{"NoValues", {}, "# Wavelength 1.0 A", "# Wavelength 1.0 A"},
+                    Row{"Wavelength", header({{&Header::set_wavelength, 0.97F}}),
+                        "# Detector: x\r\n# Wavelength 1.0 A\r\n# End",
+                        "# Detector: x\r\n# Wavelength 0.97 A\r\n# End"},
+                    Row{"FirstOfTwoLines", header({{&Header::set_detector_distance, 0.15F}}),
+                        "# Detector_distance 1 m\r\n# Detector_distance 2 m",
+                        "# Detector_distance 0.15 m\r\n# Detector_distance 2 m"},
+                    Row{"BeamCentre",
+                        header({{&Header::set_beam_center_x, 1.5F},
+                                {&Header::set_beam_center_y, 2.F}}),
+                        "# Beam_xy (1, 2) pixels", "# Beam_xy ( 1.5, 2) pixels"},
+                    Row{"HalfABeamCentre", header({{&Header::set_beam_center_x, 1.5F}}),
+                        "# Beam_xy (1, 2) pixels", "# Beam_xy (1, 2) pixels"},
+                    Row{"LooseMark", header({{&Header::set_rotation_angle, 3.F}}),
+                        "#  Start_angle 1.0 deg.", "# Start_angle 3 deg"},
+                    Row{"NotInTheFirstColumn", header({{&Header::set_filter_transmission, 0.5F}}),
+                        " # Filter_transmission 1\r\n# Filter_transmission 1",
+                        " # Filter_transmission 1\r\n# Filter_transmission 0.5"},
+                    Row{"LineOfBinaryData", header({{&Header::set_wavelength, 2.F}}),
+                        "#\x01# Wavelength 1 A\r\n# Wavelength 1 A",
+                        "#\x01# Wavelength 1 A\r\n# Wavelength 2 A"}),
+    [](const auto& row) { return std::string(row.param.name); });
+
+TEST(CbfHeader, OneMissingLineIsAddedAtTheEnd)
+{
+    const TempFolder folder;
+    const std::string path = folder.write("x.cbf", head + "# Other" + tail);
+    CbfHeaderWriter writer;
+    writer.setNeXuS(
+        header({{&Header::set_rotation_angle_step, 0.1F}, {&Header::set_rotation_angle, 1.F}}));
+    writer.write(path);
+    EXPECT_EQ(read(path), head + "# Other\r\n# Start_angle 1 deg\r\n" + tail.substr(2));
+    writer.write(path);
+    EXPECT_EQ(read(path), head + "# Other\r\n# Start_angle 1 deg\r\n# Angle_increment 0.1 deg\r\n" +
+                              tail.substr(2));
+}
+
+TEST(CbfHeader, FailuresAreToldAndChangeNothing)
+{
+    const TempFolder folder;
+    CbfHeaderWriter writer;
+    writer.setNeXuS(header({{&Header::set_wavelength, 1.F}}));
+    testing::internal::CaptureStderr();
+    writer.write(folder / "none.cbf");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "Error: Can't open " + (folder / "none.cbf") + " for reading\n");
+    for (const char* content : {"", "no header;;", "_array_data.header_contents;"}) {
+        const std::string path = folder.write("x.cbf", content);
+        writer.write(path);
+        EXPECT_EQ(read(path), content);
+    }
+}
+
+class Batch : public testing::Test {
+protected:
+    Batch()
+    {
+        thread.setImageSeries(folder.path(), "x_", "cbf", 3);
+        QObject::connect(
+            &thread, &WriteHeaderToFilesThread::progress, &thread,
+            [this](int done, int total) {
+                steps.emplace_back(done, total);
+                if (done == abortAt)
+                    thread.abort();
+            },
+            Qt::DirectConnection);
+    }
+    void write(int number)
+    {
+        folder.write("x_" + std::to_string(1000 + number).substr(1) + ".cbf",
+                     head + "# Start_angle 0 deg\r\n# Wavelength 1 A" + tail);
+    }
+    std::string line(int number) const
+    {
+        const std::string text =
+            read(folder / ("x_" + std::to_string(1000 + number).substr(1) + ".cbf"));
+        return text.substr(head.size(), text.find('\r', head.size()) - head.size());
+    }
+    void run()
+    {
+        thread.start();
+        ASSERT_TRUE(thread.wait(10000));
+    }
+
+    const TempFolder folder;
+    std::vector<std::pair<int, int>> steps;
+    int abortAt = -1;
+    WriteHeaderToFilesThread thread;
+};
+
+TEST_F(Batch, EachFileAddsToTheAngleOfTheOneBefore)
+{
+    for (const int number : {1, 2, 3, 5})
+        write(number);
+    thread.setNeXuS(
+        header({{&Header::set_rotation_angle, 10.F}, {&Header::set_rotation_angle_step, 0.5F}}), 3);
+    testing::internal::CaptureStderr();
+    run();
+    EXPECT_THAT(testing::internal::GetCapturedStderr(),
+                testing::HasSubstr("x_004.cbf for reading"));
+    EXPECT_THAT(steps, testing::ElementsAre(std::pair(0, 5), std::pair(1, 5), std::pair(2, 5),
+                                            std::pair(3, 5), std::pair(4, 5), std::pair(5, 5)));
+    // Steps of -2, -1, 0, 1, 2 add up.
+    EXPECT_EQ(line(1), "# Start_angle 9 deg");
+    EXPECT_EQ(line(2), "# Start_angle 8.5 deg");
+    EXPECT_EQ(line(3), "# Start_angle 8.5 deg");
+    EXPECT_EQ(line(5), "# Start_angle 10 deg");
+}
+
+TEST_F(Batch, EndsBehindTheFileOfAnAbort)
+{
+    for (int number = 1; number <= 10; ++number)
+        write(number);
+    thread.setNeXuS(header({{&Header::set_rotation_angle, 7.F}}), 1);
+    abortAt = 2;
+    run();
+    EXPECT_EQ(steps.back(), std::pair(2, 10));
+    EXPECT_EQ(line(2), "# Start_angle 7 deg");
+    EXPECT_EQ(line(3), "# Start_angle 0 deg");
+}
+
+TEST_F(Batch, EmptyFolderAndAnEarlyAbortDoNothing)
+{
+    thread.setNeXuS(header({{&Header::set_wavelength, 1.F}}), 1);
+    run();
+    write(1);
+    thread.abort();
+    run();
+    EXPECT_TRUE(steps.empty());
+}
+
+}  // namespace

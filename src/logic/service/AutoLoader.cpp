@@ -6,11 +6,10 @@
 
 #include "logic/TarvikService.h"
 
-#include <QDeadlineTimer>
 #include <QElapsedTimer>
-#include <QMutexLocker>
 
 #include <algorithm>
+#include <chrono>
 
 AutoLoader::AutoLoader(TarvikService* service)
     : _service(service)
@@ -24,13 +23,13 @@ AutoLoader::~AutoLoader()
 
 void AutoLoader::setStepSize(int step)
 {
-    const QMutexLocker lock(&_mutex);
+    const std::lock_guard lock(_mutex);
     _stepSize = step;
 }
 
 int AutoLoader::stepSize() const
 {
-    const QMutexLocker lock(&_mutex);
+    const std::lock_guard lock(_mutex);
     return _stepSize;
 }
 
@@ -47,17 +46,17 @@ void AutoLoader::startLoading(Mode mode)
     const int imageIndex = _service->imageIndex();
     const int lastIndex = _service->lastIndex();
 
-    QMutexLocker lock(&_mutex);
+    std::unique_lock lock(_mutex);
     _mode = mode;
     _currentIndex = imageIndex;
     _lastIndex = lastIndex;
     if (isRunning() && !_stop) {
-        _condition.wakeOne();
+        _condition.notify_one();
         return;
     }
     lock.unlock();
     wait();  // a thread that was told to stop is about to end
-    lock.relock();
+    lock.lock();
     _stop = _update = _underWay = false;
     start(QThread::LowPriority);
 }
@@ -89,7 +88,7 @@ void AutoLoader::_connectRequests(Mode mode)
 
 void AutoLoader::_noteArrival()
 {
-    const QMutexLocker lock(&_mutex);
+    const std::lock_guard lock(_mutex);
     _underWay = false;
 }
 
@@ -99,9 +98,9 @@ void AutoLoader::stopLoading()
     _service->watchImageContainer(false);
     if (!isRunning())
         return;
-    const QMutexLocker lock(&_mutex);
+    const std::lock_guard lock(_mutex);
     _stop = true;
-    _condition.wakeOne();
+    _condition.notify_one();
 }
 
 void AutoLoader::_disconnectService()
@@ -125,12 +124,12 @@ void AutoLoader::_updateIndices(bool answered)
     const int imageIndex = _service->imageIndex();
     const int lastIndex = _service->lastIndex();
     const bool loading = _service->loading();
-    const QMutexLocker lock(&_mutex);
+    const std::lock_guard lock(_mutex);
     _currentIndex = imageIndex;
     _lastIndex = lastIndex;
     if (answered || !(loading || _underWay))
         _update = true;
-    _condition.wakeOne();
+    _condition.notify_one();
 }
 
 void AutoLoader::run()
@@ -146,9 +145,9 @@ void AutoLoader::run()
 
 std::optional<int> AutoLoader::_awaitNext()
 {
-    const QMutexLocker lock(&_mutex);
+    std::unique_lock lock(_mutex);
     while (!_stop && _currentIndex >= _lastIndex)
-        _condition.wait(&_mutex);
+        _condition.wait(lock);
     if (_stop)
         return {};
     return std::min(_lastIndex - _currentIndex, _stepSize);
@@ -156,7 +155,7 @@ std::optional<int> AutoLoader::_awaitNext()
 
 bool AutoLoader::_request(int step)
 {
-    QMutexLocker lock(&_mutex);
+    std::unique_lock lock(_mutex);
     const bool movie = _mode == Movie;
     _underWay = true;
     _update = false;
@@ -170,18 +169,18 @@ bool AutoLoader::_request(int step)
 
 bool AutoLoader::_awaitAnswer()
 {
-    const QMutexLocker lock(&_mutex);
+    std::unique_lock lock(_mutex);
     while (!_stop && !_update)
-        _condition.wait(&_mutex);
+        _condition.wait(lock);
     _update = false;
     return !_stop;
 }
 
 bool AutoLoader::_pause(qint64 elapsed)
 {
-    const QMutexLocker lock(&_mutex);
+    std::unique_lock lock(_mutex);
     const qint64 pause = std::max<qint64>(framePeriod - elapsed, minimumPause);
     if (!_stop)
-        _condition.wait(&_mutex, QDeadlineTimer(pause));
+        _condition.wait_for(lock, std::chrono::milliseconds(pause));
     return !_stop;
 }

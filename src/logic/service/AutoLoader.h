@@ -5,11 +5,11 @@
 #pragma once
 
 #include <QMetaObject>
-#include <QMutex>
 #include <QThread>
-#include <QWaitCondition>
 
 #include <array>
+#include <condition_variable>
+#include <mutex>
 #include <optional>
 
 class TarvikService;
@@ -75,8 +75,8 @@ private:
     int _session = 0;  // counts starts and stops
 
     // Shared with the thread.
-    mutable QMutex _mutex;
-    QWaitCondition _condition;
+    mutable std::mutex _mutex;
+    std::condition_variable _condition;
     bool _stop = false;
     bool _update = false;
     bool _underWay = false;  // a request has been signalled and has not reached the service yet

@@ -127,7 +127,7 @@ TEST_F(HeaderOfView, IsWrittenIntoAllFilesOfTheSeries)
     for (const int number : {8, 9, 10}) {
         view->openImage(number);
         arrive(view);
-        EXPECT_EQ(view->optionalData().wavelength(), 1.25F);
+        EXPECT_EQ(view->optionalData().wavelength().get_value_or(0), 1.25F);
     }
 }
 

@@ -210,7 +210,7 @@ TEST_F(Modes, SwitchingNeverWaitsForALoad)
     view->setWatchSeriesMode(true);
     view->setWatchSeriesMode(false);
     EXPECT_LT(timer.elapsed(), 50);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !view->loading(); }, 20000));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !view->loading(); }, 60000));
     QTest::qWait(50);
     EXPECT_THAT(shown, ElementsAre(2));
     EXPECT_THAT(log.take(), ElementsAre("movie on", "movie off", "watch on", "watch off", "image",

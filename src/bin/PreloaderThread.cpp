@@ -4,10 +4,10 @@
 // Running the preloader's service.
 #include "bin/PreloaderThread.h"
 
-#include "imagelib/image/MException.h"
 #include "logic/support/Console.h"
 
 #include <QCoreApplication>
+#include <QScopeGuard>
 
 PreloaderThread::PreloaderThread(std::string queueId)
     : _queueId(std::move(queueId))
@@ -17,16 +17,16 @@ void PreloaderThread::run()
 {
     try {
         PreloaderService service(_queueId);
-        {
+        const auto publish = [this](PreloaderService* current) {
             const std::lock_guard lock(_mutex);
-            if (_stop)
-                return;
-            _service = &service;
-        }
-        service.run();
-        const std::lock_guard lock(_mutex);
-        _service = nullptr;
-    } catch (const morvend::MException& error) {
+            _service = current;
+            return !_stop;
+        };
+        // Also when run() throws: stop() must not find a service that is gone.
+        const auto withdraw = qScopeGuard([&] { publish(nullptr); });
+        if (publish(&service))
+            service.run();
+    } catch (const std::exception& error) {
         console::warn(std::string("Preloader: ") + error.what() + '\n');
         QMetaObject::invokeMethod(
             QCoreApplication::instance(), [] { QCoreApplication::exit(1); }, Qt::QueuedConnection);

@@ -103,11 +103,12 @@ void ImageLoaderThread::_openSeries()
     PreloaderClient& preloader = _loader->_preloader;
     _step.restart();
     _data.index = series.open(_data.path);
+    _loader->_headerKnown = false;  // what the client has is of the series before
     preloader.put(static_cast<unsigned long>(_data.index), absolute(_data.path));
     _endStep(StepTimes::Open, "\nTIME OPENING SERIES: ");
     _step.restart();
     _data.image = series.at(static_cast<std::size_t>(_data.index));
-    preloader.setDefaultOptData(std::as_const(_data.image).optionalData());
+    _noteHeader();
     _endStep(StepTimes::Source, "TIME LOADING IMAGE: ");
 }
 
@@ -119,7 +120,7 @@ void ImageLoaderThread::_openIndex()
                                             rangeText(series));
     _step.restart();
     const auto index = static_cast<unsigned long>(_data.index);
-    const bool hit = _loader->_preloader.get(_data.image, index, "");
+    const bool hit = _loader->_headerKnown && _loader->_preloader.get(_data.image, index, "");
     _endStep(StepTimes::Cache, "\nTIME LOADING IMAGE FROM CACHE: ");
     // The preloader may know images that have come since the last look; without a hit too the
     // series may have grown.
@@ -135,7 +136,15 @@ void ImageLoaderThread::_readFromSource()
 {
     _step.restart();
     _data.image = _loader->_series->at(static_cast<std::size_t>(_data.index));
+    if (!_loader->_headerKnown)
+        _noteHeader();  // the image that the series was opened at can't be read
     _endStep(StepTimes::Source, "TIME LOADING IMAGE FROM SOURCE: ");
+}
+
+void ImageLoaderThread::_noteHeader()
+{
+    _loader->_preloader.setDefaultOptData(std::as_const(_data.image).optionalData());
+    _loader->_headerKnown = true;
 }
 
 void ImageLoaderThread::_pushImage()

@@ -31,6 +31,8 @@ private:
     void _openSeries();
     void _openIndex();
     void _readFromSource();
+    /// Lets the image's header stand behind those of images from the preloader.
+    void _noteHeader();
     void _pushImage();
     void _analyse();
     void _deliver();

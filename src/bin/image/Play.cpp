@@ -38,6 +38,19 @@ QString viewerProgram()
     return path;
 }
 
+/// Waits for it. Throws nothing: it is called from the event loop.
+bool preloaderComes()
+{
+    using morvend::imglib::MMessageQueue;
+    try {
+        const MMessageQueue queue(PreloaderClient::messageQueueId().c_str());
+        return queue.waitForPeer(startOfPreloader) != MMessageQueue::NoPeer;
+    } catch (const morvend::MException& error) {
+        console::warn("tarvik-image: " + std::string(error.what()) + '\n');
+        return false;
+    }
+}
+
 /// One run through the series. The first image, with the opening of the series and the start of
 /// the preloader, comes before the clock starts.
 class Run : public QObject {
@@ -126,11 +139,8 @@ private:
 
     void _begin()
     {
-        if (_preloader) {
-            const morvend::imglib::MMessageQueue queue(PreloaderClient::messageQueueId().c_str());
-            if (queue.waitForPeer(startOfPreloader) == morvend::imglib::MMessageQueue::NoPeer)
-                console::warn("tarvik-image: the preloader does not come\n");
-        }
+        if (_preloader && !preloaderComes())
+            console::warn("tarvik-image: the preloader does not come\n");
         _before = StepTimes::now();
         _clock.start();
     }

@@ -91,6 +91,7 @@ private:
     MaskFixup _maskFixup;
     MaskThumbnails _maskThumbnails;
     PreloaderClient _preloader;
+    bool _headerKnown = false;  // does the preloader's client have the header of the open series?
     std::mutex _handOver;
     mutable std::recursive_mutex _mutex;
     int _firstIndex = -1;

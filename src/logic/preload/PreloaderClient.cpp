@@ -41,6 +41,7 @@ PreloaderClient::~PreloaderClient()
 
 void PreloaderClient::put(unsigned long index, const std::string& path)
 {
+    _enabled = false;  // the images of the series before are none of this one, whatever fails here
     try {
         const std::lock_guard lock(traffic());
         if (!_queue)

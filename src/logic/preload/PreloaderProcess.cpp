@@ -10,14 +10,16 @@
 #include <QProcess>
 
 #include <algorithm>
+#include <csignal>
 
 #include <sys/syscall.h>
 #include <unistd.h>
 
 namespace {
 
-constexpr int shortestPause = 100;    // ms
-constexpr int longestPause = 10'000;  // ms
+constexpr int shortestPause = 100;       // ms
+constexpr int longestPause = 10'000;     // ms
+constexpr int pauseWithoutHandle = 500;  // ms
 
 }  // namespace
 
@@ -58,8 +60,13 @@ void PreloaderProcess::_start()
 void PreloaderProcess::_watch()
 {
     _handle = static_cast<int>(::syscall(SYS_pidfd_open, static_cast<pid_t>(_pid), 0));
-    if (_handle < 0)
-        return _ended();  // it has gone already
+    if (_handle < 0) {
+        if (::kill(static_cast<pid_t>(_pid), 0) != 0)
+            return _ended();  // it has gone already
+        // It runs, but this process can't have a handle on it now, or never on an old system.
+        QTimer::singleShot(pauseWithoutHandle, this, &PreloaderProcess::_watch);
+        return;
+    }
     _end = std::make_unique<QSocketNotifier>(_handle, QSocketNotifier::Read);
     connect(_end.get(), &QSocketNotifier::activated, this, &PreloaderProcess::_ended);
 }

@@ -30,9 +30,8 @@ void TarvikService::TarvikServicePrivate::newImage()
     _headerEdits.newImage(_image, _imageIndex, sameGroup);
     if (!sameGroup)
         changeGroups(load);
-    // The loader computed the region that was there when the image was asked for.
-    if (_statisticsRecord.value() != load.statisticsData)
-        computeRegion();
+    else if (_statisticsRecord.value() != load.statisticsData)
+        computeRegion();  // the loader computed the one that was there at the request
 
     emit service.newImageSignal();
     emit service.newStatisticsSignal(_statisticsRecord.value());
@@ -66,6 +65,8 @@ void TarvikService::TarvikServicePrivate::changeGroups(const ImageLoader::Data& 
             setStatisticsData(ofGroup);
         else
             _statisticsRecord.store(ofGroup);
+    } else {
+        computeRegion();  // the loader computed the one that was there at the request
     }
 
     _peaks.changeGroup(id);

@@ -51,6 +51,9 @@ void AutoLoader::startLoading(Mode mode)
     _currentIndex = imageIndex;
     _lastIndex = lastIndex;
     if (isRunning() && !_stop) {
+        // A request of the former session does not arrive any more: nothing else would answer it.
+        _underWay = false;
+        _update = true;
         _condition.notify_one();
         return;
     }

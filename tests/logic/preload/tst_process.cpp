@@ -7,6 +7,7 @@
 #include "logic/preload/PreloaderClient.h"
 #include "logic/preload/PreloaderProcess.h"
 #include "tests/support/EdfFile.h"
+#include "tests/support/EdfText.h"
 #include "tests/support/WaitFor.h"
 
 #include <QElapsedTimer>
@@ -219,6 +220,50 @@ TEST_F(WithProcess, LoaderStepsThroughKillsWithTheRightPixels)
         QTest::qWait(dies || i % 6 == 1 ? 200 : 1);
     }
     EXPECT_GE(StepTimes::now().hits, cached.hits + 4) << "read-ahead has come back";
+}
+
+TEST_F(WithProcess, HeaderOfTheSeriesBeforeDoesNotCount)
+{
+    ImageLoader loader;
+    QObject receiver;
+    std::list<ImageLoader::Data> records;
+    QStringList errors;
+    QObject::connect(&loader, &ImageLoader::newImage, &receiver, [&] { loader.results(records); });
+    QObject::connect(&loader, &ImageLoader::loadError, &receiver,
+                     [&](const QString& message) { errors << message; });
+    const auto load = [&](ImageLoader::Task task, const std::string& path, int index) {
+        ImageLoader::Data request;
+        request.path = path;
+        request.index = index;
+        records.clear();
+        loader.open(task, request, true);
+        EXPECT_TRUE(waitFor([&] { return !records.empty() || !errors.empty(); }));
+    };
+    const auto wavelength = [&] {
+        EXPECT_EQ(records.size(), 1U);
+        return std::as_const(records.front().image).optionalData().wavelength();
+    };
+    const std::string frame = tarvik::tests::edfFrame({1, 2});
+    std::string withWavelength = frame;
+    withWavelength.insert(2, "WaveLength = 1e-10 ;\n").erase(1022, 21);  // as many blanks
+    const std::string known = folder.write("known_1.edf", withWavelength);
+    const std::string broken = folder.write("y_1.edf", frame.substr(0, frame.size() - 4));
+    for (const char* file : {"y_2.edf", "y_3.edf", "y_4.edf"})
+        folder.write(file, frame);
+    ASSERT_TRUE(connected());
+    load(ImageLoader::TaskOpenSeries, known, 1);
+    EXPECT_TRUE(wavelength());
+    load(ImageLoader::TaskOpenSeries, broken, 1);
+    ASSERT_EQ(errors.size(), 1);
+    errors.clear();
+    QTest::qWait(200);  // the preloader reads ahead all the same
+    const auto before = StepTimes::now();
+    for (const int index : {2, 3, 4}) {
+        load(ImageLoader::TaskOpenIndex, {}, index);
+        EXPECT_EQ(records.front().path, folder / ("y_" + std::to_string(index) + ".edf"));
+        EXPECT_FALSE(wavelength()) << index;
+    }
+    EXPECT_EQ(StepTimes::now().hits - before.hits, 2U);
 }
 
 TEST(WithoutProcess, EveryQuestionIsAMissAtOnce)

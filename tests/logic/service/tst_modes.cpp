@@ -88,6 +88,16 @@ TEST_F(Modes, WithoutImageOnlyTheMonitorBegins)
     EXPECT_THAT(log.take(), ElementsAre("monitor on", "monitor off"));
 }
 
+TEST_F(Modes, MovieThatIsSwitchedOnAgainGoesOn)
+{
+    openSeries(4);
+    view->setMovieMode(true);
+    ASSERT_TRUE(reaches(1));
+    QThread::msleep(400);  // the request for the next image waits in the event queue by now
+    view->setMovieMode(true);
+    EXPECT_TRUE(reaches(3));
+}
+
 struct Switch {
     std::vector<const char*> before;
     const char* step;

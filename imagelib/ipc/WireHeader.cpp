@@ -157,7 +157,7 @@ T fieldValue(const std::string& name, const Value& value)
         if (const auto* real = std::get_if<double>(&value))
             return datatypes::convertPixel<T>(*real);
         if (const auto* integer = std::get_if<std::int64_t>(&value))
-            return static_cast<T>(*integer);
+            return datatypes::convertPixel<T>(static_cast<double>(*integer));
     }
     malformed("the header field " + quoted(name) + " has a value of a wrong type");
 }
@@ -196,10 +196,12 @@ void readHeader(ByteReader& in, MBasicImageOptionalData<>& header,
         const Tag tag = getTag(in);
         if (tag != Tag::Image)
             setField(header, name, readValue(in, tag));
-        else if (name == "pixel_mask")
-            header.set_pixel_mask(mask());
-        else
+        else if (name != "pixel_mask")
             malformed("the header field " + quoted(name) + " can't be an image");
+        else if (header.pixel_mask())
+            malformed("a header with two masks");  // a million of them would keep us copying
+        else
+            header.set_pixel_mask(mask());
     }
     header.setNexusTree(readTree(in));  // last, since setting fields touches the tree
 }

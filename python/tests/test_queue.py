@@ -43,6 +43,14 @@ class TwoEnds(unittest.TestCase):
         with self.assertRaises(PeerGone):
             self.right.receive(10)
 
+    def test_no_time_is_a_time_out(self):
+        with MessageQueue(f"python_{os.getpid()}_alone") as alone:
+            for call in (alone.connect, alone.receive):
+                with self.assertRaises(TimeoutError):
+                    call(0)
+        with self.assertRaises(TimeoutError):
+            self.left.receive(0)
+
     def test_long_names_have_addresses_of_their_own(self):
         self.assertLessEqual(len(queue.address("n" * 5000)), 108)
         self.assertNotEqual(queue.address("n" * 5000), queue.address("n" * 5001))

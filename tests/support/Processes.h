@@ -63,6 +63,19 @@ inline std::size_t openDescriptors()
     return count;
 }
 
+/// Makes signals end the programs that are started from now on, also where a sanitizer would catch
+/// them and turn them into an exit code.
+inline void letSignalsEndPrograms()
+{
+    for (const char* name : {"ASAN_OPTIONS", "TSAN_OPTIONS"}) {
+        const std::string added = ":handle_segv=0:handle_sigbus=0";
+        const char* const given = std::getenv(name);
+        const std::string options = given ? given : "";
+        if (!options.ends_with(added))
+            ::setenv(name, (options + added).c_str(), 1);
+    }
+}
+
 /// Tells whether a condition comes true within ten seconds.
 template <class Condition>
 bool waitFor(Condition&& condition)

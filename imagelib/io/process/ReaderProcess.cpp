@@ -61,10 +61,11 @@ public:
     explicit SpawnPlan(int socket)
     {
         ::posix_spawn_file_actions_init(&_actions);
+        // First: where standard input was closed, the socket may have its number.
+        ::posix_spawn_file_actions_adddup2(&_actions, socket, ReaderProcess::SocketNumber);
         ::posix_spawn_file_actions_addopen(&_actions, 0, "/dev/null", O_RDONLY, 0);
         // Standard output may be data for a program.
         ::posix_spawn_file_actions_adddup2(&_actions, 2, 1);
-        ::posix_spawn_file_actions_adddup2(&_actions, socket, ReaderProcess::SocketNumber);
         ::posix_spawn_file_actions_addclosefrom_np(&_actions, ReaderProcess::SocketNumber + 1);
         ::posix_spawnattr_init(&_attributes);
         sigset_t none;
@@ -203,7 +204,7 @@ ReaderAnswer ReaderProcess::ask(const ReaderRequest& request, MImage& image)
         _end(0ms);
         throw MTimeoutException("has not answered within " + secondsOf(_options.limit),
                                 error.elapsed());
-    } catch (const MException& error) {
+    } catch (const std::exception& error) {
         _end(0ms);
         throw MRuntimeException(std::string("gave an answer that can't be used (") + error.what() +
                                 ")");

@@ -91,7 +91,8 @@ void ReaderServer::_do(const ReaderRequest& request, ReaderAnswer& answer, MImag
         const image::PixelSource::Scope scope(*_pool);
         image = _file->frame(request.position);
         if (image.empty())
-            throw MRuntimeException("The image has no pixels: " + _file->framePath(0));
+            throw MRuntimeException("The image has no pixels: " +
+                                    _file->framePath(request.position));
     }
     answer.framePath = _file->framePath(request.position);
 }

@@ -295,7 +295,8 @@ class MessageQueue:
             if self._listener is None:
                 self._listener = self._listen()
             if self._listener is not None:
-                wait = None if deadline is None else max(0.0, deadline - time.monotonic())
+                # Never 0, which would be another kind of socket with another error.
+                wait = None if deadline is None else max(0.001, deadline - time.monotonic())
                 self._listener.settimeout(wait)
                 connection, _ = self._listener.accept()
                 try:
@@ -305,16 +306,20 @@ class MessageQueue:
                     connection.close()
                     continue
             connection = socket.socket(socket.AF_UNIX, socket.SOCK_STREAM)
+            connection.setblocking(False)
             try:
                 connection.connect(self._address)
-            except ConnectionRefusedError:  # a moment in the life of its holder
+                _check_user(connection)
+                return connection, False
+            except PermissionError:
+                connection.close()
+                raise
+            # A moment in the life of its holder, or so many wait that there is no room.
+            except (ConnectionRefusedError, BlockingIOError):
                 connection.close()
                 if deadline is not None and time.monotonic() > deadline:
                     raise TimeoutError("no peer came in time") from None
                 time.sleep(0.002)
-                continue
-            _check_user(connection)
-            return connection, False
 
     def _listen(self):
         listener = socket.socket(socket.AF_UNIX, socket.SOCK_STREAM)

@@ -307,7 +307,7 @@ def _decode_image(data, bulk, source, is_mask=False):
         name = data.text().decode(errors="replace")
         if data.data[:1] == b"\7":
             data.take(1)
-            if name != "pixel_mask" or is_mask:
+            if name != "pixel_mask" or is_mask or name in image.header:
                 raise WireError(f"the header field {name} can't be an image")
             image.header[name] = _decode_image(data, bulk, source, True)
         else:

@@ -89,7 +89,8 @@ int CrashGuard::run(const std::function<int()>& work,
     if (pid < 0)
         return work();
     if (pid == 0) {
-        ::prctl(PR_SET_PDEATHSIG, SIGTERM);
+        // Who kills the parent means the work, which may hang and heed no other signal.
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
         if (::getppid() != parent)
             std::_Exit(1);
         std::exit(work());

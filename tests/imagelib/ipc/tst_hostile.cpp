@@ -87,6 +87,18 @@ const HostileCase Cases[] = {
          p.send(wire::Kind(77), {});
      }},
     {"NoHello", "hello must be the first", [](RawPeer& p) { p.send(wire::Kind::Text, {}, "x"); }},
+    {"TwoMasks", "two masks",
+     [](RawPeer& p) {
+         p.hello();
+         MImage image;
+         image.optionalData().set_pixel_mask(MImage());
+         std::vector<std::byte> meta = wire::pack(image).meta;
+         // Behind size, place and number of fields stands the one field, before the empty tree.
+         const std::vector<std::byte> field(meta.begin() + 40, meta.end() - 4);
+         meta.at(36) = std::byte(2);
+         meta.insert(meta.end() - 4, field.begin(), field.end());
+         p.send(wire::Kind::Image, meta);
+     }},
     {"TwoHellos", "hello must be the first",
      [](RawPeer& p) {
          p.hello();

@@ -37,7 +37,11 @@ std::string writeMaster(const TempFolder& folder)
 
 class Apart : public testing::Test {
 public:
-    void SetUp() override { FormatRegistry::readHdf5Apart(true); }
+    void SetUp() override
+    {
+        letSignalsEndPrograms();
+        FormatRegistry::readHdf5Apart(true);
+    }
     void TearDown() override { FormatRegistry::readHdf5Apart(false); }
 
     static pid_t reader()

@@ -26,6 +26,7 @@ namespace {
 
 ReaderProcess::Options strangeReader(std::chrono::milliseconds limit = 20s)
 {
+    letSignalsEndPrograms();
     return {TARVIK_STRANGE_READER, limit};
 }
 

@@ -284,13 +284,12 @@ TEST(PreloaderProcess, ThatCanNotBeStartedIsTriedAgain)
     const std::string script = folder / "program";
     PreloaderProcess process(QString::fromStdString(script));
     EXPECT_EQ(process.processId(), 0);
-    folder.write("program", "#!/bin/sh\necho $@ >> \"$0.log\"\nsleep 100\n");
+    folder.write("program", "#!/bin/sh\necho $@ >> \"$0.log\"\nexec sleep 100\n");
     std::filesystem::permissions(script, std::filesystem::perms::owner_all);
     ASSERT_TRUE(waitFor([&] { return process.processId() > 0; }));
-    ASSERT_TRUE(waitFor([&] { return std::filesystem::exists(script + ".log"); }));
-    kill(static_cast<pid_t>(process.processId()), SIGKILL);
     std::string line;
-    std::getline(std::ifstream(script + ".log"), line);
+    EXPECT_TRUE(waitFor([&] { return bool(std::getline(std::ifstream(script + ".log"), line)); }));
+    kill(static_cast<pid_t>(process.processId()), SIGKILL);
     const std::string pid = std::to_string(getpid());
     EXPECT_EQ(line, "--preloader PRELOADER_" + pid + " --parent-pid " + pid);
 }

@@ -270,6 +270,22 @@ void ImageDrawer::resizeEvent(QResizeEvent* event)
     setViewportSlot(_viewportData);
 }
 
+void ImageDrawer::showEvent(QShowEvent* event)
+{
+    QWidget::showEvent(event);
+    if (_canvas)
+        _canvas->show();
+}
+
+void ImageDrawer::hideEvent(QHideEvent* event)
+{
+    QWidget::hideEvent(event);
+    // A repaint that was still due would stay due for ever once the window is hidden, and every
+    // later one be taken for that; the canvas loses it when it is hidden itself.
+    if (_canvas)
+        _canvas->hide();
+}
+
 void ImageDrawer::mousePressEvent(QMouseEvent* event)
 {
     _lastMoveX = event->position().toPoint().x();

@@ -15,19 +15,20 @@
 #include <QSignalSpy>
 
 /// A core, one service and one view of a given size.
-class DrawnImage {
+template <class View>
+class DrawnView {
 public:
-    explicit DrawnImage(QSize size, bool useGlsl = true)
+    explicit DrawnView(QSize size, bool useGlsl = true)
     {
         core.setDefaultColorTable("High Dynamic Range");
         service = core.newService("test");
-        drawer = std::make_unique<ImageDrawerMain>(service, useGlsl);
+        drawer = std::make_unique<View>(service, useGlsl);
         drawer->resize(size);
         drawer->show();
         (void)QTest::qWaitForWindowExposed(drawer.get());
         settle();
     }
-    ~DrawnImage() { drawer.reset(); }
+    ~DrawnView() { drawer.reset(); }
 
     /// Loads an image and waits until it is on show.
     bool open(const morvend::imglib::MImage& image)
@@ -60,5 +61,7 @@ public:
 
     TarvikCore core;
     TarvikService* service = nullptr;
-    std::unique_ptr<ImageDrawerMain> drawer;
+    std::unique_ptr<View> drawer;
 };
+
+using DrawnImage = DrawnView<ImageDrawerMain>;

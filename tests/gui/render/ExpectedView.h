@@ -1,0 +1,70 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The picture that a view must show, from the colour map and plain arithmetic.
+#pragma once
+
+#include "imagelib/display/MColorMap.h"
+#include "logic/TarvikService.h"
+
+#include <QColor>
+#include <QImage>
+
+#include <cmath>
+#include <limits>
+#include <string>
+
+/// The colours of the service's whole image under its contrast and highlights.
+inline morvend::imglib::MImage colouredImage(const TarvikService& service)
+{
+    using namespace morvend::imglib;
+    const MImage& image = service.image();
+    const ContrastData contrast = service.contrastData();
+    const auto& saturation = image.optionalData().saturation_value();
+    const bool saturated = service.highlightSaturated() && saturation;
+    MImage result;
+    MColorMap::rgb(result, image, contrast.foreground, contrast.background,
+                   contrast.logForeground(), *contrast.colorTable, "ARGB",
+                   &*image.optionalData().pixel_mask(), nullptr,
+                   saturated ? *saturation : std::numeric_limits<int>::max(),
+                   service.highlightDefective(), saturated);
+    return result;
+}
+
+/// Compares a picture of a view with the coloured image, nearest pixel by nearest pixel. Pixels of
+/// the screen whose centre lies on a border between image pixels may show either and are passed.
+/// @param ratio  pixels of the picture for each one of the view
+/// @returns the first difference in words, empty for none
+inline std::string differenceFromImage(const QImage& picture, const TarvikService& service,
+                                       double ratio, QRgb background)
+{
+    const morvend::imglib::MImage colours = colouredImage(service);
+    const ViewportData viewport = service.viewportData();
+    const double scale = viewport.zoom() * ratio;
+    const auto onBorder = [](double position) {
+        return std::abs(position - std::round(position)) < 1e-3;
+    };
+    for (int py = 0; py < picture.height(); ++py) {
+        const double y = (py + 0.5) / scale + viewport.offsetY;
+        if (onBorder(y))
+            continue;
+        for (int px = 0; px < picture.width(); ++px) {
+            const double x = (px + 0.5) / scale + viewport.offsetX;
+            if (onBorder(x))
+                continue;
+            const auto wanted = colours.pixel<unsigned int>(
+                static_cast<int>(std::floor(x)), static_cast<int>(std::floor(y)), background);
+            if (picture.pixel(px, py) != wanted)
+                return QString("at (%1, %2), image (%3, %4): shown %5, wanted %6, zoom power %7")
+                    .arg(px)
+                    .arg(py)
+                    .arg(x)
+                    .arg(y)
+                    .arg(picture.pixel(px, py), 8, 16)
+                    .arg(wanted, 8, 16)
+                    .arg(viewport.zoomPower)
+                    .toStdString();
+        }
+    }
+    return {};
+}

@@ -18,7 +18,9 @@
 #include <QOpenGLFunctions>
 #include <QOpenGLPaintDevice>
 #include <QPainter>
+#include <QTimer>
 #include <QWheelEvent>
+#include <QWindow>
 
 namespace {
 
@@ -267,23 +269,28 @@ void ImageDrawer::resizeEvent(QResizeEvent* event)
     if (_canvas)
         _canvas->resize(size());
     _resizing = false;
+    if (event->oldSize().isEmpty())
+        _repaintOnceExposed();
     setViewportSlot(_viewportData);
 }
 
 void ImageDrawer::showEvent(QShowEvent* event)
 {
     QWidget::showEvent(event);
-    if (_canvas)
-        _canvas->show();
+    _repaintOnceExposed();
 }
 
-void ImageDrawer::hideEvent(QHideEvent* event)
+void ImageDrawer::_repaintOnceExposed()
 {
-    QWidget::hideEvent(event);
-    // A repaint that was still due would stay due for ever once the window is hidden, and every
-    // later one be taken for that; the canvas loses it when it is hidden itself.
-    if (_canvas)
-        _canvas->hide();
+    // An update that was due when the window was hidden stays due, and later ones are taken for
+    // that one: only a repaint on a window that is on the screen ends this.
+    if (!isVisible() || !_canvas)
+        return;
+    const QWindow* handle = window()->windowHandle();
+    if (handle && handle->isExposed() && _initialized)
+        repaint();
+    else
+        QTimer::singleShot(20, this, &ImageDrawer::_repaintOnceExposed);
 }
 
 void ImageDrawer::mousePressEvent(QMouseEvent* event)

@@ -140,7 +140,6 @@ protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void showEvent(QShowEvent* event) override;
-    void hideEvent(QHideEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
@@ -170,6 +169,7 @@ private:
     void _releaseGL();
     void _uploadImage();
     void _makeCurrent();
+    void _repaintOnceExposed();
     void _prepareScene();
     void _renderScene(QPainter& painter);
     void _renderNative(double devicePixelRatio);

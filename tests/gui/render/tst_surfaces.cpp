@@ -125,6 +125,7 @@ TEST_P(AnySurface, TheScreenShowsWhatIsGrabbed)
 TEST_P(AnySurface, ThePictureIsBackAfterAllThatHappensToAView)
 {
     show(20, 10, 1);
+    EXPECT_TRUE(onScreen()) << "before";
     const QImage before = grabbed();
     const auto back = [&] {
         settle();

@@ -18,7 +18,6 @@
 #include <QOpenGLFunctions>
 #include <QOpenGLPaintDevice>
 #include <QPainter>
-#include <QTimer>
 #include <QWheelEvent>
 #include <QWindow>
 
@@ -239,7 +238,7 @@ void ImageDrawer::_releaseGL()
 void ImageDrawer::_paintGL()
 {
     // The size is a passing one while windows are being laid out: no first viewport for it.
-    if (!_initialized || _resizing)
+    if (!_initialized || _resizing || size().isEmpty())
         return;
     _prepareScene();
     QPainter painter(_canvas.get());
@@ -266,31 +265,28 @@ void ImageDrawer::resizeEvent(QResizeEvent* event)
 {
     _resizing = true;
     QWidget::resizeEvent(event);
+    // Qt shows black for ever where a QOpenGLWidget has once been resized to nothing.
     if (_canvas)
-        _canvas->resize(size());
+        _canvas->resize(size().expandedTo(QSize(1, 1)));
     _resizing = false;
-    if (event->oldSize().isEmpty())
-        _repaintOnceExposed();
     setViewportSlot(_viewportData);
 }
 
 void ImageDrawer::showEvent(QShowEvent* event)
 {
     QWidget::showEvent(event);
-    _repaintOnceExposed();
+    if (QWindow* handle = window()->windowHandle(); handle && _canvas)
+        handle->installEventFilter(this);
 }
 
-void ImageDrawer::_repaintOnceExposed()
+bool ImageDrawer::eventFilter(QObject* watched, QEvent* event)
 {
-    // An update that was due when the window was hidden stays due, and later ones are taken for
-    // that one: only a repaint on a window that is on the screen ends this.
-    if (!isVisible() || !_canvas)
-        return;
-    const QWindow* handle = window()->windowHandle();
-    if (handle && handle->isExposed() && _initialized)
-        repaint();
-    else
-        QTimer::singleShot(20, this, &ImageDrawer::_repaintOnceExposed);
+    // An update that came due while the window was not on the screen stays due, and later ones are
+    // taken for that one: only a repaint on a window that is on the screen ends this.
+    if (event->type() == QEvent::Expose && watched == window()->windowHandle())
+        QMetaObject::invokeMethod(
+            this, [this] { repaint(); }, Qt::QueuedConnection);
+    return QWidget::eventFilter(watched, event);
 }
 
 void ImageDrawer::mousePressEvent(QMouseEvent* event)

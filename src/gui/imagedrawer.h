@@ -140,6 +140,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void showEvent(QShowEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
@@ -169,7 +170,6 @@ private:
     void _releaseGL();
     void _uploadImage();
     void _makeCurrent();
-    void _repaintOnceExposed();
     void _prepareScene();
     void _renderScene(QPainter& painter);
     void _renderNative(double devicePixelRatio);

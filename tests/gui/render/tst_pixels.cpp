@@ -129,9 +129,8 @@ Differences compare(const QImage& picture, const MImage& image, const ContrastDa
 template <class T>
 class PixelColours : public testing::Test {};
 
-using ShownTypes =
-    testing::Types<int, unsigned int, float, unsigned short, short, double, char, signed char,
-                   unsigned char, long long, unsigned long long>;
+using ShownTypes = testing::Types<int, unsigned int, float, unsigned short, short, double, char,
+                                  signed char, unsigned char, long long, unsigned long long>;
 TYPED_TEST_SUITE(PixelColours, ShownTypes);
 
 /// All tables, their inverses, levels in all positions to each other, with and without

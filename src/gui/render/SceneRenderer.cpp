@@ -114,7 +114,8 @@ void SceneRenderer::_drawPlot(ImageProgram& program, const DisplayImage& image,
     }
     gl().glEnable(GL_DEPTH_TEST);
     gl().glEnable(GL_BLEND);
-    gl().glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    // Smooth lines blend their colours, but the picture stays opaque.
+    gl().glBlendFuncSeparate(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
     gl().glEnable(GL_LINE_SMOOTH);
     _drawElements(program, GL_LINES, static_cast<int>(VERTEX_GRID.lineIndices.size()),
                   _gridVertices, _gridLineIndices);

@@ -171,6 +171,24 @@ TEST_F(ImageDrawerTest, TheCursorIsToldInImagePixelsUntilItLeaves)
     EXPECT_EQ(cursor.last()[1].toDouble(), -1);
 }
 
+TEST_F(ImageDrawerTest, APictureOfTheHeightMapIsOpaque)
+{
+    open(1000, 800);
+    drawer().setPlottingMode(PlottingMode::ThreeDimensional);
+    _view.service->setViewportData(ViewportData(350, 300, 0, 30, 20));
+    const QImage picture = drawer().grab();
+    int lit = 0;
+    int clear = 0;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            lit += picture.pixelColor(x, y) != QColor(Qt::black);
+            clear += qAlpha(picture.pixel(x, y)) != 255;
+        }
+    }
+    EXPECT_GT(lit, 1000);
+    EXPECT_EQ(clear, 0);
+}
+
 TEST_F(ImageDrawerTest, AnotherSizeOfImageOrWindowIsShownRight)
 {
     open(1000, 800);

@@ -85,7 +85,6 @@ QImage ImageDrawer::grab(double devicePixelRatio)
     const QSize pixels(qRound(width() * devicePixelRatio), qRound(height() * devicePixelRatio));
     if (!_initialized || pixels.isEmpty())
         return {};
-    _makeCurrent();
     _prepareScene();
     QImage picture(pixels, QImage::Format_ARGB32_Premultiplied);
     if (_canvas) {
@@ -173,7 +172,7 @@ void ImageDrawer::_uploadImage()
     clock.start();
     _onCard = _scene->textures().uploadImage(_image, std::min(_maxTextureSize, _textureLimit));
     console::printTime("TIME UPLOADING IMAGE AND MASK TO GPU:", clock.elapsed());
-    if (!_onCard)
+    if (!_onCard && !_image.empty())
         console::warn("WARNING: The graphics card can't hold an image of " +
                       std::to_string(_image.size().width()) + " x " +
                       std::to_string(_image.size().height()) + " pixels: the processor draws it\n");
@@ -382,8 +381,11 @@ void ImageDrawer::_prepareScene()
 {
     // An image that came before the view was ready, or a new context.
     const bool onCard = !usesGlsl() || _scene->textures().hasImage();
-    if (_service->imageLoaded() && (_image.empty() || !onCard))
+    // The reduced picture of a very long image is empty, and stays so.
+    if (_service->imageLoaded() && (_image.empty() || !onCard) && !baseImage().empty())
         newImageSlot();
+    // Other views that heard of it have made their contexts current.
+    _makeCurrent();
 }
 
 void ImageDrawer::_renderScene(QPainter& painter)

@@ -172,4 +172,23 @@ TEST_P(Thumbnail, WorksWithoutImageAndWithOnePixel)
     }
 }
 
+/// A strip detector: less than half a row of the reduced picture.
+TEST_P(Thumbnail, RestsWhereTheReducedImageIsEmpty)
+{
+    open();
+    testing::internal::CaptureStderr();
+    ASSERT_TRUE(_view.open(images::withGeometry(1280, 1, 5, 640, 0.5F)));
+    ASSERT_EQ(_thumbnail.sizeHint(), QSize(200, 0));
+    QSignalSpy newImages(&_thumbnail, &ImageDrawer::newCursorCoordinates);
+    for (int i = 0; i < 10; ++i) {
+        _thumbnail.repaint();
+        settle();
+    }
+    EXPECT_EQ(newImages.count(), 0);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(at(100, 80), QColor(Qt::darkGray)) << "nothing of the image before";
+    open();
+    EXPECT_NE(at(100, 80), QColor(Qt::darkGray));
+}
+
 }  // namespace

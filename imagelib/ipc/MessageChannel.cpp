@@ -36,6 +36,19 @@ struct MessageChannel::Private {
         }
     }
 
+    /// Writes all that waits; blocks while the socket is full.
+    void drain(const Deadline& deadline)
+    {
+        while (!writer.flush()) {
+            // What the peer has to do before it goes on without the socket's help is looked for.
+            const bool stalled = writer.stalled();
+            if (!waitFor(socket.get(), stalled ? 0 : POLLOUT,
+                         stalled ? deadline.sooner(std::chrono::milliseconds(1)) : deadline) &&
+                deadline.passed())
+                throw MTimeoutException("Queue: the peer takes no message");
+        }
+    }
+
     const UniqueFd socket;
     FrameWriter writer;
     FrameReader reader;
@@ -64,16 +77,17 @@ std::pair<UniqueFd, UniqueFd> MessageChannel::socketPair()
 
 void MessageChannel::send(const Message& message, std::chrono::milliseconds timeout)
 {
-    const Deadline deadline(timeout);
     enqueue(message);
-    while (!flush()) {
-        // What the peer has to do before it goes on without the socket's help is looked for.
-        const bool stalled = _d->writer.stalled();
-        if (!waitFor(_d->socket.get(), stalled ? 0 : POLLOUT,
-                     stalled ? deadline.sooner(std::chrono::milliseconds(1)) : deadline) &&
-            deadline.passed())
-            throw MTimeoutException("Queue: the peer takes no message");
-    }
+    _d->drain(Deadline(timeout));
+}
+
+void MessageChannel::sendBoth(Message first, Message second)
+{
+    wire::Parcel parcel = wire::pack(std::move(first));
+    wire::Parcel next = wire::pack(std::move(second));
+    _d->writer.enqueue(std::move(parcel));
+    _d->writer.enqueue(std::move(next));
+    _d->drain(Deadline(Forever));
 }
 
 Message MessageChannel::receive(std::chrono::milliseconds timeout)

@@ -42,6 +42,9 @@ public:
     /// @throws MPeerGoneException, MTimeoutException (the channel is then of no use),
     /// MBadParameterException as MMessageQueue::send
     void send(const Message& message, std::chrono::milliseconds timeout = Forever);
+    /// Sends two messages, which wake the peer once. Where one of them is refused with an
+    /// MBadParameterException, neither is sent.
+    void sendBoth(Message first, Message second);
     /// The next message.
     /// @throws MPeerGoneException when the peer has gone and all it sent is received,
     /// MTimeoutException when nothing came in time, MRuntimeException for a malformed frame

@@ -96,13 +96,21 @@ void QueueEnd::send(Message message, Peer peer)
     }
     const bool waited = !_sending->writer.idle();
     _sending->writer.enqueue(std::move(parcel));
-    try {
-        if (!_sending->writer.flush() && !waited)
-            wake();
-    } catch (const MPeerGoneException&) {
-        if (peer != MMessageQueue::NoPeer)
-            throw;
-        // The thread sees it too, and keeps what is unsent for the next peer.
+    for (;;) {
+        try {
+            if (!_sending->writer.flush() && !waited)
+                wake();
+            return;
+        } catch (const MPeerGoneException&) {
+            if (peer != MMessageQueue::NoPeer)
+                throw;
+            return;  // the thread sees it too, and keeps what is unsent for the next peer
+        } catch (const MException& error) {
+            // One was dropped. This message stands last: while any waits, it was another's.
+            if (_sending->writer.idle())
+                throw;
+            complain(_name, error.what());
+        }
     }
 }
 

@@ -36,26 +36,18 @@ void ReaderServer::run()
             const ReaderRequest request = ReaderRequest::fromText(text ? *text : std::string());
             MImage image;
             ReaderAnswer answer = _answer(request, image);
-            if (!image.empty())
-                answer.header = _header.shorten(image.optionalData());
-            if (image.empty()) {
-                _channel.send(answer.toText());
-            } else {
-                // Written together, both wake the parent once.
-                _channel.enqueue(answer.toText());
-                _channel.send(std::move(image));
-            }
+            _send(answer, std::move(image));
         }
     } catch (const MPeerGoneException&) {
         return;
     }
 }
 
-ReaderAnswer ReaderServer::_answer(const ReaderRequest& request, MImage& image)
+template <class Step>
+void ReaderServer::_attempt(ReaderAnswer& answer, Step step) const
 {
-    ReaderAnswer answer;
     try {
-        _do(request, answer, image);
+        step();
     } catch (const std::bad_alloc&) {
         answer.fail(MRuntimeException("Not enough memory: " + _path));
     } catch (const MMemoryException& error) {
@@ -63,16 +55,46 @@ ReaderAnswer ReaderServer::_answer(const ReaderRequest& request, MImage& image)
     } catch (const std::exception& error) {
         answer.fail(error);
     }
+}
+
+ReaderAnswer ReaderServer::_answer(const ReaderRequest& request, MImage& image)
+{
+    ReaderAnswer answer = _container;
+    _attempt(answer, [&] { _do(request, answer, image); });
+    if (_file)
+        _attempt(answer, [&] { _describe(answer); });
     if (answer.failed())
         image = {};
-    if (_file) {
-        answer.format = _file->format();
-        answer.frames = _file->frameCount();
-        answer.openedFrame = _file->openedFrame();
-        answer.firstNumber = static_cast<std::uint32_t>(_file->firstNumber());
-        answer.mainPath = _file->mainPath();
-    }
+    _container = answer;
+    _container.exception.clear();
+    _container.message.clear();
+    _container.framePath.clear();
     return answer;
+}
+
+void ReaderServer::_describe(ReaderAnswer& answer) const
+{
+    answer.format = _file->format();
+    answer.frames = _file->frameCount();
+    answer.openedFrame = _file->openedFrame();
+    answer.firstNumber = static_cast<std::uint32_t>(_file->firstNumber());
+    answer.mainPath = _file->mainPath();
+}
+
+void ReaderServer::_send(ReaderAnswer& answer, MImage image)
+{
+    if (!image.empty()) {
+        answer.header = _header.shorten(image.optionalData());
+        try {
+            return _channel.sendBoth(answer.toText(), std::move(image));
+        } catch (const MBadParameterException& error) {
+            // Its header fits in no message, and the other end does not know it.
+            _header = {};
+            answer.header = HeaderForm::Whole;
+            answer.fail(MRuntimeException(std::string(error.what()) + ": " + answer.framePath));
+        }
+    }
+    _channel.send(answer.toText());
 }
 
 void ReaderServer::_do(const ReaderRequest& request, ReaderAnswer& answer, MImage& image)

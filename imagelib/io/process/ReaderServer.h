@@ -27,6 +27,11 @@ public:
 
 private:
     ReaderAnswer _answer(const ReaderRequest& request, MImage& image);
+    void _send(ReaderAnswer& answer, MImage image);
+    void _describe(ReaderAnswer& answer) const;
+    /// Runs a step towards an answer; makes a failure of the step one of the answer.
+    template <class Step>
+    void _attempt(ReaderAnswer& answer, Step step) const;
     void _do(const ReaderRequest& request, ReaderAnswer& answer, MImage& image);
 
     Opener _opener;
@@ -34,6 +39,7 @@ private:
     MessageChannel _channel;
     HeaderChange _header;
     std::string _path;
+    ReaderAnswer _container;  // as it was at the last answer
     std::unique_ptr<ImageFile> _file;
 };
 

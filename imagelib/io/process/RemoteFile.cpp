@@ -4,6 +4,7 @@
 // Requests to a reader, and what becomes of them when it dies.
 #include "imagelib/io/process/RemoteFile.h"
 
+#include <cstdio>
 #include <utility>
 
 namespace morvend::imglib {
@@ -38,7 +39,20 @@ std::string RemoteFile::framePath(std::size_t position) const
     return _state.framePath;
 }
 
-void RemoteFile::update() { _ask({Kind::Update, {}, 0}, "looking for new images"); }
+void RemoteFile::update()
+{
+    // Looks come by themselves, many a second: a file that kills each reader would get as many.
+    if (!_process)
+        return;
+    try {
+        _ask({Kind::Update, {}, 0}, "looking for new images");
+    } catch (const MException& error) {
+        // Callers take a refusal for a file that is being written, but no reader dies of that.
+        if (!_process && !std::exchange(_lookFailed, true))
+            std::fprintf(stderr, "WARNING: %s\n", error.what());
+        throw;
+    }
+}
 
 pid_t RemoteFile::pid() const { return _process && _process->alive() ? _process->pid() : -1; }
 
@@ -46,6 +60,7 @@ void RemoteFile::_start() const
 {
     MImage none;
     _header = {};
+    _process.reset();
     try {
         _process = std::make_unique<ReaderProcess>(_options);
     } catch (const MException& error) {

@@ -12,7 +12,8 @@ namespace morvend::imglib {
 
 /// Asks a reader process for everything. When the reader dies or does not answer in time, that
 /// request alone fails, with a text that says so; the next one starts a new reader, which opens the
-/// file again. No request is tried twice, so that a file which kills each reader only fails.
+/// file again. No request is tried twice, so that a file which kills each reader only fails; and no
+/// look for new images starts a reader after a failure, which the next request for an image does.
 ///
 /// Images lie in memory that is shared with the reader, read-only; they outlive it.
 class RemoteFile : public ImageFile {
@@ -31,6 +32,8 @@ public:
     std::string mainPath() const override { return _state.mainPath; }
     std::size_t openedFrame() const override { return _state.openedFrame; }
     int firstNumber() const override { return static_cast<int>(_state.firstNumber); }
+    /// Does nothing between a failure of the reader and the next other request. The first failure
+    /// of a reader in here is told on standard error, too.
     void update() override;
 
     /// The reader's process, -1 when it has ended.
@@ -52,6 +55,7 @@ private:
     mutable HeaderChange _header;
     mutable ReaderAnswer _state;
     mutable std::size_t _framePosition = 0;  // of _state.framePath
+    bool _lookFailed = false;                // and was told
 };
 
 }  // namespace morvend::imglib

@@ -65,6 +65,14 @@ void limitMemory()
     }
 }
 
+/// A crash is the expected end of many a damaged file, and its image of the memory may be
+/// gigabytes.
+void leaveNoCore()
+{
+    const rlimit none = {};
+    ::setrlimit(RLIMIT_CORE, &none);
+}
+
 /// Ends the process as soon as the parent is gone, even in the middle of a read that never ends.
 void watchParent()
 {
@@ -95,6 +103,7 @@ int main()
     leaveSignalsToTheParent();
     offerToBeKilledFirst();
     limitMemory();
+    leaveNoCore();
     watchParent();
     try {
         ReaderServer(UniqueFd(Socket), open).run();

@@ -21,11 +21,13 @@ enum StrangeImage {
     Refuses,
     Throws,
     AlsoGood,
+    MasksItsMask,
     SmallAndGood,
     StrangeImages
 };
 
 inline const std::string FatalPath = "/data/fatal";
+inline const std::string FatalUpdatePath = "/data/fatal_update";
 inline const std::string MissingPath = "/data/missing";
 
 /// Large enough to cross in shared memory, but for the small one; each position has other pixels.
@@ -41,8 +43,12 @@ inline morvend::imglib::MImage strangeImage(std::size_t position)
     morvend::nexus::MBasicNeXusTree tree;
     tree.setNumber("/entry/number", 42);
     header.setNexusTree(std::move(tree));
-    if (position != SmallAndGood)
-        header.set_pixel_mask(morvend::imglib::MImage(side, side, 5u));
+    if (position != SmallAndGood) {
+        morvend::imglib::MImage mask(side, side, 5u);
+        if (position == MasksItsMask)
+            mask.optionalData().set_pixel_mask(morvend::imglib::MImage(side, side, 6u));
+        header.set_pixel_mask(std::move(mask));
+    }
     return image;
 }
 

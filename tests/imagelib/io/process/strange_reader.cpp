@@ -20,6 +20,10 @@ using namespace tarvik::tests;
 
 class StrangeFile : public ImageFile {
 public:
+    explicit StrangeFile(bool diesOfUpdates)
+        : _diesOfUpdates(diesOfUpdates)
+    {}
+
     const char* format() const override { return "STRANGE"; }
     std::size_t frameCount() const override { return StrangeImages; }
     std::size_t openedFrame() const override { return 2; }
@@ -57,6 +61,14 @@ public:
         }
         return strangeImage(position);
     }
+    void update() override
+    {
+        if (_diesOfUpdates)
+            std::raise(SIGSEGV);
+    }
+
+private:
+    bool _diesOfUpdates;
 };
 
 std::unique_ptr<ImageFile> open(const std::string& path)
@@ -65,7 +77,7 @@ std::unique_ptr<ImageFile> open(const std::string& path)
         std::raise(SIGBUS);
     if (path == MissingPath)
         throw MNoFileAccessException("Cannot open file: No such file or directory: " + path);
-    return std::make_unique<StrangeFile>();
+    return std::make_unique<StrangeFile>(path == FatalUpdatePath);
 }
 
 }  // namespace

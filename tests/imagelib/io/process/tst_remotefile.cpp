@@ -105,6 +105,7 @@ TEST(RemoteFile, AReaderThatFailsCostsOneRequestAlone)
          "/data/strange",
          false},
         {Throws, "an exception of another family", true},
+        {MasksItsMask, "Queue: a mask can't have a mask of its own: /data/9", true},
     };
     RemoteFile file = openStrange();
     const MImage kept = file.frame(Good);
@@ -152,6 +153,26 @@ TEST(RemoteFile, AnAnswerThatIsNoneEndsTheReader)
                                HasSubstr("while reading image 6: /data/strange")));
     EXPECT_TRUE(hasEnded(reader));
     expectGood(file.frame(Good), Good);
+}
+
+TEST(RemoteFile, AFailedLookForNewImagesStartsNoReader)
+{
+    RemoteFile file(FatalUpdatePath, "STRANGE", strangeReader());
+    const std::string text = "STRANGE: the reader process ended with signal 11 (Segmentation "
+                             "fault) while looking for new images: /data/fatal_update";
+    testing::internal::CaptureStderr();
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_EQ(messageOf<MRuntimeException>([&] { file.update(); }), text);
+        for (int look = 0; look < 3; ++look)
+            EXPECT_EQ(messageOf<MException>([&] { file.update(); }), "no exception");
+        EXPECT_EQ(children().size(), 0u);
+        EXPECT_EQ(file.frameCount(), std::size_t(StrangeImages));
+        expectGood(file.frame(Good), Good);
+        EXPECT_GT(file.pid(), 0);
+    }
+    messageOf<MRuntimeException>([&] { file.frame(Violates); });
+    EXPECT_EQ(messageOf<MException>([&] { file.update(); }), "no exception");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "WARNING: " + text + "\n");
 }
 
 TEST(RemoteFile, OpeningMayKillTheReader)

@@ -12,8 +12,7 @@
 #include <benchmark/benchmark.h>
 
 #include <QApplication>
-#include <QOpenGLContext>
-#include <QOpenGLFunctions>
+#include <QOpenGLWidget>
 
 #include <cstring>
 
@@ -40,6 +39,20 @@ MImage frame(const Size& size, int seed)
     return image;
 }
 
+/// Draws, and waits until the picture is on the screen: a repaint that follows another one closely
+/// is only put on the event loop by Qt.
+void drawn(ImageDrawer& view)
+{
+    bool swapped = false;
+    auto* canvas = view.findChild<QOpenGLWidget*>();
+    const auto connection = QObject::connect(canvas, &QOpenGLWidget::frameSwapped, canvas,
+                                             [&swapped] { swapped = true; });
+    view.update();
+    while (!swapped)
+        QCoreApplication::processEvents();
+    QObject::disconnect(connection);
+}
+
 /// A view at zoom 1/4 to 1 over an image; arguments: shaders, size, zoom power.
 struct Scene {
     explicit Scene(const benchmark::State& state)
@@ -59,13 +72,7 @@ struct Scene {
     {
         view.service->setViewportData({100.0 + step % 7, 50.0 + step % 5, zoomPower, 0, 0});
     }
-    /// Draws, and waits until the pixels are there.
-    void finish()
-    {
-        view.drawer->repaint();
-        if (auto* context = QOpenGLContext::currentContext())
-            context->functions()->glFinish();
-    }
+    void finish() { drawn(*view.drawer); }
 
     Size size;
     int zoomPower = 0;
@@ -118,9 +125,7 @@ void newImage(benchmark::State& state)
     const auto show = [&](int i) {
         feed.shown = images[i & 1];
         feed.newImageSlot();
-        feed.repaint();
-        if (auto* context = QOpenGLContext::currentContext())
-            context->functions()->glFinish();
+        drawn(feed);
     };
     for (int i = 0; i < 3; ++i)
         show(i);

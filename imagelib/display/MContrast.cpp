@@ -10,6 +10,7 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <iterator>
 #include <vector>
 
 namespace morvend::imglib {
@@ -56,7 +57,9 @@ public:
         : _image(image)
         , _mask(mask)
         , _most(most)
-    {}
+    {
+        _sample.reserve(std::min(image.size(), 2 * most + chunk));
+    }
 
     void add(std::size_t first, std::size_t size)
     {
@@ -67,7 +70,7 @@ public:
             datatypes::dispatchPixelType(_image.type(), _image.typeBits(), [&]<class T>() {
                 const T* pixels = _image.pixels<T>() + first;
                 for (std::size_t i = 0; i < part; ++i)
-                    if (good[i] && isIntensity(pixels[i]) && _found++ % _stride == 0)
+                    if (good[i] && isIntensity(pixels[i]) && (_found++ & (_stride - 1)) == 0)
                         _sample.push_back(static_cast<double>(pixels[i]));
             });
             if (_sample.size() > 2 * _most)
@@ -106,7 +109,7 @@ private:
     const std::size_t _most;
     Sample _sample;
     std::size_t _found = 0;
-    std::size_t _stride = 1;
+    std::size_t _stride = 1;  // a power of two
 };
 
 /// A well-mixed number from a counter (the finaliser of SplitMix64).
@@ -154,7 +157,8 @@ void dropFlags(Sample& sample)
         std::erase_if(sample, [](double value) { return value < 0.0; });
 }
 
-/// Order statistics of a sample that isn't empty.
+/// Order statistics of a sample that isn't empty. Each one divides the sample, so that those after
+/// it are looked for in their own part only.
 class Quantiles {
 public:
     explicit Quantiles(Sample& sample)
@@ -166,12 +170,20 @@ public:
     {
         const auto place =
             static_cast<std::ptrdiff_t>(share * static_cast<double>(_sample.size() - 1) + 0.5);
-        std::nth_element(_sample.begin(), _sample.begin() + place, _sample.end());
+        const auto above = std::ranges::lower_bound(_known, place);
+        if (above == _known.end() || *above != place) {
+            const std::ptrdiff_t first = above == _known.begin() ? 0 : *std::prev(above) + 1;
+            const std::ptrdiff_t end = above == _known.end() ? std::ssize(_sample) : *above;
+            std::nth_element(_sample.begin() + first, _sample.begin() + place,
+                             _sample.begin() + end);
+            _known.insert(above, place);
+        }
         return _sample[static_cast<std::size_t>(place)];
     }
 
 private:
     Sample& _sample;
+    std::vector<std::ptrdiff_t> _known;  // places that hold their value, in order
 };
 
 // The quartiles of a normal distribution lie this many standard deviations from the median.

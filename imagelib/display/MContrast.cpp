@@ -78,10 +78,26 @@ public:
         }
     }
 
+    /// Asks the memory for pixels that are wanted soon: runs far apart wait for it otherwise.
+    void announce(std::size_t first, std::size_t size) const
+    {
+        _fetch(_image, first, size);
+        if (_mask)
+            _fetch(*_mask, first, size);
+    }
+
     Sample take() { return std::move(_sample); }
 
 private:
     static constexpr std::size_t chunk = 1024;
+
+    static void _fetch(const MImage& pixels, std::size_t first, std::size_t size)
+    {
+        const auto* bytes = static_cast<const std::byte*>(pixels.cdata());
+        const std::size_t pixel = pixels.typeBits() / 8;
+        __builtin_prefetch(bytes + first * pixel);
+        __builtin_prefetch(bytes + (first + size) * pixel - 1);
+    }
 
     void _findGood(std::size_t first, std::size_t size, bool* good) const
     {
@@ -133,9 +149,16 @@ Sample takeSample(const MImage& image, const MImage* mask, std::size_t wanted)
     }
     const std::size_t runs = std::max<std::size_t>(wanted / run, 1);
     const std::size_t stretch = image.size() / runs;
-    for (std::size_t i = 0; i < runs; ++i)
-        some.add(i * stretch + mixed(i) % (stretch - std::min(run, stretch) + 1),
-                 std::min(run, stretch));
+    const std::size_t length = std::min(run, stretch);
+    const auto place = [&](std::size_t i) {
+        return i * stretch + mixed(i) % (stretch - length + 1);
+    };
+    constexpr std::size_t ahead = 8;
+    for (std::size_t i = 0; i < runs; ++i) {
+        if (i + ahead < runs)
+            some.announce(place(i + ahead), length);
+        some.add(place(i), length);
+    }
     Sample sample = some.take();
     if (sample.size() >= wanted / 64)
         return sample;

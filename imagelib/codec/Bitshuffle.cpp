@@ -32,7 +32,7 @@ public:
     {
         constexpr std::size_t MostKept = (std::size_t(1) << 20) / Line;
         thread_local std::vector<CacheLine> kept;
-        const std::size_t lines = (bytes + Line - 1) / Line;
+        const std::size_t lines = std::max<std::size_t>((bytes + Line - 1) / Line, 1);
         if (lines <= MostKept) {
             if (kept.size() < lines)
                 kept.resize(lines);

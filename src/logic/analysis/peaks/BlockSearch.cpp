@@ -11,6 +11,19 @@
 #include <hwy/cache_control.h>
 #include <hwy/highway.h>
 
+// Every search by its name and type of pixel.
+#define PEAKS_SEARCHES(X)                                                                          \
+    X(searchI8, std::int8_t)                                                                       \
+    X(searchI16, std::int16_t)                                                                     \
+    X(searchI32, std::int32_t)                                                                     \
+    X(searchI64, std::int64_t)                                                                     \
+    X(searchU8, std::uint8_t)                                                                      \
+    X(searchU16, std::uint16_t)                                                                    \
+    X(searchU32, std::uint32_t)                                                                    \
+    X(searchU64, std::uint64_t)                                                                    \
+    X(searchF32, float)                                                                            \
+    X(searchF64, double)
+
 HWY_BEFORE_NAMESPACE();
 namespace peaks::HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
@@ -63,16 +76,7 @@ HWY_INLINE std::size_t search(const T* pixels, std::size_t begin, std::size_t si
         return search(pixels, begin, size, bound);                                                 \
     }
 
-PEAKS_SEARCH(searchI8, std::int8_t)
-PEAKS_SEARCH(searchI16, std::int16_t)
-PEAKS_SEARCH(searchI32, std::int32_t)
-PEAKS_SEARCH(searchI64, std::int64_t)
-PEAKS_SEARCH(searchU8, std::uint8_t)
-PEAKS_SEARCH(searchU16, std::uint16_t)
-PEAKS_SEARCH(searchU32, std::uint32_t)
-PEAKS_SEARCH(searchU64, std::uint64_t)
-PEAKS_SEARCH(searchF32, float)
-PEAKS_SEARCH(searchF64, double)
+PEAKS_SEARCHES(PEAKS_SEARCH)
 #undef PEAKS_SEARCH
 
 }  // namespace peaks::HWY_NAMESPACE
@@ -89,16 +93,7 @@ namespace peaks {
         return HWY_DYNAMIC_DISPATCH(name)(pixels, begin, size, bound);                             \
     }
 
-PEAKS_NEXT_BLOCK(searchI8, std::int8_t)
-PEAKS_NEXT_BLOCK(searchI16, std::int16_t)
-PEAKS_NEXT_BLOCK(searchI32, std::int32_t)
-PEAKS_NEXT_BLOCK(searchI64, std::int64_t)
-PEAKS_NEXT_BLOCK(searchU8, std::uint8_t)
-PEAKS_NEXT_BLOCK(searchU16, std::uint16_t)
-PEAKS_NEXT_BLOCK(searchU32, std::uint32_t)
-PEAKS_NEXT_BLOCK(searchU64, std::uint64_t)
-PEAKS_NEXT_BLOCK(searchF32, float)
-PEAKS_NEXT_BLOCK(searchF64, double)
+PEAKS_SEARCHES(PEAKS_NEXT_BLOCK)
 #undef PEAKS_NEXT_BLOCK
 
 }  // namespace peaks

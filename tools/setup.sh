@@ -6,12 +6,10 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-mapfile -t wanted < <(sed 's/#.*//; s/[[:space:]]//g; /^$/d' packaging/debian-packages.txt)
-missing=()
-for package in "${wanted[@]}"; do
-    status=$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null || true)
-    [ "$status" = installed ] || missing+=("$package")
-done
+wanted=$(sed 's/#.*//; s/[[:space:]]//g; /^$/d' packaging/debian-packages.txt | sort -u)
+# One query for all: it fails when a name is unknown, and still tells of the others.
+present=$(xargs dpkg-query -W -f='${db:Status-Status} ${Package}\n' <<<"$wanted" 2>/dev/null || true)
+mapfile -t missing < <(comm -23 <(echo "$wanted") <(sed -n 's/^installed //p' <<<"$present" | sort -u))
 [ ${#missing[@]} -gt 0 ] || exit 0
 
 as_root=()

@@ -2,9 +2,12 @@
 // SPDX-License-Identifier: MIT
 //
 // Times of a view of 1200 x 800 pixels, by shaders and by the processor: a pan, a contrast step, a
-// new image, each until its picture is drawn. Where no display has graphics hardware this measures
-// the software renderer. Needs a display: xvfb-run -a -s "-screen 0 1600x1200x24" bench_render.
+// new image, each until its picture is drawn; and of the way of an image to the graphics card
+// alone. Where no display has graphics hardware this measures the software renderer. Needs a
+// display with OpenGL: xvfb-run -a -s "-screen 0 1600x1200x24" bench_render.
 #include "gui/kit/Look.h"
+#include "gui/render/ImageTextures.h"
+#include "gui/render/OpenGlSupport.h"
 #include "imagelib/display/MColorTable.h"
 #include "tests/gui/render/BareView.h"
 #include "tests/gui/render/DrawnImage.h"
@@ -12,8 +15,13 @@
 #include <benchmark/benchmark.h>
 
 #include <QApplication>
+#include <QOffscreenSurface>
+#include <QOpenGLContext>
+#include <QOpenGLFunctions>
 #include <QOpenGLWidget>
 
+#include <chrono>
+#include <cstdio>
 #include <cstring>
 
 namespace {
@@ -53,6 +61,15 @@ void drawn(ImageDrawer& view)
     QObject::disconnect(connection);
 }
 
+/// Tells so, instead of measuring something else.
+bool hasShaders(benchmark::State& state)
+{
+    if (render::OpenGlSupport::ofThisProcess().info->glslPossible())
+        return true;
+    state.SkipWithError("no shaders here");
+    return false;
+}
+
 /// A view at zoom 1/4 to 1 over an image; arguments: shaders, size, zoom power.
 struct Scene {
     explicit Scene(const benchmark::State& state)
@@ -82,6 +99,8 @@ struct Scene {
 
 void pan(benchmark::State& state)
 {
+    if (state.range(0) != 0 && !hasShaders(state))
+        return;
     Scene scene(state);
     scene.zoomPower = static_cast<int>(state.range(2));
     int step = 0;
@@ -93,6 +112,8 @@ void pan(benchmark::State& state)
 
 void contrastStep(benchmark::State& state)
 {
+    if (state.range(0) != 0 && !hasShaders(state))
+        return;
     Scene scene(state);
     scene.zoomPower = static_cast<int>(state.range(2));
     scene.move(0);
@@ -107,6 +128,8 @@ void contrastStep(benchmark::State& state)
 template <class T>
 void newImage(benchmark::State& state)
 {
+    if (state.range(0) != 0 && !hasShaders(state))
+        return;
     Scene scene(state);
     MImage images[2] = {frame<T>(scene.size, 1), frame<T>(scene.size, 2)};
     for (MImage& image : images)
@@ -132,17 +155,60 @@ void newImage(benchmark::State& state)
     int i = 1;
     for (auto _ : state)
         show(i++);
-    // Against one copy of the pixels, in the same run.
-    MImage copy = images[0];
+}
+
+double milliseconds(std::chrono::steady_clock::duration time)
+{
+    return std::chrono::duration<double, std::milli>(time).count();
+}
+
+double median(std::vector<double> values)
+{
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
+}
+
+/// Conversion and upload of one image after the other, its mask staying the same, until the card
+/// has them; against plain copies of the same images between the uploads.
+template <class T>
+void upload(benchmark::State& state)
+{
+    if (!hasShaders(state))
+        return;
+    using Clock = std::chrono::steady_clock;
+    const Size size = sizes[state.range(0)];
+    MImage images[2] = {frame<T>(size, 1), frame<T>(size, 2)};
+    const MImage mask(size.width, size.height, 0U);
+    for (MImage& image : images)
+        image.optionalData().set_pixel_mask(mask);
+    MImage copy(size.width, size.height, T(0));
     void* to = copy.data();
-    double best = 1e9;
-    for (int k = 0; k < 7; ++k) {
-        QElapsedTimer clock;
-        clock.start();
-        std::memcpy(to, images[1].cdata(), copy.dataSize());
-        best = std::min(best, double(clock.nsecsElapsed()) / 1e6);
+
+    QOffscreenSurface surface;
+    surface.create();
+    QOpenGLContext context;
+    context.create();
+    context.makeCurrent(&surface);
+    std::vector<double> copies, uploads;
+    render::ImageTextures textures;
+    constexpr int warming = 3;
+    for (int i = -warming; i < 0 || state.KeepRunning(); ++i) {
+        const MImage& image = images[i & 1];
+        const auto start = Clock::now();
+        std::memcpy(to, image.cdata(), image.dataSize());
+        const auto copied = Clock::now();
+        textures.uploadImage(render::DisplayImage(image), 1 << 14);
+        context.functions()->glFinish();
+        const auto uploaded = Clock::now();
+        if (i < 0)
+            continue;
+        copies.push_back(milliseconds(copied - start));
+        uploads.push_back(milliseconds(uploaded - copied));
+        state.SetIterationTime(uploads.back() / 1e3);
     }
-    state.counters["copy_ms"] = best;
+    textures.release();
+    state.counters["copy_ms"] = median(copies);
+    state.counters["copies"] = median(uploads) / median(copies);
 }
 
 void arguments(benchmark::internal::Benchmark* bench)
@@ -161,6 +227,23 @@ BENCHMARK(newImage<unsigned short>)->Args({1, 1})->Unit(benchmark::kMillisecond)
 BENCHMARK(newImage<unsigned char>)->Args({1, 1})->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(newImage<double>)->Args({1, 1})->Unit(benchmark::kMillisecond)->UseRealTime();
 
+void bothSizes(benchmark::internal::Benchmark* bench)
+{
+    bench->ArgName("size")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
+    bench->MinTime(0.2)->UseManualTime();
+}
+
+BENCHMARK(upload<signed char>)->Apply(bothSizes);
+BENCHMARK(upload<unsigned char>)->Apply(bothSizes);
+BENCHMARK(upload<short>)->Apply(bothSizes);
+BENCHMARK(upload<unsigned short>)->Apply(bothSizes);
+BENCHMARK(upload<int>)->Apply(bothSizes);
+BENCHMARK(upload<unsigned int>)->Apply(bothSizes);
+BENCHMARK(upload<long long>)->Apply(bothSizes);
+BENCHMARK(upload<unsigned long long>)->Apply(bothSizes);
+BENCHMARK(upload<float>)->Apply(bothSizes);
+BENCHMARK(upload<double>)->Apply(bothSizes);
+
 }  // namespace
 
 int main(int argc, char** argv)
@@ -168,6 +251,10 @@ int main(int argc, char** argv)
     benchmark::Initialize(&argc, argv);
     look::beforeApplication();
     QApplication application(argc, argv);
+    if (!render::OpenGlSupport::ofThisProcess().usable) {
+        std::fputs("bench_render: nothing is measured without OpenGL\n", stderr);
+        std::_Exit(1);
+    }
     benchmark::RunSpecifiedBenchmarks();
     std::exit(0);  // without taking the graphics driver apart
 }

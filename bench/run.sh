@@ -17,7 +17,11 @@ results=$build/bench-results
 mkdir -p "$results"
 for program in "$build"/bin/bench_*"$part"*; do
     name=$(basename "$program")
-    "$program" --benchmark_repetitions=3 --benchmark_report_aggregates_only=true \
+    screen=()
+    if [ "$name" = bench_render ] && [ -z "${DISPLAY:-}" ]; then
+        screen=(xvfb-run -a -s "-screen 0 1600x1200x24")
+    fi
+    "${screen[@]}" "$program" --benchmark_repetitions=3 --benchmark_report_aggregates_only=true \
         --benchmark_out="$results/$name${TARVIK_HWY_TARGET:+-$TARVIK_HWY_TARGET}.json" --benchmark_out_format=json "$@"
 done
 python3 bench/compare.py "$results"/*.json

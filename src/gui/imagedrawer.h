@@ -82,6 +82,8 @@ public:
     void setMoveImage(bool move) { _moveImage = move; }
     QColor backgroundColor() const { return _backgroundColor; }
     void setBackgroundColor(const QColor& color);
+    /// Shall shaders colour, where they can?
+    bool wantsGlsl() const { return _glslWanted; }
     /// Is the image coloured by shaders? Known once the view is initialized.
     bool usesGlsl() const { return _useGlsl && _onCard; }
     /// Textures get no longer than this from the next image on, whatever the card allows.

@@ -15,7 +15,7 @@
 #include <algorithm>
 
 ImageDrawerThumbnail::ImageDrawerThumbnail(ImageDrawerMain* main, QWidget* parent)
-    : ImageDrawer(&main->service(), main->usesGlsl(), parent)
+    : ImageDrawer(&main->service(), main->wantsGlsl(), parent)
     , _main(main)
 {
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);

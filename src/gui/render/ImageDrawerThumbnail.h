@@ -15,7 +15,7 @@ class ImageDrawerMain;
 class ImageDrawerThumbnail : public ImageDrawer {
     Q_OBJECT
 public:
-    /// @param main  the view to steer, whose service and way of colouring it takes; not owned,
+    /// @param main  the view to steer, whose service and choice of shaders it takes; not owned,
     /// lives as long as this
     explicit ImageDrawerThumbnail(ImageDrawerMain* main, QWidget* parent = nullptr);
 

@@ -65,6 +65,19 @@ TEST_P(Thumbnail, HasTheSizeOfTheReducedImage)
     EXPECT_EQ(_thumbnail.screenX(500), 100);
 }
 
+/// A view whose image is too large for the card draws this image, and no other, on the processor.
+TEST_P(Thumbnail, HasTheShadersThatItsViewMayUse)
+{
+    _view.drawer->limitTextureSize(1);
+    open();
+    ASSERT_FALSE(_view.drawer->usesGlsl());
+    ImageDrawerThumbnail late(_view.drawer.get());
+    late.show();
+    (void)QTest::qWaitForWindowExposed(&late);
+    settle();
+    EXPECT_EQ(late.usesGlsl(), GetParam());
+}
+
 TEST_P(Thumbnail, DarkensWhatTheMainViewShows)
 {
     open();

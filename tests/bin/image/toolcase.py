@@ -17,29 +17,27 @@ import unittest
 
 import h5py
 import numpy
+from fabio.edfimage import EdfImage
 
 TOOL = os.environ["TARVIK_IMAGE"]
 RANDOM = numpy.random.default_rng(4711)
+KIND = {"u": "UINT", "i": "INT", "f": "FLOAT"}
 
 
 def run(*arguments, **options):
-    return subprocess.run([TOOL, *map(str, arguments)], capture_output=True, text=True,
-                          timeout=60, **options)
+    return subprocess.run([TOOL, *map(str, arguments)], timeout=60,
+                          **{"capture_output": True, "text": True, **options})
 
 
 def counts(shape, dtype):
     """Random pixels over the whole range of a type, with its ends."""
     dtype = numpy.dtype(dtype)
     if dtype.kind == "f":
-        pixels = RANDOM.normal(size=shape).astype(dtype)
-    else:
-        limits = numpy.iinfo(dtype)
-        pixels = RANDOM.integers(limits.min, limits.max, shape, dtype, endpoint=True)
-        pixels.flat[:2] = limits.min, limits.max
+        return RANDOM.normal(size=shape).astype(dtype)
+    limits = numpy.iinfo(dtype)
+    pixels = RANDOM.integers(limits.min, limits.max, shape, dtype, endpoint=True)
+    pixels.flat[:2] = limits.min, limits.max
     return pixels
-
-
-KIND = {"u": "UINT", "i": "INT", "f": "FLOAT"}
 
 
 def number(value):
@@ -53,16 +51,53 @@ class ToolCase(unittest.TestCase):
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="tarvik-"))
         self.addCleanup(shutil.rmtree, self.folder)
 
-    def info(self, path, *options):
-        done = run("info", "--json", *options, path)
+    def names(self):
+        return sorted(os.listdir(self.folder))
+
+    def edf(self, pixels, name="x.edf", **header):
+        EdfImage(data=numpy.asarray(pixels), header=header).write(str(self.folder / name))
+        return self.folder / name
+
+    def master(self, frames, detector=(), wavelength=None, blocks=(), name="x"):
+        """An HDF5 master with its frames inside, or in data files of so many frames as told."""
+        path = self.folder / f"{name}_master.h5"
+        with h5py.File(path, "w") as master:
+            entry, data = master.create_group("entry"), master.create_group("entry/data")
+            entry.attrs["NX_class"], data.attrs["NX_class"] = "NXentry", "NXdata"
+            for field, value in dict(detector).items():
+                entry[f"instrument/detector/{field}"] = value
+            if wavelength is not None:
+                entry["instrument/beam/wavelength"] = numpy.float32(wavelength)
+            if not blocks:
+                data["data"] = frames
+                return path
+            parts = numpy.split(frames, numpy.cumsum(blocks)[:-1])
+            for block, part in enumerate(parts, 1):
+                file = f"{name}_data_{block:06}.h5"
+                data[f"data_{block:06}"] = h5py.ExternalLink(file, "/entry/data/data")
+                with h5py.File(self.folder / file, "w") as file:
+                    file.create_dataset("entry/data/data", data=part, compression="gzip",
+                                        chunks=(1, *part.shape[1:]))
+        return path
+
+    def told(self, command, *words):
+        """The JSON; standard output must hold nothing else."""
+        done = run(command, "--json", *words)
+        self.assertEqual((done.returncode, done.stderr, done.stdout.count("\n")), (0, "", 1))
+        return json.loads(done.stdout, parse_constant=self.fail)
+
+    def text(self, command, *words):
+        """The text for people: what stands behind the first word of each line."""
+        done = run(command, *words)
         self.assertEqual((done.returncode, done.stderr), (0, ""))
-        self.assertEqual(done.stdout.count("\n"), 1)
-        return json.loads(done.stdout)
+        return dict(line.split(None, 1) for line in done.stdout.splitlines() if " " in line)
+
+    def assertDone(self, done):
+        self.assertEqual((done.returncode, done.stdout, done.stderr), (0, "", ""))
 
     def assertFails(self, code, done, *parts):
         """One line of reason for a failure, usage behind it for wrong usage, nothing else."""
-        self.assertEqual(done.returncode, code, done.stderr)
-        self.assertEqual(done.stdout, "")
+        self.assertEqual((done.returncode, done.stdout), (code, ""), done.stderr)
         for part in parts:
             self.assertIn(str(part), done.stderr)
         if code == 1:
@@ -70,44 +105,17 @@ class ToolCase(unittest.TestCase):
         else:
             self.assertIn("Usage:", done.stderr)
 
-    def assertTells(self, told, pixels):
-        """Does the JSON say what NumPy says of the same pixels?"""
-        self.assertEqual((told["height"], told["width"]), pixels.shape)
-        self.assertEqual(told["type"], KIND[pixels.dtype.kind])
-        self.assertEqual(told["bits"], 8 * pixels.dtype.itemsize)
-        self.assertEqual(told["minimum"], number(pixels.min()))
-        self.assertEqual(told["maximum"], number(pixels.max()))
-        if pixels.dtype.kind == "f":
-            total = number(pixels.sum(dtype=numpy.float64))
-            if isinstance(total, str):
-                self.assertEqual(told["sum"], total)
-            else:
-                self.assertAlmostEqual(told["sum"], total, delta=1e-9 * max(1, abs(total)))
-        else:
-            self.assertEqual(told["sum"], sum(map(int, pixels.flat)))
+    def assertTells(self, told, pixels, /, **more):
+        """Does the JSON say what NumPy says of the same pixels, and these values?"""
         little = pixels.astype(pixels.dtype.newbyteorder("<"))
-        self.assertEqual(told["sha256"], hashlib.sha256(little.tobytes()).hexdigest())
-
-    def write_master(self, path, dtype, blocks, divisor=1):
-        frames = [counts((6, 8), dtype) // divisor for _ in range(sum(blocks))]
-        mask = numpy.zeros((6, 8), numpy.uint32)
-        mask[2, 3:5] = 1, 8
-        with h5py.File(path, "w") as master:
-            entry = master.create_group("entry")
-            entry.attrs["NX_class"] = "NXentry"
-            data = entry.create_group("data")
-            data.attrs["NX_class"] = "NXdata"
-            detector = entry.create_group("instrument/detector")
-            detector["count_time"] = 0.1
-            detector["saturation_value"] = 65000
-            detector["pixel_mask"] = mask
-            entry["instrument/beam/wavelength"] = 0.97918
-            done = 0
-            for block, count in enumerate(blocks, 1):
-                name = f"{path.name[:-len('_master.h5')]}_data_{block:06}.h5"
-                data[f"data_{block:06}"] = h5py.ExternalLink(name, "/entry/data/data")
-                with h5py.File(path.parent / name, "w") as part:
-                    part.create_dataset("entry/data/data", chunks=(1, 6, 8), compression="gzip",
-                                        data=numpy.stack(frames[done:done + count]))
-                done += count
-        return frames, mask
+        expected = {"height": pixels.shape[0], "width": pixels.shape[1],
+                    "type": KIND[pixels.dtype.kind], "bits": 8 * pixels.dtype.itemsize,
+                    "minimum": number(pixels.min()), "maximum": number(pixels.max()),
+                    "sha256": hashlib.sha256(little.tobytes()).hexdigest(), **more}
+        self.assertEqual({key: told[key] for key in expected}, expected)
+        if pixels.dtype.kind != "f":
+            self.assertEqual(told["sum"], sum(map(int, pixels.flat)))
+        elif isinstance(total := number(pixels.sum(dtype=numpy.float64)), str):
+            self.assertEqual(told["sum"], total)
+        else:
+            self.assertAlmostEqual(told["sum"], total, delta=1e-9 * max(1, abs(total)))

@@ -120,17 +120,12 @@ TEST(RenderedPicture, ScalesByWholePixels)
     EXPECT_EQ(small.pixels, (std::vector<std::uint32_t>{whole.pixels[0], whole.pixels[2]}));
 }
 
-TEST(RenderedPicture, ForegroundMustLieAboveBackground)
+TEST(RenderedPicture, RefusesWhatCannotBe)
 {
-    EXPECT_THROW(Render::paint(sixPixels(), greyFromZeroTo(0)), MBadParameterException);
-    Arguments onlyOne;
+    Arguments onlyOne, huge = greyFromZeroTo(5);
     onlyOne.foreground = -1e9;
+    huge.scale = {64, 1};
+    EXPECT_THROW(Render::paint(sixPixels(), greyFromZeroTo(0)), MBadParameterException);
     EXPECT_THROW(Render::paint(sixPixels(), onlyOne), MBadParameterException);
-}
-
-TEST(RenderedPicture, RefusesWhatNoMachineHolds)
-{
-    Arguments arguments = greyFromZeroTo(5);
-    arguments.scale = {64, 1};
-    EXPECT_THROW(Render::paint(MImage(2000, 2000, char(0)), arguments), MBadParameterException);
+    EXPECT_THROW(Render::paint(MImage(2000, 2000, char(0)), huge), MBadParameterException);
 }

@@ -380,6 +380,10 @@ private:
         if (!creation || H5Pget_chunk(creation.id(), 8, chunk.data()) < 0 || _lastRank < 3 ||
             _undoneByLibrary(creation.id()))
             return;
+        // The library looks for the chunks of an array without elements where none are: a crash.
+        const Dataspace space(H5Dget_space(_last.id()));
+        if (H5Sget_simple_extent_npoints(space.id()) <= 0)
+            return;
         for (std::size_t i = 0; i < static_cast<std::size_t>(_lastRank); ++i)
             offset[i] = _in.byte() % 4 * chunk[i];
         std::vector<std::byte> bytes(1 + _in.byte());

@@ -14,6 +14,7 @@
 #include <atomic>
 #include <cstdio>
 #include <mutex>
+#include <utility>
 
 namespace morvend::imglib {
 
@@ -38,36 +39,52 @@ const std::string& readerProgram()
     return program;
 }
 
-std::unique_ptr<ImageFile> openHdf5WhereChosen(std::shared_ptr<const ByteSource> source)
+using Source = std::shared_ptr<const ByteSource>;
+
+std::unique_ptr<ImageFile> openHdf5WhereChosen(Source source, const std::stop_token& stop)
 {
     const std::string& program = readerProgram();
     if (program.empty())
         return openHdf5(std::move(source));
     if (!isHdf5(*source))
         return nullptr;
-    return std::make_unique<RemoteFile>(source->path(), "HDF5", ReaderProcess::Options{program});
+    ReaderProcess::Options options{program};
+    options.stop = stop;
+    return std::make_unique<RemoteFile>(source->path(), "HDF5", std::move(options));
 }
+
+/// A reader in this process, which nothing stops.
+template <ImageFileOpener open>
+std::unique_ptr<ImageFile> inPlace(Source source, const std::stop_token& /*stop*/)
+{
+    return open(std::move(source));
+}
+
+struct Format {
+    const char* name;
+    std::unique_ptr<ImageFile> (*open)(Source source, const std::stop_token& stop);
+};
+
+/// In the order in which they are asked: those with the surest marks first. EDF comes last: its
+/// mark, an opening brace, also begins other files.
+constexpr Format Formats[] = {{"CBF", inPlace<openCbf>},
+                              {"TIFF", inPlace<openTiff>},
+                              {"HDF5", openHdf5WhereChosen},
+                              {"EDF", inPlace<openEdf>}};
 
 }  // namespace
 
 void FormatRegistry::readHdf5Apart(bool apart) { hdf5Apart = apart; }
 
-std::span<const FormatRegistry::Format> FormatRegistry::formats()
+std::unique_ptr<ImageFile> FormatRegistry::open(const std::string& path,
+                                                const std::stop_token& stop)
 {
-    // EDF comes last: its mark, an opening brace, also begins other files.
-    static constexpr Format All[] = {
-        {"CBF", openCbf}, {"TIFF", openTiff}, {"HDF5", openHdf5WhereChosen}, {"EDF", openEdf}};
-    return All;
-}
-
-std::unique_ptr<ImageFile> FormatRegistry::open(const std::string& path)
-{
-    const std::shared_ptr<const ByteSource> source = ByteSource::open(path);
+    const Source source = ByteSource::open(path);
     if (source->size() == 0)
         throw MUnknownFormatException("The file is empty: " + path);
     std::string names;
-    for (const Format& format : formats()) {
-        if (std::unique_ptr<ImageFile> file = format.open(source))
+    for (const Format& format : Formats) {
+        if (std::unique_ptr<ImageFile> file = format.open(source, stop))
             return file;
         names += (names.empty() ? "" : ", ") + std::string(format.name);
     }

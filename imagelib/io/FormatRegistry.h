@@ -7,7 +7,7 @@
 #include "imagelib/io/formats/base/ImageFile.h"
 
 #include <memory>
-#include <span>
+#include <stop_token>
 #include <string>
 
 namespace morvend::imglib {
@@ -15,14 +15,6 @@ namespace morvend::imglib {
 /// Opens image files of any format. Thread: any.
 class FormatRegistry {
 public:
-    struct Format {
-        const char* name;
-        ImageFileOpener open;
-    };
-
-    /// The formats in the order in which they are asked: those with the surest marks first.
-    static std::span<const Format> formats();
-
     /// Chooses where this process reads HDF5 files: in reader processes of their own, so that a
     /// crash of the HDF5 library fails one request, or in place, as at the start. Without the
     /// program tarvik-reader beside this one they are read in place all the same, and a line on
@@ -30,9 +22,12 @@ public:
     static void readHdf5Apart(bool apart);
 
     /// Opens a file by its content; the name plays no part.
+    /// @param stop  ends, when asked to, what another process does for the file: the opening and
+    /// every later request fail at once with an MTerminateException
     /// @throws MNoFileAccessException when it can't be opened, MUnknownFormatException when no
     /// reader knows it or it is empty, or what the format's reader says of a damaged file
-    static std::unique_ptr<ImageFile> open(const std::string& path);
+    static std::unique_ptr<ImageFile> open(const std::string& path,
+                                           const std::stop_token& stop = {});
 };
 
 }  // namespace morvend::imglib

@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <limits>
+#include <stop_token>
 #include <utility>
 
 namespace morvend::imglib {
@@ -23,6 +24,7 @@ public:
         : series(std::make_unique<MemorySeries>(memorySize))
     {}
     std::unique_ptr<Series> series;
+    std::stop_source stop;
 };
 
 namespace {
@@ -95,14 +97,17 @@ int MImageSeries::open(const std::string& path)
 
 int MImageSeries::_open(const std::string& file)
 {
-    std::unique_ptr<ImageFile> opened = FormatRegistry::open(file);
+    const ImagePathOpener open = [stop = _d->stop.get_token()](const std::string& path) {
+        return FormatRegistry::open(path, stop);
+    };
+    std::unique_ptr<ImageFile> opened = open(file);
     std::optional<SeriesFinder> finder = SeriesFinder::of(file);
     if (finder && !FrameSeries::suits(*opened)) {
         const int number = finder->number();
-        _d->series = std::make_unique<NumberedSeries>(std::move(*finder), std::move(opened));
+        _d->series = std::make_unique<NumberedSeries>(std::move(*finder), std::move(opened), open);
         return number;
     }
-    auto frames = std::make_unique<FrameSeries>(file, std::move(opened));
+    auto frames = std::make_unique<FrameSeries>(file, std::move(opened), open);
     const int number = frames->openedNumber();
     _d->series = std::move(frames);
     return number;
@@ -131,6 +136,8 @@ void MImageSeries::update()
     naming([&] { return placeOf(*_d->series, static_cast<std::size_t>(std::max(first(), 0))); },
            [&] { _d->series->update(); });
 }
+
+void MImageSeries::cancel() { _d->stop.request_stop(); }
 
 std::string MImageSeries::pathToImage(std::size_t number) const
 {

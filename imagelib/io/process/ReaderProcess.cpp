@@ -4,6 +4,8 @@
 // Starting, asking and ending of a reader.
 #include "imagelib/io/process/ReaderProcess.h"
 
+#include "imagelib/io/process/MReaderGoneException.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
@@ -185,6 +187,7 @@ Message ReaderProcess::_receive()
 ReaderAnswer ReaderProcess::ask(const ReaderRequest& request, MImage& image)
 {
     try {
+        const std::stop_callback wake(_options.stop, [this] { _channel->shutdown(); });
         _deadline = Clock::now() + _options.limit;
         _channel->send(request.toText(), _options.limit);
         Message message = _receive();
@@ -199,15 +202,19 @@ ReaderAnswer ReaderProcess::ask(const ReaderRequest& request, MImage& image)
         }
         return answer;
     } catch (const MPeerGoneException&) {
-        throw MRuntimeException(_end(GonePatience));
+        const bool stopped = _options.stop.stop_requested();
+        const std::string end = _end(stopped ? 0ms : GonePatience);
+        if (stopped)
+            throw MTerminateException("was stopped");
+        throw MReaderGoneException(end);
     } catch (const MTimeoutException& error) {
         _end(0ms);
         throw MTimeoutException("has not answered within " + secondsOf(_options.limit),
                                 error.elapsed());
     } catch (const std::exception& error) {
         _end(0ms);
-        throw MRuntimeException(std::string("gave an answer that can't be used (") + error.what() +
-                                ")");
+        throw MReaderGoneException(std::string("gave an answer that can't be used (") +
+                                   error.what() + ")");
     }
 }
 

@@ -9,6 +9,7 @@
 #include "imagelib/ipc/MessageChannel.h"
 
 #include <chrono>
+#include <stop_token>
 #include <string>
 
 #include <sys/types.h>
@@ -25,6 +26,8 @@ public:
         std::string program;
         /// How long a request may take. Beyond it the file system hangs or the library loops.
         std::chrono::milliseconds limit = std::chrono::minutes(1);
+        /// Asked to stop, by any thread, it ends the running request and each later one at once.
+        std::stop_token stop = {};
     };
     /// The descriptor of the reader's end of the pair in the reader.
     static constexpr int SocketNumber = 3;
@@ -45,8 +48,9 @@ public:
     bool alive();
 
     /// The answer to a request, and the image that follows it.
-    /// @throws MException that says what became of the reader, as in "ended with signal 11
-    /// (Segmentation fault)"; the object is of no more use then
+    /// @throws MReaderGoneException that says what became of the reader, as in "ended with signal
+    /// 11 (Segmentation fault)", MTimeoutException, or an MTerminateException after a stop; the
+    /// object is of no more use then
     ReaderAnswer ask(const ReaderRequest& request, MImage& image);
 
 private:

@@ -21,7 +21,7 @@ constexpr SegmentPool::Limits Memory{
 
 }  // namespace
 
-ReaderServer::ReaderServer(UniqueFd socket, Opener opener)
+ReaderServer::ReaderServer(UniqueFd socket, ImagePathOpener opener)
     : _opener(std::move(opener))
     , _pool(SegmentPool::create(Memory))
     , _channel(std::move(socket), _pool, ReaderProcess::Greeting)

@@ -8,18 +8,13 @@
 #include "imagelib/io/process/HeaderChange.h"
 #include "imagelib/ipc/MessageChannel.h"
 
-#include <functional>
-
 namespace morvend::imglib {
 
 /// Answers the requests of one parent, one after the other. Images are decoded into segments of
 /// shared memory and handed over without a copy.
 class ReaderServer {
 public:
-    /// Opens a file. @throws MException
-    using Opener = std::function<std::unique_ptr<ImageFile>(const std::string& path)>;
-
-    ReaderServer(UniqueFd socket, Opener opener);
+    ReaderServer(UniqueFd socket, ImagePathOpener opener);
 
     /// Returns when the parent has gone.
     /// @throws MException when it breaks the protocol
@@ -34,7 +29,7 @@ private:
     void _attempt(ReaderAnswer& answer, Step step) const;
     void _do(const ReaderRequest& request, ReaderAnswer& answer, MImage& image);
 
-    Opener _opener;
+    ImagePathOpener _opener;
     std::shared_ptr<SegmentPool> _pool;
     MessageChannel _channel;
     HeaderChange _header;

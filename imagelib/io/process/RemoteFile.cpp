@@ -4,6 +4,8 @@
 // Requests to a reader, and what becomes of them when it dies.
 #include "imagelib/io/process/RemoteFile.h"
 
+#include "imagelib/io/process/MReaderGoneException.h"
+
 #include <cstdio>
 #include <utility>
 
@@ -46,6 +48,8 @@ void RemoteFile::update()
         return;
     try {
         _ask({Kind::Update, {}, 0}, "looking for new images");
+    } catch (const MTerminateException&) {
+        throw;
     } catch (const MException& error) {
         // Callers take a refusal for a file that is being written, but no reader dies of that.
         if (!_process && !std::exchange(_lookFailed, true))
@@ -85,8 +89,10 @@ ReaderAnswer RemoteFile::_exchange(const ReaderRequest& request, const std::stri
         return _process->ask(request, image);
     } catch (const MTimeoutException& error) {
         throw MTimeoutException(told(error), error.elapsed());
+    } catch (const MTerminateException& error) {
+        throw MTerminateException(told(error));
     } catch (const MException& error) {
-        throw MRuntimeException(told(error));
+        throw MReaderGoneException(told(error));
     }
 }
 

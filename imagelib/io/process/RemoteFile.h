@@ -20,8 +20,8 @@ class RemoteFile : public ImageFile {
 public:
     /// Opens a file.
     /// @param format  its format, for messages
-    /// @throws MException as the reader in this process would, MRuntimeException or
-    /// MTimeoutException when the reader fails
+    /// @throws MException as the reader in this process would, MReaderGoneException or
+    /// MTimeoutException when the reader fails, MTerminateException when it is stopped
     RemoteFile(std::string path, std::string format, ReaderProcess::Options options);
     ~RemoteFile() override;
 

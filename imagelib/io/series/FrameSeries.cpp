@@ -4,7 +4,8 @@
 // Frames by number, and the changes of their container.
 #include "imagelib/io/series/FrameSeries.h"
 
-#include "imagelib/io/FormatRegistry.h"
+#include "imagelib/image/MException.h"
+#include "imagelib/io/process/MReaderGoneException.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -20,10 +21,11 @@ bool isHdf5(const ImageFile& file) { return std::string_view(file.format()) == "
 
 }  // namespace
 
-FrameSeries::FrameSeries(std::string path, std::unique_ptr<ImageFile> file)
+FrameSeries::FrameSeries(std::string path, std::unique_ptr<ImageFile> file, ImagePathOpener open)
     : _path(std::move(path))
     , _stamp(_path)
     , _file(std::move(file))
+    , _open(std::move(open))
 {}
 
 bool FrameSeries::suits(const ImageFile& file)
@@ -77,8 +79,11 @@ void FrameSeries::update()
     try {
         const FileStamp now(_path);
         const Change change = this->change(now);
-        if (change == Change::Replaced)
-            return reopen();
+        if (change == Change::Replaced) {
+            if (now != _refused || Clock::now() >= _nextTry)
+                reopen();
+            return;
+        }
         _file->update();
         if (change == Change::Grown)
             _stamp = now;
@@ -100,8 +105,28 @@ void FrameSeries::reopen() const
 {
     // Stamped before the reading: what is written meanwhile counts as a change.
     const FileStamp stamp(_path);
-    _file = FormatRegistry::open(_path);
+    try {
+        _file = _open(_path);
+    } catch (const MException& error) {
+        refuse(stamp, error);
+        throw;
+    }
     _stamp = stamp;
+    _refused = {};
+    _told = false;
+}
+
+void FrameSeries::refuse(const FileStamp& stamp, const MException& error) const
+{
+    // Looks come many a second, and each may cost a process: one that the file crashes or hangs is
+    // for nothing. An incomplete file may be waiting for others, which its stamp does not show.
+    constexpr auto Pause = std::chrono::seconds(1);
+    const bool ended = dynamic_cast<const MReaderGoneException*>(&error) != nullptr ||
+                       dynamic_cast<const MTimeoutException*>(&error) != nullptr;
+    _refused = stamp;
+    _nextTry = ended ? Clock::time_point::max() : Clock::now() + Pause;
+    if (ended && !std::exchange(_told, true))
+        std::fprintf(stderr, "WARNING: %s\n", error.what());
 }
 
 }  // namespace morvend::imglib

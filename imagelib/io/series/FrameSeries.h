@@ -8,6 +8,7 @@
 #include "imagelib/io/series/FileStamp.h"
 #include "imagelib/io/series/Series.h"
 
+#include <chrono>
 #include <memory>
 
 namespace morvend::imglib {
@@ -16,8 +17,8 @@ namespace morvend::imglib {
 /// appended to several, and for HDF5 always, its reader follows the writer by itself.
 class FrameSeries : public Series {
 public:
-    /// `file` was opened from `path`.
-    FrameSeries(std::string path, std::unique_ptr<ImageFile> file);
+    /// `file` was opened from `path`; `open` opens what takes its place.
+    FrameSeries(std::string path, std::unique_ptr<ImageFile> file, ImagePathOpener open);
 
     /// Is the file a series by itself, whatever its name? True for several frames and for HDF5,
     /// whose writers append to the container even while it has one frame. A second and last frame
@@ -33,17 +34,25 @@ public:
     int last() const override;
     MImage at(int number) const override;
     std::string pathToImage(int number) const override;
+    /// A new file that ends its reader is opened once, with a line on standard error, and not again
+    /// before it changes; one that is refused, now and then.
     void update() override;
 
 private:
+    using Clock = std::chrono::steady_clock;
     std::size_t position(int number) const;
     enum class Change { None, Grown, Replaced };
     Change change(const FileStamp& now) const;
     void reopen() const;
+    void refuse(const FileStamp& stamp, const MException& error) const;
 
     std::string _path;
     mutable FileStamp _stamp;
     mutable std::unique_ptr<ImageFile> _file;
+    ImagePathOpener _open;
+    mutable FileStamp _refused;          // the state in which the new file could not be opened
+    mutable Clock::time_point _nextTry;  // of that state
+    mutable bool _told = false;
 };
 
 }  // namespace morvend::imglib

@@ -4,8 +4,6 @@
 // Numbered files: which there are, and their images.
 #include "imagelib/io/series/NumberedSeries.h"
 
-#include "imagelib/io/FormatRegistry.h"
-
 #include <algorithm>
 #include <utility>
 
@@ -30,8 +28,10 @@ bool padded(const Member& member)
 
 }  // namespace
 
-NumberedSeries::NumberedSeries(SeriesFinder finder, std::unique_ptr<ImageFile> opened)
+NumberedSeries::NumberedSeries(SeriesFinder finder, std::unique_ptr<ImageFile> opened,
+                               ImagePathOpener open)
     : _finder(std::move(finder))
+    , _open(std::move(open))
     , _format(opened->format())
     , _opened(std::move(opened))
 {
@@ -78,7 +78,7 @@ MImage NumberedSeries::at(int number) const
     if (number != _finder.number() || !file) {
         if ((number < first() || number > last()) && ::access(path.c_str(), F_OK) != 0)
             outOfRange(number, path);
-        file = FormatRegistry::open(path);
+        file = _open(path);
     }
     MImage image = file->frame(file->openedFrame());
     describe(image, fileName(path));

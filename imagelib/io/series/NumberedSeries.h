@@ -18,7 +18,8 @@ namespace morvend::imglib {
 class NumberedSeries : public Series {
 public:
     /// `opened` is the file that the finder was made from; the first at() of its number uses it.
-    NumberedSeries(SeriesFinder finder, std::unique_ptr<ImageFile> opened);
+    /// `open` opens the others.
+    NumberedSeries(SeriesFinder finder, std::unique_ptr<ImageFile> opened, ImagePathOpener open);
 
     const char* format() const override { return _format.c_str(); }
     int first() const override { return _members.front().number; }
@@ -33,6 +34,7 @@ private:
     SeriesFinder::Member member(int number) const;
 
     SeriesFinder _finder;
+    ImagePathOpener _open;
     std::string _format;
     std::vector<SeriesFinder::Member> _members;  // by rising number, never empty
     int _padding = 0;  // least digits in the name of a file that is not known

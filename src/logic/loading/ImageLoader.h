@@ -42,7 +42,7 @@ public:
     using Data = LoaderData;
 
     explicit ImageLoader(QObject* parent = nullptr);
-    /// Drops what is queued and waits for a running job.
+    /// Drops what is queued and waits for a running job, which waits for no other process any more.
     ~ImageLoader() override;
 
     /// Queues a request and returns at once. Ignored while emptyTaskQueue() waits.
@@ -87,6 +87,7 @@ private:
     std::atomic<bool> _abort = false;
     std::atomic<unsigned int> _generation = 0;  // jobs of an earlier one are dropped
     std::atomic<int> _requests = 0;             // jobs that live
+    // The thread's own, but for cancel().
     const std::unique_ptr<morvend::imglib::MImageSeries> _series;
     MaskFixup _maskFixup;
     MaskThumbnails _maskThumbnails;

@@ -2,14 +2,18 @@
 // SPDX-License-Identifier: MIT
 //
 // Requests, results, failures and re-scans of a view's loader.
+#include "imagelib/io/FormatRegistry.h"
+#include "imagelib/io/MHdf5Writer.h"
 #include "logic/ImageLoaderThread.h"
 #include "tests/support/EdfFile.h"
+#include "tests/support/Processes.h"
 
 #include <QSemaphore>
 #include <QTest>
 
 #include <gmock/gmock.h>
 
+#include <csignal>
 #include <thread>
 
 namespace {
@@ -296,6 +300,31 @@ TEST_F(FileLoader, ABrokenOrMissingImageIsNamedAndSteppingGoesOn)
     openIndex(1007);
     EXPECT_EQ(finish(1).front().path, folder / name(7)) << "it has come since the last look";
     EXPECT_EQ(loader.lastIndex(), 1007);
+}
+
+TEST_F(FileLoader, EndsWhileItsReaderHangs)
+{
+    using morvend::imglib::FormatRegistry;
+    morvend::imglib::MHdf5Writer(folder / "x_master.h5", 1, {}, morvend::imglib::MCompression::NONE)
+        .write(MImage(8, 8, 1));
+    FormatRegistry::readHdf5Apart(true);
+    auto hanging = std::make_unique<ImageLoader>();
+    ImageLoader::Data request;
+    request.path = folder / "x_master.h5";
+    hanging->open(ImageLoader::TaskOpenSeries, request, true);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !hanging->loading(); }, 5000));
+    const std::vector<pid_t> readers = tarvik::tests::children();
+    ASSERT_EQ(readers.size(), 1U);
+    ASSERT_EQ(::kill(readers.front(), SIGSTOP), 0);
+    request.index = 1;
+    hanging->open(ImageLoader::TaskOpenIndex, request, true);
+    QTest::qWait(50);
+    EXPECT_TRUE(hanging->loading());
+    const auto begin = std::chrono::steady_clock::now();
+    hanging.reset();
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(10));
+    EXPECT_TRUE(tarvik::tests::hasEnded(readers.front()));
+    FormatRegistry::readHdf5Apart(false);
 }
 
 TEST_F(FileLoader, MaskWorkIsDoneOnce)

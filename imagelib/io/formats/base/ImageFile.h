@@ -8,6 +8,7 @@
 #include "imagelib/io/formats/base/ByteSource.h"
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -44,5 +45,7 @@ public:
 /// A format's door: opens a file of its own, returns null for a file of another format, and throws
 /// an MException for a file of its own that is damaged.
 using ImageFileOpener = std::unique_ptr<ImageFile> (*)(std::shared_ptr<const ByteSource> source);
+/// Opens a file of any format by its path. @throws MException
+using ImagePathOpener = std::function<std::unique_ptr<ImageFile>(const std::string& path)>;
 
 }  // namespace morvend::imglib

@@ -143,6 +143,27 @@ TEST(RemoteFile, AReaderThatDoesNotAnswerIsEnded)
     expectGood(file.frame(Good), Good);
 }
 
+TEST(RemoteFile, AStopEndsTheRunningRequestAndAllLaterOnes)
+{
+    std::stop_source stop;
+    ReaderProcess::Options options = strangeReader();
+    options.stop = stop.get_token();
+    RemoteFile file("/data/strange", "STRANGE", options);
+    const pid_t reader = file.pid();
+    auto request = std::async(std::launch::async, [&] {
+        return messageOf<MTerminateException>([&] { file.frame(Hangs); });
+    });
+    EXPECT_EQ(request.wait_for(50ms), std::future_status::timeout);
+    stop.request_stop();
+    ASSERT_EQ(request.wait_for(10s), std::future_status::ready);
+    EXPECT_EQ(request.get(), "STRANGE: the reader process was stopped while reading image 5: "
+                             "/data/strange");
+    EXPECT_TRUE(hasEnded(reader));
+    EXPECT_EQ(messageOf<MTerminateException>([&] { file.frame(Good); }),
+              "STRANGE: the reader process was stopped while opening the file: /data/strange");
+    EXPECT_EQ(children().size(), 0u);
+}
+
 TEST(RemoteFile, AnAnswerThatIsNoneEndsTheReader)
 {
     RemoteFile file = openStrange();

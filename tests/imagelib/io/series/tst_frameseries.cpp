@@ -4,6 +4,9 @@
 // Frames of one container under numbers, with a container that the test controls.
 #include "imagelib/io/series/FrameSeries.h"
 
+#include "imagelib/image/MException.h"
+#include "imagelib/io/process/MReaderGoneException.h"
+#include "tests/support/Processes.h"
 #include "tests/support/TempFolder.h"
 
 #include <boost/optional/optional_io.hpp>
@@ -57,13 +60,31 @@ protected:
         , owned(std::make_unique<Container>())
         , container(owned.get())
     {}
-    FrameSeries series() { return FrameSeries(path, std::move(owned)); }
+    FrameSeries series()
+    {
+        return FrameSeries(path, std::move(owned), [this](const std::string&) { return reopen(); });
+    }
+    /// The file that was there lives on, as it does while a reader has it open.
+    void replaceFile()
+    {
+        std::filesystem::rename(path, folder / std::to_string(++replacements));
+        folder.write("x_master.h5", "another");
+    }
 
     tarvik::tests::TempFolder folder;
     std::string path;
     std::unique_ptr<Container> owned;
     Container* container;
+    std::function<std::unique_ptr<ImageFile>()> reopen;
+    int replacements = 0;
 };
+
+std::unique_ptr<ImageFile> longer()
+{
+    auto container = std::make_unique<Container>();
+    container->frames = 7;
+    return container;
+}
 
 int pixelOf(const MImage& image) { return image.pixel<int>(0, 0, -1); }
 
@@ -117,17 +138,54 @@ TEST_F(FramesOfAContainer, AppearWhenTheWriterHasAddedThem)
     EXPECT_EQ(pixelOf(frames.at(12)), 111);
 }
 
-TEST_F(FramesOfAContainer, StayWhenTheFileIsGoneOrReplacedByRubbish)
+TEST_F(FramesOfAContainer, StayWhenTheFileIsGoneOrReplacedByOneThatIsRefusedOrEndsItsReader)
 {
     FrameSeries frames = series();
-    std::filesystem::remove(path);
+    std::filesystem::rename(path, folder / "0");
+    frames.update();
+    std::filesystem::rename(folder / "0", path);
+    int opened = 0;
+    const auto looksAfter = [&](auto failure) {
+        reopen = [&opened, failure]() -> std::unique_ptr<ImageFile> {
+            ++opened;
+            throw failure;
+        };
+        replaceFile();
+        for (int look = 0; look < 3; ++look)
+            frames.update();
+        EXPECT_EQ(frames.last(), 3);
+        EXPECT_EQ(pixelOf(frames.at(1)), 100);
+    };
+    testing::internal::CaptureStderr();
+    looksAfter(MRuntimeException("incomplete"));
+    looksAfter(imglib::MReaderGoneException("the reader has crashed"));
+    looksAfter(MTimeoutException("the reader hangs"));
+    EXPECT_EQ(opened, 3);  // once for each file
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "WARNING: the reader has crashed\n");
+    reopen = longer;
     frames.update();
     EXPECT_EQ(frames.last(), 3);
-    folder.write("other", "no image");
-    std::filesystem::rename(folder / "other", path);
+    replaceFile();
     frames.update();
-    EXPECT_EQ(frames.last(), 3);
-    EXPECT_EQ(pixelOf(frames.at(1)), 100);
+    EXPECT_EQ(frames.last(), 7);
+}
+
+TEST_F(FramesOfAContainer, ComeLaterWhenTheirFileWaitedForAnother)
+{
+    FrameSeries frames = series();
+    bool complete = false;
+    reopen = [&complete]() -> std::unique_ptr<ImageFile> {
+        if (!complete)
+            throw MNoFileAccessException("a data file is missing");
+        return longer();
+    };
+    replaceFile();
+    frames.update();
+    complete = true;
+    EXPECT_TRUE(tarvik::tests::waitFor([&] {
+        frames.update();
+        return frames.last() == 7;
+    }));
 }
 
 TEST_F(FramesOfAContainer, MoreThanAnIntCanCountEndAtTheLastInt)

@@ -47,6 +47,8 @@ void ImageLoader::emptyTaskQueue()
     _abort = true;
     _pool.waitForDone();
     _abort = false;
+    if (_scanQueued.exchange(false))
+        _updateTimer.start(static_cast<int>(scanPeriod));  // a scan was dropped: later, then
 }
 
 void ImageLoader::results(std::list<Data>& out)
@@ -84,6 +86,8 @@ void ImageLoader::update()
 void ImageLoader::_scan()
 {
     _awaitHandOver();
+    if (_abort)
+        return;
     _scanQueued = false;
     try {
         _series->update();

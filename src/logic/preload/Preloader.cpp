@@ -114,6 +114,13 @@ bool Preloader::_nextRequest(Key& key)
     return !_stop;
 }
 
+void Preloader::_forget()
+{
+    const std::lock_guard lock(_mutex);
+    if (!_request)
+        _wanted = {};
+}
+
 void Preloader::_threadMethod()
 {
     Series series;
@@ -124,6 +131,7 @@ void Preloader::_threadMethod()
             series.select(path);
         } catch (const std::exception& error) {
             warn(path, error);
+            _forget();
             continue;  // the series before stays open
         }
         _cache.eraseIfLessEqual(key);

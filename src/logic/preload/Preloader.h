@@ -26,7 +26,8 @@ public:
     Preloader(const Preloader&) = delete;
     Preloader& operator=(const Preloader&) = delete;
 
-    /// Reads ahead from behind this image. Nothing happens when it is the wanted one already.
+    /// Reads ahead from behind this image. Nothing happens when it is the wanted one already,
+    /// unless its series could not be opened.
     void run(const PreloaderCache::Key& key);
 
 private:
@@ -35,6 +36,8 @@ private:
     void _threadMethod();
     /// Waits for a request. @returns false when the thread is to end
     bool _nextRequest(PreloaderCache::Key& key);
+    /// A series that could not be opened may be asked for again.
+    void _forget();
     void _readAhead(const PreloaderCache::Key& key, Series& series);
     bool _interrupted() const { return _stop || _request; }
 

@@ -27,26 +27,24 @@ std::mutex& traffic()
     return mutex;
 }
 
+/// The way to the preloader, opened by the first who asks. It outlives all views: its end may take
+/// a second to hand over what waits, which no thread that closes a view has.
+MMessageQueue& queue()
+{
+    static MMessageQueue queue(PreloaderClient::messageQueueId().c_str());
+    return queue;
+}
+
 }  // namespace
 
 std::string PreloaderClient::messageQueueId() { return "PRELOADER_" + std::to_string(getpid()); }
-
-PreloaderClient::PreloaderClient() = default;
-
-PreloaderClient::~PreloaderClient()
-{
-    const std::lock_guard lock(traffic());
-    _queue.reset();
-}
 
 void PreloaderClient::put(unsigned long index, const std::string& path)
 {
     _enabled = false;  // the images of the series before are none of this one, whatever fails here
     try {
         const std::lock_guard lock(traffic());
-        if (!_queue)
-            _queue = std::make_unique<MMessageQueue>(messageQueueId().c_str());
-        _queue->send(preloader::pack(preloader::PUT, index, path));
+        queue().send(preloader::pack(preloader::PUT, index, path));
         _path = path;
         _enabled = true;
     } catch (const morvend::MException& error) {
@@ -74,21 +72,21 @@ bool PreloaderClient::get(MImage& image, unsigned long index, const std::string&
 bool PreloaderClient::_receive(MImage& image, unsigned long index)
 {
     const std::lock_guard lock(traffic());
-    const MMessageQueue::Peer peer = _queue->peer();
+    const MMessageQueue::Peer peer = queue().peer();
     if (peer == MMessageQueue::NoPeer)
         return false;
     try {
-        _queue->sendTo(peer, preloader::pack(preloader::GET, index, _path));
+        queue().sendTo(peer, preloader::pack(preloader::GET, index, _path));
         bool hit = false;
-        preloader::unpack(_queue->receiveFrom(peer, longestWait), hit);
+        preloader::unpack(queue().receiveFrom(peer, longestWait), hit);
         if (hit)
-            _queue->receiveFrom(peer, image, longestWait);
+            queue().receiveFrom(peer, image, longestWait);
         return hit;
     } catch (const morvend::MPeerGoneException&) {
         // Killed; its successor is asked next time.
     } catch (const std::exception& error) {
         // Whatever still comes must not be taken for the answer to a later question.
-        _queue->disconnect(peer);
+        queue().disconnect(peer);
         console::warn(std::string("WARNING: The preloader is left alone: ") + error.what() + '\n');
     }
     return false;
@@ -96,7 +94,7 @@ bool PreloaderClient::_receive(MImage& image, unsigned long index)
 
 void PreloaderClient::setEnabled(bool enabled)
 {
-    _enabled = enabled && _queue;
+    _enabled = enabled && !_path.empty();
     if (!enabled)
         _defaultHeader.clear();
 }

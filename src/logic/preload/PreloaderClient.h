@@ -6,18 +6,14 @@
 
 #include "imagelib/image/MImage.h"
 
-#include <memory>
 #include <string>
-
-namespace morvend::imglib {
-class MMessageQueue;
-}
 
 /// A view's way to the images that the preloader process has read ahead. Whatever becomes of that
 /// process, a view only misses: a peer that is dead, stopped or not there yet costs no more than
 /// half a second once.
 ///
-/// All clients of a process share one queue and take turns. Thread: one at a time for each object.
+/// All clients of a process share one queue, which stays open until the process ends, and take
+/// turns. Thread: one at a time for each object.
 class PreloaderClient {
 public:
     using MImage = morvend::imglib::MImage;
@@ -25,9 +21,6 @@ public:
 
     /// Name of the queue between this process and its preloader: private to this process.
     static std::string messageQueueId();
-
-    PreloaderClient();
-    ~PreloaderClient();
 
     /// Lets the preloader read ahead behind an image of the series that `path` leads to; from now
     /// on get() asks for images of that series.
@@ -47,8 +40,7 @@ public:
 private:
     bool _receive(MImage& image, unsigned long index);
 
-    std::unique_ptr<morvend::imglib::MMessageQueue> _queue;  // opened by the first put()
-    std::string _path;
+    std::string _path;  // of the latest put(); empty before the first
     bool _enabled = false;
     Header _defaultHeader;
 };

@@ -4,7 +4,7 @@
 // Bytes of requests and replies.
 #include "logic/preload/PreloaderMessages.h"
 
-#include "logic/support/Assert.h"
+#include "imagelib/image/MException.h"
 
 #include <cstring>
 
@@ -20,10 +20,9 @@ std::string pack(Method method, unsigned long index, const std::string& path)
 
 void unpack(const std::string& data, Method& method, unsigned long& index, std::string& path)
 {
-    // The text of the assertion is part of the interface.
-    // clang-format off
-    assert(data.size() >= sizeof(Method)+sizeof(index));
-    // clang-format on
+    if (data.size() < sizeof method + sizeof index)
+        throw morvend::MRuntimeException("A request to the preloader has only " +
+                                         std::to_string(data.size()) + " bytes");
     std::memcpy(&method, data.data(), sizeof method);
     std::memcpy(&index, data.data() + sizeof method, sizeof index);
     path = data.substr(sizeof method + sizeof index);
@@ -33,7 +32,8 @@ std::string pack(bool hit) { return std::string(1, hit ? '\1' : '\0'); }
 
 void unpack(const std::string& data, bool& hit)
 {
-    assert(data.size() >= sizeof(bool));
+    if (data.empty())
+        throw morvend::MRuntimeException("An answer of the preloader is empty");
     hit = data[0] != 0;
 }
 

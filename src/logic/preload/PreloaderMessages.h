@@ -24,11 +24,11 @@ enum Method : std::uint32_t {
 };
 
 std::string pack(Method method, unsigned long index, const std::string& path);
-/// Asserts that method and index are there.
+/// @throws MRuntimeException when method and index are not there
 void unpack(const std::string& data, Method& method, unsigned long& index, std::string& path);
 
 std::string pack(bool hit);
-/// Asserts that the byte is there.
+/// @throws MRuntimeException when the byte is not there
 void unpack(const std::string& data, bool& hit);
 
 }  // namespace preloader

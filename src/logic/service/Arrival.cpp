@@ -8,11 +8,13 @@
 void TarvikService::TarvikServicePrivate::newImage()
 {
     const std::string oldId = service.syncID();
-    std::list<ImageLoader::Data> finished;
-    _imageLoader.results(finished);
-    if (finished.empty())
+    // Each record has a signal of its own. Where two were finished before the first was looked at,
+    // the second has its turn with the next one: the image that was asked for last is shown last.
+    _imageLoader.results(_finished);
+    if (_finished.empty())
         return;
-    const ImageLoader::Data& load = finished.front();
+    const ImageLoader::Data load = std::move(_finished.front());
+    _finished.pop_front();
     _imagePath = load.path;
     _image = load.image;
     _imageIndex = load.index;

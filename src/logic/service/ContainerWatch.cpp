@@ -1,48 +1,41 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Notification by the system, and a poll.
+// The thread of a watch.
 #include "logic/service/ContainerWatch.h"
 
-#include <QFileInfo>
+#include "logic/service/PathWatch.h"
+
+namespace {
+
+/// The thread has nothing to do but to leave its event loop.
+constexpr unsigned long longestWait = 200;  // ms
+
+}  // namespace
 
 ContainerWatch::ContainerWatch(const QString& file)
+    : _thread(std::make_unique<QThread>())
+    , _watch(new PathWatch)
 {
-    connect(&_watcher, &QFileSystemWatcher::directoryChanged, this, &ContainerWatch::_changed);
-    connect(&_watcher, &QFileSystemWatcher::fileChanged, this, &ContainerWatch::_changed);
-    connect(&_poll, &QTimer::timeout, this, &ContainerWatch::_changed);
-    _poll.start(pollPeriod);
+    _watch->moveToThread(_thread.get());
+    connect(_thread.get(), &QThread::finished, _watch, &QObject::deleteLater);
+    connect(_watch, &PathWatch::changedSignal, this, &ContainerWatch::changedSignal);
+    _thread->start(QThread::LowPriority);
     setFile(file);
+}
+
+ContainerWatch::~ContainerWatch()
+{
+    disconnect(_watch, nullptr, this, nullptr);
+    _thread->quit();
+    if (_thread->wait(longestWait))
+        return;
+    // It comes to its end, and that of its object, when the file system answers.
+    QThread* const stuck = _thread.release();
+    connect(stuck, &QThread::finished, stuck, &QObject::deleteLater);
 }
 
 void ContainerWatch::setFile(const QString& file)
 {
-    if (file == _file)
-        return;
-    if (!_file.isEmpty())
-        _watcher.removePath(_file);
-    _file = file;
-    const QString folder = file.isEmpty() ? QString() : QFileInfo(file).absolutePath();
-    if (folder != _folder) {
-        if (!_folder.isEmpty())
-            _watcher.removePath(_folder);
-        _folder = folder;
-        _watch(_folder);
-    }
-    _watch(_file);
-}
-
-void ContainerWatch::_watch(const QString& path)
-{
-    // A path that can't be watched is left to the poll.
-    if (!path.isEmpty())
-        _watcher.addPath(path);
-}
-
-void ContainerWatch::_changed()
-{
-    // A file that was replaced is not watched any more.
-    if (!_file.isEmpty() && _watcher.files().isEmpty())
-        _watch(_file);
-    emit changedSignal(_folder);
+    QMetaObject::invokeMethod(_watch, [watch = _watch, file] { watch->setFile(file); });
 }

@@ -4,14 +4,19 @@
 // Notices that the files of a series change.
 #pragma once
 
-#include <QFileSystemWatcher>
 #include <QObject>
 #include <QString>
-#include <QTimer>
+#include <QThread>
+
+#include <memory>
+
+class PathWatch;
 
 /// Watches the folder of an image, where new files appear, and the image's own file, which frames
 /// may be added to. The system's notification is quick, but none comes from network file systems or
-/// for the other files of a set: a slow poll notices what it misses. Thread: GUI only.
+/// for the other files of a set: a slow poll notices what it misses. The watching goes on on a
+/// thread of its own, since a mount that is dead lets nobody go who asks it to be watched.
+/// Thread: GUI only; no call waits for a file.
 class ContainerWatch : public QObject {
     Q_OBJECT
 public:
@@ -20,6 +25,8 @@ public:
     /// @param file  absolute path of the image shown; empty for an image without file, where only
     /// the poll goes on
     explicit ContainerWatch(const QString& file);
+    /// Leaves a thread that goes on waiting for its file system behind, after 200 ms.
+    ~ContainerWatch() override;
     /// Goes over to another file.
     void setFile(const QString& file);
 
@@ -28,11 +35,6 @@ signals:
     void changedSignal(const QString& folder);
 
 private:
-    void _watch(const QString& path);
-    void _changed();
-
-    QString _file;
-    QString _folder;
-    QFileSystemWatcher _watcher;
-    QTimer _poll;
+    std::unique_ptr<QThread> _thread;
+    PathWatch* _watch;  // lives on the thread and goes with it
 };

@@ -46,6 +46,7 @@ public:
     ViewRecord<PeakData> _peaks;
     /// Restarted by every request.
     QElapsedTimer _loadClock;
+    std::list<ImageLoader::Data> _finished;  // loads that are not visible yet
     MImage _image;
     MImage _thumbnail;
     MImage _mask;

@@ -125,6 +125,18 @@ TEST_F(ReadAhead, TellsWhatCanNotBeReadAndGoesOn)
                                               "          [^\n]*nothing_1.edf[^\n]*\n"));
 }
 
+TEST_F(ReadAhead, ASeriesThatCouldNotBeOpenedMayBeAskedForAgain)
+{
+    const std::string path = folder / name(1);
+    Preloader preloader(cache);
+    preloader.run({path, 1});
+    QTest::qWait(30);
+    write(1);
+    write(2);
+    preloader.run({path, 1});
+    EXPECT_TRUE(holds(path, {2}));
+}
+
 TEST_F(ReadAhead, EndsWithOneImageBeyondTheLimit)
 {
     for (int i = 1; i <= 9; ++i)

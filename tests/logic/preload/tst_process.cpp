@@ -17,6 +17,7 @@
 #include <algorithm>
 #include <csignal>
 #include <fstream>
+#include <optional>
 
 namespace {
 
@@ -45,7 +46,10 @@ protected:
     }
     ~WithProcess() override
     {
-        signalProcess(SIGKILL);
+        const auto pid = static_cast<pid_t>(process->processId());
+        process.reset();  // or it would start another one
+        if (pid > 0)
+            kill(pid, SIGKILL);
         EXPECT_TRUE(waitFor([&] { return !queue.connected(); }));
     }
     /// Waits for a preloader that came after the one of that generation.
@@ -55,8 +59,8 @@ protected:
     }
     void signalProcess(int signal) const
     {
-        ASSERT_GT(process.processId(), 0);
-        ASSERT_EQ(kill(static_cast<pid_t>(process.processId()), signal), 0);
+        ASSERT_GT(process->processId(), 0);
+        ASSERT_EQ(kill(static_cast<pid_t>(process->processId()), signal), 0);
     }
     /// Takes an image from the preloader, which may be reading yet.
     bool hits(PreloaderClient& client, MImage& image, unsigned long index)
@@ -71,7 +75,7 @@ protected:
 
     const TempFolder folder;
     MMessageQueue queue{PreloaderClient::messageQueueId().c_str()};
-    PreloaderProcess process{TARVIK_PRELOADER};
+    std::optional<PreloaderProcess> process{std::in_place, TARVIK_PRELOADER};
 };
 
 TEST_F(WithProcess, HandsOverWhatItHasReadAhead)
@@ -141,7 +145,7 @@ TEST_F(WithProcess, ADeadPreloaderOnlyMissesAndComesAgain)
     MImage image;
     ASSERT_TRUE(hits(client, image, 2));
     for (int round = 0; round < 2; ++round) {
-        const qint64 old = process.processId();
+        const qint64 old = process->processId();
         const auto before = queue.generation();
         signalProcess(SIGKILL);
         QElapsedTimer clock;
@@ -149,7 +153,7 @@ TEST_F(WithProcess, ADeadPreloaderOnlyMissesAndComesAgain)
         client.get(image, 3);
         EXPECT_LT(clock.elapsed(), 1000);
         ASSERT_TRUE(connected(before));
-        EXPECT_NE(process.processId(), old);
+        EXPECT_NE(process->processId(), old);
         EXPECT_FALSE(client.get(image, 4));
         QTest::qWait(200);
         ASSERT_TRUE(client.get(image, 5)) << "its successor reads ahead without being told";

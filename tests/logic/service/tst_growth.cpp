@@ -90,9 +90,11 @@ TEST(ContainerWatch, FollowsItsFileToAnotherFolder)
 {
     const TempFolder first, second;
     ContainerWatch watch(QString::fromStdString(first.write("a.edf", "x")));
-    watch.setFile(QString::fromStdString(second.write("a.edf", "x")));
-    QCoreApplication::processEvents();
     QSignalSpy changed(&watch, &ContainerWatch::changedSignal);
+    watch.setFile(QString::fromStdString(second.write("a.edf", "x")));
+    const QString folder = QString::fromStdString(second.path());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return changed.contains(QVariantList{folder}); }))
+        << "what came before the watch stood counts as a change";
     constexpr int wellBelowThePoll = ContainerWatch::pollPeriod / 3;
     second.write("b.edf", "x");
     EXPECT_TRUE(changed.wait(wellBelowThePoll));

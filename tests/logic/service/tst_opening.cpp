@@ -63,6 +63,18 @@ TEST_F(Opening, NewImageIsAnnouncedInOrder)
     EXPECT_EQ(view->thumbnailMask().height(), 4);
 }
 
+TEST_F(Opening, LoadsFinishedAtOnceAllComeInTheirOrder)
+{
+    for (int i = 0; i < 3; ++i)
+        view->openImage(image(8, 4, i));
+    while (view->loading())
+        QThread::msleep(1);  // without looking at what is finished
+    QSignalSpy shown(view, &TarvikService::newImageSignal);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return shown.size() == 3; }));
+    EXPECT_EQ(view->imageIndex(), 2);
+    EXPECT_EQ(view->image().pixel<int>(0, 0, -1), 2) << "the one that was asked for last";
+}
+
 TEST_F(Opening, FailedLoadChangesNothing)
 {
     show(view, image());

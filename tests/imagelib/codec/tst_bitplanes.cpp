@@ -5,45 +5,16 @@
 #include "imagelib/codec/BitPlanes.h"
 #include "imagelib/codec/Shuffle.h"
 #include "tests/imagelib/codec/TestData.h"
-
-#include <gtest/gtest.h>
-
-#define HWY_DISABLED_TARGETS 0
-#include <hwy/highway.h>
+#include "tests/support/EachTarget.h"
 
 namespace morvend::codec {
 namespace {
 
-using tarvik::tests::Bytes;
-using tarvik::tests::makeElements;
-using tarvik::tests::Pattern;
+using namespace tarvik::tests;
+using Sizes = std::initializer_list<std::size_t>;
 
-/// The Highway targets of this processor, one at a time; the last round lets all of them be.
-class EachTarget : public testing::TestWithParam<std::int64_t> {
-protected:
-    void SetUp() override
-    {
-        hwy::SetSupportedTargetsForTest(GetParam());
-        hwy::GetChosenTarget().Update(hwy::SupportedTargets());
-    }
-    void TearDown() override
-    {
-        hwy::SetSupportedTargetsForTest(0);
-        hwy::GetChosenTarget().Update(hwy::SupportedTargets());
-    }
-};
-
-std::vector<std::int64_t> targets()
-{
-    std::vector<std::int64_t> all{0};
-    for (std::int64_t rest = hwy::SupportedTargets(); rest != 0; rest &= rest - 1)
-        all.push_back(rest & -rest);
-    return all;
-}
-
-INSTANTIATE_TEST_SUITE_P(Targets, EachTarget, testing::ValuesIn(targets()), [](const auto& row) {
-    return row.param ? std::string(hwy::TargetName(row.param)) : std::string("Automatic");
-});
+INSTANTIATE_TEST_SUITE_P(Targets, EachTarget, testing::ValuesIn(EachTarget::all()),
+                         EachTarget::name);
 
 Bytes unshuffledByDefinition(const Bytes& planes, std::size_t size)
 {
@@ -60,10 +31,10 @@ Bytes unshuffledByDefinition(const Bytes& planes, std::size_t size)
 
 TEST_P(EachTarget, UnshufflesBitsByTheDefinitionAndShuffleIsTheInverse)
 {
-    for (const std::size_t size : std::initializer_list<std::size_t>{1, 2, 3, 4, 8, 12})
-        for (const std::size_t count : std::initializer_list<std::size_t>{
-                 0, 8, 16, 64, 120, 256, 264, 512, 520, 2048, 2048 + 72, 4096 + 256 + 8})
-            for (const Pattern pattern : {Pattern::Noise, Pattern::Sparse, Pattern::Gaps}) {
+    for (const std::size_t size : Sizes{1, 2, 3, 4, 8, 12})
+        for (const std::size_t count :
+             Sizes{0, 8, 16, 64, 120, 256, 264, 512, 520, 2048, 2048 + 72, 4096 + 256 + 8})
+            for (const Pattern pattern : Patterns) {
                 // Sparse elements and gaps have equal planes, which take roads of their own.
                 const Bytes elements = makeElements(pattern, count, size);
                 Bytes planes(elements.size());
@@ -71,15 +42,14 @@ TEST_P(EachTarget, UnshufflesBitsByTheDefinitionAndShuffleIsTheInverse)
                 EXPECT_TRUE(unshuffledByDefinition(planes, size) == elements);
                 Bytes result(elements.size());
                 bitUnshuffler()(planes.data(), count, size, result.data());
-                EXPECT_TRUE(result == elements) << size << ' ' << count << ' ' << name(pattern);
+                EXPECT_TRUE(result == elements) << size << ' ' << count << ' ' << int(pattern);
             }
 }
 
 TEST_P(EachTarget, UnshufflesBytesByTheDefinition)
 {
-    for (const std::size_t size : std::initializer_list<std::size_t>{1, 2, 3, 4, 5, 8, 12, 16}) {
-        for (const std::size_t bytes :
-             std::initializer_list<std::size_t>{0, 1, 7, 64, 255, 256, 1000, 4096, 5003}) {
+    for (const std::size_t size : Sizes{1, 2, 3, 4, 5, 8, 12, 16}) {
+        for (const std::size_t bytes : Sizes{0, 1, 7, 64, 255, 256, 1000, 4096, 5003}) {
             const Bytes shuffled = makeElements(Pattern::Noise, bytes, 1);
             const std::size_t count = bytes / size;
             Bytes expected = shuffled;

@@ -127,7 +127,7 @@ TEST(Lz4Planes, ChangedBytesKeepToTheirMemory)
 {
     std::mt19937 random(5);
     int sound = 0;
-    for (int round = 0; round < 20000; ++round) {
+    for (int round = 0; round < 6000; ++round) {
         const std::vector<Sequence> sequences{
             {random() % 90 + 1, 1 + random() % 5, 4 + random() % 400},
             {random() % 3, 1 + random() % 90, 4 + random() % 90},

@@ -47,6 +47,11 @@ MImage inPool(SegmentPool& pool, int width, int height, int first = 0)
     return countingImage(width, height, first);
 }
 
+std::string bigEndian(char32_t number)
+{
+    return {char(number >> 16), char(number >> 8 & 255), char(number & 255)};
+}
+
 constexpr int Wide = 1024;  // an image of 1024 x 256 int pixels has a megabyte
 
 TEST(MessageChannel, EveryKindArrivesAsItWas)
@@ -182,8 +187,9 @@ TEST(MessageChannel, WhatTheProtocolCannotCarryIsRefusedAtOnce)
     image.optionalData().set_pixel_mask(mask);
     EXPECT_THROW(pair.left->send(image), morvend::MBadParameterException);
     morvend::nexus::MBasicNeXusTree tree;
-    for (int i = 0; i <= 1 << 20; ++i)
-        tree.node("/").attributes[std::to_string(i)] = std::int64_t(i);
+    auto& attributes = tree.node("/").attributes;
+    for (char32_t name = 0; name <= 1 << 20; ++name)  // in the order of the map
+        attributes.emplace_hint(attributes.end(), bigEndian(name), std::int64_t(name));
     image = MImage(2, 2, 1);
     image.optionalData().setNexusTree(tree);
     EXPECT_THROW(pair.left->send(image), morvend::MBadParameterException);
@@ -214,9 +220,11 @@ TEST(MessageChannel, WaitsEndWithTheirTime)
 TEST(MessageChannel, UnreadImagesInSharedMemoryAreBounded)
 {
     ChannelPair pair;
-    const MImage image(4096, 4096, 1U);  // 64 MiB
     int sent = 0;
     for (; sent < 40; ++sent) {
+        const PixelSource::Scope scope(*pair.pool);
+        MImage image(4096, 4096, morvend::datatypes::INT, 32);  // 64 MiB
+        static_cast<int*>(image.data())[9] = sent;
         pair.left->enqueue(image);
         if (!pair.left->flush())
             break;
@@ -225,7 +233,7 @@ TEST(MessageChannel, UnreadImagesInSharedMemoryAreBounded)
     EXPECT_GE(sent, 4);
     for (int i = 0; i <= sent; ++i) {
         pair.left->flush();
-        EXPECT_EQ(std::get<MImage>(pair.right->receive(5s)).pixel<int>(9, 9, 0), 1);
+        EXPECT_EQ(std::get<MImage>(pair.right->receive(5s)).pixel<int>(9, 0, -1), i);
     }
 }
 

@@ -8,11 +8,10 @@
 #include "imagelib/ipc/QueueEnd.h"
 #include "tests/imagelib/ipc/RawPeer.h"
 #include "tests/imagelib/ipc/Samples.h"
+#include "tests/support/Processes.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include <filesystem>
 #include <thread>
 
 namespace {
@@ -22,20 +21,46 @@ using namespace std::chrono_literals;
 using wire::ArrayPlace;
 using wire::Place;
 
+using Act = std::function<void(RawPeer&)>;
+using Opens = std::function<int(Files&)>;
+
 struct HostileCase {
     const char* name;
     const char* complaint;
-    std::function<void(RawPeer&)> act;
+    Act act;
 };
 
-/// Sends an image frame whose first array is said to be at a place.
-void sendPlace(RawPeer& peer, const ArrayPlace& place, const std::vector<int>& fds = {},
-               const MImage& image = MImage(1024, 256, 1), std::string bulk = {})
+constexpr std::size_t Megabyte = 1024 * 256 * 4;
+
+Act hello(Act act)
 {
-    wire::Parcel parcel = wire::pack(image);
-    wire::setPlace(parcel, parcel.arrays.at(0), place);
-    peer.send(wire::Kind::Image, parcel.meta, bulk, fds);
+    return [act](RawPeer& peer) {
+        peer.hello();
+        act(peer);
+    };
 }
+
+/// A head alone, for parts that do not come.
+Act head(wire::Kind kind, std::uint32_t meta, std::uint64_t bulk, std::uint32_t descriptors = 0)
+{
+    return hello([=](RawPeer& peer) { peer.sendHead(kind, meta, bulk, descriptors); });
+}
+
+/// A hello with a lease page that is none.
+Act leases(const Opens& open)
+{
+    return [open](RawPeer& peer) {
+        Files files;
+        peer.hello("", open(files));
+    };
+}
+
+Opens memory(std::size_t bytes, bool sealed = true, bool holes = false)
+{
+    return [=](Files& files) { return files.memory(bytes, sealed, holes); };
+}
+int pipe(Files& files) { return files.pipe(); }
+int folder(Files& files) { return files.folder(); }
 
 ArrayPlace at(Place place, std::uint32_t number = 0, std::int32_t descriptor = -1,
               std::uint64_t offset = 0)
@@ -48,263 +73,167 @@ ArrayPlace at(Place place, std::uint32_t number = 0, std::int32_t descriptor = -
     return result;
 }
 
-/// Changes bytes of the description of a good image.
-std::function<void(RawPeer&)> patched(std::size_t offset, std::initializer_list<int> bytes)
+/// Sends an image frame whose first array is said to be at a place.
+void sendPlace(RawPeer& peer, const ArrayPlace& place, const std::vector<int>& fds,
+               const MImage& image, std::string_view bulk = {})
 {
-    return [offset, values = std::vector<int>(bytes)](RawPeer& peer) {
+    wire::Parcel parcel = wire::pack(image);
+    wire::setPlace(parcel, parcel.arrays.at(0), place);
+    peer.send(wire::Kind::Image, parcel.meta, bulk, fds);
+}
+
+/// An image of a megabyte, with a descriptor when `open` makes one.
+Act outside(const ArrayPlace& place, const Opens& open = {})
+{
+    return [=](RawPeer& peer) {
+        Files files;
+        place.place == Place::Segment ? peer.helloWithLeases() : peer.hello();
+        sendPlace(peer, place, open ? std::vector{open(files)} : std::vector<int>(),
+                  MImage(1024, 256, 1));
+    };
+}
+
+/// An image of 64 bytes, of which some or too few come.
+Act inlined(std::size_t bytes, std::uint64_t offset)
+{
+    return hello([=](RawPeer& peer) {
+        sendPlace(peer, at(Place::Inline, 0, -1, offset), {}, MImage(4, 4, 1),
+                  std::string(bytes, 'x'));
+    });
+}
+
+/// Changes bytes of the description of a good image.
+Act patched(std::size_t offset, std::string_view bytes)
+{
+    return hello([=](RawPeer& peer) {
         wire::Parcel parcel = wire::pack(MImage(4, 4, 1));
         wire::setPlace(parcel, parcel.arrays.at(0), at(Place::Inline));
-        for (std::size_t i = 0; i < values.size(); ++i)
-            parcel.meta.at(offset + i) = std::byte(values[i]);
+        std::memcpy(parcel.meta.data() + offset, bytes.data(), bytes.size());
         peer.send(wire::Kind::Image, parcel.meta, std::string(64, 'x'));
-    };
+    });
 }
 
-std::function<void(RawPeer&)> listOf(std::initializer_list<int> bytes)
+Act listOf(std::string_view bytes)
 {
-    return [values = std::vector<int>(bytes)](RawPeer& peer) {
-        std::vector<std::byte> meta;
-        for (const int value : values)
-            meta.push_back(std::byte(value));
-        meta.resize(std::max<std::size_t>(meta.size(), 25));
+    return hello([=](RawPeer& peer) {
+        std::vector<std::byte> meta(25);
+        std::memcpy(meta.data(), bytes.data(), bytes.size());
         peer.send(wire::Kind::DrawingList, meta);
-    };
+    });
 }
 
-constexpr std::size_t Megabyte = 1024 * 256 * 4;
+void twoMasks(RawPeer& peer)
+{
+    MImage image;
+    image.optionalData().set_pixel_mask(MImage());
+    std::vector<std::byte> meta = wire::pack(image).meta;
+    // Behind size, place and number of fields stands the one field, before the empty tree.
+    const std::vector<std::byte> field(meta.begin() + 40, meta.end() - 4);
+    meta.at(36) = std::byte(2);
+    meta.insert(meta.end() - 4, field.begin(), field.end());
+    peer.send(wire::Kind::Image, meta);
+}
+
+void withoutItsDescriptors(RawPeer& peer)
+{
+    const wire::Parcel parcel = wire::pack(MImage(4, 4, 1));
+    peer.sendHead(wire::Kind::Image, std::uint32_t(parcel.meta.size()), 64, 1);
+    peer.raw({reinterpret_cast<const char*>(parcel.meta.data()), parcel.meta.size()});
+    peer.raw(std::string(64, 'x'));
+}
+
+void keptOfAnotherSize(RawPeer& peer)
+{
+    ArrayPlace place = at(Place::Inline);
+    place.keep = 1;
+    sendPlace(peer, place, {}, MImage(4, 4, 1), std::string(64, 'x'));
+    sendPlace(peer, at(Place::Kept, 1), {}, MImage(5, 4, 1));
+}
+
+void looseDescriptors(RawPeer& peer)
+{
+    peer.sendHead(wire::Kind::Text, 0, 200);
+    for (int i = 0; i < 70; ++i)
+        peer.raw("x", {peer.fd()});
+}
+
+void text(RawPeer& peer) { peer.send(wire::Kind::Text, {}, "x"); }
+
+using enum wire::Kind;
+const auto otherVersion = [](RawPeer& p) { p.head[4] = 2, text(p); };
+const auto wrongNumber = [](RawPeer& p) { p.number = 5, text(p); };
+const auto unknownKind = [](RawPeer& p) { p.send(wire::Kind(77), {}); };
+const auto forgets = [](RawPeer& p) { p.send(Forget, wire::packForget({{7}}).meta); };
+const auto unknownPrimitive = std::string_view("\1\0\0\0\11", 5);
+const auto segment = [](std::uint32_t number = 0, std::uint64_t offset = 0) {
+    return at(Place::Segment, number, 0, offset);
+};
 
 const HostileCase Cases[] = {
     {"NoFrame", "is no frame", [](RawPeer& p) { p.raw(std::string(64, 'G')); }},
-    {"OtherVersion", "version 2 of the protocol",
-     [](RawPeer& p) {
-         p.hello();
-         p.head[4] = 2;
-         p.send(wire::Kind::Text, {}, "x");
-     }},
-    {"UnknownKind", "unknown kind 77",
-     [](RawPeer& p) {
-         p.hello();
-         p.send(wire::Kind(77), {});
-     }},
-    {"NoHello", "hello must be the first", [](RawPeer& p) { p.send(wire::Kind::Text, {}, "x"); }},
-    {"TwoMasks", "two masks",
-     [](RawPeer& p) {
-         p.hello();
-         MImage image;
-         image.optionalData().set_pixel_mask(MImage());
-         std::vector<std::byte> meta = wire::pack(image).meta;
-         // Behind size, place and number of fields stands the one field, before the empty tree.
-         const std::vector<std::byte> field(meta.begin() + 40, meta.end() - 4);
-         meta.at(36) = std::byte(2);
-         meta.insert(meta.end() - 4, field.begin(), field.end());
-         p.send(wire::Kind::Image, meta);
-     }},
-    {"TwoHellos", "hello must be the first",
-     [](RawPeer& p) {
-         p.hello();
-         p.hello();
-     }},
+    {"OtherVersion", "version 2 of the protocol", hello(otherVersion)},
+    {"UnknownKind", "unknown kind 77", hello(unknownKind)},
+    {"NoHello", "hello must be the first", text},
+    {"TwoMasks", "two masks", hello(twoMasks)},
+    {"TwoHellos", "hello must be the first", hello([](RawPeer& p) { p.hello(); })},
     {"OtherName", "asks for \"another\"", [](RawPeer& p) { p.hello("another"); }},
-    {"WrongNumber", "the frame 5 comes where the frame 1 is due",
-     [](RawPeer& p) {
-         p.hello();
-         p.number = 5;
-         p.send(wire::Kind::Text, {}, "x");
-     }},
-    {"TextTooLong", "too large",
-     [](RawPeer& p) {
-         p.hello();
-         p.sendHead(wire::Kind::Text, 0, (64U << 20) + 1);
-     }},
-    {"HugeText", "too large",
-     [](RawPeer& p) {
-         p.hello();
-         p.sendHead(wire::Kind::Text, 0, ~std::uint64_t(0));
-     }},
-    {"HugeDescription", "too large",
-     [](RawPeer& p) {
-         p.hello();
-         p.sendHead(wire::Kind::Image, 0xffffffff, 0);
-     }},
-    {"TextWithDescription", "parts that it can't have",
-     [](RawPeer& p) {
-         p.hello();
-         p.sendHead(wire::Kind::Text, 4, 0);
-     }},
-    {"TextWithDescriptors", "has no use for them",
-     [](RawPeer& p) {
-         p.hello();
-         p.sendHead(wire::Kind::Text, 0, 0, 1);
-     }},
-    {"ManyDescriptors", "a frame with 3 descriptors",
-     [](RawPeer& p) {
-         p.hello();
-         p.sendHead(wire::Kind::Image, 0, 0, 3);
-     }},
-    {"DescriptorsNotBrought", "without the descriptors",
-     [](RawPeer& p) {
-         p.hello();
-         wire::Parcel parcel = wire::pack(MImage(4, 4, 1));
-         p.sendHead(wire::Kind::Image, std::uint32_t(parcel.meta.size()), 64, 1);
-         p.raw({reinterpret_cast<const char*>(parcel.meta.data()), parcel.meta.size()});
-         p.raw(std::string(64, 'x'));
-     }},
-    {"LeasePageIsAPipe", "no memory file", [](RawPeer& p) { p.hello("", Files().pipe()); }},
-    {"LeasePageTooShort", "lease page of a wrong size",
-     [](RawPeer& p) { p.hello("", Files().memory(4096, true)); }},
-    {"LeasePageWithoutMark", "lease page that is none",
-     [](RawPeer& p) { p.hello("", Files().memory(LeasePageBytes, true)); }},
-    {"LeasePageNotSealed", "not sealed",
-     [](RawPeer& p) { p.hello("", Files().memory(LeasePageBytes, false)); }},
-    {"SegmentWithoutLeasePage", "which can't be",
-     [](RawPeer& p) {
-         p.hello();
-         sendPlace(p, at(Place::Segment, 0, 0), {Files().memory(2 * Megabyte, true)});
-     }},
-    {"SegmentNeverSent", "which was never sent",
-     [](RawPeer& p) {
-         p.helloWithLeases();
-         sendPlace(p, at(Place::Segment, 3));
-     }},
-    {"SegmentNumberTooLarge", "segment 5000",
-     [](RawPeer& p) {
-         p.helloWithLeases();
-         sendPlace(p, at(Place::Segment, 5000, 0), {Files().memory(2 * Megabyte, true)});
-     }},
-    {"SegmentNotSealed", "not sealed",
-     [](RawPeer& p) {
-         p.helloWithLeases();
-         sendPlace(p, at(Place::Segment, 0, 0), {Files().memory(2 * Megabyte, false)});
-     }},
-    {"SegmentIsAPipe", "no memory file",
-     [](RawPeer& p) {
-         p.helloWithLeases();
-         sendPlace(p, at(Place::Segment, 0, 0), {Files().pipe()});
-     }},
-    {"SegmentIsAFolder", "no memory file",
-     [](RawPeer& p) {
-         p.helloWithLeases();
-         sendPlace(p, at(Place::Segment, 0, 0), {Files().folder()});
-     }},
-    {"SegmentTooShort", "in a memory file of 1048576",
-     [](RawPeer& p) {
-         p.helloWithLeases();
-         sendPlace(p, at(Place::Segment, 0, 0), {Files().memory(Megabyte, true)});
-     }},
+    {"WrongNumber", "the frame 5 comes where the frame 1 is due", hello(wrongNumber)},
+    {"TextTooLong", "too large", head(Text, 0, (64U << 20) + 1)},
+    {"HugeText", "too large", head(Text, 0, ~std::uint64_t(0))},
+    {"HugeDescription", "too large", head(Image, 0xffffffff, 0)},
+    {"TextWithDescription", "parts that it can't have", head(Text, 4, 0)},
+    {"TextWithDescriptors", "has no use for them", head(Text, 0, 0, 1)},
+    {"ManyDescriptors", "a frame with 3 descriptors", head(Image, 0, 0, 3)},
+    {"DescriptorsNotBrought", "without the descriptors", hello(withoutItsDescriptors)},
+    {"LeasePageIsAPipe", "no memory file", leases(pipe)},
+    {"LeasePageTooShort", "lease page of a wrong size", leases(memory(4096))},
+    {"LeasePageWithoutMark", "lease page that is none", leases(memory(LeasePageBytes))},
+    {"LeasePageNotSealed", "not sealed", leases(memory(LeasePageBytes, false))},
+    {"SegmentWithoutLeasePage", "which can't be", hello([](RawPeer& p) {
+         Files files;
+         sendPlace(p, segment(), {files.memory(2 * Megabyte, true)}, MImage(1024, 256, 1));
+     })},
+    {"SegmentNeverSent", "which was never sent", outside(at(Place::Segment, 3))},
+    {"SegmentNumberTooLarge", "segment 5000", outside(segment(5000), memory(2 * Megabyte))},
+    {"SegmentNotSealed", "not sealed", outside(segment(), memory(2 * Megabyte, false))},
+    {"SegmentIsAPipe", "no memory file", outside(segment(), pipe)},
+    {"SegmentIsAFolder", "no memory file", outside(segment(), folder)},
+    {"SegmentTooShort", "in a memory file of 1048576", outside(segment(), memory(Megabyte))},
     {"OffsetBeyondSegment", "in a memory file of",
-     [](RawPeer& p) {
-         p.helloWithLeases();
-         sendPlace(p, at(Place::Segment, 0, 0, 64ULL << 50), {Files().memory(2 * Megabyte, true)});
-     }},
-    {"OffsetNotAligned", "in a memory file of",
-     [](RawPeer& p) {
-         p.helloWithLeases();
-         sendPlace(p, at(Place::Segment, 0, 0, 4), {Files().memory(2 * Megabyte, true)});
-     }},
+     outside(segment(0, 64ULL << 50), memory(2 * Megabyte))},
+    {"OffsetNotAligned", "in a memory file of", outside(segment(0, 4), memory(2 * Megabyte))},
     {"OwnFileWithHoles", "with holes",
-     [](RawPeer& p) {
-         p.hello();
-         sendPlace(p, at(Place::OwnFile, 0, 0), {Files().memory(2 * Megabyte, true, true)});
-     }},
+     outside(at(Place::OwnFile, 0, 0), memory(2 * Megabyte, true, true))},
     {"EmptyOwnFile", "memory file of 0 bytes",
-     [](RawPeer& p) {
-         p.hello();
-         sendPlace(p, at(Place::OwnFile, 0, 0), {Files().memory(0, true, true)});
-     }},
-    {"OwnFileWithoutDescriptor", "has not brought",
-     [](RawPeer& p) {
-         p.hello();
-         sendPlace(p, at(Place::OwnFile, 0, -1));
-     }},
+     outside(at(Place::OwnFile, 0, 0), memory(0, true, true))},
+    {"OwnFileWithoutDescriptor", "has not brought", outside(at(Place::OwnFile, 0, -1))},
     {"DescriptorIndexTooLarge", "has not brought",
-     [](RawPeer& p) {
-         p.hello();
-         sendPlace(p, at(Place::OwnFile, 0, 1), {Files().memory(2 * Megabyte, true)});
-     }},
-    {"KeptArrayNeverSent", "was never sent",
-     [](RawPeer& p) {
-         p.hello();
-         sendPlace(p, at(Place::Kept, 2));
-     }},
-    {"KeptArrayNumberTooLarge", "was never sent",
-     [](RawPeer& p) {
-         p.hello();
-         sendPlace(p, at(Place::Kept, 200));
-     }},
-    {"KeptArrayOfAnotherSize", "is another one",
-     [](RawPeer& p) {
-         p.hello();
-         ArrayPlace place = at(Place::Inline);
-         place.keep = 1;
-         sendPlace(p, place, {}, MImage(4, 4, 1), std::string(64, 'x'));
-         sendPlace(p, at(Place::Kept, 1), {}, MImage(5, 4, 1));
-     }},
-    {"InlinePixelsMissing", "beyond the end",
-     [](RawPeer& p) {
-         p.hello();
-         sendPlace(p, at(Place::Inline), {}, MImage(4, 4, 1), std::string(63, 'x'));
-     }},
-    {"InlineOffsetWraps", "beyond the end",
-     [](RawPeer& p) {
-         p.hello();
-         sendPlace(p, at(Place::Inline, 0, -1, ~std::uint64_t(0) - 32), {}, MImage(4, 4, 1),
-                   std::string(64, 'x'));
-     }},
-    {"NegativeWidth", "of -1 x 4",
-     [](RawPeer& p) {
-         p.hello(), patched(0, {255, 255, 255, 255})(p);
-     }},
+     outside(at(Place::OwnFile, 0, 1), memory(2 * Megabyte))},
+    {"KeptArrayNeverSent", "was never sent", outside(at(Place::Kept, 2))},
+    {"KeptArrayNumberTooLarge", "was never sent", outside(at(Place::Kept, 200))},
+    {"KeptArrayOfAnotherSize", "is another one", hello(keptOfAnotherSize)},
+    {"InlinePixelsMissing", "beyond the end", inlined(63, 0)},
+    {"InlineOffsetWraps", "beyond the end", inlined(64, ~std::uint64_t(0) - 32)},
+    {"NegativeWidth", "of -1 x 4", patched(0, "\xff\xff\xff\xff")},
     {"HugeImage", "an image of 4611686014132420609 pixels",
-     [](RawPeer& p) {
-         p.hello(), patched(0, {255, 255, 255, 127, 255, 255, 255, 127})(p);
-     }},
-    {"PixelTypeUnknown", "unknown kind 9", [](RawPeer& p) { p.hello(), patched(8, {9})(p); }},
-    {"BitsUnknown", "no pixel type", [](RawPeer& p) { p.hello(), patched(9, {24})(p); }},
-    {"PlaceUnknown", "unknown place", [](RawPeer& p) { p.hello(), patched(12, {5})(p); }},
-    {"NoPlace", "without its pixels", [](RawPeer& p) { p.hello(), patched(12, {0})(p); }},
-    {"KeepNumberUnknown", "to be kept as number 8",
-     [](RawPeer& p) { p.hello(), patched(13, {8})(p); }},
-    {"FieldsLie", "items are announced",
-     [](RawPeer& p) {
-         p.hello(), patched(36, {255, 255})(p);
-     }},
-    {"ListLies", "items are announced",
-     [](RawPeer& p) {
-         p.hello(), listOf({255, 255, 255, 255})(p);
-     }},
-    {"PrimitiveUnknown", "unknown type 9",
-     [](RawPeer& p) {
-         p.hello(), listOf({1, 0, 0, 0, 9})(p);
-     }},
-    {"ListTooLong", "bytes too many",
-     [](RawPeer& p) {
-         p.hello(), listOf({0, 0, 0, 0})(p);
-     }},
-    {"ForgottenNeverSent", "is forgotten",
-     [](RawPeer& p) {
-         p.hello();
-         p.send(wire::Kind::Forget, wire::packForget({{7}}).meta);
-     }},
-    {"LooseDescriptors", "that no frame announces",
-     [](RawPeer& p) {
-         p.hello();
-         p.sendHead(wire::Kind::Text, 0, 200);
-         for (int i = 0; i < 70; ++i)
-             p.raw("x", {p.fd()});
-     }},
-};
-
-std::size_t openFiles()
-{
-    const std::filesystem::directory_iterator all("/proc/self/fd");
-    return std::size_t(std::distance(begin(all), end(all)));
-}
+     patched(0, "\xff\xff\xff\x7f\xff\xff\xff\x7f")},
+    {"PixelTypeUnknown", "unknown kind 9", patched(8, "\x9")},
+    {"BitsUnknown", "no pixel type", patched(9, "\x18")},
+    {"PlaceUnknown", "unknown place", patched(12, "\5")},
+    {"NoPlace", "without its pixels", patched(12, std::string_view("", 1))},
+    {"KeepNumberUnknown", "to be kept as number 8", patched(13, "\x8")},
+    {"FieldsLie", "items are announced", patched(36, "\xff\xff")},
+    {"ListLies", "items are announced", listOf("\xff\xff\xff\xff")},
+    {"PrimitiveUnknown", "unknown type 9", listOf(unknownPrimitive)},
+    {"ListTooLong", "bytes too many", listOf("")},
+    {"ForgottenNeverSent", "is forgotten", hello(forgets)},
+    {"LooseDescriptors", "that no frame announces", hello(looseDescriptors)}};
 
 class Hostile : public testing::TestWithParam<HostileCase> {};
 
 TEST_P(Hostile, LosesItsConnectionWithAReason)
 {
-    const std::size_t before = openFiles();
+    const std::size_t before = openDescriptors();
     {
         auto [mine, theirs] = MessageChannel::socketPair();
         MessageChannel channel(std::move(mine));
@@ -315,12 +244,10 @@ TEST_P(Hostile, LosesItsConnectionWithAReason)
                 channel.receive(2s);
         } catch (const morvend::MRuntimeException& exception) {
             EXPECT_THAT(exception.what(), testing::HasSubstr(GetParam().complaint));
-        } catch (const std::exception& exception) {
-            ADD_FAILURE() << exception.what();
-        }
+        }  // any other exception fails the test
         EXPECT_TRUE(peer.ended());
     }
-    EXPECT_EQ(openFiles(), before);
+    EXPECT_EQ(openDescriptors(), before);
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, Hostile, testing::ValuesIn(Cases),

@@ -9,7 +9,6 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
@@ -17,6 +16,7 @@
 #include <random>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include <signal.h>
 #include <spawn.h>
@@ -52,14 +52,16 @@ protected:
 
     void start(unsigned side)
     {
-        const std::string sideText = std::to_string(side);
-        const std::string life = std::to_string(++_lives[side]);
-        const std::string file = std::to_string(_file.get());
-        const char* arguments[] = {"/proc/self/exe", "--worker",   name.c_str(), sideText.c_str(),
-                                   life.c_str(),     file.c_str(), nullptr};
-        std::array<char*, 7> argv;
-        for (std::size_t i = 0; i < argv.size(); ++i)
-            argv[i] = const_cast<char*>(arguments[i]);
+        std::string words[] = {"kills",
+                               "--worker",
+                               name,
+                               std::to_string(side),
+                               std::to_string(++_lives[side]),
+                               std::to_string(_file.get())};
+        std::vector<char*> argv;
+        for (std::string& word : words)
+            argv.push_back(word.data());
+        argv.push_back(nullptr);
         ASSERT_EQ(
             ::posix_spawn(&pids[side], "/proc/self/exe", nullptr, nullptr, argv.data(), environ),
             0);
@@ -95,19 +97,17 @@ protected:
             ASSERT_EQ(each.faults, 0u) << each.fault;
     }
 
-    std::size_t openFiles(unsigned side) const
+    std::ptrdiff_t openFiles(unsigned side) const
     {
-        const std::filesystem::directory_iterator all("/proc/" + std::to_string(pids[side]) +
-                                                      "/fd");
-        return std::size_t(std::distance(begin(all), end(all)));
+        return std::distance(
+            std::filesystem::directory_iterator("/proc/" + std::to_string(pids[side]) + "/fd"), {});
     }
 
     /// Memory of the process, shared and private, in MiB.
     std::size_t memory(unsigned side) const
     {
         std::ifstream in("/proc/" + std::to_string(pids[side]) + "/statm");
-        std::size_t total = 0;
-        std::size_t resident = 0;
+        std::size_t total = 0, resident = 0;
         in >> total >> resident;
         return resident * std::size_t(::sysconf(_SC_PAGESIZE)) >> 20;
     }
@@ -135,7 +135,7 @@ TEST_F(KillTest, EverythingArrivesWholeAndInOrderAndTheSurvivorDoesNotGrow)
         for (int i = 0; i < 5; ++i)
             killAndRestart(1 - survivor);
         waitForTraffic(survivor);
-        const std::size_t files = openFiles(survivor);
+        const std::ptrdiff_t files = openFiles(survivor);
         const std::size_t megabytes = memory(survivor);
         for (int i = 0; i < kills() / 3 - 5; ++i) {
             killAndRestart(1 - survivor);
@@ -146,8 +146,6 @@ TEST_F(KillTest, EverythingArrivesWholeAndInOrderAndTheSurvivorDoesNotGrow)
         // Segments are taken as traffic wants them, within bounds that no number of kills moves.
         EXPECT_LE(openFiles(survivor), files + 60);
         EXPECT_LE(memory(survivor), megabytes + 80);
-        std::printf("survivor %u: %zu -> %zu files, %zu -> %zu MiB\n", survivor, files,
-                    openFiles(survivor), megabytes, memory(survivor));
     }
     std::mt19937 random(7);
     for (int i = 0; i < kills() - kills() / 3 * 2; ++i) {
@@ -156,10 +154,7 @@ TEST_F(KillTest, EverythingArrivesWholeAndInOrderAndTheSurvivorDoesNotGrow)
             return;
     }
     for (const auto& side : report->sides)
-        std::printf("verified %llu messages, %llu of them large images, %llu peers\n",
-                    static_cast<unsigned long long>(side.verified),
-                    static_cast<unsigned long long>(side.images),
-                    static_cast<unsigned long long>(side.peers));
+        EXPECT_GT(side.peers, unsigned(kills()) / 3);
 }
 
 TEST_F(KillTest, NothingIsLeftBehind)

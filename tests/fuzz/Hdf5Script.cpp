@@ -9,10 +9,9 @@
 #include "imagelib/io/formats/hdf5/Hdf5Handles.h"
 
 #include <array>
+#include <cstring>
 #include <iterator>
 #include <limits>
-#include <map>
-#include <memory>
 
 namespace tarvik::fuzz {
 
@@ -21,132 +20,59 @@ namespace {
 using namespace morvend;
 using namespace morvend::imglib::hdf5;
 
-template <class T, std::size_t N>
-T choice(const T (&list)[N], Input& script)
+using Words = std::vector<std::string>;
+using Extents = std::array<hsize_t, 8>;
+
+/// The words between the bars of a text.
+Words split(const std::string& text)
 {
-    return list[script.byte() % N];
+    Words words(1);
+    for (const char c : text)
+        c == '|' ? static_cast<void>(words.emplace_back()) : words.back().push_back(c);
+    return words;
 }
 
-constexpr const char* Names[] = {"entry",
-                                 "data",
-                                 "instrument",
-                                 "detector",
-                                 "data_000001",
-                                 "data_000002",
-                                 "data_000003",
-                                 "detectorSpecific",
-                                 "pixel_mask",
-                                 "pixel_mask_2",
-                                 "nimages",
-                                 "ntrigger",
-                                 "beam",
-                                 "sample",
-                                 "incident_wavelength",
-                                 "incident_wavelength_weights",
-                                 "x_pixel_size",
-                                 "y_pixel_size",
-                                 "beam_center_x",
-                                 "detector_distance",
-                                 "count_time",
-                                 "transformations",
-                                 "omega",
-                                 "omega_end",
-                                 "goniometer",
-                                 "phi",
-                                 "phi_increment_set",
-                                 "depends_on",
-                                 "geometry",
-                                 "description",
-                                 "start_time",
-                                 "saturation_value",
-                                 "sensor_thickness",
-                                 "module",
-                                 "fast_pixel_direction",
-                                 "measurement",
-                                 "exchange",
-                                 "image",
-                                 "threshold_energy",
-                                 "photon_energy"};
+const Words Names =
+    split("entry|data|instrument|detector|data_000001|data_000002|data_000003|detectorSpecific|"
+          "pixel_mask|pixel_mask_2|nimages|ntrigger|beam|sample|incident_wavelength|"
+          "incident_wavelength_weights|x_pixel_size|y_pixel_size|beam_center_x|detector_distance|"
+          "count_time|transformations|omega|omega_end|goniometer|phi|phi_increment_set|depends_on|"
+          "geometry|description|start_time|saturation_value|sensor_thickness|module|"
+          "fast_pixel_direction|measurement|exchange|image|threshold_energy|photon_energy");
 
-constexpr const char* Paths[] = {"/entry/data/data",
-                                 "/entry/data",
-                                 "/entry",
-                                 "/",
-                                 "/entry/data/data_000001",
-                                 "/entry/data/data_000002",
-                                 ".",
-                                 "data",
-                                 "/data",
-                                 "/entry/instrument/detector",
-                                 "/entry/sample/transformations/omega",
-                                 "../data",
-                                 "/nowhere",
-                                 "/entry/instrument",
-                                 "/entry/instrument/detector/detectorSpecific/pixel_mask",
-                                 "entry/data/data"};
+const Words Paths =
+    split("/entry/data/data|/entry/data|/entry|/|/entry/data/data_000001|/entry/data/data_000002|.|"
+          "data|/data|/entry/instrument/detector|/entry/sample/transformations/omega|../data|"
+          "/nowhere|/entry/instrument|/entry/instrument/detector/detectorSpecific/pixel_mask|"
+          "entry/data/data");
 
-constexpr const char* Files[] = {
-    "s_master.h5",  "s_data_000001.h5", "s_data_000002.h5", "other.h5", "missing.h5", ".", "",
-    "s_data_%b.h5", "folder",           "./s_master.h5"};
+const Words Files =
+    split("s_master.h5|s_data_000001.h5|s_data_000002.h5|other.h5|missing.h5|.||s_data_%b.h5|"
+          "folder|./s_master.h5");
 
-constexpr const char* Attributes[] = {
-    "NX_class",     "signal",        "default",      "units",
-    "image_nr_low", "image_nr_high", "depends_on",   "transformation_type",
-    "vector",       "offset",        "offset_units", "axes"};
+const Words Attributes =
+    split("NX_class|signal|default|units|image_nr_low|image_nr_high|depends_on|transformation_type|"
+          "vector|offset|offset_units|axes");
 
-constexpr const char* Texts[] = {"NXentry",
-                                 "NXdata",
-                                 "NXinstrument",
-                                 "NXdetector",
-                                 "data",
-                                 "m",
-                                 "mm",
-                                 "um",
-                                 "s",
-                                 "ms",
-                                 "eV",
-                                 "keV",
-                                 "deg",
-                                 "rad",
-                                 "A",
-                                 "nm",
-                                 "rotation",
-                                 "translation",
-                                 "/entry/sample/transformations/omega",
-                                 "omega",
-                                 "transformations/omega",
-                                 ".",
-                                 "",
-                                 "entry",
-                                 "/entry",
-                                 "2026-01-02T03:04:05",
-                                 "\x01\xff"};
+const Words Texts =
+    split("NXentry|NXdata|NXinstrument|NXdetector|data|m|mm|um|s|ms|eV|keV|deg|rad|A|nm|rotation|"
+          "translation|/entry/sample/transformations/omega|omega|transformations/omega|.||entry|"
+          "/entry|2026-01-02T03:04:05|\x01\xff");
 
-constexpr hsize_t Extents[] = {1,
-                               2,
-                               3,
-                               5,
-                               8,
-                               16,
-                               0,
-                               1,
-                               33,
-                               7,
-                               257,
-                               4096,
-                               70000,
-                               1u << 20,
-                               1u << 31,
-                               0xffffffff,
-                               hsize_t(1) << 32,
-                               hsize_t(3) << 33,
-                               hsize_t(1) << 62};
+const char* choice(const Words& list, Input& script)
+{
+    return list[script.byte() % list.size()].c_str();
+}
 
 hsize_t extent(Input& script)
 {
+    constexpr hsize_t Small[] = {1, 2, 3, 5, 8, 16, 0, 1, 33, 7};
+    constexpr hsize_t Large[] = {257, 4096,      70000,     1 << 20,  1u << 31,
+                                 ~0u, 1ul << 32, 3ul << 33, 1ul << 62};
     // Most arrays are small: large ones cost time and tell little.
     const unsigned value = script.byte();
-    return value < 224 ? Extents[value % 10] : Extents[value % std::size(Extents)];
+    const unsigned place = value < 224 ? value % 10 : value % 19;
+    return place < 10 ? Small[place] : Large[place - 10];
 }
 
 class Script {
@@ -169,27 +95,14 @@ public:
 private:
     void _step()
     {
-        switch (_in.byte() % 10) {
-        case 0:
-            return _turnTo(_in.byte() % std::size(Hdf5Files));
-        case 1:
-        case 2:
-            return _group();
-        case 3:
-        case 4:
-            return _array();
-        case 5:
-            return _chunk();
-        case 6:
-            return _text();
-        case 7:
-            return _numbers();
-        case 8:
-            return _link();
-        default:
-            return _virtual();
-        }
+        constexpr void (Script::*Steps[])() = {&Script::_turn,   &Script::_group,   &Script::_group,
+                                               &Script::_array,  &Script::_array,   &Script::_chunk,
+                                               &Script::_text,   &Script::_numbers, &Script::_link,
+                                               &Script::_virtual};
+        (this->*Steps[_in.byte() % std::size(Steps)])();
     }
+
+    void _turn() { _turnTo(_in.byte() % std::size(Hdf5Files)); }
 
     void _turnTo(std::size_t file)
     {
@@ -291,17 +204,17 @@ private:
         }
     }
 
-    void _layout(hid_t creation, int rank, std::size_t elementSize)
+    void _layout(hid_t creation, std::size_t rank, std::size_t elementSize)
     {
         const unsigned kind = _in.byte();
-        std::array<hsize_t, 8> chunk = {};
-        for (int i = 0; i < rank; ++i)
-            chunk[static_cast<std::size_t>(i)] = kind & 1 ? extent(_in) : 0;
+        Extents chunk = {};
+        for (std::size_t i = 0; i < rank; ++i)
+            chunk[i] = kind & 1 ? extent(_in) : 0;
         _chunkElements = 1;
         if (kind & 1) {
-            for (int i = 0; i < rank && _chunkElements <= 1 << 20; ++i)
-                _chunkElements *= chunk[static_cast<std::size_t>(i)];
-            H5Pset_chunk(creation, rank, chunk.data());
+            for (std::size_t i = 0; i < rank && _chunkElements <= 1 << 20; ++i)
+                _chunkElements *= chunk[i];
+            H5Pset_chunk(creation, static_cast<int>(rank), chunk.data());
             if (kind & 2)
                 _filters(creation, elementSize);
         } else if (kind & 4) {
@@ -315,15 +228,15 @@ private:
         }
     }
 
-    Dataspace _space(int rank, std::array<hsize_t, 8>& extents)
+    Dataspace _space(std::size_t rank, Extents& extents)
     {
-        std::array<hsize_t, 8> most;
+        Extents most;
         const bool grows = _in.byte() % 4 == 0;
-        for (std::size_t i = 0; i < static_cast<std::size_t>(rank); ++i) {
+        for (std::size_t i = 0; i < rank; ++i) {
             extents[i] = extent(_in);
             most[i] = grows && i == 0 ? H5S_UNLIMITED : extents[i];
         }
-        return Dataspace(H5Screate_simple(rank, extents.data(), most.data()));
+        return Dataspace(H5Screate_simple(static_cast<int>(rank), extents.data(), most.data()));
     }
 
     void _array()
@@ -331,16 +244,15 @@ private:
         const hid_t parent = _parent();
         const char* name = choice(Names, _in);
         const Datatype type = _type();
-        const int ranks[] = {3, 2, 3, 0, 1, 4, 3, 5};
-        const int rank = choice(ranks, _in);
-        std::array<hsize_t, 8> extents = {};
+        constexpr std::size_t Ranks[] = {3, 2, 3, 0, 1, 4, 3, 5};
+        const std::size_t rank = Ranks[_in.byte() % 8];
+        Extents extents = {};
         const Dataspace space = _space(rank, extents);
         const Properties creation(H5Pcreate(H5P_DATASET_CREATE));
         _layout(creation.id(), rank, H5Tget_size(type.id()));
         H5Pset_fill_time(creation.id(), H5D_FILL_TIME_IFSET);
         H5Pset_alloc_time(creation.id(), H5D_ALLOC_TIME_INCR);
-        const H5D_layout_t layout = H5Pget_layout(creation.id());
-        if (layout == H5D_CONTIGUOUS)
+        if (H5Pget_layout(creation.id()) == H5D_CONTIGUOUS)
             H5Pset_alloc_time(creation.id(), H5D_ALLOC_TIME_LATE);
         _last = Dataset(H5Dcreate2(parent, name, type.id(), space.id(), H5P_DEFAULT, creation.id(),
                                    H5P_DEFAULT));
@@ -373,8 +285,8 @@ private:
     /// A chunk of any content and size.
     void _chunk()
     {
-        std::array<hsize_t, 8> offset = {};
-        std::array<hsize_t, 8> chunk = {1, 1, 1, 1, 1, 1, 1, 1};
+        Extents offset = {};
+        Extents chunk = {1, 1, 1, 1, 1, 1, 1, 1};
         const unsigned mask = _in.byte() & 3;
         const Properties creation(_last ? H5Dget_create_plist(_last.id()) : H5I_INVALID_HID);
         if (!creation || H5Pget_chunk(creation.id(), 8, chunk.data()) < 0 || _lastRank < 3 ||
@@ -384,7 +296,7 @@ private:
         const Dataspace space(H5Dget_space(_last.id()));
         if (H5Sget_simple_extent_npoints(space.id()) <= 0)
             return;
-        for (std::size_t i = 0; i < static_cast<std::size_t>(_lastRank); ++i)
+        for (std::size_t i = 0; i < _lastRank; ++i)
             offset[i] = _in.byte() % 4 * chunk[i];
         std::vector<std::byte> bytes(1 + _in.byte());
         for (std::byte& each : bytes)
@@ -396,36 +308,33 @@ private:
     /// checksum? Small arrays of fewer dimensions are left to it, too.
     static bool _undoneByLibrary(hid_t creation)
     {
-        for (int i = 0; i < H5Pget_nfilters(creation); ++i) {
-            std::size_t values = 0;
+        const auto has = [creation](H5Z_filter_t filter) {
             unsigned flags = 0;
-            const H5Z_filter_t id = H5Pget_filter2(creation, static_cast<unsigned>(i), &flags,
-                                                   &values, nullptr, 0, nullptr, nullptr);
-            if (id == H5Z_FILTER_FLETCHER32 || id == H5Z_FILTER_NBIT)
-                return true;
-        }
-        return false;
+            std::size_t values = 0;
+            return H5Pget_filter_by_id2(creation, filter, &flags, &values, nullptr, 0, nullptr,
+                                        nullptr) >= 0;
+        };
+        return has(H5Z_FILTER_FLETCHER32) || has(H5Z_FILTER_NBIT);
+    }
+
+    static void _attribute(hid_t target, const char* name, hid_t type, hid_t space,
+                           const void* value)
+    {
+        const Attribute made(H5Acreate2(target, name, type, space, H5P_DEFAULT, H5P_DEFAULT));
+        H5Awrite(made.id(), type, value);
     }
 
     void _text()
     {
         const hid_t target = _parent();
         const char* name = choice(Attributes, _in);
-        const std::string text = choice(Texts, _in);
+        const char* text = choice(Texts, _in);
         const Dataspace space(H5Screate(H5S_SCALAR));
         const Datatype type(H5Tcopy(H5T_C_S1));
-        if (_in.byte() % 2) {
-            H5Tset_size(type.id(), H5T_VARIABLE);
-            const Attribute made(
-                H5Acreate2(target, name, type.id(), space.id(), H5P_DEFAULT, H5P_DEFAULT));
-            const char* pointer = text.c_str();
-            H5Awrite(made.id(), type.id(), &pointer);
-        } else {
-            H5Tset_size(type.id(), text.size() + 1);
-            const Attribute made(
-                H5Acreate2(target, name, type.id(), space.id(), H5P_DEFAULT, H5P_DEFAULT));
-            H5Awrite(made.id(), type.id(), text.c_str());
-        }
+        const bool variable = _in.byte() % 2 == 1;
+        H5Tset_size(type.id(), variable ? H5T_VARIABLE : std::strlen(text) + 1);
+        _attribute(target, name, type.id(), space.id(),
+                   variable ? static_cast<const void*>(&text) : text);
     }
 
     void _numbers()
@@ -437,7 +346,6 @@ private:
                                          : H5Screate_simple(1, &count, nullptr));
         const bool whole = _in.byte() % 2 == 0;
         const hid_t type = whole ? H5T_NATIVE_LLONG : H5T_NATIVE_DOUBLE;
-        const Attribute made(H5Acreate2(target, name, type, space.id(), H5P_DEFAULT, H5P_DEFAULT));
         constexpr double Values[] = {
             0, 1, -1, 2, 1e-3, 1e30, -1e300, 9.3e18, std::numeric_limits<double>::infinity()};
         std::array<double, 4> reals;
@@ -448,7 +356,8 @@ private:
                 integers[i] <<= 55;
             reals[i] = Values[static_cast<std::size_t>(integers[i] + 2) % std::size(Values)];
         }
-        H5Awrite(made.id(), type, whole ? static_cast<const void*>(integers.data()) : reals.data());
+        _attribute(target, name, type, space.id(),
+                   whole ? static_cast<const void*>(integers.data()) : reals.data());
     }
 
     void _link()
@@ -468,13 +377,13 @@ private:
         }
     }
 
-    void _select(hid_t space, int rank, const std::array<hsize_t, 8>& extents)
+    void _select(hid_t space, std::size_t rank, const Extents& extents)
     {
-        std::array<hsize_t, 8> start = {};
-        std::array<hsize_t, 8> stride = {};
-        std::array<hsize_t, 8> count = {};
-        std::array<hsize_t, 8> block = {};
-        for (std::size_t i = 0; i < static_cast<std::size_t>(rank); ++i) {
+        Extents start = {};
+        Extents stride = {};
+        Extents count = {};
+        Extents block = {};
+        for (std::size_t i = 0; i < rank; ++i) {
             const unsigned kind = _in.byte();
             start[i] = kind & 1 ? _in.byte() % 4 : 0;
             block[i] = kind & 2 ? 1 + _in.byte() % 3 : 1;
@@ -489,9 +398,9 @@ private:
     {
         const hid_t parent = _parent();
         const char* name = choice(Names, _in);
-        const int ranks[] = {3, 2, 3, 4};
-        const int rank = choice(ranks, _in);
-        std::array<hsize_t, 8> extents = {};
+        constexpr std::size_t Ranks[] = {3, 2, 3, 4};
+        const std::size_t rank = Ranks[_in.byte() % 4];
+        Extents extents = {};
         const Dataspace space = _space(rank, extents);
         const Properties creation(H5Pcreate(H5P_DATASET_CREATE));
         for (unsigned maps = 1 + _in.byte() % 3; maps > 0; --maps) {
@@ -499,8 +408,8 @@ private:
             _select(target.id(), rank, extents);
             const char* file = choice(Files, _in);
             const char* path = choice(Paths, _in);
-            const int sourceRank = choice(ranks, _in);
-            std::array<hsize_t, 8> sourceExtents = {};
+            const std::size_t sourceRank = Ranks[_in.byte() % 4];
+            Extents sourceExtents = {};
             const Dataspace source = _space(sourceRank, sourceExtents);
             if (_in.byte() % 2)
                 _select(source.id(), sourceRank, sourceExtents);
@@ -516,7 +425,7 @@ private:
     std::array<File, std::size(Hdf5Files)> _files;
     std::vector<Object> _objects;  // of the file that is written
     Dataset _last;
-    int _lastRank = 0;
+    std::size_t _lastRank = 0;
     hsize_t _chunkElements = 0;  // of that one; the library takes memory for a whole chunk
 };
 

@@ -28,6 +28,17 @@ public:
     {
         return row.param ? hwy::TargetName(row.param) : "Automatic";
     }
+    /// Runs a check with each of them.
+    template <class Check>
+    static void run(Check&& check)
+    {
+        for (const std::int64_t target : all()) {
+            hold(target);
+            SCOPED_TRACE(target ? hwy::TargetName(target) : "Automatic");
+            check();
+        }
+        hold(0);
+    }
 
 protected:
     void SetUp() override { hold(GetParam()); }

@@ -104,14 +104,11 @@ private:
     static std::string unescaped(const std::string& text)
     {
         std::string result;
-        for (std::size_t i = 0; i < text.size(); ++i) {
-            if (text[i] != '\\' || i + 1 == text.size()) {
-                result += text[i];
-                continue;
-            }
-            const char next = text[++i];
-            result += next == '0' ? '\0' : next == 'r' ? '\r' : next == 'n' ? '\n' : next;
-        }
+        for (std::size_t i = 0; i < text.size(); ++i)
+            if (text[i] != '\\' || ++i == text.size())
+                result += text[std::min(i, text.size() - 1)];
+            else
+                result += text[i] == '0' ? '\0' : text[i] == 'r' ? '\r' : '\n';
         return result;
     }
 
@@ -128,18 +125,16 @@ private:
             std::erase_if(tags, [&](const Tag& each) { return each.id == tag.id; });
             if (type == "-")
                 continue;
+            const std::size_t bytes = type == "S" ? 2 : type == "L" ? 4 : type == "Q" ? 8 : 1;
+            tag.type = type == "A" ? 2 : type == "S" ? 3 : type == "L" ? 4 : type == "Q" ? 16 : 1;
             if (type == "A") {
-                std::string text;
-                std::getline(words >> std::ws, text);
-                tag.type = 2;
-                tag.bytes = unescaped(text);
-                tag.count = tag.bytes.size();
+                std::getline(words >> std::ws, tag.bytes);
+                tag.bytes = unescaped(tag.bytes);
             } else {
-                const std::size_t bytes = type == "B" ? 1 : type == "S" ? 2 : type == "L" ? 4 : 8;
-                tag.type = type == "B" ? 1 : type == "S" ? 3 : type == "L" ? 4 : 16;
-                for (std::uint64_t value = 0; words >> value; ++tag.count)
+                for (std::uint64_t value = 0; words >> value;)
                     tag.bytes += number(value, bytes);
             }
+            tag.count = tag.bytes.size() / bytes;
             tags.push_back(tag);
         }
         std::sort(tags.begin(), tags.end(),

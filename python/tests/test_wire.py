@@ -64,12 +64,11 @@ class DamagedFrames(unittest.TestCase):
     def test_any_changed_byte_is_an_error_or_another_message(self):
         whole = frame("image.frame")
         for at in range(len(whole)):
-            for value in (0, 0x7F, 0xFF):
-                changed = whole[:at] + bytes([value]) + whole[at + 1:]
-                try:
-                    wire.decode(changed)
-                except wire.WireError:
-                    pass
+            changed = whole[:at] + (0, 0x7F, 0xFF)[at % 3].to_bytes(1, "little") + whole[at + 1:]
+            try:
+                wire.decode(changed)
+            except wire.WireError:
+                pass
 
     def test_what_cannot_be_carried_is_refused(self):
         mask = wire.Image(1, 1, 3, 8, b"\0", {"pixel_mask": wire.Image(1, 1, 3, 8, b"\0")})

@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -61,6 +62,14 @@ inline std::size_t openDescriptors()
     for ([[maybe_unused]] const auto& each : std::filesystem::directory_iterator("/proc/self/fd"))
         ++count;
     return count;
+}
+
+/// Is there a local socket whose address has this in it?
+inline bool socketIsOpen(const std::string& address)
+{
+    std::ifstream list("/proc/net/unix");
+    const std::string text(std::istreambuf_iterator<char>(list), {});
+    return text.find(address) != std::string::npos;
 }
 
 /// Makes signals end the programs that are started from now on, also where a sanitizer would catch

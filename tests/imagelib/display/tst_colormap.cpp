@@ -8,9 +8,9 @@
 #include "imagelib/display/MRect.h"
 #include "imagelib/image/MImage.h"
 #include "tests/imagelib/display/TransferReference.h"
+#include "tests/support/EachTarget.h"
 
 #include <gmock/gmock.h>
-#include <hwy/highway.h>
 
 #include <random>
 
@@ -122,62 +122,54 @@ int compare(const MImage& image, const std::vector<std::uint32_t>& mask, const M
     return beside;
 }
 
-class ColorMapOfContrast : public testing::TestWithParam<Contrast> {};
-
-TEST_P(ColorMapOfContrast, FollowsTheRulesForEveryPixelType)
+std::string typeName(const MImage& image)
 {
-    const Contrast& c = GetParam();
-    const std::vector<double> values = telling(c);
-    std::vector<std::uint32_t> flags(values.size());
-    std::mt19937 random(7);
-    for (auto& flag : flags)
-        flag = random() % 3 ? 0 : random() % 64;
-    MImage mask(static_cast<int>(values.size()), 1, 0U);
-    std::copy(flags.begin(), flags.end(), static_cast<unsigned*>(mask.data()));
-
-    std::apply(
-        [&](auto... zero) {
-            const auto check = [&]<class T>(T) {
-                const MImage image = imageOf<T>(values);
-                SCOPED_TRACE(datatypes::typeStr(image.type()) + std::to_string(image.typeBits()));
-                for (const MColorTable* table : tables) {
-                    compare<T>(image, {}, colored(image, c, *table), c, *table, {});
-                    for (const bool defective : {false, true})
-                        for (const Highlight& h :
-                             {Highlight{50, defective, true}, Highlight{50, defective, false},
-                              Highlight{-3, defective, true}})
-                            compare<T>(image, flags, colored(image, c, *table, &mask, h), c, *table,
-                                       h);
-                }
-            };
-            (check(zero), ...);
-        },
-        datatypes::PixelTypes{});
+    return datatypes::typeStr(image.type()) + std::to_string(image.typeBits());
 }
 
-INSTANTIATE_TEST_SUITE_P(Levels, ColorMapOfContrast, testing::ValuesIn(contrasts),
-                         [](const auto& row) { return std::string(row.param.name); });
+TEST(ColorMap, FollowsTheRulesForEveryPixelTypeAndContrast)
+{
+    for (const Contrast& c : contrasts) {
+        SCOPED_TRACE(c.name);
+        const std::vector<double> values = telling(c);
+        std::vector<std::uint32_t> flags(values.size());
+        std::mt19937 random(7);
+        for (auto& flag : flags)
+            flag = random() % 3 ? 0 : random() % 64;
+        MImage mask(static_cast<int>(values.size()), 1, 0U);
+        std::copy(flags.begin(), flags.end(), static_cast<unsigned*>(mask.data()));
+        const auto check = [&]<class T>(T) {
+            const MImage image = imageOf<T>(values);
+            SCOPED_TRACE(typeName(image));
+            for (const MColorTable* table : tables) {
+                compare<T>(image, {}, colored(image, c, *table), c, *table, {});
+                for (const Highlight& h : {Highlight{50, true, true}, Highlight{50, true, false},
+                                           Highlight{50, false, true}, Highlight{50, false, false},
+                                           Highlight{-3, true, true}})
+                    compare<T>(image, flags, colored(image, c, *table, &mask, h), c, *table, h);
+            }
+        };
+        std::apply([&](auto... zero) { (check(zero), ...); }, datatypes::PixelTypes{});
+    }
+}
 
 TEST(ColorMap, EveryMaskTypeCountsByItsLowBits)
 {
     const std::vector<double> flags{0, 1, 2, 3, 4, 8, 16, 17, 31, 32, 33, 64, 96, 127, -1, -2, -32};
     const Contrast c{"", 10, 0, 1e5};
     const Highlight h{1000, true, true};
+    const MColorTable& table = *MColorTable::hdr();
     const MImage image(static_cast<int>(flags.size()), 1, 5U);
-    std::apply(
-        [&](auto... zero) {
-            const auto check = [&]<class M>(M) {
-                const MImage mask = imageOf<M>(flags);
-                std::vector<std::uint32_t> bits;
-                for (std::size_t i = 0; i < flags.size(); ++i)
-                    bits.push_back(datatypes::convertPixel<std::uint32_t>(mask.pixels<M>()[i]));
-                SCOPED_TRACE(datatypes::typeStr(mask.type()) + std::to_string(mask.typeBits()));
-                compare<unsigned>(image, bits, colored(image, c, *MColorTable::hdr(), &mask, h), c,
-                                  *MColorTable::hdr(), h);
-            };
-            (check(zero), ...);
-        },
-        datatypes::PixelTypes{});
+    const auto check = [&]<class M>(M) {
+        const MImage mask = imageOf<M>(flags);
+        SCOPED_TRACE(typeName(mask));
+        const std::vector<M> plain(mask.pixels<M>(), mask.pixels<M>() + mask.size());
+        std::vector<std::uint32_t> bits;
+        for (const M flag : plain)
+            bits.push_back(datatypes::convertPixel<std::uint32_t>(flag));
+        compare<unsigned>(image, bits, colored(image, c, table, &mask, h), c, table, h);
+    };
+    std::apply([&](auto... zero) { (check(zero), ...); }, datatypes::PixelTypes{});
 }
 
 /// Poisson-like counts over seven decades, of a size that is no multiple of any vector.
@@ -192,27 +184,7 @@ MImage randomImage(int width, int height)
     return image;
 }
 
-/// Runs its cases on one instruction set, or on the automatically chosen one.
-class ColorMapOnTarget : public testing::TestWithParam<std::int64_t> {
-protected:
-    void SetUp() override { hold(GetParam()); }
-    void TearDown() override { hold(0); }
-    static void hold(std::int64_t targets)
-    {
-        hwy::SetSupportedTargetsForTest(targets);
-        hwy::GetChosenTarget().Update(hwy::SupportedTargets());
-    }
-};
-
-std::vector<std::int64_t> targets()
-{
-    std::vector<std::int64_t> all{0};
-    for (std::int64_t rest = hwy::SupportedTargets(); rest != 0; rest &= rest - 1)
-        all.push_back(rest & -rest);
-    return all;
-}
-
-TEST_P(ColorMapOnTarget, RandomImagesHaveTheColoursOfTheRules)
+TEST_P(EachTarget, RandomImagesHaveTheColoursOfTheRules)
 {
     const Highlight h{900000, true, true};
     for (const Contrast& c : {contrasts[0], contrasts[6], contrasts[9], contrasts[12]}) {
@@ -229,11 +201,8 @@ TEST_P(ColorMapOnTarget, RandomImagesHaveTheColoursOfTheRules)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Targets, ColorMapOnTarget, testing::ValuesIn(targets()),
-                         [](const auto& row) {
-                             return row.param ? std::string(hwy::TargetName(row.param))
-                                              : std::string("Automatic");
-                         });
+INSTANTIATE_TEST_SUITE_P(Targets, EachTarget, testing::ValuesIn(EachTarget::all()),
+                         EachTarget::name);
 
 TEST(ColorMap, LogarithmicEntriesAreThoseOfTheExactLogarithm)
 {
@@ -322,23 +291,17 @@ TEST(ColorMap, RefusesWhatItCannotDo)
     const MImage image(10, 8, 0U);
     const MImage mask(8, 10, 0U);
     const MColorTable& table = *MColorTable::grey();
-    const auto text = [](const auto& call) {
-        try {
-            call();
-        } catch (const MBadParameterException& e) {
-            return std::string(e.what());
-        }
-        return std::string("nothing thrown");
+    const auto refused = [&](const auto& text, const char* format, const MImage* with,
+                             MRect* rect = nullptr) {
+        EXPECT_THAT([&] { colored(image, contrasts[0], table, with, {}, format, rect); },
+                    testing::ThrowsMessage<MBadParameterException>(text));
     };
     for (const char* format : {"", "argb", "RGB", "ARGB "})
-        EXPECT_EQ(text([&] { colored(image, contrasts[0], table, nullptr, {}, format); }),
-                  "Unknown colour format \"" + std::string(format) + "\"");
-    EXPECT_EQ(text([&] { colored(image, contrasts[0], table, &mask); }),
-              "A mask of 8 x 10 pixels does not fit an image of 10 x 8");
+        refused("Unknown colour format \"" + std::string(format) + "\"", format, nullptr);
+    refused("A mask of 8 x 10 pixels does not fit an image of 10 x 8", "ARGB", &mask);
     for (MRect rect : {MRect(0, 0, 11, 8), MRect(-1, 0, 5, 5), MRect(6, 0, 5, 5), MRect(0, 4, 5, 5),
                        MRect(2147483647, 0, 5, 5), MRect(0, 0, -1, 5)})
-        EXPECT_THAT(text([&] { colored(image, contrasts[0], table, nullptr, {}, "ARGB", &rect); }),
-                    testing::EndsWith("leaves an image of 10 x 8"));
+        refused(testing::EndsWith("leaves an image of 10 x 8"), "ARGB", nullptr, &rect);
 }
 
 TEST(TransferLevels, ForegroundAndLogarithmicForegroundMapToTheEndsOfTheLogarithmicPart)

@@ -66,15 +66,11 @@ std::vector<std::uint32_t> logarithmic(const MColorTable& t)
     return colors(t.logData(), t.logDataSize());
 }
 
-TEST_P(ColorTable, IsOneObjectWithItsName)
+TEST_P(ColorTable, HasItsNameAndAnInverseThatLeadsBack)
 {
     EXPECT_EQ(table, GetParam().table());
     EXPECT_EQ(table->identifier(), GetParam().identifier);
     EXPECT_FALSE(table->inverse());
-}
-
-TEST_P(ColorTable, HasAnInverseThatLeadsBack)
-{
     const MColorTable* inverse = table->inverseTable();
     ASSERT_NE(inverse, table);
     EXPECT_TRUE(inverse->inverse());
@@ -127,16 +123,12 @@ INSTANTIATE_TEST_SUITE_P(Tables, ColorTable,
                                     row.param.identifier[1];
                          });
 
-TEST(ColorTables, OnlyHighDynamicRangeHasALogarithmicPart)
-{
-    EXPECT_GE(MColorTable::hdr()->logDataSize(), 256U);
-    for (const auto* table : {MColorTable::grey(), MColorTable::heat(), MColorTable::rainbow()})
-        EXPECT_EQ(table->logDataSize(), 0U);
-}
-
 TEST(ColorTables, HighDynamicRangeIsContinuousAtTheForegroundAndNeverBlack)
 {
     const MColorTable& hdr = *MColorTable::hdr();
+    EXPECT_GE(hdr.logDataSize(), 256U);
+    for (const auto* table : {MColorTable::grey(), MColorTable::heat(), MColorTable::rainbow()})
+        EXPECT_EQ(table->logDataSize(), 0U) << "no other table has a logarithmic part";
     EXPECT_LT(distance(linear(hdr).back(), logarithmic(hdr).front()), 2.0);
     for (const auto& part : {linear(hdr), logarithmic(hdr)})
         for (const std::uint32_t color : part)

@@ -107,17 +107,16 @@ public:
             raw(bulk);
     }
 
-    void hello(const std::string& asked = {}, int leases = -1)
+    void hello(const std::string& asked = {}, const std::vector<int>& leases = {})
     {
         wire::Hello words;
         words.name = asked.empty() ? name : asked;
-        send(wire::Kind::Hello, wire::packHello(words).meta, {},
-             leases < 0 ? std::vector<int>() : std::vector<int>{leases});
+        send(wire::Kind::Hello, wire::packHello(words).meta, {}, leases);
     }
     void helloWithLeases()
     {
         const LeaseBook book;
-        hello({}, book.file().get());
+        hello({}, {book.file().get()});
     }
 
     /// The lease page that comes with the hello of the other side.

@@ -5,11 +5,11 @@
 #pragma once
 
 #include "imagelib/ipc/Message.h"
+#include "tests/support/Described.h"
 
 #include <cstring>
 #include <numeric>
 #include <random>
-#include <sstream>
 #include <string>
 #include <unistd.h>
 
@@ -95,29 +95,6 @@ inline bool sameHeaders(const MImage& left, const MImage& right)
                return x.first == y.first && x.second.value == y.second.value &&
                       x.second.attributes == y.second.attributes;
            });
-}
-
-/// Everything of a list as text.
-inline std::string described(const MDrawingList<>& list)
-{
-    std::ostringstream out;
-    for (std::size_t i = 0; i < list.size(); ++i) {
-        const auto& item = list[i];
-        out << item.type() << ' ' << int(item.red()) << ' ' << int(item.green()) << ' '
-            << int(item.blue()) << ' ' << int(item.alpha());
-        if (const auto* pixel = dynamic_cast<const MDrawingPixel*>(&item))
-            out << ' ' << pixel->x() << ' ' << pixel->y();
-        if (const auto* line = dynamic_cast<const MDrawingLine*>(&item))
-            out << ' ' << line->xBegin() << ' ' << line->yBegin() << ' ' << line->xEnd() << ' '
-                << line->yEnd();
-        if (const auto* text = dynamic_cast<const MDrawingString*>(&item))
-            out << ' ' << text->x() << ' ' << text->y() << ' ' << text->text();
-        if (const auto* ellipse = dynamic_cast<const MDrawingEllipse*>(&item))
-            out << ' ' << ellipse->x() << ' ' << ellipse->y() << ' ' << ellipse->rx() << ' '
-                << ellipse->ry() << ' ' << ellipse->rotation();
-        out << '\n';
-    }
-    return out.str();
 }
 
 inline bool sameMessages(const Message& left, const Message& right)

@@ -51,7 +51,7 @@ Act leases(const Opens& open)
 {
     return [open](RawPeer& peer) {
         Files files;
-        peer.hello("", open(files));
+        peer.hello("", {open(files)});
     };
 }
 

@@ -9,12 +9,15 @@ import gzip
 import io
 import pathlib
 import struct
+import sys
 import zlib
 
 import numpy
 from PIL import Image
 
 ROOT = pathlib.Path(__file__).parent / "corpus"
+sys.path.insert(0, str(ROOT.parents[2] / "python/src"))
+from tarvik import wire
 
 
 def seed(target, name, content):
@@ -220,16 +223,6 @@ def make_chunks():
     seed("chunk", "shuffle-deflate", b"\x15" + size + b"\2\2\3" + zlib.compress(raw))
 
 
-def text(value):
-    return struct.pack("<I", len(value)) + value
-
-
-def queue_image(width, height, place, fields=b"", count=0, tree=struct.pack("<I", 0)):
-    where = struct.pack("<BBHIiIQ", place, 0xFF, 0, 1, 0, 0, 0)
-    return (struct.pack("<iiBBH", width, height, 3, 16, 0) + where
-            + struct.pack("<I", count) + fields + tree)
-
-
 def make_hdf5():
     names = {"entry": 0, "data": 1, "instrument": 2, "detector": 3, "data_000001": 4,
              "data_000002": 5, "detectorSpecific": 7, "pixel_mask": 8, "nimages": 10, "sample": 13,
@@ -267,28 +260,29 @@ def make_hdf5():
     seed("hdf5", "virtual", b"\0" + turn(1) + block + turn(0) + group(0, "entry") + virtual)
 
 
+class Outside(wire.InlineArrays):
+    def place(self, pixels):
+        return wire.PLACE.pack(2, wire.NOT_KEPT, 0, 1, 0, 0, 0)
+
+
 def make_queue():
-    def parts(kind, meta, bulk=b"", descriptors=0):
-        return b"\0" + struct.pack("<BBH", kind, descriptors, len(meta)) + meta + bulk
-    seed("queue", "hello", parts(1, struct.pack("<I", 77) + text(b"preload"), descriptors=1))
-    seed("queue", "text", parts(2, b"", b"openImage a.cbf"))
-    seed("queue", "forget", parts(5, struct.pack("<III", 2, 5, 6)))
-    bulk = pixels("<u2", 4, 3).tobytes()
-    seed("queue", "image", parts(3, queue_image(4, 3, 1), bulk))
-    number = text(b"wavelength") + b"\2" + struct.pack("<d", 0.98)
-    words = text(b"description") + b"\3" + text(b"made")
-    mask = text(b"pixel_mask") + b"\7" + queue_image(4, 3, 2)
-    values = b"\5" + struct.pack("<Idd", 2, 1, 2)
-    node = text(b"/entry/x") + values + struct.pack("<I", 1) + text(b"units") + b"\3" + text(b"m")
-    tree = struct.pack("<I", 1) + node
-    seed("queue", "header", parts(3, queue_image(4, 3, 2, number + words + mask, 3, tree)))
-    colour = bytes([255, 0, 0, 255])
-    numbers = (2, 4, 2, 5)
-    items = b"".join(bytes([kind]) + colour + struct.pack(f"<{n}d", *range(n)) +
-                     (text(b"spot") if kind == 2 else b"") for kind, n in enumerate(numbers))
-    seed("queue", "drawing", parts(4, struct.pack("<I", 4) + items))
-    head = struct.pack("<IHHIIQQ", 0x514D5654, 1, 2, 0, 0, 4, 9)
-    seed("queue", "whole-frame", b"\1" + head + b"text")
+    def parts(*pieces, descriptors=0):
+        frame = b"".join(pieces)
+        kind, _, meta, _, _ = wire.decode_head(frame)
+        return b"\0" + struct.pack("<BBH", kind, descriptors, meta) + frame[wire.HEAD.size:]
+    numbers = struct.pack("<III", 2, 5, 6)
+    seed("queue", "hello", parts(wire.encode_hello("preload", 77), descriptors=1))
+    seed("queue", "text", parts(*wire.encode("openImage a.cbf", 9)))
+    seed("queue", "forget", parts(wire.encode_head(wire.FORGET, len(numbers), 0, 9), numbers))
+    image = wire.Image.from_array(pixels("<u2", 4, 3))
+    seed("queue", "image", parts(*wire.encode(image, 9)))
+    image.header = {"wavelength": 0.98, "description": "made", "pixel_mask": wire.Image.from_array(image.array())}
+    image.tree = {"/entry/x": ([1.0, 2.0], {"units": "m"})}
+    seed("queue", "header", parts(*wire.encode(image, 9, Outside())))
+    drawing = [wire.Pixel(0, 1), wire.Line(0, 1, 2, 3), wire.String(0, 1, b"spot"),
+               wire.Ellipse(0, 1, 2, 3, 4)]
+    seed("queue", "drawing", parts(*wire.encode(drawing, 9)))
+    seed("queue", "whole-frame", b"\1" + b"".join(wire.encode("text", 9)))
 
 
 make_edf()

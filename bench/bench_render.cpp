@@ -3,14 +3,17 @@
 //
 // Times of a view of 1200 x 800 pixels, by shaders and by the processor: a pan, a contrast step, a
 // new image, each until its picture is drawn; and of the way of an image to the graphics card
-// alone. Where no display has graphics hardware this measures the software renderer. Needs a
-// display with OpenGL: xvfb-run -a -s "-screen 0 1600x1200x24" bench_render.
+// alone; and of the overlays during a pan. Where no display has graphics hardware this measures the
+// software renderer. Needs a display with OpenGL: xvfb-run -a -s "-screen 0 1600x1200x24"
+// bench_render.
 #include "gui/kit/Look.h"
 #include "gui/render/ImageTextures.h"
 #include "gui/render/OpenGlSupport.h"
 #include "imagelib/display/MColorTable.h"
 #include "tests/gui/render/BareView.h"
 #include "tests/gui/render/DrawnImage.h"
+#include "tests/gui/render/MouseEvents.h"
+#include "tests/gui/render/gestures/Regions.h"
 
 #include <benchmark/benchmark.h>
 
@@ -27,6 +30,9 @@
 namespace {
 
 using morvend::imglib::MColorTable;
+using morvend::imglib::MDrawingEllipse;
+using morvend::imglib::MDrawingList;
+using morvend::imglib::MDrawingPixel;
 using morvend::imglib::MImage;
 
 struct Size {
@@ -124,6 +130,78 @@ void contrastStep(benchmark::State& state)
     }
 }
 
+/// A pan of a main view with something over its image.
+class OverlaidPan {
+public:
+    explicit OverlaidPan(bool glsl)
+        : _view(QSize(1200, 800), glsl)
+    {
+        MImage image = frame<int>(sizes[0], 1);
+        auto& header = image.optionalData();
+        header.set_pixel_mask(MImage(image, 0U));
+        header.set_beam_center_x(centre.x());
+        header.set_beam_center_y(centre.y());
+        header.set_x_pixel_size(172e-6F);
+        header.set_y_pixel_size(172e-6F);
+        header.set_detector_distance(0.2F);
+        header.set_wavelength(1.0F);
+        _view.open(image);
+        _service.toggleShowResolutionRings(false);
+        mouse::enter(*_view.drawer, {600, 400});
+    }
+
+    void rings() { _service.toggleShowResolutionRings(true); }
+    void peaks()
+    {
+        PeakData peaks;
+        peaks.defined = true;
+        peaks.numberOfPeaks = 1000;
+        peaks.highlightedPeaks = {0, 1, 2};
+        _service.setPeakData(peaks);
+    }
+    void primitives()
+    {
+        MDrawingList<> list;
+        for (int i = 0; i < 500; ++i) {
+            const double x = centre.x() + i % 30 * 20 - 300;
+            const double y = centre.y() + i / 30 * 20 - 200;
+            list.pushBack(MDrawingPixel(x, y, 255, 255, 0));
+            list.pushBack(MDrawingEllipse(x, y, 8, 5, 0.3, 0, 255, 255));
+        }
+        _service.setPaintList(list);
+    }
+    void powder() { _service.setStatisticsData(regions::powder(centre.x(), centre.y(), 150, 250)); }
+    void values() { _zoomPower = ViewportData::maximumZoomPower; }
+
+    void step()
+    {
+        const double zoom = std::ldexp(1.0, _zoomPower);
+        _service.setViewportData({centre.x() - 600 / zoom + ++_step % 7 / zoom,
+                                  centre.y() - 400 / zoom, _zoomPower, 0, 0});
+        drawn(*_view.drawer);
+    }
+
+private:
+    static constexpr QPointF centre{1035, 1080};
+
+    DrawnImage _view;
+    TarvikService& _service = *_view.service;
+    int _zoomPower = 0;
+    int _step = 0;
+};
+
+void panUnder(benchmark::State& state, const std::vector<void (OverlaidPan::*)()>& overlays)
+{
+    if (state.range(0) != 0 && !hasShaders(state))
+        return;
+    OverlaidPan pan(state.range(0) != 0);
+    for (const auto overlay : overlays)
+        (pan.*overlay)();
+    pan.step();
+    for (auto _ : state)
+        pan.step();
+}
+
 /// One view shows one image after the other: what newImageSlot and the first repaint cost.
 template <class T>
 void newImage(benchmark::State& state)
@@ -213,15 +291,34 @@ void upload(benchmark::State& state)
 
 void arguments(benchmark::internal::Benchmark* bench)
 {
-    bench->ArgNames({"glsl", "size", "zoom"})->Unit(benchmark::kMillisecond)->MinTime(0.3);
+    bench->ArgNames({"glsl", "size", "zoom"})->Unit(benchmark::kMillisecond);
+    bench->MeasureProcessCPUTime()->UseRealTime();
     for (const int glsl : {1, 0}) {
         bench->Args({glsl, 0, 0})->Args({glsl, 0, -2});
         bench->Args({glsl, 1, 0})->Args({glsl, 1, -2});
     }
 }
 
-BENCHMARK(pan)->Apply(arguments)->UseRealTime();
-BENCHMARK(contrastStep)->Apply(arguments)->UseRealTime();
+BENCHMARK(pan)->Apply(arguments);
+BENCHMARK(contrastStep)->Apply(arguments);
+void bothWays(benchmark::internal::Benchmark* bench)
+{
+    bench->ArgName("glsl")->Arg(1)->Arg(0)->Unit(benchmark::kMillisecond);
+    bench->MeasureProcessCPUTime()->UseRealTime();
+}
+
+using Over = std::vector<void (OverlaidPan::*)()>;
+BENCHMARK_CAPTURE(panUnder, cursor_box, Over{})->Apply(bothWays);
+BENCHMARK_CAPTURE(panUnder, rings, Over{&OverlaidPan::rings})->Apply(bothWays);
+BENCHMARK_CAPTURE(panUnder, peaks_1000, Over{&OverlaidPan::peaks})->Apply(bothWays);
+BENCHMARK_CAPTURE(panUnder, primitives_1000, Over{&OverlaidPan::primitives})->Apply(bothWays);
+BENCHMARK_CAPTURE(panUnder, powder_ring, Over{&OverlaidPan::powder})->Apply(bothWays);
+BENCHMARK_CAPTURE(panUnder, values, Over{&OverlaidPan::values})->Apply(bothWays);
+BENCHMARK_CAPTURE(panUnder, all,
+                  Over{&OverlaidPan::rings, &OverlaidPan::peaks, &OverlaidPan::primitives,
+                       &OverlaidPan::powder})
+    ->Apply(bothWays);
+
 BENCHMARK(newImage<int>)->Args({1, 1})->Args({0, 1})->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(newImage<unsigned short>)->Args({1, 1})->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(newImage<unsigned char>)->Args({1, 1})->Unit(benchmark::kMillisecond)->UseRealTime();
@@ -230,7 +327,7 @@ BENCHMARK(newImage<double>)->Args({1, 1})->Unit(benchmark::kMillisecond)->UseRea
 void bothSizes(benchmark::internal::Benchmark* bench)
 {
     bench->ArgName("size")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
-    bench->MinTime(0.2)->UseManualTime();
+    bench->UseManualTime();
 }
 
 BENCHMARK(upload<signed char>)->Apply(bothSizes);

@@ -25,35 +25,43 @@ uniform bool highlightSaturated = false;
 in vec2 f_texcoord;
 out vec4 color;
 
-vec4 aboveForeground(Value i, int linDataSize)
+/// Where the colour of a value stands, in the logarithmic table or else in the linear one.
+float tableCoordinate(Value i, out bool logarithmic)
 {
+    float linDataSize = float(textureSize(linData, 0));
+    logarithmic = false;
+    // Not i < foreground: what is no number has the first colour.
+    if (!(i >= Value(foreground)))
+        return i > Value(background)
+                   ? clamp(slope * DISTANCE(i, background) / linDataSize, 0.0, 1.0)
+                   : 0.0;
     if (logDataSize == 0 || Value(logForeground) <= Value(foreground))
-        return texture(linData, 1.0 - 0.5 / float(linDataSize));
+        return 1.0 - 0.5 / linDataSize;
+    logarithmic = true;
     if (i >= Value(logForeground))
-        return texture(logData, 0.99999);
+        return 0.99999;
     float index = logOffset;
     if (logSlope != 0.0)
         index += logSlope * log(DISTANCE(i, background));
-    return texture(logData, clamp(index / float(logDataSize), 0.0, 1.0));
+    return clamp(index / float(logDataSize), 0.0, 1.0);
 }
 
+// Software renderers take all ways through a shader for each pixel, so that a look into a table is
+// worth saving: one into each, and none below a condition.
 void main()
 {
     Value i = texture(textureImg, f_texcoord).r;
     uint m = texture(textureMask, f_texcoord).r;
-    int linDataSize = textureSize(linData, 0);
 
+    bool logarithmic;
+    float x = tableCoordinate(i, logarithmic);
+    vec4 linear = texture(linData, x);
+    vec4 logarithm = texture(logData, x);
+    color = logarithmic ? logarithm : linear;
+    if (highlightSaturated && i >= Value(countCutoff))
+        color = saturatedColor;
+    if ((m & 1u) != 0u)
+        color = vec4(0.0, 0.0, 0.0, 1.0);
     if (highlightDefective && (m & 30u) != 0u)
         color = defectiveColor;
-    else if ((m & 1u) != 0u)
-        color = vec4(0.0, 0.0, 0.0, 1.0);
-    else if (highlightSaturated && i >= Value(countCutoff))
-        color = saturatedColor;
-    else if (i >= Value(foreground))
-        color = aboveForeground(i, linDataSize);
-    else if (i > Value(background))
-        color = texture(linData,
-                        clamp(slope * DISTANCE(i, background) / float(linDataSize), 0.0, 1.0));
-    else
-        color = texture(linData, 0.0);
 }

@@ -131,6 +131,11 @@ TEST_P(Overlays, PeaksAreBlueAndHighlightedOnesGreen)
     EXPECT_EQ(painted(picture, QRect(130, 30, 60, 40)), 0) << "the third has none";
     look(300, 250, 2);
     EXPECT_TRUE(near(grab().pixelColor(202 + 4, 202), Qt::blue)) << "in the middle of its pixel";
+    for (const int offset : {0, 1, 2, 3}) {
+        look(300 + offset, 250, 0);
+        EXPECT_EQ(painted(grab(1.5), QRect(60, 60, 30, 30)), 2 * 18 * 2 - 4)
+            << "two pixels wide at a scale of 1.5, wherever it stands";
+    }
     peaks.numberOfPeaks = 0;
     _view.service->setPeakData(peaks);
     EXPECT_EQ(painted(grab(), QRect(0, 0, 400, 300)), 0);

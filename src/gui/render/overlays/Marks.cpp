@@ -27,12 +27,21 @@ void drawCross(QPainter& painter, QPoint centre, int arm, QSize view)
     const QRectF room = QRectF(QPointF(), view).adjusted(-arm - 2, -arm - 2, arm + 2, arm + 2);
     if (!room.contains(c))
         return;
-    // As areas: lines of one pixel along the border of two would fall on either.
+    // As areas of whole pixels of the screen: lines along their borders would fall on either side,
+    // and the two bars of a cross be of different widths.
+    const double ratio = painter.device()->devicePixelRatioF();
     const int width = std::max(qRound(painter.pen().widthF()), 1);
-    const QPoint first = centre - QPoint(width / 2, width / 2);
-    const QColor color = painter.pen().color();
-    painter.fillRect(QRect(first - QPoint(arm, 0), QSize(2 * arm + width, width)), color);
-    painter.fillRect(QRect(first - QPoint(0, arm), QSize(width, 2 * arm + width)), color);
+    const int deviceWidth = qRound(width * ratio);
+    const int deviceArm = qRound(arm * ratio);
+    const auto bar = [&](QPoint corner, QSize size) {
+        painter.fillRect(QRectF(QPointF(corner) / ratio, QSizeF(size) / ratio),
+                         painter.pen().color());
+    };
+    const QPoint corner(qRound((centre.x() - width / 2) * ratio),
+                        qRound((centre.y() - width / 2) * ratio));
+    const int length = 2 * deviceArm + deviceWidth;
+    bar(corner - QPoint(deviceArm, 0), {length, deviceWidth});
+    bar(corner - QPoint(0, deviceArm), {deviceWidth, length});
 }
 
 QRectF windowOf(QSize view)

@@ -25,18 +25,27 @@ public:
         , _window(window)
         , _points(points)
     {
-        constexpr double quarter = std::numbers::pi / 2;
+        // An arc stands at most its angle squared times an eighth of the radius off its chord. Half
+        // of that its ends are moved out.
+        constexpr double most = 1 << 20;
+        const double steps = std::ceil(quarter * std::sqrt(_radius / (16 * tolerance)));
+        _steps = static_cast<int>(std::clamp(steps, 1.0, most));
+        _stretch = 1 + (1 - std::cos(angle(1) / 2)) / 2;
         add(0);
         for (int i = 0; i < 4; ++i)
-            walk(i * quarter, (i + 1) * quarter);
+            walk(i * _steps, (i + 1) * _steps);
     }
 
 private:
-    QPointF at(double angle) const
+    static constexpr double quarter = std::numbers::pi / 2;
+
+    double angle(int step) const { return quarter * step / _steps; }
+    QPointF at(int step) const
     {
-        return _centre + QPointF(_radiusX * std::cos(angle), _radiusY * std::sin(angle));
+        const double angle = this->angle(step);
+        return _centre + _stretch * QPointF(_radiusX * std::cos(angle), _radiusY * std::sin(angle));
     }
-    void add(double angle) { _points.push_back({at(angle), angle * _radius}); }
+    void add(int step) { _points.push_back({at(step), angle(step) * _radius}); }
 
     /// Within a quarter an arc stays in the box that its ends span.
     bool mayBeSeen(QPointF a, QPointF b) const
@@ -47,14 +56,14 @@ private:
                std::max(a.y(), b.y()) >= _window.top();
     }
 
-    void walk(double first, double last)
+    /// Out of view one straight line does.
+    void walk(int first, int last)
     {
-        const double bulge = _radius * (1 - std::cos((last - first) / 2));
-        if (bulge <= tolerance || !mayBeSeen(at(first), at(last))) {
+        if (last - first == 1 || !mayBeSeen(at(first), at(last))) {
             add(last);
             return;
         }
-        const double middle = (first + last) / 2;
+        const int middle = (first + last) / 2;
         walk(first, middle);
         walk(middle, last);
     }
@@ -63,6 +72,8 @@ private:
     double _radiusX;
     double _radiusY;
     double _radius;
+    int _steps;       ///< of a quarter
+    double _stretch;  ///< of the radii
     QRectF _window;
     Outline::Piece& _points;
 };

@@ -173,12 +173,15 @@ void ImageLoaderThread::_analyse()
 
     _step.restart();
     _data.statistics.reset(new ImageStatistics);
-    ComputeStatistics(_data.statistics.data()).compute(_data.image, _data.mask);
+    // The thumbnail goes along with the statistics: a pass of its own would wait for the memory.
+    thumbnail::Builder thumbnail(_data.image);
+    ComputeStatistics(_data.statistics.data())
+        .compute(_data.image, _data.mask, [&](std::size_t pixel) { thumbnail.upTo(pixel); });
     StepTimes::add(StepTimes::Statistics, std::chrono::nanoseconds(_step.nsecsElapsed()));
     _printSubtotal();
 
     _step.restart();
-    _data.thumbnail = thumbnail::ofImage(_data.image, _data.statistics->hasNegatives);
+    _data.thumbnail = thumbnail.finish(_data.statistics->hasNegatives);
     assert(_data.thumbnail.width() == _data.thumbnailMask.width());
     assert(_data.thumbnail.height() == _data.thumbnailMask.height());
     _data.thumbnail.optionalData().set_pixel_mask(_data.thumbnailMask);

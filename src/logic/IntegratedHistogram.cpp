@@ -71,6 +71,18 @@ void IntegratedHistogram::compute(const MImage& image, const MImage& mask, doubl
     HistogramCompute(_d.get(), mean).compute(image, mask);
 }
 
+template <class T>
+void IntegratedHistogram::compute(const ValueCounts<T>& counts, double mean)
+{
+    HistogramCompute(_d.get(), mean).fill(counts);
+}
+
+template void IntegratedHistogram::compute(const ValueCounts<unsigned char>&, double);
+template void IntegratedHistogram::compute(const ValueCounts<unsigned short>&, double);
+template void IntegratedHistogram::compute(const ValueCounts<short>&, double);
+template void IntegratedHistogram::compute(const ValueCounts<unsigned int>&, double);
+template void IntegratedHistogram::compute(const ValueCounts<int>&, double);
+
 unsigned int IntegratedHistogram::value(double x) const
 {
     return morvend::datatypes::dispatchPixelType(_d->below.type(), _d->below.typeBits(),

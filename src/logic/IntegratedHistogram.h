@@ -9,6 +9,8 @@
 #include <memory>
 
 struct IntergrateHistogramPrivate;  // spelled so
+template <class T>
+class ValueCounts;
 
 /// Tells for any value how many good pixels lie at or below it. A fixed number of bins around the
 /// mean holds the bulk of the pixels, the sorted pixel values themselves the tails, so that a hot
@@ -26,6 +28,9 @@ public:
     /// MBadParameterException for a mask of another size, MRuntimeException when memory is short
     void compute(const morvend::imglib::MImage& image, const morvend::imglib::MImage& mask,
                  double mean);
+    /// The same from values that were counted already.
+    template <class T>
+    void compute(const ValueCounts<T>& counts, double mean);
 
     /// Number of counted pixels of value at most x. Cost: constant in the binned range, logarithmic
     /// in the tails.

@@ -39,29 +39,43 @@ HWY_INLINE void overColumns(std::size_t columns, std::size_t lanes, One&& one, R
         rest(x);
 }
 
+/// Adds whole vectors of a few rows to the sums of their columns.
+template <class T, class D>
+HWY_INLINE void addVectors(D ds, const T* pixels, std::size_t columns, std::size_t rows,
+                           ColumnSum<T>* sums, bool first)
+{
+    using Wide =
+        std::conditional_t<std::is_signed_v<T> || sizeof(T) < 4, ColumnSum<T>, std::uint64_t>;
+    const hn::Rebind<Wide, D> dw;
+    const hn::Rebind<T, D> dt;
+    auto sum = first ? hn::Zero(ds) : hn::LoadU(ds, sums);
+    for (std::size_t row = 0; row < rows; ++row)
+        sum =
+            hn::Add(sum, hn::BitCast(ds, hn::PromoteTo(dw, hn::LoadU(dt, pixels + row * columns))));
+    hn::StoreU(sum, ds, sums);
+}
+
 template <class T>
 HWY_INLINE void addTogether(const T* pixels, std::size_t columns, std::size_t rows, bool first,
                             ColumnSum<T>* sums, T* bits)
 {
     using Sum = ColumnSum<T>;
-    using Wide = std::conditional_t<std::is_signed_v<T> || sizeof(T) < 4, Sum, std::uint64_t>;
     const hn::ScalableTag<Sum> ds;
-    const hn::ScalableTag<Wide> dw;
-    const hn::Rebind<T, decltype(ds)> dt;
+    const hn::ScalableTag<T> dt;
+    const std::size_t lanes = hn::Lanes(dt);
     overColumns(
-        columns, hn::Lanes(ds),
+        columns, lanes,
         [&](std::size_t x) {
-            auto sum = first ? hn::Zero(ds) : hn::LoadU(ds, sums + x);
-            auto joined = first ? hn::Zero(dt) : hn::LoadU(dt, bits + x);
-            for (std::size_t row = 0; row < rows; ++row) {
-                const T* place = pixels + row * columns + x;
-                fetchAhead(place);
-                const auto values = hn::LoadU(dt, place);
-                sum = hn::Add(sum, hn::BitCast(ds, hn::PromoteTo(dw, values)));
-                joined = hn::Or(joined, values);
+            for (std::size_t row = 0; row < rows; ++row)
+                fetchAhead(pixels + row * columns + x);
+            for (std::size_t part = 0; part < lanes; part += hn::Lanes(ds))
+                addVectors<T>(ds, pixels + x + part, columns, rows, sums + x + part, first);
+            if constexpr (std::is_signed_v<T>) {
+                auto joined = first ? hn::Zero(dt) : hn::LoadU(dt, bits + x);
+                for (std::size_t row = 0; row < rows; ++row)
+                    joined = hn::Or(joined, hn::LoadU(dt, pixels + row * columns + x));
+                hn::StoreU(joined, dt, bits + x);
             }
-            hn::StoreU(sum, ds, sums + x);
-            hn::StoreU(joined, dt, bits + x);
         },
         [&](std::size_t x) {
             Sum sum = first ? 0 : sums[x];

@@ -17,9 +17,10 @@ using ColumnSum = std::conditional_t<(sizeof(T) < 4), std::int32_t, std::int64_t
 /// Rows that can be folded in one call.
 inline constexpr std::size_t mostRows = 32'000;
 
-/// For each of `columns` columns the sum over `rows` rows, exact, and the bitwise or of the pixels,
-/// whose highest bit tells whether one was negative. Rows follow one another without gap.
-/// `sums` and `bits` have room for `columns`. T is an integer of at most 32 bits.
+/// For each of `columns` columns the sum over `rows` rows, exact, and where T has a sign the
+/// bitwise or of the pixels, whose highest bit tells whether one was negative. Rows follow one
+/// another without gap. `sums` and `bits` have room for `columns`. T is an integer of at most 32
+/// bits.
 template <class T>
 void addRows(const T* pixels, std::size_t columns, std::size_t rows, ColumnSum<T>* sums, T* bits);
 

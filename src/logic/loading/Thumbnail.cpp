@@ -9,11 +9,21 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 using morvend::datatypes::convertPixel;
 using morvend::datatypes::dispatchPixelType;
 using morvend::imglib::MImage;
+
+namespace thumbnail {
+
+class Builder::Work {
+public:
+    virtual ~Work() = default;
+    virtual void upTo(std::size_t end) = 0;
+    virtual MImage finish(bool hasNegatives) = 0;
+};
 
 namespace {
 
@@ -66,132 +76,227 @@ struct Source {
     std::size_t width;
 };
 
-template <class T>
-T firstMark(const Source<T>& mask, Span columns, Span rows)
+/// The first pixel of a cell, row by row, that is a mark, else 0.
+template <class T, class IsMark>
+T first(const Source<T>& image, Span columns, Span rows, IsMark&& isMark)
 {
     for (int y = rows.begin; y < rows.end; ++y) {
-        const T* row = mask.row(y);
+        const T* row = image.row(y);
         for (int x = columns.begin; x < columns.end; ++x) {
-            if (row[x] != T(0))
+            if (isMark(row[x]))
                 return row[x];
         }
     }
     return T(0);
 }
 
-/// The mean of a cell, its pixels taken one after the other as the rule says: sums of floating
-/// pixels depend on their order.
-template <class T, bool negativesAreMarks>
-T mean(const Source<T>& image, Span columns, Span rows)
-{
-    double sum = 0;
-    for (int y = rows.begin; y < rows.end; ++y) {
-        const T* row = image.row(y);
-        for (int x = columns.begin; x < columns.end; ++x) {
-            if constexpr (negativesAreMarks) {
-                if (row[x] < T(0))
-                    return row[x];
-            }
-            sum += static_cast<double>(row[x]);
+/// Cells of pixels, filled row by row of cells, while the pixels of a row are in the cache.
+template <class T>
+class Bands : public Builder::Work {
+public:
+    Bands(const MImage& image, MImage target)
+        : source(image)
+        , _target(std::move(target))
+        , _grid(image, _target)
+        , _out(static_cast<T*>(_target.data()))
+    {}
+
+    void upTo(std::size_t end) override
+    {
+        for (; _next < _grid.rows.size(); ++_next) {
+            const Span rows = _grid.rows[_next];
+            if (static_cast<std::size_t>(rows.end) * source.width > end)
+                return;
+            T* const out = _out + _next * columns().size();
+            if (rows.empty())
+                std::fill_n(out, columns().size(), T(0));
+            else
+                fill(rows, out);
         }
     }
-    return convertPixel<T>(sum / (columns.size() * rows.size()));
-}
-
-/// Calls band(rows, out) for each row of a thumbnail that has source pixels; the others are 0.
-template <class T, class Band>
-void forEachBand(MImage& target, const Grid& grid, Band&& band)
-{
-    T* out = static_cast<T*>(target.data());
-    for (const Span rows : grid.rows) {
-        if (rows.empty())
-            std::fill_n(out, target.width(), T(0));
-        else
-            band(rows, out);
-        out += target.width();
+    MImage finish(bool hasNegatives) override
+    {
+        upTo(source.width * static_cast<std::size_t>(_grid.rows.back().end));
+        complete(hasNegatives);
+        return std::move(_target);
     }
-}
 
-/// Means where the order of the pixels counts, cell by cell.
-template <class T, bool negativesAreMarks>
-void fillInOrder(MImage& target, const MImage& image)
-{
-    const Grid grid(image, target);
-    const Source<T> source(image);
-    forEachBand<T>(target, grid, [&](Span rows, T* out) {
-        for (const Span columns : grid.columns)
-            *out++ = columns.empty() ? T(0) : mean<T, negativesAreMarks>(source, columns, rows);
-    });
-}
+protected:
+    /// Fills a row of cells that is not empty.
+    virtual void fill(Span rows, T* out) = 0;
+    virtual void complete(bool) {}
+    const std::vector<Span>& columns() const { return _grid.columns; }
+
+    const Source<T> source;
+
+private:
+    MImage _target;
+    const Grid _grid;
+    T* _out;
+    std::size_t _next = 0;
+};
+
+/// The mean of each cell. Whether negative pixels are marks is known at the end only: cells that
+/// hold one are gone over again then.
+template <class T>
+class Means : public Bands<T> {
+public:
+    using Bands<T>::Bands;
+
+protected:
+    void add(Span rows, Span columns, double sum, bool negative, T& out)
+    {
+        out = convertPixel<T>(sum / (columns.size() * rows.size()));
+        if (negative)
+            _negative.push_back({rows, columns, &out});
+    }
+    void complete(bool hasNegatives) override
+    {
+        if (hasNegatives)
+            return;
+        for (const Cell& cell : _negative)
+            *cell.out = first(this->source, cell.columns, cell.rows, [](T v) { return v < T(0); });
+    }
+
+private:
+    struct Cell {
+        Span rows, columns;
+        T* out;
+    };
+    std::vector<Cell> _negative;
+};
+
+/// Means where the order of the pixels counts, as it does for sums of floating pixels.
+template <class T>
+class MeansInOrder : public Means<T> {
+public:
+    using Means<T>::Means;
+
+private:
+    void fill(Span rows, T* out) override
+    {
+        for (const Span columns : this->columns()) {
+            double sum = 0;
+            bool negative = false;
+            for (int y = rows.begin; y < rows.end; ++y) {
+                const T* row = this->source.row(y);
+                for (int x = columns.begin; x < columns.end; ++x) {
+                    negative |= row[x] < T(0);
+                    sum += static_cast<double>(row[x]);
+                }
+            }
+            if (columns.empty())
+                *out++ = T(0);
+            else
+                this->add(rows, columns, sum, negative, *out++);
+        }
+    }
+};
 
 /// The integer of the same width that the vector loops know: `char` is none of them.
 template <class T>
 using Plain = std::conditional_t<std::is_same_v<T, char>, std::int8_t, T>;
 
 /// Means of integers of at most 32 bits: their sums are exact in whatever order.
-template <class T, bool negativesAreMarks>
-void fillFromColumns(MImage& target, const MImage& image)
-{
-    using P = Plain<T>;
-    const Grid grid(image, target);
-    const Source<T> source(image);
-    std::vector<thumbnail::ColumnSum<P>> sums(source.width);
-    std::vector<P> bits(source.width);
-    const auto value = [&](Span columns, Span rows) -> T {
-        double sum = 0;
-        P joined = 0;
-        for (auto x = std::size_t(columns.begin); x < std::size_t(columns.end); ++x) {
-            sum += static_cast<double>(sums[x]);
-            joined = static_cast<P>(joined | bits[x]);
-        }
-        if (negativesAreMarks && joined < 0)
-            return mean<T, negativesAreMarks>(source, columns, rows);
-        return convertPixel<T>(sum / (columns.size() * rows.size()));
-    };
-    forEachBand<T>(target, grid, [&](Span rows, T* out) {
-        const auto* first = reinterpret_cast<const P*>(source.row(rows.begin));
-        thumbnail::addRows<P>(first, source.width, std::size_t(rows.end - rows.begin), sums.data(),
-                              bits.data());
-        for (const Span columns : grid.columns)
-            *out++ = columns.empty() ? T(0) : value(columns, rows);
-    });
-}
+template <class T>
+class MeansOfColumns : public Means<T> {
+public:
+    MeansOfColumns(const MImage& image, MImage target)
+        : Means<T>(image, std::move(target))
+        , _sums(this->source.width)
+        , _bits(this->source.width)
+    {}
 
-template <class T, bool negativesAreMarks>
-void fillMeans(MImage& target, const MImage& image)
-{
-    constexpr bool orderMatters = !std::is_integral_v<T> || sizeof(T) > 4;
-    const auto tallest = static_cast<std::size_t>(image.width() / target.width() + 2);
-    if constexpr (!orderMatters) {
-        if (tallest <= thumbnail::mostRows)
-            return fillFromColumns<T, negativesAreMarks>(target, image);
+private:
+    using P = Plain<T>;
+
+    void fill(Span rows, T* out) override
+    {
+        addRows<P>(reinterpret_cast<const P*>(this->source.row(rows.begin)), this->source.width,
+                   static_cast<std::size_t>(rows.end - rows.begin), _sums.data(), _bits.data());
+        for (const Span columns : this->columns()) {
+            std::int64_t sum = 0;
+            P joined = 0;
+            for (auto x = std::size_t(columns.begin); x < std::size_t(columns.end); ++x) {
+                sum += _sums[x];
+                if constexpr (std::is_signed_v<P>)
+                    joined = static_cast<P>(joined | _bits[x]);
+            }
+            if (columns.empty())
+                *out++ = T(0);
+            else
+                this->add(rows, columns, static_cast<double>(sum), joined < P(0), *out++);
+        }
     }
-    fillInOrder<T, negativesAreMarks>(target, image);
-}
+
+    std::vector<ColumnSum<P>> _sums;
+    std::vector<P> _bits;
+};
 
 /// First marks. Most cells have none: the rows of a band are joined first, whatever their type.
 template <class T>
-void fillMarks(MImage& target, const MImage& mask)
-{
-    const Grid grid(mask, target);
-    const Source<T> source(mask);
-    std::vector<std::byte> bits(source.width * sizeof(T));
-    forEachBand<T>(target, grid, [&](Span rows, T* out) {
-        const auto* first = reinterpret_cast<const std::byte*>(source.row(rows.begin));
-        thumbnail::joinRows(first, bits.size(), std::size_t(rows.end - rows.begin), bits.data());
-        for (const Span columns : grid.columns) {
-            const auto begin = bits.begin() + columns.begin * std::ptrdiff_t(sizeof(T));
-            const auto end = bits.begin() + columns.end * std::ptrdiff_t(sizeof(T));
+class Marks : public Bands<T> {
+public:
+    Marks(const MImage& image, MImage target)
+        : Bands<T>(image, std::move(target))
+        , _bits(this->source.width * sizeof(T))
+    {}
+
+private:
+    void fill(Span rows, T* out) override
+    {
+        joinRows(reinterpret_cast<const std::byte*>(this->source.row(rows.begin)), _bits.size(),
+                 static_cast<std::size_t>(rows.end - rows.begin), _bits.data());
+        for (const Span columns : this->columns()) {
+            const auto begin = _bits.begin() + columns.begin * std::ptrdiff_t(sizeof(T));
+            const auto end = _bits.begin() + columns.end * std::ptrdiff_t(sizeof(T));
             const bool clear =
                 std::all_of(begin, end, [](std::byte b) { return b == std::byte(0); });
-            *out++ = clear ? T(0) : firstMark(source, columns, rows);
+            *out++ =
+                clear ? T(0) : first(this->source, columns, rows, [](T v) { return v != T(0); });
         }
-    });
+    }
+
+    std::vector<std::byte> _bits;
+};
+
+template <class T>
+std::unique_ptr<Builder::Work> workOf(const MImage& image, MImage target)
+{
+    if constexpr (std::is_same_v<T, bool>) {
+        // A mean of truth values is not zero if one is true.
+        return std::make_unique<Marks<T>>(image, std::move(target));
+    } else {
+        if constexpr (std::is_integral_v<T> && sizeof(T) <= 4) {
+            const auto tallest = static_cast<std::size_t>(image.width() / target.width() + 2);
+            if (tallest <= mostRows)
+                return std::make_unique<MeansOfColumns<T>>(image, std::move(target));
+        }
+        return std::make_unique<MeansInOrder<T>>(image, std::move(target));
+    }
 }
 
 }  // namespace
 
-namespace thumbnail {
+Builder::Builder(const MImage& image)
+    : _empty(emptyThumbnail(image))
+{
+    if (_empty.empty())
+        return;  // the shorter side is below half a cell
+    _work = dispatchPixelType(image.type(), image.typeBits(), [&]<class T>() {
+        return workOf<T>(image, std::exchange(_empty, {}));
+    });
+}
+
+Builder::~Builder() = default;
+
+void Builder::upTo(std::size_t end)
+{
+    if (_work)
+        _work->upTo(end);
+}
+
+MImage Builder::finish(bool hasNegatives) { return _work ? _work->finish(hasNegatives) : _empty; }
 
 MImage emptyThumbnail(const MImage& image)
 {
@@ -208,18 +313,7 @@ MImage emptyThumbnail(const MImage& image)
 
 MImage ofImage(const MImage& image, bool hasNegatives)
 {
-    MImage result = emptyThumbnail(image);
-    if (result.empty())
-        return result;  // the shorter side is below half a cell
-    dispatchPixelType(image.type(), image.typeBits(), [&]<class T>() {
-        if constexpr (std::is_same_v<T, bool>)
-            fillMarks<T>(result, image);  // a mean of truth values is not zero if one is true
-        else if (std::is_signed_v<T> && !hasNegatives)
-            fillMeans<T, std::is_signed_v<T>>(result, image);
-        else
-            fillMeans<T, false>(result, image);
-    });
-    return result;
+    return Builder(image).finish(hasNegatives);
 }
 
 MImage ofMask(const MImage& mask)
@@ -227,8 +321,9 @@ MImage ofMask(const MImage& mask)
     MImage result = emptyThumbnail(mask);
     if (result.empty())
         return result;
-    dispatchPixelType(mask.type(), mask.typeBits(), [&]<class T>() { fillMarks<T>(result, mask); });
-    return result;
+    return dispatchPixelType(mask.type(), mask.typeBits(), [&]<class T>() {
+        return Marks<T>(mask, std::move(result)).finish(false);
+    });
 }
 
 }  // namespace thumbnail

@@ -6,6 +6,9 @@
 
 #include "imagelib/image/MImage.h"
 
+#include <cstddef>
+#include <memory>
+
 namespace thumbnail {
 
 /// Pixels of a thumbnail on its longer side, at most.
@@ -19,6 +22,25 @@ morvend::imglib::MImage emptyThumbnail(const morvend::imglib::MImage& image);
 /// The mean of each cell of pixels, truncated for integer types; masked pixels take part. Where
 /// `hasNegatives` is false, negative pixels are marks: the first one in a cell becomes its value.
 morvend::imglib::MImage ofImage(const morvend::imglib::MImage& image, bool hasNegatives);
+
+/// The same in steps, for work that goes over the pixels anyway and brings them into the cache.
+/// The image outlives it unchanged.
+class Builder {
+public:
+    /// @throws MNotImplementedException for no pixel type
+    explicit Builder(const morvend::imglib::MImage& image);
+    ~Builder();
+    /// Does the rows of cells that end before a pixel.
+    void upTo(std::size_t end);
+    /// Does what is left. Once.
+    morvend::imglib::MImage finish(bool hasNegatives);
+
+    class Work;
+
+private:
+    std::unique_ptr<Work> _work;
+    morvend::imglib::MImage _empty;
+};
 
 /// The first mask pixel of each cell that is not 0, row by row, else 0: a single bad pixel survives
 /// any reduction with all its bits.

@@ -6,13 +6,14 @@
 
 #include "imagelib/display/MContrast.h"
 #include "imagelib/image/BinaryDispatcher.h"
-#include "logic/analysis/statistics/GoodPixels.h"
-#include "logic/analysis/statistics/PixelTotals.h"
+#include "imagelib/image/PixelTypes.h"
+#include "logic/analysis/statistics/ValueCounts.h"
 #include "logic/support/Assert.h"
 #include "logic/support/Console.h"
 
 #include <QElapsedTimer>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -44,13 +45,52 @@ void ComputeStatistics::operator()(const MImage& image, const MImage& mask) cons
 template <class L>
 void ComputeStatistics::_numbers(const MImage& image, const GoodPixels& good) const
 {
-    const int saturation = saturationValue(image);
-    const PixelTotals<L> totals = [&] {
-        if constexpr (HasVectorTotals<L>)
-            return vectorTotals(image.pixels<L>(), good, saturation);
-        else
-            return plainTotals(image.pixels<L>(), good, saturation);
-    }();
+    if constexpr (CountsValues<L>) {
+        ValueCounts<L> counts(image.pixels<L>(), good);
+        counts.upTo(good.size());
+        _set(counts.totals(saturationValue(image)), good);
+    } else if constexpr (std::is_same_v<L, float>) {
+        _set(vectorTotals(image.pixels<L>(), good), good);
+    } else {
+        _set(plainTotals(image.pixels<L>(), good, saturationValue(image)), good);
+    }
+}
+
+template <class L>
+void ComputeStatistics::_numbersAndHistogram(const MImage& image, const MImage& mask,
+                                             const Progress& progress) const
+{
+    // A quarter of a MiB or less of the usual pixels: they stay in the second-level cache.
+    constexpr std::size_t Strip = 1 << 16;
+    QElapsedTimer clock;
+    clock.start();
+    const auto good = GoodPixels::of(mask);
+    const auto endStep = [&](const char* label) {
+        console::printTime(label, clock.elapsed());
+        clock.restart();
+    };
+    if constexpr (CountsValues<L>) {
+        ValueCounts<L> counts(image.pixels<L>(), *good);
+        for (std::size_t end = 0; end < good->size();) {
+            end = std::min(end + Strip, good->size());
+            counts.upTo(end);
+            progress(end);
+        }
+        _set(counts.totals(saturationValue(image)), *good);
+        endStep("TIME FOR COMPUTING STATISTICS: ");
+        _target->histogram.compute(counts, _target->mean);
+    } else {
+        _numbers<L>(image, *good);
+        progress(good->size());
+        endStep("TIME FOR COMPUTING STATISTICS: ");
+        _target->histogram.compute(image, mask, _target->mean);
+    }
+    endStep("TIME FOR COMPUTING HISTOGRAM: ");
+}
+
+template <class L>
+void ComputeStatistics::_set(const PixelTotals<L>& totals, const GoodPixels& good) const
+{
     // Without a good pixel these are no numbers.
     const double mean = totals.sum / good.good();
     const double squares = totals.squares / good.good();
@@ -72,16 +112,16 @@ void ComputeStatistics::computeNumbers(const MImage& image, const MImage& mask) 
                                          void>::Go(image, mask, *this);
 }
 
-void ComputeStatistics::compute(const MImage& image, const MImage& mask) const
+void ComputeStatistics::compute(const MImage& image, const MImage& mask,
+                                const Progress& progress) const
 {
+    assert(!image.empty() && image.size() == mask.size());
+    const Progress told = progress ? progress : [](std::size_t) {};
+    morvend::datatypes::dispatchPixelType(image.type(), image.typeBits(), [&]<class L>() {
+        _numbersAndHistogram<L>(image, mask, told);
+    });
     QElapsedTimer clock;
     clock.start();
-    computeNumbers(image, mask);
-    console::printTime("TIME FOR COMPUTING STATISTICS: ", clock.elapsed());
-    clock.restart();
-    _target->histogram.compute(image, mask, _target->mean);
-    console::printTime("TIME FOR COMPUTING HISTOGRAM: ", clock.elapsed());
-    clock.restart();
     setDefaultContrast(*_target, image, mask);
     console::printTime("TIME FOR COMPUTING CONTRAST: ", clock.elapsed());
 }

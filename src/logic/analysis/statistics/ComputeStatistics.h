@@ -7,7 +7,12 @@
 #include "imagelib/image/MImage.h"
 #include "logic/analysis/statistics/ImageStatistics.h"
 
+#include <cstddef>
+#include <functional>
+
 class GoodPixels;
+template <class T>
+struct PixelTotals;
 
 /// Computes the numbers of a whole image under its mask.
 ///
@@ -25,9 +30,13 @@ public:
         : _target(target)
     {}
 
+    /// Told after each strip of pixels where the next one begins, while the strip is in the cache.
+    using Progress = std::function<void(std::size_t pixel)>;
+
     /// Overwrites all fields of the target. The mask has the image's size. Prints timing lines.
+    /// @param progress  other work on the same pixels: done here it needn't wait for the memory
     /// @throws MNotImplementedException for an image or a mask of no pixel type
-    void compute(const MImage& image, const MImage& mask) const;
+    void compute(const MImage& image, const MImage& mask, const Progress& progress = {}) const;
 
     /// The numbers alone, without histogram, contrast and printed lines.
     void computeNumbers(const MImage& image, const MImage& mask) const;
@@ -39,6 +48,11 @@ public:
 private:
     template <class L>
     void _numbers(const MImage& image, const GoodPixels& good) const;
+    template <class L>
+    void _numbersAndHistogram(const MImage& image, const MImage& mask,
+                              const Progress& progress) const;
+    template <class L>
+    void _set(const PixelTotals<L>& totals, const GoodPixels& good) const;
 
     ImageStatistics* _target;
 };

@@ -4,6 +4,8 @@
 // The vector steps of the histogram, for each instruction set.
 #include "logic/analysis/statistics/HistogramBlocks.h"
 
+#include <algorithm>
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "logic/analysis/statistics/HistogramBlocks.cpp"
 #include <hwy/foreach_target.h>
@@ -18,8 +20,8 @@ namespace hn = hwy::HWY_NAMESPACE;
 using tarvik_simd::HWY_NAMESPACE::goodLanes;
 
 template <class T>
-HWY_INLINE std::size_t encodeBlock(const T* pixels, const std::uint8_t* bits, std::size_t count,
-                                   Lane<T> base, std::uint8_t* codes, Lane<T>* others)
+HWY_INLINE Encoded encodeBlock(const T* pixels, const std::uint8_t* bits, std::size_t count,
+                               Lane<T> base, std::uint8_t* codes, Lane<T>* others)
 {
     const hn::ScalableTag<Lane<T>> d;
     const hn::RebindToUnsigned<decltype(d)> du;
@@ -27,6 +29,7 @@ HWY_INLINE std::size_t encodeBlock(const T* pixels, const std::uint8_t* bits, st
     const hn::Rebind<std::uint8_t, decltype(d)> dcode;
     const hn::Rebind<T, decltype(d)> dt;
     const auto from = hn::Set(d, base);
+    auto highest = hn::Zero(du);
     std::size_t found = 0;
     for (std::size_t i = 0; i < count; i += hn::Lanes(d)) {
         __builtin_prefetch(reinterpret_cast<const char*>(pixels + i) + 4096);
@@ -39,39 +42,81 @@ HWY_INLINE std::size_t encodeBlock(const T* pixels, const std::uint8_t* bits, st
         const auto distance = hn::BitCast(du, hn::Sub(value, from));
         const auto inside = hn::RebindMask(d, hn::Eq(hn::ShiftRight<8>(distance), hn::Zero(du)));
         const auto coded = hn::IfThenElseZero(hn::RebindMask(du, hn::And(good, inside)), distance);
+        highest = hn::Max(highest, coded);
         hn::StoreU(hn::DemoteTo(dcode, hn::BitCast(di, coded)), dcode, codes + i);
         const auto outside = hn::AndNot(inside, good);
         if (!hn::AllFalse(d, outside))
             found += hn::CompressStore(value, outside, d, others + found);
     }
-    return found;
+    return {found, hn::GetLane(hn::MaxOfLanes(du, highest))};
 }
 
-std::size_t encode8(const unsigned char* pixels, const std::uint8_t* bits, std::size_t count,
-                    int base, std::uint8_t* codes, int* others)
+Encoded encode8(const unsigned char* pixels, const std::uint8_t* bits, std::size_t count, int base,
+                std::uint8_t* codes, int* others)
 {
     return encodeBlock(pixels, bits, count, base, codes, others);
 }
-std::size_t encode16(const unsigned short* pixels, const std::uint8_t* bits, std::size_t count,
-                     int base, std::uint8_t* codes, int* others)
+Encoded encode16(const unsigned short* pixels, const std::uint8_t* bits, std::size_t count,
+                 int base, std::uint8_t* codes, int* others)
 {
     return encodeBlock(pixels, bits, count, base, codes, others);
 }
-std::size_t encodeShort(const short* pixels, const std::uint8_t* bits, std::size_t count, int base,
-                        std::uint8_t* codes, int* others)
+Encoded encodeShort(const short* pixels, const std::uint8_t* bits, std::size_t count, int base,
+                    std::uint8_t* codes, int* others)
 {
     return encodeBlock(pixels, bits, count, base, codes, others);
 }
-std::size_t encode32(const unsigned int* pixels, const std::uint8_t* bits, std::size_t count,
-                     unsigned int base, std::uint8_t* codes, unsigned int* others)
+Encoded encode32(const unsigned int* pixels, const std::uint8_t* bits, std::size_t count,
+                 unsigned int base, std::uint8_t* codes, unsigned int* others)
 {
     return encodeBlock(pixels, bits, count, base, codes, others);
 }
-std::size_t encodeInt(const int* pixels, const std::uint8_t* bits, std::size_t count, int base,
-                      std::uint8_t* codes, int* others)
+Encoded encodeInt(const int* pixels, const std::uint8_t* bits, std::size_t count, int base,
+                  std::uint8_t* codes, int* others)
 {
     return encodeBlock(pixels, bits, count, base, codes, others);
 }
+
+#if HWY_TARGET == HWY_SCALAR
+
+void countAll(const std::uint8_t* codes, std::size_t count, unsigned int, unsigned int* counts)
+{
+    for (std::size_t i = 0; i < count; ++i)
+        ++counts[codes[i]];
+}
+
+#else
+
+void countAll(const std::uint8_t* codes, std::size_t count, unsigned int highest,
+              unsigned int* counts)
+{
+    constexpr unsigned int Together = 8;
+    constexpr std::size_t Part = 2048;  // lanes of one byte can count in vectors of 16
+    const hn::ScalableTag<std::uint8_t> d;
+    const hn::Repartition<std::uint64_t, decltype(d)> dsum;
+    for (unsigned int first = 1; first <= highest; first += Together)
+        for (std::size_t begin = 0; begin < count; begin += Part) {
+            hn::Vec<decltype(d)> wanted[Together];
+            hn::Vec<decltype(d)> found[Together];
+#pragma GCC unroll 8
+            for (unsigned int k = 0; k < Together; ++k) {
+                wanted[k] = hn::Set(d, static_cast<std::uint8_t>(first + k));
+                found[k] = hn::Zero(d);
+            }
+            for (std::size_t i = begin; i < std::min(begin + Part, count); i += hn::Lanes(d)) {
+                const auto code = hn::LoadU(d, codes + i);
+#pragma GCC unroll 8
+                for (unsigned int k = 0; k < Together; ++k)
+                    found[k] = hn::Sub(found[k], hn::VecFromMask(d, hn::Eq(code, wanted[k])));
+            }
+#pragma GCC unroll 8
+            for (unsigned int k = 0; k < Together; ++k)
+                counts[first + k] += static_cast<unsigned int>(
+                    hn::GetLane(hn::SumOfLanes(dsum, hn::SumsOf8(found[k]))));
+        }
+}
+
+#endif
 
 void partBlock(const float* pixels, const std::uint8_t* bits, std::size_t count, FloatParts& parts)
 {
@@ -108,37 +153,44 @@ HWY_EXPORT(encode16);
 HWY_EXPORT(encodeShort);
 HWY_EXPORT(encode32);
 HWY_EXPORT(encodeInt);
+HWY_EXPORT(countAll);
 HWY_EXPORT(partBlock);
 
 template <>
-std::size_t encode(const unsigned char* pixels, const std::uint8_t* bits, std::size_t count,
-                   int base, std::uint8_t* codes, int* others)
+Encoded encode(const unsigned char* pixels, const std::uint8_t* bits, std::size_t count, int base,
+               std::uint8_t* codes, int* others)
 {
     return HWY_DYNAMIC_DISPATCH(encode8)(pixels, bits, count, base, codes, others);
 }
 template <>
-std::size_t encode(const unsigned short* pixels, const std::uint8_t* bits, std::size_t count,
-                   int base, std::uint8_t* codes, int* others)
+Encoded encode(const unsigned short* pixels, const std::uint8_t* bits, std::size_t count, int base,
+               std::uint8_t* codes, int* others)
 {
     return HWY_DYNAMIC_DISPATCH(encode16)(pixels, bits, count, base, codes, others);
 }
 template <>
-std::size_t encode(const short* pixels, const std::uint8_t* bits, std::size_t count, int base,
-                   std::uint8_t* codes, int* others)
+Encoded encode(const short* pixels, const std::uint8_t* bits, std::size_t count, int base,
+               std::uint8_t* codes, int* others)
 {
     return HWY_DYNAMIC_DISPATCH(encodeShort)(pixels, bits, count, base, codes, others);
 }
 template <>
-std::size_t encode(const unsigned int* pixels, const std::uint8_t* bits, std::size_t count,
-                   unsigned int base, std::uint8_t* codes, unsigned int* others)
+Encoded encode(const unsigned int* pixels, const std::uint8_t* bits, std::size_t count,
+               unsigned int base, std::uint8_t* codes, unsigned int* others)
 {
     return HWY_DYNAMIC_DISPATCH(encode32)(pixels, bits, count, base, codes, others);
 }
 template <>
-std::size_t encode(const int* pixels, const std::uint8_t* bits, std::size_t count, int base,
-                   std::uint8_t* codes, int* others)
+Encoded encode(const int* pixels, const std::uint8_t* bits, std::size_t count, int base,
+               std::uint8_t* codes, int* others)
 {
     return HWY_DYNAMIC_DISPATCH(encodeInt)(pixels, bits, count, base, codes, others);
+}
+
+void countCodes(const std::uint8_t* codes, std::size_t count, unsigned int highest,
+                unsigned int* counts)
+{
+    HWY_DYNAMIC_DISPATCH(countAll)(codes, count, highest, counts);
 }
 
 void part(const float* pixels, const std::uint8_t* bits, std::size_t count, FloatParts& parts)

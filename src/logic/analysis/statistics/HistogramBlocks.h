@@ -18,15 +18,28 @@ inline constexpr std::size_t Padding = 64;  // elements written beyond the end o
 template <class T>
 using Lane = std::conditional_t<std::is_same_v<T, unsigned int>, unsigned int, int>;
 
+/// What a block of integers was found to hold.
+struct Encoded {
+    std::size_t others;    // good pixels outside the window
+    unsigned int highest;  // code
+};
+
 /// Integers: writes value - base for each good pixel within 256 values from `base` on, else 0, and
 /// packs the other good pixels into `others` in order.
 /// @param bits  one for each good pixel, 0 up to the end of a vector
-/// @returns number of others
 /// For unsigned char, unsigned short, short, unsigned int, int. 64 bytes after the pixels and the
 /// bits are readable, Padding elements after the other buffers writable.
 template <class T>
-std::size_t encode(const T* pixels, const std::uint8_t* bits, std::size_t count, Lane<T> base,
-                   std::uint8_t* codes, Lane<T>* others);
+Encoded encode(const T* pixels, const std::uint8_t* bits, std::size_t count, Lane<T> base,
+               std::uint8_t* codes, Lane<T>* others);
+
+/// Codes up to here are counted faster by comparing than in tables.
+inline constexpr unsigned int MostCompared = 24;
+
+/// Adds how often each code from 1 on occurs to `counts`. None is above `highest`, at most
+/// MostCompared; Padding zeros follow the last of at most BlockPixels codes.
+void countCodes(const std::uint8_t* codes, std::size_t count, unsigned int highest,
+                unsigned int* counts);
 
 /// Where floats go, and how many have gone there.
 struct FloatParts {

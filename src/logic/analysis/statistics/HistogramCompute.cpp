@@ -7,9 +7,8 @@
 #include "imagelib/image/BinaryDispatcher.h"
 #include "logic/analysis/statistics/GoodPixels.h"
 #include "logic/analysis/statistics/HistogramBlocks.h"
-#include "logic/analysis/statistics/PairCounts.h"
-#include "logic/analysis/statistics/PixelTotals.h"
 #include "logic/analysis/statistics/SortPixels.h"
+#include "logic/analysis/statistics/ValueCounts.h"
 
 #include <algorithm>
 #include <array>
@@ -196,42 +195,6 @@ void fillFloats(Filling<float>& filling, const float* pixels, const GoodPixels& 
     filling.above().resize(parts.aboveCount);
 }
 
-/// Counts values in a window of 256 that fits most pixels. Two neighbours count as one: increments
-/// of the same counter wait for each other, and equal pairs are rarer than equal pixels.
-template <class T>
-void fillIntegers(Filling<T>& filling, const T* pixels, const GoodPixels& good, double mean)
-{
-    using Lane = histogramblocks::Lane<T>;
-    const double first = mean >= 128 ? mean - 128 : mean < 0 ? mean - 128 : 0;
-    const auto base = static_cast<Lane>(morvend::datatypes::convertPixel<T>(
-        std::min(first, static_cast<double>(std::numeric_limits<T>::max()) - 255)));
-    std::array<std::uint8_t, BlockPixels + Padding> codes;
-    std::array<Lane, BlockPixels + Padding> others;
-    PairCounts pairs;
-    std::size_t counted = 0;
-    const auto* bits = reinterpret_cast<const std::uint8_t*>(good.words());
-    for (std::size_t begin = 0; begin < good.size(); begin += BlockPixels) {
-        const std::size_t count = std::min(BlockPixels, good.size() - begin);
-        const std::size_t otherCount = histogramblocks::encode<T>(
-            pixels + begin, bits + begin / 8, count, base, codes.data(), others.data());
-        counted += count - otherCount;
-        pairs.add(codes.data(), count);
-        for (std::size_t i = 0; i < otherCount; ++i)
-            filling.add(static_cast<T>(others[i]));
-    }
-    std::array<unsigned int, 256> counts = pairs.counts();
-    // Bad pixels, others and the end of the last block were counted as code 0.
-    std::size_t rest = counted - (good.size() - good.good());
-    for (std::size_t code = 1; code < counts.size(); ++code)
-        rest -= counts[code];
-    counts[0] = static_cast<unsigned int>(rest);
-    for (std::size_t code = 0; code < counts.size(); ++code)
-        if (counts[code] > 0)
-            filling.add(static_cast<T>(base + static_cast<Lane>(code)), counts[code]);
-}
-
-constexpr std::size_t FewPixels = 1 << 16;  // not worth the tables
-
 }  // namespace
 
 template <class L, class R>
@@ -244,25 +207,36 @@ template <class L>
 void HistogramCompute::_count(const MImage& image, const GoodPixels& good) const
 {
     const L* pixels = image.pixels<L>();
-    Filling<L> filling(_mean, image.size());
-    const auto plainly = [&] {
-        good.forEach(0, good.size(), [&](std::size_t i) {
-            if (pixels[i] == pixels[i])
-                filling.add(pixels[i]);
-        });
-    };
-    if constexpr (std::is_same_v<L, float>) {
-        fillFloats(filling, pixels, good);
-    } else if constexpr (HasVectorTotals<L>) {
-        if (good.size() < FewPixels)
-            plainly();
-        else
-            fillIntegers(filling, pixels, good, _mean);
+    if constexpr (CountsValues<L>) {
+        ValueCounts<L> counts(pixels, good);
+        counts.upTo(good.size());
+        return fill(counts);
     } else {
-        plainly();
+        Filling<L> filling(_mean, image.size());
+        if constexpr (std::is_same_v<L, float>)
+            fillFloats(filling, pixels, good);
+        else
+            good.forEach(0, good.size(), [&](std::size_t i) {
+                if (pixels[i] == pixels[i])
+                    filling.add(pixels[i]);
+            });
+        filling.finish(*_target);
     }
+}
+
+template <class T>
+void HistogramCompute::fill(const ValueCounts<T>& counts) const
+{
+    Filling<T> filling(_mean, counts.size());
+    counts.forEach([&](T value, unsigned int times) { filling.add(value, times); });
     filling.finish(*_target);
 }
+
+template void HistogramCompute::fill(const ValueCounts<unsigned char>&) const;
+template void HistogramCompute::fill(const ValueCounts<unsigned short>&) const;
+template void HistogramCompute::fill(const ValueCounts<short>&) const;
+template void HistogramCompute::fill(const ValueCounts<unsigned int>&) const;
+template void HistogramCompute::fill(const ValueCounts<int>&) const;
 
 void HistogramCompute::compute(const MImage& image, const MImage& mask) const
 {

@@ -9,6 +9,8 @@
 #include <memory>
 
 class GoodPixels;
+template <class T>
+class ValueCounts;
 
 /// What an IntegratedHistogram holds.
 struct IntergrateHistogramPrivate {
@@ -41,6 +43,10 @@ public:
     {}
 
     void compute(const morvend::imglib::MImage& image, const morvend::imglib::MImage& mask) const;
+
+    /// From values that were counted already.
+    template <class T>
+    void fill(const ValueCounts<T>& counts) const;
 
     template <class L, class R>
     void operator()(const morvend::imglib::MImage& image,

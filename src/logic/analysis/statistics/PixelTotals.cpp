@@ -22,22 +22,6 @@ using tarvik_simd::HWY_NAMESPACE::goodLanes;
 
 #if HWY_TARGET == HWY_SCALAR
 
-template <class T>
-std::size_t integerBlock(const T* pixels, const std::uint8_t* bits, std::size_t count, T fill,
-                         IntegerBlock<T>& block)
-{
-    for (std::size_t i = 0; i < count; ++i) {
-        const T value = (bits[i / 8] >> (i % 8)) & 1 ? pixels[i] : fill;
-        block.lowest = std::min(block.lowest, value);
-        block.highest = std::max(block.highest, value);
-        const auto number = static_cast<std::int64_t>(value);
-        block.nonzeros += value != 0;
-        block.sum += number;
-        block.squares += static_cast<std::uint64_t>(number) * static_cast<std::uint64_t>(number);
-    }
-    return count;
-}
-
 void floatBlock(const float* pixels, const std::uint8_t* bits, std::size_t count, FloatBlock& block)
 {
     for (std::size_t i = 0; i < count; ++i) {
@@ -54,60 +38,6 @@ void floatBlock(const float* pixels, const std::uint8_t* bits, std::size_t count
 }
 
 #else
-
-/// Counts 32-bit lanes; pixels of fewer bits are widened.
-template <class T>
-HWY_INLINE std::size_t integerBlock(const T* pixels, const std::uint8_t* bits, std::size_t count,
-                                    T fill, IntegerBlock<T>& block)
-{
-    using Lane = std::conditional_t<sizeof(T) == 4, T, std::int32_t>;
-    const hn::ScalableTag<Lane> d;
-    const hn::RebindToUnsigned<decltype(d)> du;
-    const hn::RepartitionToWide<decltype(d)> dw;
-    const hn::RepartitionToWide<decltype(du)> duw;
-    const hn::Rebind<T, decltype(d)> dt;
-    const std::size_t lanes = hn::Lanes(d);
-    constexpr std::size_t Most = hn::MaxLanes(hn::ScalableTag<Lane>());
-    const auto filled = hn::Set(d, static_cast<Lane>(fill));
-    const auto one = hn::Set(du, 1U);
-    auto low = filled;
-    auto high = filled;
-    auto nonzeros = hn::Zero(du);
-    auto sum = hn::Zero(d);
-    auto even = hn::Zero(dw);
-    auto odd = hn::Zero(dw);
-    std::size_t i = 0;
-    for (; i < count; i += lanes) {
-        // The hardware prefetcher alone stays behind.
-        __builtin_prefetch(reinterpret_cast<const char*>(pixels + i) + 4096);
-        auto value = filled;
-        if constexpr (sizeof(T) == 4)
-            value = hn::LoadU(d, pixels + i);
-        else
-            value = hn::PromoteTo(d, hn::LoadU(dt, pixels + i));
-        value = hn::IfThenElse(goodLanes(d, bits, i), value, filled);
-        low = hn::Min(low, value);
-        high = hn::Max(high, value);
-        nonzeros = hn::Add(nonzeros, hn::Min(hn::BitCast(du, value), one));
-        sum = hn::Add(sum, value);
-        const auto upper = hn::BitCast(d, hn::ShiftRight<32>(hn::BitCast(duw, value)));
-        even = hn::Add(even, hn::MulEven(value, value));
-        odd = hn::Add(odd, hn::MulEven(upper, upper));
-    }
-    Lane sums[Most];
-    hn::StoreU(sum, d, sums);
-    for (std::size_t k = 0; k < lanes; ++k)
-        block.sum += static_cast<std::int64_t>(sums[k]);
-    // By hand: sums of large squares wrap, which signed sums of lanes may not.
-    std::uint64_t squares[hn::MaxLanes(hn::ScalableTag<std::uint64_t>())];
-    hn::StoreU(hn::BitCast(duw, hn::Add(even, odd)), duw, squares);
-    for (std::size_t k = 0; k < hn::Lanes(duw); ++k)
-        block.squares += squares[k];
-    block.nonzeros += hn::GetLane(hn::SumOfLanes(du, nonzeros));
-    block.lowest = std::min(block.lowest, static_cast<T>(hn::GetLane(hn::MinOfLanes(d, low))));
-    block.highest = std::max(block.highest, static_cast<T>(hn::GetLane(hn::MaxOfLanes(d, high))));
-    return i;
-}
 
 HWY_INLINE void floatBlock(const float* pixels, const std::uint8_t* bits, std::size_t count,
                            FloatBlock& block)
@@ -158,48 +88,75 @@ HWY_INLINE void floatBlock(const float* pixels, const std::uint8_t* bits, std::s
     block.zeros = hn::GetLane(hn::SumOfLanes(du, zeros));
 }
 
+/// `count` is a multiple of the lanes of vectors.
+template <class T>
+HWY_INLINE void integerBlock(const T* values, std::size_t count, IntegerBlock<T>& block)
+{
+    const hn::ScalableTag<T> d;
+    const hn::RebindToUnsigned<decltype(d)> du;
+    const std::size_t lanes = hn::Lanes(d);
+    auto low = hn::LoadU(d, values);
+    auto high = low;
+    auto nonzeros = hn::Zero(du);
+    auto sum = hn::Zero(d);
+    const hn::RepartitionToWide<decltype(d)> dw;
+    const hn::RepartitionToWide<decltype(du)> duw;
+    auto even = hn::Zero(dw);
+    auto odd = hn::Zero(dw);
+    for (std::size_t i = 0; i < count; i += lanes) {
+        const auto value = hn::LoadU(d, values + i);
+        low = hn::Min(low, value);
+        high = hn::Max(high, value);
+        nonzeros = hn::Add(nonzeros, hn::Min(hn::BitCast(du, value), hn::Set(du, 1U)));
+        sum = hn::Add(sum, value);
+        const auto upper = hn::BitCast(d, hn::ShiftRight<32>(hn::BitCast(duw, value)));
+        even = hn::Add(even, hn::MulEven(value, value));
+        odd = hn::Add(odd, hn::MulEven(upper, upper));
+    }
+    T sums[hn::MaxLanes(hn::ScalableTag<T>())];
+    hn::StoreU(sum, d, sums);
+    for (std::size_t k = 0; k < lanes; ++k)
+        block.sum += static_cast<std::int64_t>(sums[k]);
+    // By hand: sums of large squares wrap, which signed sums of lanes may not.
+    std::uint64_t squares[hn::MaxLanes(hn::ScalableTag<std::uint64_t>())];
+    hn::StoreU(hn::BitCast(duw, hn::Add(even, odd)), duw, squares);
+    for (std::size_t k = 0; k < hn::Lanes(duw); ++k)
+        block.squares += squares[k];
+    block.nonzeros = hn::GetLane(hn::SumOfLanes(du, nonzeros));
+    block.lowest = hn::GetLane(hn::MinOfLanes(d, low));
+    block.highest = hn::GetLane(hn::MaxOfLanes(d, high));
+}
+
 #endif
 
 template <class T>
-HWY_INLINE PixelTotals<T> integerTotals(const T* pixels, const GoodPixels& good, int saturation)
+HWY_INLINE void addValues(ExactTotals<T>& totals, const T* values, std::size_t count)
 {
-    IntegerTotals<T> totals(pixels, good, saturation);
-    const auto* bits = reinterpret_cast<const std::uint8_t*>(good.words());
-    for (std::size_t begin = 0; begin < good.size(); begin += BlockPixels) {
-        const std::size_t count = std::min(BlockPixels, good.size() - begin);
-        IntegerBlock<T> block(totals.fill());
-        const std::size_t lanes =
-            integerBlock(pixels + begin, bits + begin / 8, count, totals.fill(), block);
-        totals.add(begin, count, lanes, block);
+#if HWY_TARGET != HWY_SCALAR
+    const std::size_t whole = count - count % hn::Lanes(hn::ScalableTag<T>());
+    for (std::size_t begin = 0; begin < whole; begin += BlockPixels) {
+        const std::size_t size = std::min(BlockPixels, whole - begin);
+        IntegerBlock<T> block(values[begin]);
+        integerBlock(values + begin, size, block);
+        block.addTo(totals, values + begin, size);
     }
-    return totals.result();
+    values += whole;
+    count -= whole;
+#endif
+    for (std::size_t i = 0; i < count; ++i)
+        totals.add(values[i]);
 }
 
-PixelTotals<unsigned char> uint8Totals(const unsigned char* pixels, const GoodPixels& good,
-                                       int saturation)
+void addInts(ExactTotals<int>& totals, const int* values, std::size_t count)
 {
-    return integerTotals(pixels, good, saturation);
+    addValues(totals, values, count);
 }
-PixelTotals<unsigned short> uint16Totals(const unsigned short* pixels, const GoodPixels& good,
-                                         int saturation)
+void addUnsigneds(ExactTotals<unsigned int>& totals, const unsigned int* values, std::size_t count)
 {
-    return integerTotals(pixels, good, saturation);
-}
-PixelTotals<short> int16Totals(const short* pixels, const GoodPixels& good, int saturation)
-{
-    return integerTotals(pixels, good, saturation);
-}
-PixelTotals<unsigned int> uint32Totals(const unsigned int* pixels, const GoodPixels& good,
-                                       int saturation)
-{
-    return integerTotals(pixels, good, saturation);
-}
-PixelTotals<int> int32Totals(const int* pixels, const GoodPixels& good, int saturation)
-{
-    return integerTotals(pixels, good, saturation);
+    addValues(totals, values, count);
 }
 
-PixelTotals<float> floatTotals(const float* pixels, const GoodPixels& good, int)
+PixelTotals<float> floatTotals(const float* pixels, const GoodPixels& good)
 {
     PixelTotals<float> totals(pixels[0]);
     const auto* bits = reinterpret_cast<const std::uint8_t*>(good.words());
@@ -218,46 +175,28 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace pixeltotals {
 
-HWY_EXPORT(uint8Totals);
-HWY_EXPORT(uint16Totals);
-HWY_EXPORT(int16Totals);
-HWY_EXPORT(uint32Totals);
-HWY_EXPORT(int32Totals);
+HWY_EXPORT(addInts);
+HWY_EXPORT(addUnsigneds);
 HWY_EXPORT(floatTotals);
 }  // namespace pixeltotals
 
 using namespace pixeltotals;
 
 template <>
-PixelTotals<unsigned char> vectorTotals(const unsigned char* pixels, const GoodPixels& good, int s)
+void ExactTotals<int>::addAll(const int* values, std::size_t count)
 {
-    return HWY_DYNAMIC_DISPATCH(uint8Totals)(pixels, good, s);
+    HWY_DYNAMIC_DISPATCH(addInts)(*this, values, count);
 }
+
 template <>
-PixelTotals<unsigned short> vectorTotals(const unsigned short* pixels, const GoodPixels& good,
-                                         int s)
+void ExactTotals<unsigned int>::addAll(const unsigned int* values, std::size_t count)
 {
-    return HWY_DYNAMIC_DISPATCH(uint16Totals)(pixels, good, s);
+    HWY_DYNAMIC_DISPATCH(addUnsigneds)(*this, values, count);
 }
-template <>
-PixelTotals<short> vectorTotals(const short* pixels, const GoodPixels& good, int s)
+
+PixelTotals<float> vectorTotals(const float* pixels, const GoodPixels& good)
 {
-    return HWY_DYNAMIC_DISPATCH(int16Totals)(pixels, good, s);
-}
-template <>
-PixelTotals<unsigned int> vectorTotals(const unsigned int* pixels, const GoodPixels& good, int s)
-{
-    return HWY_DYNAMIC_DISPATCH(uint32Totals)(pixels, good, s);
-}
-template <>
-PixelTotals<int> vectorTotals(const int* pixels, const GoodPixels& good, int s)
-{
-    return HWY_DYNAMIC_DISPATCH(int32Totals)(pixels, good, s);
-}
-template <>
-PixelTotals<float> vectorTotals(const float* pixels, const GoodPixels& good, int s)
-{
-    return HWY_DYNAMIC_DISPATCH(floatTotals)(pixels, good, s);
+    return HWY_DYNAMIC_DISPATCH(floatTotals)(pixels, good);
 }
 
 #endif

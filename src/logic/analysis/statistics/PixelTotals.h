@@ -64,15 +64,6 @@ PixelTotals<T> plainTotals(const T* pixels, const GoodPixels& good, int saturati
     return totals;
 }
 
-/// Types whose totals are found with vectors.
-template <class T>
-inline constexpr bool HasVectorTotals =
-    std::is_same_v<T, unsigned char> || std::is_same_v<T, unsigned short> ||
-    std::is_same_v<T, short> || std::is_same_v<T, unsigned int> || std::is_same_v<T, int> ||
-    std::is_same_v<T, float>;
-
-/// The same for the types of HasVectorTotals. Sums of integers are exact before they are rounded
-/// once; floats are added in a fixed order, the same for every processor.
+/// The same of floats, with vectors: they are added in a fixed order, the same for every processor.
 /// 64 bytes past the last pixel are readable.
-template <class T>
-PixelTotals<T> vectorTotals(const T* pixels, const GoodPixels& good, int saturation);
+PixelTotals<float> vectorTotals(const float* pixels, const GoodPixels& good);

@@ -323,7 +323,7 @@ TEST_F(FileLoader, EndsWhileItsReaderHangs)
     const auto begin = std::chrono::steady_clock::now();
     hanging.reset();
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(10));
-    EXPECT_TRUE(tarvik::tests::hasEnded(readers.front()));
+    EXPECT_TRUE(tarvik::tests::waitFor([&] { return tarvik::tests::hasEnded(readers.front()); }));
     FormatRegistry::readHdf5Apart(false);
 }
 

@@ -100,20 +100,48 @@ class Render(OutputCase):
             self.assertEqual(image.format, "PNG")
             return numpy.array(image.convert("RGB"))
 
+    LEVELS = ("--background", 0, "--foreground", 11)
+
     def test_levels_tables_and_scale(self):
         source = self.edf(numpy.arange(12, dtype=numpy.int32).reshape(3, 4))
-        levels = ("--background", 0, "--foreground", 11, "--table")
-        grey = self.picture(source, *levels, "Grey Scale")
+        pictures = {}
+        for names in (("HDR", "High Dynamic Range"), ("GS", "Grey Scale"), ("H", "Heat"),
+                      ("RB", "Rainbow")):
+            short, full = (self.picture(source, *self.LEVELS, "--table", name) for name in names)
+            numpy.testing.assert_array_equal(short, full)
+            pictures[names[0]] = short
+        self.assertEqual(len({picture.tobytes() for picture in pictures.values()}), 4)
+        grey = pictures["GS"]
         self.assertEqual(grey.shape, (3, 4, 3))
         self.assertTrue((grey == grey[..., :1]).all())
         steps = numpy.abs(numpy.diff(grey[..., 0].ravel().astype(int)))
         self.assertTrue((steps >= 20).all() and (steps <= 26).all(), steps)
-        large = self.picture(source, *levels, "GS", "--scale", 3)
+        large = self.picture(source, *self.LEVELS, "--table", "GS", "--scale", 3)
         numpy.testing.assert_array_equal(large, grey.repeat(3, 0).repeat(3, 1))
-        small = self.picture(source, *levels, "GS", "--scale", 0.5)
+        small = self.picture(source, *self.LEVELS, "--table", "GS", "--scale", 0.5)
         numpy.testing.assert_array_equal(small, grey[::2, ::2])
-        colour = self.picture(source, *levels, "RB")
-        self.assertFalse((colour[..., 0] == colour[..., 2]).all())
+
+    def test_masked_defective_and_saturated_pixels_have_their_colours(self):
+        frame, mask = numpy.arange(12, dtype="u4").reshape(1, 3, 4), numpy.zeros((3, 4), "u4")
+        mask[0, 1:3] = 1, 4
+        words = (*self.LEVELS, "--table", "GS")
+        plain = self.picture(self.master(frame), *words)
+        special = self.picture(self.master(frame, {"pixel_mask": mask, "saturation_value": 11}),
+                               *words)
+        masked, defective, saturated = special[0, 1], special[0, 2], special[2, 3]
+        self.assertEqual(masked.tolist(), [0, 0, 0])
+        for colour in (defective, saturated):  # no grey
+            self.assertGreater(numpy.ptp(colour), 0)
+        self.assertNotEqual(defective.tolist(), saturated.tolist())
+        special[0, 1:3], special[2, 3] = plain[0, 1:3], plain[2, 3]
+        numpy.testing.assert_array_equal(special, plain)
+
+    def test_what_cannot_be_is_refused(self):
+        source = self.edf(numpy.zeros((2000, 2000), "u1"))
+        for words in (("--background", 5, "--foreground", 5), ("--foreground", -1e9),
+                      ("--scale", 64)):
+            self.assertFails(1, run("render", *words, source, self.folder / "x.png"))
+        self.assertEqual(self.names(), ["x.edf"])
 
     def test_default_contrast_shows_something(self):
         pixels = RANDOM.poisson(20, (40, 30)).astype(numpy.uint16)

@@ -5,16 +5,13 @@
 #include "imagelib/codec/BitPlanes.h"
 #include "imagelib/codec/Shuffle.h"
 #include "tests/imagelib/codec/TestData.h"
-#include "tests/support/EachTarget.h"
+#include "tests/support/EveryTarget.h"
 
 namespace morvend::codec {
 namespace {
 
 using namespace tarvik::tests;
 using Sizes = std::initializer_list<std::size_t>;
-
-INSTANTIATE_TEST_SUITE_P(Targets, EachTarget, testing::ValuesIn(EachTarget::all()),
-                         EachTarget::name);
 
 Bytes unshuffledByDefinition(const Bytes& planes, std::size_t size)
 {
@@ -29,40 +26,44 @@ Bytes unshuffledByDefinition(const Bytes& planes, std::size_t size)
     return elements;
 }
 
-TEST_P(EachTarget, UnshufflesBitsByTheDefinitionAndShuffleIsTheInverse)
+TEST(BitPlanes, UnshufflesBitsByTheDefinitionAndShuffleIsTheInverse)
 {
-    for (const std::size_t size : Sizes{1, 2, 3, 4, 8, 12})
-        for (const std::size_t count :
-             Sizes{0, 8, 16, 64, 120, 256, 264, 512, 520, 2048, 2048 + 72, 4096 + 256 + 8})
-            for (const Pattern pattern : Patterns) {
-                // Sparse elements and gaps have equal planes, which take roads of their own.
-                const Bytes elements = makeElements(pattern, count, size);
-                Bytes planes(elements.size());
-                shuffleBits(elements.data(), count, size, planes.data());
-                EXPECT_TRUE(unshuffledByDefinition(planes, size) == elements);
-                Bytes result(elements.size());
-                bitUnshuffler()(planes.data(), count, size, result.data());
-                EXPECT_TRUE(result == elements) << size << ' ' << count << ' ' << int(pattern);
-            }
+    forEveryTarget([] {
+        for (const std::size_t size : Sizes{1, 2, 3, 4, 8, 12})
+            for (const std::size_t count :
+                 Sizes{0, 8, 16, 64, 120, 256, 264, 512, 520, 2048, 2048 + 72, 4096 + 256 + 8})
+                for (const Pattern pattern : Patterns) {
+                    // Sparse elements and gaps have equal planes, which take roads of their own.
+                    const Bytes elements = makeElements(pattern, count, size);
+                    Bytes planes(elements.size());
+                    shuffleBits(elements.data(), count, size, planes.data());
+                    EXPECT_TRUE(unshuffledByDefinition(planes, size) == elements);
+                    Bytes result(elements.size());
+                    bitUnshuffler()(planes.data(), count, size, result.data());
+                    EXPECT_TRUE(result == elements) << size << ' ' << count << ' ' << int(pattern);
+                }
+    });
 }
 
-TEST_P(EachTarget, UnshufflesBytesByTheDefinition)
+TEST(BitPlanes, UnshufflesBytesByTheDefinition)
 {
-    for (const std::size_t size : Sizes{1, 2, 3, 4, 5, 8, 12, 16}) {
-        for (const std::size_t bytes : Sizes{0, 1, 7, 64, 255, 256, 1000, 4096, 5003}) {
-            const Bytes shuffled = makeElements(Pattern::Noise, bytes, 1);
-            const std::size_t count = bytes / size;
-            Bytes expected = shuffled;
-            for (std::size_t i = 0; i < count * size; ++i)
-                expected[i] = shuffled[i % size * count + i / size];
-            Bytes elements(bytes);
-            byteUnshuffle(shuffled, size, elements);
-            EXPECT_EQ(elements, expected) << size << ' ' << bytes;
-            Bytes again(bytes);
-            byteShuffle(elements, size, again);
-            EXPECT_EQ(again, shuffled) << size << ' ' << bytes;
+    forEveryTarget([] {
+        for (const std::size_t size : Sizes{1, 2, 3, 4, 5, 8, 12, 16}) {
+            for (const std::size_t bytes : Sizes{0, 1, 7, 64, 255, 256, 1000, 4096, 5003}) {
+                const Bytes shuffled = makeElements(Pattern::Noise, bytes, 1);
+                const std::size_t count = bytes / size;
+                Bytes expected = shuffled;
+                for (std::size_t i = 0; i < count * size; ++i)
+                    expected[i] = shuffled[i % size * count + i / size];
+                Bytes elements(bytes);
+                byteUnshuffle(shuffled, size, elements);
+                EXPECT_EQ(elements, expected) << size << ' ' << bytes;
+                Bytes again(bytes);
+                byteShuffle(elements, size, again);
+                EXPECT_EQ(again, shuffled) << size << ' ' << bytes;
+            }
         }
-    }
+    });
 }
 
 }  // namespace

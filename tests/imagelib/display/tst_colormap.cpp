@@ -8,7 +8,7 @@
 #include "imagelib/display/MRect.h"
 #include "imagelib/image/MImage.h"
 #include "tests/imagelib/display/TransferReference.h"
-#include "tests/support/EachTarget.h"
+#include "tests/support/EveryTarget.h"
 
 #include <gmock/gmock.h>
 
@@ -184,25 +184,24 @@ MImage randomImage(int width, int height)
     return image;
 }
 
-TEST_P(EachTarget, RandomImagesHaveTheColoursOfTheRules)
+TEST(ColorMap, RandomImagesHaveTheColoursOfTheRules)
 {
     const Highlight h{900000, true, true};
+    const MColorTable& table = *MColorTable::hdr();
     for (const Contrast& c : {contrasts[0], contrasts[6], contrasts[9], contrasts[12]}) {
         const auto check = [&]<class T>(T) {
             const MImage image = randomImage<T>(331, 67);
-            const int beside = compare<T>(image, {}, colored(image, c, *MColorTable::hdr(), {}, h),
-                                          c, *MColorTable::hdr(), h);
-            // Single precision and exact borders differ at few pixels only.
-            EXPECT_LT(beside, int(image.size() / 200));
+            forEveryTarget([&] {
+                // Single precision and exact borders differ at few pixels only.
+                EXPECT_LT(compare<T>(image, {}, colored(image, c, table, {}, h), c, table, h),
+                          int(image.size() / 200));
+            });
         };
         check(int());
         check(0U);
         check(0.0F);
     }
 }
-
-INSTANTIATE_TEST_SUITE_P(Targets, EachTarget, testing::ValuesIn(EachTarget::all()),
-                         EachTarget::name);
 
 TEST(ColorMap, LogarithmicEntriesAreThoseOfTheExactLogarithm)
 {
@@ -302,21 +301,6 @@ TEST(ColorMap, RefusesWhatItCannotDo)
     for (MRect rect : {MRect(0, 0, 11, 8), MRect(-1, 0, 5, 5), MRect(6, 0, 5, 5), MRect(0, 4, 5, 5),
                        MRect(2147483647, 0, 5, 5), MRect(0, 0, -1, 5)})
         refused(testing::EndsWith("leaves an image of 10 x 8"), "ARGB", nullptr, &rect);
-}
-
-TEST(TransferLevels, ForegroundAndLogarithmicForegroundMapToTheEndsOfTheLogarithmicPart)
-{
-    for (const auto& [f, b] : {std::pair{100.0, 0.0}, {17.0, 3.0}, {5.0, -5.0}, {1e5, 9e4}}) {
-        const auto levels = transferLevels<int>(f, b, f * 10000, 512, 1024);
-        EXPECT_NEAR(levels.slope * (f - b), 512, 1e-9);
-        EXPECT_NEAR(levels.logSlope * std::log(f - b) + levels.logOffset, 0, 1e-9);
-        EXPECT_NEAR(levels.logSlope * std::log(f * 10000 - b) + levels.logOffset, 1023, 1e-6);
-    }
-    const auto inverted = transferLevels<unsigned>(10, 20, 1e5, 512, 1024);
-    EXPECT_EQ(inverted.slope, 0);
-    EXPECT_EQ(inverted.logSlope, 0);
-    EXPECT_EQ(inverted.logOffset, 1023);
-    EXPECT_EQ(transferLevels<unsigned>(10, 20, 1e5, 512, 0).logOffset, 0);
 }
 
 }  // namespace

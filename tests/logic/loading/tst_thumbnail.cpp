@@ -5,7 +5,7 @@
 #include "logic/loading/MaskFixup.h"
 #include "logic/loading/MaskThumbnails.h"
 #include "logic/loading/Thumbnail.h"
-#include "tests/logic/analysis/statistics/EveryTarget.h"
+#include "tests/support/EveryTarget.h"
 
 #include <gtest/gtest.h>
 

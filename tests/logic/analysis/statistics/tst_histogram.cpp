@@ -5,7 +5,7 @@
 #include "logic/IntegratedHistogram.h"
 #include "logic/analysis/statistics/MaskRule.h"
 #include "logic/analysis/statistics/SortPixels.h"
-#include "tests/logic/analysis/statistics/EveryTarget.h"
+#include "tests/support/EveryTarget.h"
 
 #include <gtest/gtest.h>
 

@@ -5,7 +5,7 @@
 // instruction set of this processor.
 #include "logic/analysis/statistics/ComputeStatistics.h"
 #include "logic/analysis/statistics/MaskRule.h"
-#include "tests/logic/analysis/statistics/EveryTarget.h"
+#include "tests/support/EveryTarget.h"
 
 #include <gtest/gtest.h>
 

@@ -6,8 +6,10 @@
 
 #include <gtest/gtest.h>
 
+#define HWY_DISABLED_TARGETS 0
 #include <hwy/highway.h>
 
+/// The last time the program chooses by itself.
 template <class Function>
 void forEveryTarget(Function&& f)
 {
@@ -21,4 +23,5 @@ void forEveryTarget(Function&& f)
         hwy::SetSupportedTargetsForTest(0);
         hwy::GetChosenTarget().Update(hwy::SupportedTargets());
     }
+    f();
 }

@@ -3,22 +3,16 @@
 //
 // HDF5 files read by the process tarvik-reader, which is killed now and then.
 #include "imagelib/io/FormatRegistry.h"
+#include "imagelib/io/MHdf5Writer.h"
 #include "imagelib/io/MImageSeries.h"
-#include "tests/imagelib/io/hostile/SmallFiles.h"
+#include "tests/imagelib/io/FileCases.h"
 #include "tests/support/Processes.h"
 
-#include <boost/optional/optional_io.hpp>
-#include <gmock/gmock.h>
-
 #include <algorithm>
+#include <boost/optional/optional_io.hpp>
 #include <csignal>
-#include <future>
 
 namespace tarvik::tests {
-
-using namespace morvend;
-using namespace morvend::imglib;
-using testing::HasSubstr;
 
 namespace {
 
@@ -75,8 +69,7 @@ TEST_F(Apart, ImagesAndHeadersAreThoseReadInPlace)
         const auto& header = one.optionalData();
         const auto& expected = other.optionalData();
         EXPECT_EQ(header.rotation_angle(), 0.5f * (static_cast<float>(number) - 1));
-        EXPECT_EQ(header.wavelength(), expected.wavelength());
-        EXPECT_EQ(header.imageDescription(), expected.imageDescription());
+        EXPECT_EQ(shown(header), shown(expected));
         EXPECT_EQ(header.rawHeader(), expected.rawHeader());
         EXPECT_EQ(header.nexusTree().toText(), expected.nexusTree().toText());
         ASSERT_TRUE(header.pixel_mask());
@@ -88,36 +81,6 @@ TEST_F(Apart, ImagesAndHeadersAreThoseReadInPlace)
     EXPECT_THROW(apart.at(6), MOutOfRangeException);
 }
 
-TEST_F(Apart, ACrashCostsOneImageAndTheNextOneComes)
-{
-    MImageSeries series(0);
-    series.open(path);
-    for (const int signal : {SIGSEGV, SIGABRT, SIGKILL}) {
-        const MImage before = series.at(1);
-        const pid_t victim = reader();
-        ASSERT_EQ(::kill(victim, SIGSTOP), 0);
-        ASSERT_TRUE(waitFor([&] { return processState(victim) == 'T'; }));
-        auto read = std::async(std::launch::async, [&]() -> std::string {
-            try {
-                series.at(3);
-                return "no failure";
-            } catch (const MRuntimeException& error) {
-                return error.what();
-            }
-        });
-        ASSERT_EQ(read.wait_for(std::chrono::milliseconds(30)), std::future_status::timeout);
-        ::kill(victim, signal);
-        ::kill(victim, SIGCONT);
-        const std::string text = read.get();
-        EXPECT_THAT(text, HasSubstr("HDF5: the reader process ended with signal " +
-                                    std::to_string(signal)));
-        EXPECT_THAT(text, testing::EndsWith("while reading image 3: " + path));
-        EXPECT_EQ(before.pixel<int>(699, 499, 0), 100);
-        EXPECT_EQ(series.at(3).pixel<int>(699, 499, 0), 102);
-        EXPECT_EQ(series.last(), 5);
-    }
-}
-
 TEST_F(Apart, EverySeriesHasAReaderOfItsOwn)
 {
     MImageSeries one(0);
@@ -127,8 +90,9 @@ TEST_F(Apart, EverySeriesHasAReaderOfItsOwn)
     two.open(path);
     EXPECT_EQ(children().size(), 2u);
     ::kill(first, SIGKILL);
+    // A reader that is gone costs nothing but its start.
     EXPECT_EQ(two.at(2).pixel<int>(0, 0, 0), 101);
-    EXPECT_EQ(one.at(2).pixel<int>(0, 0, 0), 101);
+    EXPECT_EQ(one.at(2).pixel<int>(699, 499, 0), 101);
     const std::vector<pid_t> readers = children();
     one.open(1);
     // On a busy machine a killed process takes its time.
@@ -151,24 +115,6 @@ TEST_F(Apart, SeriesGrow)
     series.update();
     EXPECT_EQ(series.last(), 3);
     EXPECT_EQ(series.at(3).pixel<int>(1, 1, 0), 7);
-}
-
-TEST_F(Apart, ChangedBytesNeverEndThisProcess)
-{
-    const std::string whole = smallFile(folder, ".h5", 1);
-    int readable = 0;
-    for (std::size_t at = 0; at < std::min<std::size_t>(whole.size(), 4096); at += 23) {
-        std::string damaged = whole;
-        damaged[at] = static_cast<char>(damaged[at] ^ 0xff);
-        try {
-            MImageSeries series(0);
-            const int number = series.open(folder.write("flip.h5", damaged));
-            readable += !series.at(static_cast<std::size_t>(number)).empty();
-        } catch (const MException& error) {
-            EXPECT_THAT(error.what(), HasSubstr(folder.path()));
-        }
-    }
-    EXPECT_GT(readable, 0);
 }
 
 }  // namespace tarvik::tests

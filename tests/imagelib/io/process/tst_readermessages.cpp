@@ -3,14 +3,9 @@
 //
 // Requests and answers as texts, whole and malformed.
 #include "imagelib/io/process/ReaderMessages.h"
-
-#include <gtest/gtest.h>
+#include "tests/imagelib/io/FileCases.h"
 
 namespace tarvik::tests {
-
-using namespace morvend;
-using namespace morvend::imglib;
-
 namespace {
 
 ReaderAnswer fullAnswer()
@@ -27,14 +22,15 @@ ReaderAnswer fullAnswer()
 }
 
 template <class Exception>
-bool keepsItsClass()
+void expectKeepsItsClass()
 {
     ReaderAnswer answer = fullAnswer();
     answer.fail(Exception("text: /data/x"));
     try {
         ReaderAnswer::fromText(answer.toText()).rethrow();
     } catch (const std::exception& error) {
-        return typeid(error) == typeid(Exception) && error.what() == std::string("text: /data/x");
+        EXPECT_EQ(typeid(error), typeid(Exception));
+        EXPECT_STREQ(error.what(), "text: /data/x");
     }
 }
 
@@ -56,19 +52,19 @@ TEST(ReaderMessages, CrossWhole)
 
 TEST(ReaderMessages, FailuresKeepTheirClass)
 {
-    EXPECT_TRUE(keepsItsClass<MRuntimeException>());
-    EXPECT_TRUE(keepsItsClass<MOutOfRangeException>());
-    EXPECT_TRUE(keepsItsClass<MBadParameterException>());
-    EXPECT_TRUE(keepsItsClass<MNoFileAccessException>());
-    EXPECT_TRUE(keepsItsClass<MUnknownFormatException>());
-    EXPECT_TRUE(keepsItsClass<MNotImplementedException>());
-    EXPECT_TRUE(keepsItsClass<MTimeoutException>());
+    expectKeepsItsClass<MRuntimeException>();
+    expectKeepsItsClass<MOutOfRangeException>();
+    expectKeepsItsClass<MBadParameterException>();
+    expectKeepsItsClass<MNoFileAccessException>();
+    expectKeepsItsClass<MUnknownFormatException>();
+    expectKeepsItsClass<MNotImplementedException>();
+    expectKeepsItsClass<MTimeoutException>();
     ReaderAnswer answer;
     answer.fail(std::runtime_error(std::string("a\0b", 3)));
     EXPECT_THROW(ReaderAnswer::fromText(answer.toText()).rethrow(), MRuntimeException);
 }
 
-TEST(ReaderMessages, EveryCutAndEveryChangedByteIsRefusedOrRead)
+TEST(ReaderMessages, CutsAndChangedBytesAreRefusedOrRead)
 {
     const std::string request = ReaderRequest{ReaderRequest::Kind::Open, "/data/x", 7}.toText();
     const std::string answer = fullAnswer().toText();
@@ -76,18 +72,15 @@ TEST(ReaderMessages, EveryCutAndEveryChangedByteIsRefusedOrRead)
         EXPECT_THROW(ReaderAnswer::fromText(answer.substr(0, size)), MRuntimeException) << size;
         std::string changed = answer;
         changed[size] = static_cast<char>(changed[size] ^ 0x11);
-        try {
-            ReaderAnswer::fromText(changed);
-        } catch (const MRuntimeException&) {
-        }
+        failureOf([&] { ReaderAnswer::fromText(changed); });
     }
     for (std::size_t size = 0; size < request.size(); ++size)
         EXPECT_THROW(ReaderRequest::fromText(request.substr(0, size)), MRuntimeException) << size;
     EXPECT_THROW(ReaderAnswer::fromText(answer + "x"), MRuntimeException);
-    for (const char* bad : {"4", "-1", "", "1x", "99999999999999999999"})
-        EXPECT_THROW(ReaderRequest::fromText(bad + std::string("\0/x\0000\0", 6)),
+    for (const char* kind : {"4", "-1", "", "1x", "99999999999999999999"})
+        EXPECT_THROW(ReaderRequest::fromText(kind + std::string("\0/x\0000\0", 6)),
                      MRuntimeException)
-            << bad;
+            << kind;
 }
 
 }  // namespace tarvik::tests

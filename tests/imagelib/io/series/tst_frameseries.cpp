@@ -2,37 +2,26 @@
 // SPDX-License-Identifier: MIT
 //
 // Frames of one container under numbers, with a container that the test controls.
-#include "imagelib/io/series/FrameSeries.h"
-
-#include "imagelib/image/MException.h"
 #include "imagelib/io/process/MReaderGoneException.h"
+#include "imagelib/io/series/FrameSeries.h"
+#include "tests/imagelib/io/FileCases.h"
 #include "tests/support/Processes.h"
-#include "tests/support/TempFolder.h"
-
-#include <boost/optional/optional_io.hpp>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <limits>
 
-using namespace morvend;
-using imglib::FrameSeries;
-using imglib::ImageFile;
-using imglib::MImage;
-
+namespace tarvik::tests {
 namespace {
 
 /// A container whose frame at position p has the pixel 100 + p.
 class Container : public ImageFile {
 public:
-    const char* kind = "HDF5";
     std::size_t frames = 3;
     std::size_t framesAfterUpdate = 3;
     std::size_t damagedFrame = std::size_t(-1);
     std::string description;
     std::string main;
 
-    const char* format() const override { return kind; }
+    const char* format() const override { return "HDF5"; }
     std::size_t frameCount() const override { return frames; }
     std::size_t openedFrame() const override { return 2; }
     int firstNumber() const override { return 1; }
@@ -55,11 +44,6 @@ public:
 
 class FramesOfAContainer : public testing::Test {
 protected:
-    FramesOfAContainer()
-        : path(folder.write("x_master.h5", "?"))
-        , owned(std::make_unique<Container>())
-        , container(owned.get())
-    {}
     FrameSeries series()
     {
         return FrameSeries(path, std::move(owned), [this](const std::string&) { return reopen(); });
@@ -71,10 +55,10 @@ protected:
         folder.write("x_master.h5", "another");
     }
 
-    tarvik::tests::TempFolder folder;
-    std::string path;
-    std::unique_ptr<Container> owned;
-    Container* container;
+    const TempFolder folder;
+    const std::string path = folder.write("x_master.h5", "?");
+    std::unique_ptr<Container> owned = std::make_unique<Container>();
+    Container* const container = owned.get();
     std::function<std::unique_ptr<ImageFile>()> reopen;
     int replacements = 0;
 };
@@ -108,15 +92,17 @@ TEST_F(FramesOfAContainer, CountFromItsFirstNumber)
 TEST_F(FramesOfAContainer, AreNamedByFileAndNumberUnlessTheFileNamesThem)
 {
     const FrameSeries frames = series();
-    EXPECT_EQ(frames.at(2).optionalData().imageDescription(), std::string("x_master.h5 - image 2"));
+    const auto name = [&](int number) {
+        return frames.at(number).optionalData().imageDescription().value_or("");
+    };
+    EXPECT_EQ(name(2), "x_master.h5 - image 2");
     container->main = "/data/other_master.h5";
-    EXPECT_EQ(frames.at(2).optionalData().imageDescription(),
-              std::string("other_master.h5 - image 2"));
+    EXPECT_EQ(name(2), "other_master.h5 - image 2");
     container->main.clear();
     container->frames = 1;
-    EXPECT_EQ(frames.at(1).optionalData().imageDescription(), std::string("x_master.h5"));
+    EXPECT_EQ(name(1), "x_master.h5");
     container->description = "Lysozyme";
-    EXPECT_EQ(frames.at(1).optionalData().imageDescription(), std::string("Lysozyme"));
+    EXPECT_EQ(name(1), "Lysozyme");
 }
 
 TEST_F(FramesOfAContainer, ADamagedFrameLeavesTheOthers)
@@ -158,7 +144,7 @@ TEST_F(FramesOfAContainer, StayWhenTheFileIsGoneOrReplacedByOneThatIsRefusedOrEn
     };
     testing::internal::CaptureStderr();
     looksAfter(MRuntimeException("incomplete"));
-    looksAfter(imglib::MReaderGoneException("the reader has crashed"));
+    looksAfter(MReaderGoneException("the reader has crashed"));
     looksAfter(MTimeoutException("the reader hangs"));
     EXPECT_EQ(opened, 3);  // once for each file
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "WARNING: the reader has crashed\n");
@@ -182,7 +168,7 @@ TEST_F(FramesOfAContainer, ComeLaterWhenTheirFileWaitedForAnother)
     replaceFile();
     frames.update();
     complete = true;
-    EXPECT_TRUE(tarvik::tests::waitFor([&] {
+    EXPECT_TRUE(waitFor([&] {
         frames.update();
         return frames.last() == 7;
     }));
@@ -195,3 +181,5 @@ TEST_F(FramesOfAContainer, MoreThanAnIntCanCountEndAtTheLastInt)
     EXPECT_EQ(frames.last(), std::numeric_limits<int>::max() - 1);
     EXPECT_EQ(frames.next(frames.last()), -1);
 }
+
+}  // namespace tarvik::tests

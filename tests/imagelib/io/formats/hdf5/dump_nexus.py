@@ -1,8 +1,8 @@
 # SPDX-FileCopyrightText: 2026 the TARVIK authors
 # SPDX-License-Identifier: MIT
-"""Writes what h5py finds in a file as JSON: dump_nexus.py FILE REPORT. External links are followed.
-Arrays of two and more dimensions are given as a weighted sum for each image."""
-
+"""Tells as JSON what h5py finds in files: dump_nexus.py ANSWER. Reads paths, a line each, and
+writes one answer for each into the pipe ANSWER. External links are followed. Arrays of two and
+more dimensions are given as a weighted sum for each image."""
 import json
 import sys
 
@@ -35,7 +35,12 @@ def dump(group, path, report):
         node["sums"] = [float((image.ravel() * weights).sum()) for image in images]
 
 
-with h5py.File(sys.argv[1], "r") as file, open(sys.argv[2], "w") as out:
+for line in sys.stdin:
     content = {}
-    dump(file, "", content)
-    json.dump(content, out)
+    try:
+        with h5py.File(line.rstrip("\n"), "r") as file:
+            dump(file, "", content)
+    except Exception as error:  # the test has to see it, and not to wait
+        content = {"error": repr(error)}
+    with open(sys.argv[1], "w") as out:
+        json.dump(content, out)

@@ -99,31 +99,45 @@ void addAll(const T* pixels, std::size_t columns, std::size_t rows, ColumnSum<T>
         addTogether(pixels + y * columns, columns, rows - y, y == 0, sums, bits);
 }
 
+/// Joins one row of bytes to others.
+HWY_INLINE void joinRow(const std::uint8_t* in, std::size_t columns, std::uint8_t* out)
+{
+    constexpr std::size_t Group = 256;
+    constexpr std::size_t Line = 64;
+    const hn::ScalableTag<std::uint8_t> d;
+    const std::size_t lanes = hn::Lanes(d);
+    const auto join = [&](std::size_t x) {
+        hn::StoreU(hn::Or(hn::LoadU(d, out + x), hn::LoadU(d, in + x)), d, out + x);
+    };
+    std::size_t x = 0;
+    for (; x + Group <= columns; x += Group) {
+#pragma GCC unroll 4
+        for (std::size_t line = x; line < x + Group; line += Line)
+            __builtin_prefetch(in + line + 16384);
+        auto any = hn::Zero(d);
+#pragma GCC unroll 16
+        for (std::size_t i = x; i < x + Group; i += lanes)
+            any = hn::Or(any, hn::LoadU(d, in + i));
+        // Most are 0, and nothing is written for them.
+        if (!hn::AllTrue(d, hn::Eq(any, hn::Zero(d))))
+            for (std::size_t i = x; i < x + Group; i += lanes)
+                join(i);
+    }
+    for (; x + lanes <= columns; x += lanes)
+        join(x);
+    for (; x < columns; ++x)
+        out[x] = static_cast<std::uint8_t>(out[x] | in[x]);
+}
+
 void joinAll(const std::byte* bytes, std::size_t columns, std::size_t rows, std::byte* bits)
 {
-    const hn::ScalableTag<std::uint8_t> d;
     const auto* in = reinterpret_cast<const std::uint8_t*>(bytes);
     auto* out = reinterpret_cast<std::uint8_t*>(bits);
     std::fill_n(out, columns, std::uint8_t(0));
-    for (std::size_t y = 0; y < rows;) {
-        const std::size_t together = std::min(Together, rows - y);
-        const std::uint8_t* first = in + y * columns;
-        overColumns(
-            columns, hn::Lanes(d),
-            [&](std::size_t x) {
-                auto joined = hn::LoadU(d, out + x);
-                for (std::size_t row = 0; row < together; ++row) {
-                    fetchAhead(first + row * columns + x);
-                    joined = hn::Or(joined, hn::LoadU(d, first + row * columns + x));
-                }
-                hn::StoreU(joined, d, out + x);
-            },
-            [&](std::size_t x) {
-                for (std::size_t row = 0; row < together; ++row)
-                    out[x] = static_cast<std::uint8_t>(out[x] | first[row * columns + x]);
-            });
-        y += together;
-    }
+    // One row after the other: there is so little to do that the memory gives most along one
+    // stream.
+    for (std::size_t y = 0; y < rows; ++y, in += columns)
+        joinRow(in, columns, out);
 }
 
 #define TARVIK_ADD_ROWS(T, Name)                                                                   \

@@ -239,25 +239,43 @@ class Marks : public Bands<T> {
 public:
     Marks(const MImage& image, MImage target)
         : Bands<T>(image, std::move(target))
-        , _bits(this->source.width * sizeof(T))
+        , _bits(this->source.width)
     {}
 
 private:
+    /// All the bits of a pixel, whatever its type.
+    using Bits = std::conditional_t<
+        sizeof(T) == 1, std::uint8_t,
+        std::conditional_t<sizeof(T) == 2, std::uint16_t,
+                           std::conditional_t<sizeof(T) == 4, std::uint32_t, std::uint64_t>>>;
+
     void fill(Span rows, T* out) override
     {
-        joinRows(reinterpret_cast<const std::byte*>(this->source.row(rows.begin)), _bits.size(),
-                 static_cast<std::size_t>(rows.end - rows.begin), _bits.data());
+        joinRows(reinterpret_cast<const std::byte*>(this->source.row(rows.begin)),
+                 this->source.width * sizeof(T), static_cast<std::size_t>(rows.end - rows.begin),
+                 reinterpret_cast<std::byte*>(_bits.data()));
         for (const Span columns : this->columns()) {
-            const auto begin = _bits.begin() + columns.begin * std::ptrdiff_t(sizeof(T));
-            const auto end = _bits.begin() + columns.end * std::ptrdiff_t(sizeof(T));
-            const bool clear =
-                std::all_of(begin, end, [](std::byte b) { return b == std::byte(0); });
-            *out++ =
-                clear ? T(0) : first(this->source, columns, rows, [](T v) { return v != T(0); });
+            const Span marked = _marked(columns);
+            *out++ = marked.empty()
+                         ? T(0)
+                         : first(this->source, marked, rows, [](T v) { return v != T(0); });
         }
     }
 
-    std::vector<std::byte> _bits;
+    /// The columns of a cell without those at its ends that have no mark.
+    Span _marked(Span columns) const
+    {
+        const auto clear = [this](int column) {
+            return _bits[static_cast<std::size_t>(column)] == Bits(0);
+        };
+        while (!columns.empty() && clear(columns.begin))
+            ++columns.begin;
+        while (!columns.empty() && clear(columns.end - 1))
+            --columns.end;
+        return columns;
+    }
+
+    std::vector<Bits> _bits;
 };
 
 template <class T>

@@ -34,7 +34,8 @@ struct IntergrateHistogramPrivate {
 ///
 /// Memory: two scratch arrays of the image's size from the pool of pixel memory, so that the loop
 /// never reallocates; only what the tails need of them is touched. A tail that fills most of its
-/// scratch keeps it.
+/// scratch keeps it. Integers of 16 and 32 bits and bytes are counted by ValueCounts, which takes
+/// one more.
 class HistogramCompute {
 public:
     HistogramCompute(IntergrateHistogramPrivate* target, double mean)

@@ -45,7 +45,7 @@ void PreloaderService::_serve(Peer peer)
     Method method{};
     unsigned long index = 0;
     std::string path;
-    preloader::unpack(_queue.receiveFrom(peer), method, index, path);
+    preloader::unpack(preloader::checkedRequest(_queue.receiveFrom(peer)), method, index, path);
     const PreloaderCache::Key key(path, index);
     const std::string place = path + ", " + std::to_string(index) + '\n';
     if (method == preloader::PUT) {

@@ -78,7 +78,7 @@ bool PreloaderClient::_receive(MImage& image, unsigned long index)
     try {
         queue().sendTo(peer, preloader::pack(preloader::GET, index, _path));
         bool hit = false;
-        preloader::unpack(queue().receiveFrom(peer, longestWait), hit);
+        preloader::unpack(preloader::checkedReply(queue().receiveFrom(peer, longestWait)), hit);
         if (hit)
             queue().receiveFrom(peer, image, longestWait);
         return hit;

@@ -24,11 +24,15 @@ enum Method : std::uint32_t {
 };
 
 std::string pack(Method method, unsigned long index, const std::string& path);
-/// @throws MRuntimeException when method and index are not there
+/// What a peer sent, if it is long enough to be unpacked. @throws MRuntimeException otherwise
+const std::string& checkedRequest(const std::string& data);
+/// Asserts that method and index are there.
 void unpack(const std::string& data, Method& method, unsigned long& index, std::string& path);
 
 std::string pack(bool hit);
-/// @throws MRuntimeException when the byte is not there
+/// As checkedRequest().
+const std::string& checkedReply(const std::string& data);
+/// Asserts that the byte is there.
 void unpack(const std::string& data, bool& hit);
 
 }  // namespace preloader

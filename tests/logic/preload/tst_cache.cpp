@@ -113,8 +113,9 @@ TEST(PreloaderMessages, AreBytesInTheOrderOfTheMachine)
     bool hit = false;
     preloader::unpack(std::string("\1x", 2), hit);
     EXPECT_TRUE(hit);
-    EXPECT_THROW(preloader::unpack(put.substr(0, 11), method, index, path), morvend::MException);
-    EXPECT_THROW(preloader::unpack("", hit), morvend::MException);
+    EXPECT_EQ(preloader::checkedRequest(put.substr(0, 12)).size(), 12U);
+    EXPECT_THROW(preloader::checkedRequest(put.substr(0, 11)), morvend::MException);
+    EXPECT_THROW(preloader::checkedReply(""), morvend::MException);
 }
 
 }  // namespace

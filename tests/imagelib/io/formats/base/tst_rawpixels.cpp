@@ -5,7 +5,7 @@
 #include "imagelib/io/formats/base/AtomicFile.h"
 #include "imagelib/io/formats/base/RawPixels.h"
 #include "tests/imagelib/io/FileCases.h"
-#include "tests/support/EachTarget.h"
+#include "tests/support/EveryTarget.h"
 
 #include <sys/stat.h>
 
@@ -33,7 +33,7 @@ std::vector<std::string> contents(const TempFolder& folder)
 
 TEST(RawPixels, SwapReversesEachValueAndNothingElse)
 {
-    EachTarget::run([] {
+    forEveryTarget([] {
         for (const std::size_t width : {1u, 2u, 4u, 8u})
             for (std::size_t values = 0; values < 70; ++values) {
                 const std::vector<std::byte> before = countedBytes(values * width + 1);
@@ -49,7 +49,7 @@ TEST(RawPixels, SwapReversesEachValueAndNothingElse)
 
 TEST(RawPixels, LowestSignedIsFoundAtEveryPlace)
 {
-    EachTarget::run([] {
+    forEveryTarget([] {
         for (std::size_t size = 0; size < 70; ++size) {
             std::vector<std::int32_t> values(size, 3);
             ASSERT_EQ(lowestSigned(values), 0);

@@ -4,7 +4,7 @@
 // Byte-offset streams: by hand, at random, cut short, and with every vector instruction set.
 #include "imagelib/image/MImage.h"
 #include "imagelib/io/formats/cbf/ByteOffset.h"
-#include "tests/support/EachTarget.h"
+#include "tests/support/EveryTarget.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -149,7 +149,7 @@ void expectAsPlain(std::span<const std::byte> packed, int width, int height)
 TYPED_TEST(ByteOffsetOfType, RoundTripsWithEachInstructionSet)
 {
     using T = TypeParam;
-    EachTarget::run([] {
+    forEveryTarget([] {
         std::mt19937_64 random(1);
         for (int kind = 0; kind < 6; ++kind)
             for (const std::size_t count :
@@ -169,7 +169,7 @@ TYPED_TEST(ByteOffsetOfType, RoundTripsWithEachInstructionSet)
 
 TYPED_TEST(ByteOffsetOfType, AnyBytesGiveWhatPlainCodeGives)
 {
-    EachTarget::run([] {
+    forEveryTarget([] {
         std::mt19937_64 random(2);
         for (int round = 0; round < 100; ++round) {
             std::vector<std::byte> packed(random() % 2000);

@@ -30,23 +30,10 @@ using Levels = std::pair<double, double>;
 template <class T>
 std::vector<T> interestingValues(const std::vector<Levels>& levels)
 {
-    std::vector<double> values{0,
-                               1,
-                               2,
-                               -1,
-                               -2,
-                               5,
-                               1000,
-                               1e6,
-                               65535,
-                               2147483647.0,
-                               -2147483648.0,
-                               4294967295.0,
-                               1e30,
-                               -1e30,
-                               0.5,
-                               1e-30,
-                               std::numeric_limits<double>::quiet_NaN()};
+    std::vector<double> values{
+        0,    1,     2,   -1,   -2, 5, 1000, 1e6, 65535, 2147483647.0, -2147483648.0, 4294967295.0,
+        1e30, -1e30, 0.5, 1e-30};
+    values.push_back(std::numeric_limits<double>::quiet_NaN());
     for (const auto& [foreground, background] : levels) {
         for (const double level : {foreground, background, foreground * 10000}) {
             for (const double step : {-1.0, 0.0, 1.0, -0.25, 0.25})

@@ -19,7 +19,7 @@ namespace {
 using morvend::imglib::MImage;
 
 /// Calls convertRow(first, to) for each row of a part, `to` running through the output.
-template <class ConvertRow>
+template <class To, class ConvertRow>
 void forRows(const MImage& image, const QRect& part, void* out, ConvertRow&& convertRow)
 {
     assert(QRect(0, 0, image.width(), image.height()).contains(part));
@@ -27,7 +27,7 @@ void forRows(const MImage& image, const QRect& part, void* out, ConvertRow&& con
     parallelRows(part.height(), width, [&](int row) {
         const auto y = static_cast<std::size_t>(part.y() + row);
         convertRow(y * static_cast<std::size_t>(image.width()) + static_cast<std::size_t>(part.x()),
-                   static_cast<std::uint32_t*>(out) + width * static_cast<std::size_t>(row));
+                   static_cast<To*>(out) + width * static_cast<std::size_t>(row));
     });
 }
 
@@ -36,10 +36,9 @@ void displayPixelsAs(const MImage& image, const QRect& part, void* out)
 {
     static_assert(sizeof(To) == 4);
     morvend::datatypes::dispatchPixelType(image.type(), image.typeBits(), [&]<class From>() {
-        forRows(image, part, out, [&](std::size_t first, void* to) {
+        forRows<To>(image, part, out, [&](std::size_t first, To* to) {
             const From* from = image.pixels<From>() + first;
-            std::transform(from, from + part.width(), static_cast<To*>(to),
-                           morvend::imglib::displayValue<To, From>);
+            std::transform(from, from + part.width(), to, morvend::imglib::displayValue<To, From>);
         });
     });
 }
@@ -72,9 +71,11 @@ void displayPixels(const MImage& image, const QRect& part, void* out)
 void maskPixels(const MImage& mask, const QRect& part, void* out)
 {
     morvend::datatypes::dispatchPixelType(mask.type(), mask.typeBits(), [&]<class From>() {
-        forRows(mask, part, out, [&](std::size_t first, std::uint32_t* to) {
+        forRows<std::uint8_t>(mask, part, out, [&](std::size_t first, std::uint8_t* to) {
             const From* from = mask.pixels<From>() + first;
-            std::transform(from, from + part.width(), to, morvend::imglib::maskValue<From>);
+            std::transform(from, from + part.width(), to, [](From value) {
+                return static_cast<std::uint8_t>(morvend::imglib::maskValue(value));
+            });
         });
     });
 }

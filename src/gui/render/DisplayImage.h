@@ -41,7 +41,7 @@ private:
 /// at the ends. Large parts are split over the cores.
 /// @param out  room for as many 32-bit values as `part`, which lies in the image (asserted), has
 void displayPixels(const morvend::imglib::MImage& image, const QRect& part, void* out);
-/// The same for a mask, whose values become unsigned ones of the same low bits.
+/// The same for a mask, whose values become bytes of the same low bits.
 void maskPixels(const morvend::imglib::MImage& mask, const QRect& part, void* out);
 
 }  // namespace render

@@ -129,8 +129,8 @@ void ImageTextures::_uploadTile(Unit unit, const MImage& pixels, const TextureFo
     // In bands that stay in the cache between conversion and upload.
     constexpr int bandPixels = 1 << 18;
     const int rows = std::max(1, bandPixels / tile.width());
-    std::vector<std::uint32_t> band(static_cast<std::size_t>(rows) *
-                                    static_cast<std::size_t>(tile.width()));
+    std::vector<std::byte> band(static_cast<std::size_t>(rows) *
+                                static_cast<std::size_t>(tile.width()) * format.bytes);
     for (int y = tile.top(); y <= tile.bottom(); y += rows) {
         const QRect part(tile.x(), y, tile.width(), std::min(rows, tile.bottom() + 1 - y));
         if (unit == Mask)

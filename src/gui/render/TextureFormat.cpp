@@ -28,7 +28,11 @@ TextureFormat TextureFormat::ofImage(datatypes::Type type, std::size_t bits)
     case PixelKind::Float:
         return {GL_R32F, GL_RED, GL_FLOAT, 4, bits == 32};
     case PixelKind::UInt:
-        return ofMask(type, bits);
+        if (bits == 8)
+            return {GL_R8UI, GL_RED_INTEGER, GL_UNSIGNED_BYTE, 1, true};
+        if (bits == 16)
+            return {GL_R16UI, GL_RED_INTEGER, GL_UNSIGNED_SHORT, 2, true};
+        return {GL_R32UI, GL_RED_INTEGER, GL_UNSIGNED_INT, 4, bits == 32};
     case PixelKind::Int:
         break;
     }
@@ -41,12 +45,7 @@ TextureFormat TextureFormat::ofImage(datatypes::Type type, std::size_t bits)
 
 TextureFormat TextureFormat::ofMask(datatypes::Type type, std::size_t bits)
 {
-    const bool integer = type != datatypes::FLOAT;
-    if (integer && bits == 8)
-        return {GL_R8UI, GL_RED_INTEGER, GL_UNSIGNED_BYTE, 1, true};
-    if (integer && bits == 16)
-        return {GL_R16UI, GL_RED_INTEGER, GL_UNSIGNED_SHORT, 2, true};
-    return {GL_R32UI, GL_RED_INTEGER, GL_UNSIGNED_INT, 4, integer && bits == 32};
+    return {GL_R8UI, GL_RED_INTEGER, GL_UNSIGNED_BYTE, 1, type != datatypes::FLOAT && bits == 8};
 }
 
 }  // namespace render

@@ -15,7 +15,8 @@ namespace render {
 /// stand in memory.
 ///
 /// 8- and 16-bit integers stay as narrow as they are: a shader reads the same values from them, and
-/// a texture of half the size is uploaded in half the time. Only 64-bit types are converted.
+/// a texture of half the size is uploaded in half the time. Of masks the low byte says all that is
+/// shown. Only 64-bit types and wider masks are converted.
 struct TextureFormat {
     int internalFormat;
     unsigned int format;
@@ -27,7 +28,7 @@ struct TextureFormat {
 
     /// Of images of a pixel type, one of the twelve; their shaders are those of kindOf().
     static TextureFormat ofImage(morvend::datatypes::Type type, std::size_t bits);
-    /// Of masks, which shaders read as unsigned integers.
+    /// Of masks, which shaders read as unsigned integers of their low byte.
     static TextureFormat ofMask(morvend::datatypes::Type type, std::size_t bits);
 };
 

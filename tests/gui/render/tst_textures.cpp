@@ -48,9 +48,11 @@ TEST(TextureFormats, NarrowPixelsStayNarrowAndOnlyWideOnesAreConverted)
         EXPECT_EQ(TextureFormat::ofImage(row.type, row.bits), expected)
             << row.type << " " << row.bits;
     }
-    EXPECT_EQ(TextureFormat::ofMask(BOOL, 8).internalFormat, GL_R8UI);
-    EXPECT_TRUE(TextureFormat::ofMask(INT, 32).direct) << "the bits are those of unsigned values";
-    EXPECT_FALSE(TextureFormat::ofMask(FLOAT, 32).direct);
+    for (const auto& [type, bits] : {std::pair(BOOL, 8), {UINT, 32}, {INT, 16}, {FLOAT, 32}}) {
+        const auto mask = TextureFormat::ofMask(type, std::size_t(bits));
+        EXPECT_EQ(mask.internalFormat, GL_R8UI) << type << " " << bits;
+        EXPECT_EQ(mask.direct, bits == 8) << type << " " << bits;
+    }
 }
 
 /// Each pixel lies in a tile, no tile is too long, and neighbours share a row or column.

@@ -25,6 +25,8 @@ constexpr std::size_t HugePage = std::size_t(2) << 20;
 constexpr std::size_t SmallestPooled = std::size_t(256) << 10;
 constexpr std::size_t MostBytes = std::size_t(1) << 38;  // beyond any machine: a lying size
 constexpr std::size_t MostPooled = std::size_t(512) << 20;
+/// Blocks that come back meanwhile before one that nobody takes is freed.
+constexpr std::size_t MostPassedOver = 32;
 
 #if defined(__SANITIZE_ADDRESS__)
 #define TARVIK_ADDRESS_SANITIZER
@@ -44,6 +46,7 @@ thread_local PixelSource* threadSource = nullptr;
 struct Block {
     std::byte* data = nullptr;
     std::size_t capacity = 0;
+    std::size_t number = 0;  // in the order of their return to the pool
 };
 
 /// The blocks that wait for reuse, the last one given back at the end.
@@ -75,9 +78,11 @@ public:
         std::vector<Block> surplus;
         {
             const std::lock_guard lock(_mutex);
+            block.number = ++_returns;
             _blocks.push_back(block);
             _bytes += block.capacity;
-            while (_bytes > MostPooled) {
+            while (!_blocks.empty() &&
+                   (_bytes > MostPooled || _blocks.front().number + MostPassedOver < _returns)) {
                 surplus.push_back(_blocks.front());
                 _bytes -= _blocks.front().capacity;
                 _blocks.erase(_blocks.begin());
@@ -109,6 +114,7 @@ private:
     std::mutex _mutex;
     std::vector<Block> _blocks;
     std::size_t _bytes = 0;
+    std::size_t _returns = 0;
 };
 
 std::size_t roundUp(std::size_t bytes, std::size_t unit)

@@ -7,6 +7,8 @@
 #include <QCoreApplication>
 
 #include <csignal>
+#include <fstream>
+#include <string>
 
 #include <poll.h>
 #include <sys/syscall.h>
@@ -14,10 +16,21 @@
 
 namespace {
 
+/// Has the main thread ended? Others of a killed process may take seconds to follow when the
+/// processors are busy and they have the lowest priority, as those of graphics drivers.
+bool mainThreadEnded(int pid)
+{
+    std::ifstream file("/proc/" + std::to_string(pid) + "/stat");
+    std::string status;
+    std::getline(file, status);
+    const std::size_t name = status.rfind(") ");  // it may hold anything
+    return name != std::string::npos && name + 2 < status.size() && status[name + 2] == 'Z';
+}
+
 /// Has the process ended? One that its own parent has not asked for yet still takes signals.
 bool gone(int pid)
 {
-    if (kill(pid, 0) != 0)
+    if (kill(pid, 0) != 0 || mainThreadEnded(pid))
         return true;
     const int handle = static_cast<int>(::syscall(SYS_pidfd_open, pid, 0));
     if (handle < 0)

@@ -84,7 +84,7 @@ int runPreloader(int argc, char** argv, const CommandLine& line)
     const int result = QCoreApplication::exec();
     thread.stop();
     // A file system that doesn't answer must not keep the process.
-    if (!thread.wait(500))
+    if (!thread.wait(200))
         std::_Exit(result);
     return result;
 }

@@ -12,6 +12,13 @@
 #include <QProcess>
 #include <QTimer>
 
+#include <csignal>
+#include <thread>
+
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
 namespace {
 
 /// A window that must not be closed.
@@ -43,6 +50,23 @@ TEST(CheckParent, EndsTheApplicationWhenTheParentIsGone)
     checkParent.start();
     EXPECT_EQ(QApplication::exec(), 0);
     EXPECT_FALSE(parentLives) << "it ended while its parent was alive";
+}
+
+TEST(CheckParent, AParentIsGoneWhenItsMainThreadIs)
+{
+    const pid_t parent = fork();
+    if (parent == 0) {
+        std::thread([] { pause(); }).detach();
+        ::syscall(SYS_exit, 0);
+    }
+    CheckParent checkParent(parent);
+    checkParent.start();
+    QTimer guard;
+    guard.callOnTimeout([] { QCoreApplication::exit(7); });
+    guard.start(10000);
+    EXPECT_EQ(QApplication::exec(), 0);
+    EXPECT_EQ(kill(parent, SIGKILL), 0) << "its other thread is still there";
+    waitpid(parent, nullptr, 0);
 }
 
 }  // namespace

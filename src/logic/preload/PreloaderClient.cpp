@@ -18,7 +18,7 @@ using morvend::imglib::MMessageQueue;
 namespace {
 
 /// An answer takes microseconds. A preloader that is late by so much is stopped or drowned.
-constexpr std::chrono::milliseconds longestWait{500};
+constexpr std::chrono::milliseconds longestWait{250};
 
 /// One question and its answer at a time in the whole process.
 std::mutex& traffic()

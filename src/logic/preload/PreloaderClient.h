@@ -10,7 +10,7 @@
 
 /// A view's way to the images that the preloader process has read ahead. Whatever becomes of that
 /// process, a view only misses: a peer that is dead, stopped or not there yet costs no more than
-/// half a second once.
+/// a quarter of a second once.
 ///
 /// All clients of a process share one queue, which stays open until the process ends, and take
 /// turns. Thread: one at a time for each object.

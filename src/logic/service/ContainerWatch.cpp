@@ -1,41 +1,31 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// The thread of a watch.
+// From the thread of a watch to the view.
 #include "logic/service/ContainerWatch.h"
 
-#include "logic/service/PathWatch.h"
-
-namespace {
-
-/// The thread has nothing to do but to leave its event loop.
-constexpr unsigned long longestWait = 200;  // ms
-
-}  // namespace
+#include <QFile>
+#include <QFileInfo>
 
 ContainerWatch::ContainerWatch(const QString& file)
-    : _thread(std::make_unique<QThread>())
-    , _watch(new PathWatch)
+    : _watch([this] { emit _noticedSignal(); })
 {
-    _watch->moveToThread(_thread.get());
-    connect(_thread.get(), &QThread::finished, _watch, &QObject::deleteLater);
-    connect(_watch, &PathWatch::changedSignal, this, &ContainerWatch::changedSignal);
-    _thread->start(QThread::LowPriority);
+    connect(this, &ContainerWatch::_noticedSignal, this, &ContainerWatch::_noticed,
+            Qt::QueuedConnection);
     setFile(file);
 }
 
-ContainerWatch::~ContainerWatch()
+void ContainerWatch::_noticed()
 {
-    disconnect(_watch, nullptr, this, nullptr);
-    _thread->quit();
-    if (_thread->wait(longestWait))
-        return;
-    // It comes to its end, and that of its object, when the file system answers.
-    QThread* const stuck = _thread.release();
-    connect(stuck, &QThread::finished, stuck, &QObject::deleteLater);
+    _watch.lookAgain();
+    emit changedSignal(_folder);
 }
 
 void ContainerWatch::setFile(const QString& file)
 {
-    QMetaObject::invokeMethod(_watch, [watch = _watch, file] { watch->setFile(file); });
+    const QString folder = file.isEmpty() ? QString() : QFileInfo(file).absolutePath();
+    if (folder == _folder)
+        return;
+    _folder = folder;
+    _watch.setFolder(QFile::encodeName(folder).toStdString());
 }

@@ -46,6 +46,9 @@ TEST(PixelBuffer, LargeBlocksAreReused)
     PixelBuffer::allocate(64'000'000);
     const PixelBufferPtr third = PixelBuffer::allocate(Bytes);
     EXPECT_GE(PixelBuffer::pooledBytes(), 64'000'000u);
+    for (int i = 0; i < 100; ++i)
+        PixelBuffer::allocate(Bytes);
+    EXPECT_LT(PixelBuffer::pooledBytes(), 64'000'000u) << "but not if nobody does";
     PixelBuffer::trimPool();
     EXPECT_EQ(PixelBuffer::pooledBytes(), 0u);
 }

@@ -13,6 +13,8 @@
 #include <gmock/gmock.h>
 
 #include <charconv>
+#include <chrono>
+#include <ctime>
 #include <sstream>
 
 namespace tarvik::tests {
@@ -42,6 +44,39 @@ std::string failureOf(Call&& call)
     }
     return "no failure";
 }
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+inline constexpr bool Sanitized = true;
+#else
+inline constexpr bool Sanitized = false;
+#endif
+
+/// Expects what is done in its life to take a second of the processor and little memory at most.
+class Bounds {
+public:
+    Bounds() { std::ofstream("/proc/self/clear_refs") << 5; }  // sets the peak back
+    Bounds(const Bounds&) = delete;
+    Bounds& operator=(const Bounds&) = delete;
+    ~Bounds()
+    {
+        EXPECT_LT(std::chrono::steady_clock::now() - _start, std::chrono::seconds(20));
+        EXPECT_LT(std::clock() - _processor, CLOCKS_PER_SEC * (Sanitized ? 10 : 1));
+        if (!Sanitized) {
+            EXPECT_LT(statusBytes("VmHWM:"), _memory + (std::size_t(640) << 20));
+        }
+    }
+
+private:
+    static std::size_t statusBytes(const char* key)
+    {
+        const std::string text = contentOf("/proc/self/status");
+        return std::stoul(text.substr(text.find(key) + 6)) << 10;
+    }
+
+    const std::chrono::steady_clock::time_point _start = std::chrono::steady_clock::now();
+    const std::clock_t _processor = std::clock();
+    const std::size_t _memory = statusBytes("VmRSS:");
+};
 
 /// Opens bytes as the file /data/x; null when the format does not know them.
 template <class Open>

@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Files that change, shrink, grow or vanish while they are read.
+// Files that change, shrink, grow or vanish while they are read, and HDF5 files read by the process
+// tarvik-reader, which is killed now and then.
 #include "imagelib/io/FormatRegistry.h"
 #include "imagelib/io/MHdf5Writer.h"
 #include "imagelib/io/MImageSeries.h"
@@ -10,11 +11,14 @@
 #include "tests/support/EdfFile.h"
 #include "tests/support/Processes.h"
 
-#include <csignal>
-#include <random>
+#include <boost/optional/optional_io.hpp>
 
 #include <fcntl.h>
-#include <sys/wait.h>
+
+#include <algorithm>
+#include <csignal>
+#include <random>
+#include <thread>
 
 namespace tarvik::tests {
 
@@ -40,69 +44,40 @@ std::string smallFile(const TempFolder& folder, const std::string& extension, in
     return contentOf(path);
 }
 
-void writeSlowly(int file, const std::string& bytes, std::size_t from, std::minstd_rand& random)
-{
-    while (from < bytes.size()) {
-        const std::size_t piece = std::min<std::size_t>(bytes.size() - from, 1 + random() % 20000);
-        if (::pwrite(file, bytes.data() + from, piece, static_cast<off_t>(from)) < 0)
-            std::_Exit(1);
-        from += piece;
-    }
-}
-
-/// What writers, copying programs and users do to a file, until this process is killed.
-[[noreturn]] void disturb(const std::string& path, const std::string& one, const std::string& two)
-{
-    std::minstd_rand random(4711);
-    for (;;) {
-        const std::string& bytes = random() % 2 ? one : two;
-        std::string target = path;
-        std::size_t from = 0;
-        switch (random() % 4) {
-        case 0:  // shortened, then completed
-            from = random() % bytes.size();
-            if (::truncate(path.c_str(), static_cast<off_t>(from)) != 0)
-                from = 0;
-            break;
-        case 1:  // deleted, then written anew
-            ::unlink(path.c_str());
-            break;
-        case 2:  // replaced at one stroke
-            target += ".new";
-            break;
-        default:  // overwritten in place
-            break;
-        }
-        const int file = ::open(target.c_str(), O_RDWR | O_CREAT, 0600);
-        writeSlowly(file, bytes, from, random);
-        if (::ftruncate(file, static_cast<off_t>(bytes.size())) != 0)
-            std::_Exit(1);
-        ::close(file);
-        if (target != path)
-            ::rename(target.c_str(), path.c_str());
-        ::usleep(static_cast<useconds_t>(random() % 2000));
-    }
-}
-
-/// Runs the disturber beside this process.
+/// What writers, copying programs and users do to a file, beside this thread.
 class Disturber {
 public:
     Disturber(const std::string& path, const std::string& one, const std::string& two)
-        : _pid(::fork())
-    {
-        if (_pid == 0)
-            disturb(path, one, two);
-    }
-    Disturber(const Disturber&) = delete;
-    Disturber& operator=(const Disturber&) = delete;
-    ~Disturber()
-    {
-        ::kill(_pid, SIGKILL);
-        ::waitpid(_pid, nullptr, 0);
-    }
+        : _thread([=](const std::stop_token& stop) {
+            for (std::minstd_rand random(4711); !stop.stop_requested();)
+                disturb(path, random() % 2 ? one : two, random);
+        })
+    {}
 
 private:
-    pid_t _pid;
+    static void disturb(const std::string& path, const std::string& bytes, std::minstd_rand& random)
+    {
+        const auto action = random() % 4;
+        const std::string target = action == 0 ? path + ".new" : path;
+        if (action == 1)
+            ::unlink(path.c_str());
+        std::size_t from = 0;
+        const int file = ::open(target.c_str(), O_RDWR | O_CREAT, 0600);
+        if (action == 2 && ::ftruncate(file, off_t(random() % bytes.size())) == 0)
+            from = random() % bytes.size();
+        while (from < bytes.size()) {
+            const auto piece = std::min<std::size_t>(bytes.size() - from, 1 + random() % 20000);
+            EXPECT_GT(::pwrite(file, bytes.data() + from, piece, off_t(from)), 0);
+            from += piece;
+        }
+        EXPECT_EQ(::ftruncate(file, off_t(bytes.size())), 0);
+        ::close(file);
+        if (target != path)
+            ::rename(target.c_str(), path.c_str());
+        std::this_thread::sleep_for(std::chrono::microseconds(random() % 2000));
+    }
+
+    std::jthread _thread;
 };
 
 /// Of the pixels of an image none is anything but what some state of the file had.
@@ -155,6 +130,34 @@ public:
     const std::string extension = GetParam();
     const std::string one = smallFile(folder, extension, 1);
     const std::string two = smallFile(folder, extension, 2);
+};
+
+class Apart : public testing::Test {
+public:
+    void SetUp() override
+    {
+        letSignalsEndPrograms();
+        FormatRegistry::readHdf5Apart(true);
+        for (int i = 0; i < 5; ++i)
+            write();
+    }
+    void TearDown() override { FormatRegistry::readHdf5Apart(false); }
+
+    /// Lets the series grow by an image with header and mask.
+    void write()
+    {
+        MImage image(700, 500, static_cast<unsigned short>(100 + images));
+        image.optionalData().set_wavelength(0.98f);
+        image.optionalData().set_rotation_angle(0.5f * static_cast<float>(images++));
+        image.optionalData().set_pixel_mask(MImage(700, 500, 1u));
+        writer.write(image);
+        writer.flush();
+    }
+
+    const TempFolder folder;
+    const std::string path = folder / "x_master.h5";
+    MHdf5Writer writer{path, 0, {}, MCompression::BITSHUFFLE_LZ4};
+    int images = 0;
 };
 
 }  // namespace
@@ -218,5 +221,57 @@ TEST_P(Changing, ChangedBytesNeverEndThisProcess)
 
 INSTANTIATE_TEST_SUITE_P(Format, Changing, testing::Values(".cbf", ".tif", ".edf", ".h5"),
                          [](const auto& row) { return std::string(row.param + 1); });
+
+TEST_F(Apart, ImagesAndHeadersAreThoseReadInPlace)
+{
+    MImageSeries apart(0);
+    EXPECT_EQ(apart.open(path), 1);
+    EXPECT_EQ(children().size(), 1u);
+    FormatRegistry::readHdf5Apart(false);
+    MImageSeries here(0);
+    EXPECT_EQ(here.open(path), 1);
+    EXPECT_EQ(apart.formatName(), here.formatName());
+    EXPECT_EQ(apart.last(), 5);
+    for (const std::size_t number : {1u, 2u, 5u, 3u, 1u}) {
+        const MImage one = apart.at(number);
+        const MImage other = here.at(number);
+        EXPECT_TRUE(samePixels(one, other));
+        EXPECT_EQ(apart.pathToImage(number), here.pathToImage(number));
+        const auto& header = one.optionalData();
+        const auto& expected = other.optionalData();
+        EXPECT_EQ(header.rotation_angle(), 0.5f * (static_cast<float>(number) - 1));
+        EXPECT_EQ(shown(header), shown(expected));
+        EXPECT_EQ(header.rawHeader(), expected.rawHeader());
+        EXPECT_EQ(header.nexusTree().toText(), expected.nexusTree().toText());
+        ASSERT_TRUE(header.pixel_mask());
+        EXPECT_TRUE(samePixels(*header.pixel_mask(), *expected.pixel_mask()));
+    }
+    // One that did not change is known to be the same.
+    EXPECT_EQ(apart.at(1).optionalData().pixel_mask()->identity(),
+              apart.at(4).optionalData().pixel_mask()->identity());
+    EXPECT_THROW(apart.at(6), MOutOfRangeException);
+    write();
+    apart.update();
+    EXPECT_EQ(apart.last(), 6);
+    EXPECT_EQ(apart.at(6).pixel<int>(1, 1, 0), 105);
+}
+
+TEST_F(Apart, EverySeriesHasAReaderOfItsOwn)
+{
+    MImageSeries one(0);
+    MImageSeries two(0);
+    one.open(path);
+    const pid_t first = children().at(0);
+    two.open(path);
+    EXPECT_EQ(children().size(), 2u);
+    ::kill(first, SIGKILL);
+    // A reader that is gone costs nothing but its start.
+    EXPECT_EQ(two.at(2).pixel<int>(0, 0, 0), 101);
+    EXPECT_EQ(one.at(2).pixel<int>(699, 499, 0), 101);
+    const std::vector<pid_t> readers = children();
+    one.open(1);
+    // On a busy machine a killed process takes its time.
+    EXPECT_TRUE(waitFor([&] { return std::ranges::count_if(readers, hasEnded) == 1; }));
+}
 
 }  // namespace tarvik::tests

@@ -1,15 +1,17 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Readers that die, hang or talk nonsense, and the process that goes on without them.
+// Readers that die, hang or talk nonsense, and the process that goes on without them; requests and
+// answers as texts, whole and malformed.
+#include "imagelib/io/process/ReaderMessages.h"
 #include "imagelib/io/process/RemoteFile.h"
 #include "tests/imagelib/io/FileCases.h"
 #include "tests/imagelib/io/process/StrangeImages.h"
 #include "tests/support/Processes.h"
 
-#include <future>
-
 #include <sys/wait.h>
+
+#include <future>
 
 namespace tarvik::tests {
 
@@ -70,6 +72,32 @@ std::string failureWhileKilled(RemoteFile& file, int signal)
     ::kill(reader, signal);
     ::kill(reader, SIGCONT);
     return request.get();
+}
+
+ReaderAnswer fullAnswer()
+{
+    ReaderAnswer answer;
+    answer.format = "HDF5";
+    answer.frames = std::uint64_t(1) << 40;
+    answer.openedFrame = 12;
+    answer.firstNumber = 1;
+    answer.mainPath = "/data/a b_master.h5";
+    answer.framePath = "/data/\xff.h5";  // paths are bytes
+    answer.header = HeaderForm::SameTree;
+    return answer;
+}
+
+template <class Exception>
+void expectKeepsItsClass()
+{
+    ReaderAnswer answer = fullAnswer();
+    answer.fail(Exception("text: /data/x"));
+    try {
+        ReaderAnswer::fromText(answer.toText()).rethrow();
+    } catch (const std::exception& error) {
+        EXPECT_EQ(typeid(error), typeid(Exception));
+        EXPECT_STREQ(error.what(), "text: /data/x");
+    }
 }
 
 }  // namespace
@@ -257,6 +285,43 @@ TEST(RemoteFile, TheReaderGoesWithAParentThatIsKilled)
     EXPECT_TRUE(waitFor([&] { return hasEnded(reader); }));
     ::close(ends[0]);
     ::close(ends[1]);
+}
+
+TEST(ReaderMessages, FailuresKeepTheirClass)
+{
+    expectKeepsItsClass<MRuntimeException>();
+    expectKeepsItsClass<MOutOfRangeException>();
+    expectKeepsItsClass<MBadParameterException>();
+    expectKeepsItsClass<MNoFileAccessException>();
+    expectKeepsItsClass<MUnknownFormatException>();
+    expectKeepsItsClass<MNotImplementedException>();
+    expectKeepsItsClass<MTimeoutException>();
+    ReaderAnswer answer;
+    answer.fail(std::runtime_error(std::string("a\0b", 3)));
+    EXPECT_THROW(ReaderAnswer::fromText(answer.toText()).rethrow(), MRuntimeException);
+}
+
+TEST(ReaderMessages, CutsAndChangedBytesAreRefusedOrRead)
+{
+    const std::string request =
+        ReaderRequest{ReaderRequest::Kind::Frame, "/data/\xfe", UINT64_MAX}.toText();
+    const std::string answer = fullAnswer().toText();
+    EXPECT_EQ(ReaderRequest::fromText(request).toText(), request);
+    EXPECT_EQ(ReaderAnswer::fromText(answer).toText(), answer);
+    EXPECT_EQ(ReaderAnswer::fromText(answer).framePath, "/data/\xff.h5");
+    for (std::size_t size = 0; size < answer.size(); ++size) {
+        EXPECT_THROW(ReaderAnswer::fromText(answer.substr(0, size)), MRuntimeException) << size;
+        std::string changed = answer;
+        changed[size] = static_cast<char>(changed[size] ^ 0x11);
+        failureOf([&] { ReaderAnswer::fromText(changed); });
+    }
+    for (std::size_t size = 0; size < request.size(); ++size)
+        EXPECT_THROW(ReaderRequest::fromText(request.substr(0, size)), MRuntimeException) << size;
+    EXPECT_THROW(ReaderAnswer::fromText(answer + "x"), MRuntimeException);
+    for (const char* kind : {"4", "-1", "", "1x", "99999999999999999999"})
+        EXPECT_THROW(ReaderRequest::fromText(kind + std::string("\0/x\0000\0", 6)),
+                     MRuntimeException)
+            << kind;
 }
 
 }  // namespace tarvik::tests

@@ -17,7 +17,6 @@ class Container : public ImageFile {
 public:
     std::size_t frames = 3;
     std::size_t framesAfterUpdate = 3;
-    std::size_t damagedFrame = std::size_t(-1);
     std::string description;
     std::string main;
 
@@ -33,8 +32,6 @@ public:
     }
     MImage frame(std::size_t position) const override
     {
-        if (position == damagedFrame)
-            throw MRuntimeException("damaged");
         MImage image(1, 1, static_cast<int>(100 + position));
         if (!description.empty())
             image.optionalData().setImageDescription(description);
@@ -103,14 +100,6 @@ TEST_F(FramesOfAContainer, AreNamedByFileAndNumberUnlessTheFileNamesThem)
     EXPECT_EQ(name(1), "x_master.h5");
     container->description = "Lysozyme";
     EXPECT_EQ(name(1), "Lysozyme");
-}
-
-TEST_F(FramesOfAContainer, ADamagedFrameLeavesTheOthers)
-{
-    container->damagedFrame = 1;
-    const FrameSeries frames = series();
-    EXPECT_THROW(frames.at(2), MRuntimeException);
-    EXPECT_EQ(pixelOf(frames.at(3)), 102);
 }
 
 TEST_F(FramesOfAContainer, AppearWhenTheWriterHasAddedThem)

@@ -1,9 +1,11 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// CBF files of all shapes, of other writers, and damaged ones.
+// CBF files of all shapes, of other writers, damaged ones, and headers of written ones; their
+// pixels are compared in tst_peers.
 #include "imagelib/codec/Base64.h"
 #include "imagelib/io/formats/cbf/CbfReader.h"
+#include "imagelib/io/formats/cbf/CbfWriter.h"
 #include "tests/imagelib/io/FileCases.h"
 
 #include <boost/optional/optional_io.hpp>
@@ -11,6 +13,7 @@
 #include <cstring>
 
 namespace tarvik::tests {
+
 namespace {
 
 constexpr ImageFileOpener Open = openCbf;
@@ -47,6 +50,13 @@ struct Parts {
 };
 
 constexpr const char* SixPixels = "INT16 3x2: 1 2 3 4 5 6";
+
+MImage readBack(const std::string& path)
+{
+    CbfOptions options;
+    options.checkMd5 = true;
+    return openCbf(ByteSource::open(path), options)->frame(0);
+}
 
 }  // namespace
 
@@ -90,30 +100,26 @@ TEST(CbfReader, AnyVersionLineWillDo)
 TEST(CbfReader, EveryElementTypeInEitherByteOrder)
 {
     for (const auto& row : rowsOf(R"(
-"signed 8-bit integer"      | INT8 2x1: 1 2
-"unsigned 8-bit integer"    | UINT8 2x1: 1 2
-"signed 16-bit integer"     | INT16 2x1: 1 2
-"unsigned 16-bit integer"   | UINT16 2x1: 1 2
-"signed 32-bit integer"     | INT32 2x1: 1 2
-"unsigned 32-bit integer"   | UINT32 2x1: 1 2
-"signed 64-bit integer"     | INT64 2x1: 1 2
-"unsigned 64-bit integer"   | UINT64 2x1: 1 2
-"signed 32-bit real IEEE"   | FLOAT32 2x1: 1.4013e-45 2.8026e-45
-"signed 64-bit real IEEE"   | FLOAT64 2x1: 4.94066e-324 9.88131e-324
-)")) {
-        const std::string type = row.at(0);
-        const auto bytes = std::stoul(type.substr(type.find(' '))) / 8;
-        Parts parts;
-        parts.head = "X-Binary-Element-Type: " + type +
-                     "\r\nX-Binary-Size-Fastest-Dimension: 2\r\n"
-                     "X-Binary-Size-Second-Dimension: 1\r\n";
-        const std::string zeros(bytes - 1, '\0');
-        parts.data = "\1" + zeros + "\2" + zeros;
-        EXPECT_EQ(parts.shownFrame(), row.at(1));
-        parts.head += "X-Binary-Element-Byte-Order: BIG_ENDIAN\r\n";
-        parts.data = zeros + "\1" + zeros + "\2";
-        EXPECT_EQ(parts.shownFrame(), row.at(1));
-    }
+signed 8-bit integer | INT8 2x1: 1 2     | unsigned 8-bit integer | UINT8 2x1: 1 2
+signed 16-bit integer | INT16 2x1: 1 2   | unsigned 16-bit integer | UINT16 2x1: 1 2
+signed 32-bit integer | INT32 2x1: 1 2   | unsigned 32-bit integer | UINT32 2x1: 1 2
+signed 64-bit integer | INT64 2x1: 1 2   | unsigned 64-bit integer | UINT64 2x1: 1 2
+signed 32-bit real IEEE | FLOAT32 2x1: 1.4013e-45 2.8026e-45 \
+    | signed 64-bit real IEEE | FLOAT64 2x1: 4.94066e-324 9.88131e-324
+)"))
+        for (const std::size_t column : {0u, 2u}) {
+            const std::string& type = row.at(column);
+            Parts parts;
+            parts.head = "X-Binary-Element-Type: \"" + type +
+                         "\"\r\nX-Binary-Size-Fastest-Dimension: 2\r\n"
+                         "X-Binary-Size-Second-Dimension: 1\r\n";
+            const std::string zeros(std::stoul(type.substr(type.find(' '))) / 8 - 1, '\0');
+            parts.data = "\1" + zeros + "\2" + zeros;
+            EXPECT_EQ(parts.shownFrame(), row.at(column + 1));
+            parts.head += "X-Binary-Element-Byte-Order: BIG_ENDIAN\r\n";
+            parts.data = zeros + "\1" + zeros + "\2";
+            EXPECT_EQ(parts.shownFrame(), row.at(column + 1));
+        }
 }
 
 TEST(CbfReader, MissingKeysComeFromTheCategories)
@@ -226,6 +232,8 @@ pixel data ends after 6 of 4294967296 pixels \
     | Dimension: 3 | Dimension: 65536 | Second-Dimension: 2 | Second-Dimension: 65536
 pixel data ends after 6 of 4294967295 pixels \
     | Dimension: 3 | Dimension: 65537 | Second-Dimension: 2 | Second-Dimension: 65535
+pixel data ends after 6 of 900000000 pixels \
+    | Dimension: 3 | Dimension: 30000 | Second-Dimension: 2 | Second-Dimension: 30000
 an image of 3000000000 x 2 x 1 pixels is not possible | Dimension: 3 | Dimension: 3000000000
 an image of 9223372036854775807 x 2 x 1 pixels is not possible \
     | Dimension: 3 | Dimension: 9223372036854775807
@@ -254,6 +262,7 @@ the file has no binary section with pixels | --CIF-BINARY-FORMAT-SECTION--\r\n |
         std::string text = Parts().file();
         for (std::size_t i = 1; i < row.size(); i += 2)
             text.replace(text.find(row[i]), row[i].size(), row[i + 1]);
+        const Bounds bounds;
         EXPECT_EQ(readingFailure(Open, text), "CBF: " + row[0] + ": /data/x");
     }
     EXPECT_EQ(readingFailure(Open, "###CBF\r\n--CIF-BINARY-FORMAT-SECTION--\r\nContent-Type: x"),
@@ -316,6 +325,60 @@ TEST(DamagedCbf, ChangedBytesNeverDoHarm)
             readingFailure(Open, changed);  // the sanitizers see the harm
         }
     }
+}
+
+TEST(CbfWriter, HeaderComesBack)
+{
+    const TempFolder folder;
+    MImage image(4, 3, 7);
+    auto& header = image.optionalData();
+    header.set_sensor_thickness(0.00045F);
+    header.set_wavelength(0.9795F);
+    header.set_beam_center_x(12.25F);
+    header.set_beam_center_y(-3.5F);
+    header.set_description("Large; 6M");
+    writeCbf(image, folder / "a b.cbf");
+    const std::string text = contentOf(folder / "a b.cbf");
+    EXPECT_THAT(text, StartsWith("###CBF: VERSION 1.5\r\n\r\ndata_a_b\r\n"));
+    EXPECT_THAT(text, HasSubstr("# Sensor, thickness 0.00045 m\r\n"));
+    header.set_description("Large, 6M");
+    EXPECT_EQ(shown(readBack(folder / "a b.cbf").optionalData()), shown(header));
+}
+
+TEST(CbfWriter, HeaderTextIsOneFieldForProgramsThatLookForSemicolons)
+{
+    const TempFolder folder;
+    MImage image(4, 3, 7);
+    image.optionalData().set_rawHeader(std::string("# Note: a; b\r\n# Tau 1 s\n;x\r\n"));
+    writeCbf(image, folder / "a.cbf");
+    const std::string text = contentOf(folder / "a.cbf");
+    const auto open = text.find(';', text.find("_array_data.header_contents"));
+    const auto close = text.find(';', open + 1);
+    EXPECT_EQ(text.substr(open, close - open + 1), ";\r\n# Note: a, b\r\n# Tau 1 s\r\n# ,x\r\n;");
+}
+
+TEST(CbfWriter, WritingTwiceChangesNothing)
+{
+    const TempFolder folder;
+    MImage image(37, 19, -70000);
+    image.optionalData().set_rawHeader(
+        std::string("# Tau 1 s\r\n# Silicon sensor, thickness 0.00032 m"));
+    image.optionalData().set_sensor_thickness(0.00032F);
+    image.optionalData().set_count_time(0.1F);
+    writeCbf(image, folder / "a.cbf");
+    writeCbf(readBack(folder / "a.cbf"), folder / "b.cbf");
+    std::string first = contentOf(folder / "a.cbf");
+    first.replace(first.find("data_a"), 6, "data_b");
+    EXPECT_EQ(first, contentOf(folder / "b.cbf"));
+}
+
+TEST(CbfWriter, FailuresNameTheFile)
+{
+    const TempFolder folder;
+    EXPECT_THROW(writeCbf(MImage(), folder / "a.cbf"), MBadParameterException);
+    EXPECT_THROW(writeCbf(MImage(1, 1, 1), folder / "none/a.cbf"), MNoFileAccessException);
+    EXPECT_THAT(failureOf([&] { writeCbf(MImage(1, 1, 1), folder / "none/a.cbf"); }),
+                HasSubstr("none/a.cbf"));
 }
 
 }  // namespace tarvik::tests

@@ -338,6 +338,7 @@ Dim_1 = 2147483647 ; Dim_2 = 2147483647 ; Dim_3 = 2147483647 ; \
 Dim_3 = 2 ;                   | frame 1 ends after 0 of 4 bytes
 EDF_BinaryFileName = a/.. ;   | EDF_BinaryFileName can't be "a/.."
 )")) {
+        const Bounds bounds;
         const std::string text = failureOfBytes(blockOf(2, {1, 2}, row.at(0)));
         EXPECT_THAT(text, StartsWith("EDF: "));
         EXPECT_THAT(text, HasSubstr(row.at(1)));

@@ -328,9 +328,18 @@ def virtual():
                                    np.s_[:, 2:12, 3:-3])], fill=9999)
     # Every other column: too irregular to follow, read by the library.
     wide = (2, HEIGHT, 2 * WIDTH)
-    for name, sources in [("comb", ["comb_0", "comb_1"]), ("comb_missing", ["comb_0", "lost"])]:
-        virtual_file(name, wide, [(np.s_[:, :, i::2], source, "data", two)
-                                  for i, source in enumerate(sources)])
+    for i, (values, pack) in enumerate([
+            ([(LZ4, (4096,))], lz4_chunk), ([(BITSHUFFLE, (0, 3, 2, 64, 2))],
+                                            lambda frame: bitshuffle_lz4_chunk(frame, 64))]):
+        packed(f"filtered_{i}", pattern(2, "u2", i), values, pack)
+    packed("planes", pattern(2)[:, :16, :32], [(BITSHUFFLE, (0, 3, 2, 0, 0))],
+           lambda frame: bitshuffled(frame.reshape(-1)))
+    for name, path in [("comb", "data"), ("filtered", DATA)]:
+        virtual_file(name, wide, [(np.s_[:, :, i::2], f"{name}_{i}", path, two) for i in range(2)])
+    virtual_file("planes_comb", (2, 16, 64),
+                 [(np.s_[:, :, i::2], "planes", DATA, (2, 16, 32)) for i in range(2)])
+    virtual_file("comb_missing", wide, [(np.s_[:, :, ::2], "comb_0", "data", two),
+                                        (np.s_[:, :, 1::2], "lost", "data", two)])
     virtual_file("comb_of_comb", wide, [(np.s_[:, :, ::2], "comb", DATA, wide, np.s_[:, :, ::2])])
     virtual_file("ring_a", two, [(..., "ring_b", "data", two)], path="data")
     virtual_file("ring_b", two, [(..., "ring_a", "data", two)], path="data")

@@ -19,39 +19,23 @@ public:
 
 TEST_F(Hdf5Series, EveryFileOfTheSetOpensTheSeriesAtItsOwnFirstFrame)
 {
-    const struct {
-        const char* name;
-        std::size_t frames, opened;
-    } cases[] = {
-        {"one_master.h5", 10, 0},
-        {"zero_master.h5", 10, 0},
-        {"planned_master.h5", 7, 0},
-        {"uneven_master.h5", 15, 0},
-        {"long_master.h5", 80, 0},
-        {"numbered_master.h5", 79, 0},
-        {"announced_master.h5", 79, 0},
-        {"dead_master.h5", 6, 0},
-        {"noslash_master.h5", 6, 0},
-        {"foreign_master.hdf5", 3, 0},
-        {"single_master.h5", 3, 0},
-        {"one_data_000001.h5", 10, 0},
-        {"one_data_000003.h5", 10, 8},
-        {"zero_data_000000.h5", 10, 0},
-        {"zero_data_000002.h5", 10, 8},
-        {"uneven_data_000003.h5", 15, 7},
-        {"longuneven_data_000030.h5", 81, 59},
-        {"single_data.h5", 3, 0},
-        {"orphan_data_000000.h5", 7, 0},
-        {"orphan_data_000002.h5", 7, 6},
-    };
-    for (const auto& each : cases) {
-        SCOPED_TRACE(each.name);
-        const auto file = open(each.name);
-        EXPECT_EQ(file->openedFrame(), each.opened);
-        if (std::string(each.name).find("master") == std::string::npos) {
-            EXPECT_THAT(file->framePath(each.opened), EndsWith(each.name));
+    // Files, the number of frames, and the position of the first one of that file.
+    std::istringstream cases(R"(
+one_master.h5 10 0  zero_master.h5 10 0  planned_master.h5 7 0  uneven_master.h5 15 0
+long_master.h5 80 0  numbered_master.h5 79 0  announced_master.h5 79 0  dead_master.h5 6 0
+noslash_master.h5 6 0  foreign_master.hdf5 3 0  single_master.h5 3 0  one_data_000001.h5 10 0
+one_data_000003.h5 10 8  zero_data_000000.h5 10 0  zero_data_000002.h5 10 8
+uneven_data_000003.h5 15 7  longuneven_data_000030.h5 81 59  single_data.h5 3 0
+orphan_data_000000.h5 7 0  orphan_data_000002.h5 7 6)");
+    std::size_t frames = 0, opened = 0;
+    for (std::string name; cases >> name >> frames >> opened;) {
+        SCOPED_TRACE(name);
+        const auto file = open(name);
+        EXPECT_EQ(file->openedFrame(), opened);
+        if (name.find("master") == std::string::npos) {
+            EXPECT_THAT(file->framePath(opened), EndsWith(name));
         }
-        expectFrames(*file, each.frames);
+        expectFrames(*file, frames);
     }
     EXPECT_EQ(*open("single_data.h5")->frame(0).optionalData().wavelength(), 1.25f);
 }

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <map>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -20,11 +21,9 @@ public:
         : _bigEndian(bigEndian)
         , _bigTiff(bigTiff)
     {
-        _bytes = bigEndian ? "MM" : "II";
+        _bytes = (bigEndian ? "MM" : "II") + number(bigTiff ? 43 : 42, 2);
         if (bigTiff)
-            _bytes += number(43, 2) + number(8, 2) + number(0, 2);
-        else
-            _bytes += number(42, 2);
+            _bytes += number(8, 2) + number(0, 2);
         _link = _bytes.size();
         _bytes += number(0, offsetBytes());
     }
@@ -60,47 +59,43 @@ public:
         return offset;
     }
 
-    /// Appends a directory and links it to the one before. Lines "tag type values...", type B, S,
-    /// L, Q for integers of 1, 2, 4, 8 bytes, or "tag A text" with \0 for a NUL and \r, \n; a later
-    /// line replaces an earlier one of the same tag, "tag -" removes it.
+    /// Appends a directory and links it to the one before. Lines "tag type values...", type B, S, L
+    /// for integers of 1, 2, 4 bytes, or "tag A text" with \0 for a NUL and \r, \n; a later line
+    /// replaces an earlier one of the same tag, "tag -" removes it.
     TiffBuilder& page(const std::string& table)
     {
-        std::string entries;
-        const std::vector<Tag> tags = parsed(table);
-        for (const Tag& tag : tags) {
-            entries += number(tag.id, 2) + number(tag.type, 2) + number(tag.count, offsetBytes());
+        const std::map<std::uint64_t, Tag> tags = parsed(table);
+        std::string directory = number(tags.size(), _bigTiff ? 8 : 2);
+        for (const auto& [id, tag] : tags) {
             std::string value = tag.bytes;
             if (value.size() > offsetBytes())
                 value = number(data(value), offsetBytes());
             value.resize(offsetBytes(), '\0');
-            entries += value;
+            directory +=
+                number(id, 2) + number(tag.type, 2) + number(tag.count, offsetBytes()) + value;
         }
-        const std::uint64_t offset = data(number(tags.size(), _bigTiff ? 8 : 2) + entries);
-        patch(_link, offset);
+        _directory = data(directory);
+        linkTo(_directory);
         _link = data(number(0, offsetBytes()));
-        _directory = offset;
         return *this;
     }
 
     /// Makes the last directory point to an offset.
-    void linkTo(std::uint64_t offset) { patch(_link, offset); }
+    void linkTo(std::uint64_t offset)
+    {
+        _bytes.replace(_link, offsetBytes(), number(offset, offsetBytes()));
+    }
     std::uint64_t lastDirectory() const { return _directory; }
     const std::string& bytes() const { return _bytes; }
 
 private:
     struct Tag {
-        std::uint64_t id = 0;
         std::uint64_t type = 0;
         std::uint64_t count = 0;
         std::string bytes;
     };
 
     std::size_t offsetBytes() const { return _bigTiff ? 8 : 4; }
-    void patch(std::uint64_t at, std::uint64_t value)
-    {
-        _bytes.replace(at, offsetBytes(), number(value, offsetBytes()));
-    }
-
     static std::string unescaped(const std::string& text)
     {
         std::string result;
@@ -112,21 +107,19 @@ private:
         return result;
     }
 
-    std::vector<Tag> parsed(const std::string& table) const
+    std::map<std::uint64_t, Tag> parsed(const std::string& table) const
     {
-        std::vector<Tag> tags;
+        std::map<std::uint64_t, Tag> tags;
         std::istringstream lines(table);
         for (std::string line; std::getline(lines, line);) {
             std::istringstream words(line);
-            Tag tag;
+            std::uint64_t id = 0;
             std::string type;
-            if (!(words >> tag.id >> type))
+            if (!(words >> id >> type))
                 continue;
-            std::erase_if(tags, [&](const Tag& each) { return each.id == tag.id; });
-            if (type == "-")
-                continue;
-            const std::size_t bytes = type == "S" ? 2 : type == "L" ? 4 : type == "Q" ? 8 : 1;
-            tag.type = type == "A" ? 2 : type == "S" ? 3 : type == "L" ? 4 : type == "Q" ? 16 : 1;
+            Tag tag;
+            const std::size_t bytes = type == "S" ? 2 : type == "L" ? 4 : 1;
+            tag.type = type == "A" ? 2 : type == "S" ? 3 : type == "L" ? 4 : 1;
             if (type == "A") {
                 std::getline(words >> std::ws, tag.bytes);
                 tag.bytes = unescaped(tag.bytes);
@@ -135,10 +128,10 @@ private:
                     tag.bytes += number(value, bytes);
             }
             tag.count = tag.bytes.size() / bytes;
-            tags.push_back(tag);
+            tags.erase(id);
+            if (type != "-")
+                tags.emplace(id, tag);
         }
-        std::sort(tags.begin(), tags.end(),
-                  [](const Tag& left, const Tag& right) { return left.id < right.id; });
         return tags;
     }
 

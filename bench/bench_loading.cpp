@@ -7,6 +7,7 @@
 #include "bench/LoadingSeries.h"
 #include "bench/Peer.h"
 #include "bench/PlainChain.h"
+#include "imagelib/io/FormatRegistry.h"
 #include "imagelib/ipc/MMessageQueue.h"
 #include "logic/PreloaderService.h"
 #include "logic/preload/PreloaderProcess.h"
@@ -68,7 +69,13 @@ public:
         if (_queue.waitForPeer(std::chrono::seconds(5)) == MMessageQueue::NoPeer)
             throw std::runtime_error("no preloader");
     }
-    ~Preloading() { ::kill(static_cast<pid_t>(_process.processId()), SIGKILL); }
+    ~Preloading()
+    {
+        ::kill(static_cast<pid_t>(_process.processId()), SIGKILL);
+        // Or the next one takes this one's end of the queue for its own.
+        while (_queue.peer() != MMessageQueue::NoPeer)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
 
 private:
     PreloaderProcess _process;
@@ -85,6 +92,15 @@ void fromFile(benchmark::State& state, int megapixels)
         index = index % SeriesFrames + 1;
         watch.time([&] { stepper.go(index); });
     }
+}
+
+/// As the viewer does: the file is read by a process of its own.
+void fromFileApart(benchmark::State& state, int megapixels)
+{
+    using morvend::imglib::FormatRegistry;
+    FormatRegistry::readHdf5Apart(true);
+    fromFile(state, megapixels);
+    FormatRegistry::readHdf5Apart(false);
 }
 
 void fromCache(benchmark::State& state, int megapixels)
@@ -159,6 +175,7 @@ void registerAll()
     for (const int size : {4, 16}) {
         const int steps = size == 4 ? 150 : 60;
         add("from_file", size, [=](auto& s) { fromFile(s, size); })->Iterations(steps);
+        add("from_file_apart", size, [=](auto& s) { fromFileApart(s, size); })->Iterations(steps);
         add("from_cache", size, [=](auto& s) { fromCache(s, size); })->Iterations(steps);
         add("hand_over", size, [=](auto& s) { handOver(s, size); })->Iterations(steps);
         add("movie", size, [=](auto& s) { movie(s, size); })->Iterations(size == 4 ? 8 : 4);

@@ -56,6 +56,9 @@ class Growth : public ServiceTest, public testing::WithParamInterface<const char
 
 TEST_P(Growth, IsNoticedAndLocksNoWriterOut)
 {
+#if defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "a program started by vfork makes the thread sanitizer lose its order";
+#endif
     const TempFolder folder;
     Writer writer(folder, GetParam());
     TarvikService* view = newView();

@@ -10,10 +10,9 @@
 #include "gui/render/ImageTextures.h"
 #include "gui/render/OpenGlSupport.h"
 #include "imagelib/display/MColorTable.h"
-#include "tests/gui/render/BareView.h"
 #include "tests/gui/render/DrawnImage.h"
 #include "tests/gui/render/MouseEvents.h"
-#include "tests/gui/render/gestures/Regions.h"
+#include "tests/support/Regions.h"
 
 #include <benchmark/benchmark.h>
 

@@ -23,17 +23,14 @@ protected:
         settle();
     }
 
-    /// Is this the colour at the lower end of the bar's gradient?
-    testing::AssertionResult barEndsIn(const QColor& wanted) const
+    /// The colour at the lower end of the bar's gradient.
+    void expectBarEndsIn(const QColor& wanted) const
     {
         const QImage picture = _frame.titleBar()->grab().toImage();
         const QColor color = picture.pixelColor(3, picture.height() - 1);
-        const int difference = std::max({std::abs(color.red() - wanted.red()),
-                                         std::abs(color.green() - wanted.green()),
-                                         std::abs(color.blue() - wanted.blue())});
-        if (difference > 2)
-            return testing::AssertionFailure() << color.name().toStdString();
-        return testing::AssertionSuccess();
+        EXPECT_NEAR(color.red(), wanted.red(), 2);
+        EXPECT_NEAR(color.green(), wanted.green(), 2);
+        EXPECT_NEAR(color.blue(), wanted.blue(), 2);
     }
 
     AbstractSubWindow _frame;
@@ -84,14 +81,14 @@ TEST_F(TitleBarTest, AnActionBecomesAButtonLeftOfTheTitleAndToolButtonsHide)
 
 TEST_F(TitleBarTest, ColoursAreHeldInRangeAndShowFromTheNextActivation)
 {
-    EXPECT_TRUE(barEndsIn(QColor(70, 70, 70)));
+    expectBarEndsIn(QColor(70, 70, 70));
     _frame.setActiveColor(-5, 300, 40);
     EXPECT_EQ(_frame.titleBar()->activeColor(), QColor(0, 255, 40));
     _frame.setActivated(true);
-    EXPECT_TRUE(barEndsIn(QColor(0, 255, 40)));
+    expectBarEndsIn(QColor(0, 255, 40));
     _frame.setNonActiveColor(10, 20, 30);
     _frame.setActivated(false);
-    EXPECT_TRUE(barEndsIn(QColor(10, 20, 30)));
+    expectBarEndsIn(QColor(10, 20, 30));
 }
 
 TEST_F(TitleBarTest, TheBarIsSlimAndItsExitButtonOnlyAsksForTheEnd)

@@ -45,24 +45,16 @@ inline std::string differenceFromImage(const QImage& picture, const TarvikServic
         return std::abs(position - std::round(position)) < 1e-3;
     };
     for (int py = 0; py < picture.height(); ++py) {
-        const double y = (py + 0.5) / scale + viewport.offsetY;
-        if (onBorder(y))
-            continue;
         for (int px = 0; px < picture.width(); ++px) {
             const double x = (px + 0.5) / scale + viewport.offsetX;
-            if (onBorder(x))
+            const double y = (py + 0.5) / scale + viewport.offsetY;
+            if (onBorder(x) || onBorder(y))
                 continue;
             const auto wanted = colours.pixel<unsigned int>(
                 static_cast<int>(std::floor(x)), static_cast<int>(std::floor(y)), background);
-            if (picture.pixel(px, py) != wanted)
-                return QString("at (%1, %2), image (%3, %4): shown %5, wanted %6, zoom power %7")
-                    .arg(px)
-                    .arg(py)
-                    .arg(x)
-                    .arg(y)
-                    .arg(picture.pixel(px, py), 8, 16)
-                    .arg(wanted, 8, 16)
-                    .arg(viewport.zoomPower)
+            if (const QRgb shown = picture.pixel(px, py); shown != wanted)
+                return QString::asprintf("at (%d, %d), image (%g, %g): %08x, not %08x, power %d",
+                                         px, py, x, y, shown, wanted, viewport.zoomPower)
                     .toStdString();
         }
     }

@@ -37,9 +37,9 @@ inline void drag(QWidget& widget, Qt::MouseButton button, QPoint start,
 }
 
 /// Waits first, since events that follow at once are dropped.
-inline void wheel(QWidget& widget, QPoint position, QPoint delta)
+inline void wheel(QWidget& widget, QPoint position, QPoint delta, int pause = 25)
 {
-    QTest::qWait(25);
+    QTest::qWait(pause);
     QWheelEvent event(position, widget.mapToGlobal(QPointF(position)), QPoint(), delta,
                       Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
     QApplication::sendEvent(&widget, &event);
@@ -47,8 +47,7 @@ inline void wheel(QWidget& widget, QPoint position, QPoint delta)
 
 inline void enter(QWidget& widget, QPoint position)
 {
-    const QPointF global = widget.mapToGlobal(QPointF(position));
-    QEnterEvent event(position, position, global);
+    QEnterEvent event(position, position, widget.mapToGlobal(QPointF(position)));
     QApplication::sendEvent(&widget, &event);
 }
 

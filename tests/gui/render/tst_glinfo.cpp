@@ -10,37 +10,27 @@ namespace {
 
 using render::GlInfo;
 
-TEST(GlInfoTest, TheVersionIsReadFromTheDriversText)
+TEST(GlInfo, TheVersionIsReadFromTheDriversText)
 {
     struct Row {
         const char* text;
-        int major;
-        int minor;
+        int major, minor;
     };
-    for (const Row& row :
+    for (const auto& [text, major, minor] :
          {Row{"4.5 (Compatibility Profile) Mesa 22.3.6", 4, 5}, Row{"3.0.0 NVIDIA 525.85", 3, 0},
           Row{"2.1 Mesa", 2, 1}, Row{"", 0, 0}, Row{"OpenGL ES 3.2", 0, 0}, Row{"4", 0, 0}}) {
         GlInfo info;
-        info.parseVersion(row.text);
-        EXPECT_EQ(info.major, row.major) << row.text;
-        EXPECT_EQ(info.minor, row.minor) << row.text;
-        EXPECT_EQ(info.version, row.text);
-    }
-}
-
-TEST(GlInfoTest, ShadersNeedOpenGl3AndTexturesOfOneChannel)
-{
-    GlInfo info;
-    for (const int major : {0, 2, 3, 4}) {
-        info.major = major;
-        info.textureRg = false;
-        EXPECT_FALSE(info.glslPossible()) << major;
+        info.parseVersion(text);
+        EXPECT_EQ(info.version, text);
+        EXPECT_EQ(info.major, major) << text;
+        EXPECT_EQ(info.minor, minor) << text;
+        EXPECT_FALSE(info.glslPossible()) << text;
         info.textureRg = true;
-        EXPECT_EQ(info.glslPossible(), major >= 3) << major;
+        EXPECT_EQ(info.glslPossible(), major >= 3) << text;
     }
 }
 
-TEST(GlInfoTest, TheLinesAreThoseThatUsersSendIn)
+TEST(GlInfo, TheLinesAreThoseThatUsersSendIn)
 {
     GlInfo info;
     info.parseVersion("4.5 Mesa");

@@ -2,21 +2,17 @@
 // SPDX-License-Identifier: MIT
 //
 // Every pixel on the screen has the colour that the processor's colour map gives it.
-#include "imagelib/display/MColorMap.h"
-#include "imagelib/display/TransferLevels.h"
 #include "tests/gui/render/DrawnImage.h"
+#include "tests/gui/render/ExpectedView.h"
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <cstring>
-#include <limits>
 #include <map>
 #include <random>
 
 namespace {
 
-using morvend::imglib::MColorMap;
 using morvend::imglib::MColorTable;
 using morvend::imglib::MImage;
 
@@ -25,50 +21,34 @@ constexpr int height = 96;
 
 /// Foreground and background.
 using Levels = std::pair<double, double>;
+const std::vector<Levels> allLevels{{100, 0},  {10, 3}, {7, 7},        {3, 10},
+                                    {0, 0},    {1, 0},  {30000, 20.5}, {250.75, 1},
+                                    {-5, -50}, {64, 0}, {3e9, 17}};
 
-/// Values at and next to every boundary of the levels, the ends of the type, and random ones.
+/// Values at and next to every boundary of the levels, the ends of the type, and random ones. Each
+/// stands in rows of pixels without mask bits and with each of them.
 template <class T>
-std::vector<T> interestingValues(const std::vector<Levels>& levels)
+MImage testImage()
 {
-    std::vector<double> values{
-        0,    1,     2,   -1,   -2, 5, 1000, 1e6, 65535, 2147483647.0, -2147483648.0, 4294967295.0,
-        1e30, -1e30, 0.5, 1e-30};
-    values.push_back(std::numeric_limits<double>::quiet_NaN());
-    for (const auto& [foreground, background] : levels) {
-        for (const double level : {foreground, background, foreground * 10000}) {
+    std::vector<double> values{0, 1, 2, -1, -2, 5, 1000, 1e6, 65535, 2147483647.0};
+    values.insert(values.end(),
+                  {-2147483648.0, 4294967295.0, 1e30, -1e30, 0.5, 1e-30, std::nan("")});
+    for (const auto& [foreground, background] : allLevels)
+        for (const double level : {foreground, background, foreground * 10000})
             for (const double step : {-1.0, 0.0, 1.0, -0.25, 0.25})
                 values.push_back(level + step);
-        }
-    }
-    std::vector<T> result;
-    for (const double value : values)
-        result.push_back(morvend::datatypes::convertPixel<T>(value));
     std::mt19937 random(12);
     std::uniform_real_distribution<double> exponent(0, 22);
-    while (result.size() < std::size_t(width * height) / 2)
-        result.push_back(morvend::datatypes::convertPixel<T>(std::exp(exponent(random))));
-    for (T value = 0; result.size() < std::size_t(width * height); ++value)
-        result.push_back(value);
-    return result;
-}
-
-/// Each value stands in a row of pixels without mask bits and with each of them.
-template <class T>
-MImage testImage(const std::vector<Levels>& levels)
-{
-    const std::vector<T> values = interestingValues<T>(levels);
-    MImage image(width, height, T(0));
-    MImage mask(width, height, 0U);
-    auto* pixels = static_cast<T*>(image.data());
-    auto* bits = static_cast<unsigned int*>(mask.data());
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        pixels[i] = values[i];
-        const std::size_t row = i / width;
-        // Rows without mask bits first, then one row for each bit, and for bits together.
-        const unsigned int patterns[] = {0, 0, 0, 0, 0, 0, 1, 2, 4, 8, 16, 32, 3, 31};
-        bits[i] = patterns[row % std::size(patterns)];
-    }
-    image.optionalData().set_pixel_mask(mask);
+    while (values.size() < std::size_t(width * height) / 2)
+        values.push_back(std::exp(exponent(random)));
+    T next = 0;
+    MImage image = images::of<T>(width, height, [&](int x, int y) {
+        const auto i = std::size_t(y * width + x);
+        return i < values.size() ? morvend::datatypes::convertPixel<T>(values[i]) : next++;
+    });
+    const unsigned int patterns[] = {0, 0, 0, 0, 0, 0, 1, 2, 4, 8, 16, 32, 3, 31};
+    image.optionalData().set_pixel_mask(images::of<unsigned int>(
+        width, height, [&](int, int y) { return patterns[std::size_t(y) % std::size(patterns)]; }));
     image.optionalData().set_saturation_value(500000);
     return image;
 }
@@ -81,104 +61,80 @@ struct Differences {
 
 /// Compares the view's picture with the colour map. In the logarithmic part the graphics card's
 /// logarithm may lead to the next entry of the table.
-Differences compare(const QImage& picture, const MImage& image, const ContrastData& contrast,
-                    bool highlight)
+Differences compare(const QImage& picture, const TarvikService& service)
 {
-    MImage expected;
-    MColorMap::rgb(
-        expected, image, contrast.foreground, contrast.background, contrast.logForeground(),
-        *contrast.colorTable, "ARGB", &*image.optionalData().pixel_mask(), nullptr,
-        highlight ? *image.optionalData().saturation_value() : std::numeric_limits<int>::max(),
-        highlight, highlight);
-    std::map<QRgb, std::vector<QRgb>> next;
-    const MColorTable& table = *contrast.colorTable;
+    const MImage expected = colouredImage(service);
+    const MColorTable& table = *service.contrastData().colorTable;
     std::vector<QRgb> entries(table.logDataSize());
     if (!entries.empty())
         std::memcpy(entries.data(), table.logData(), entries.size() * 4);
+    std::multimap<QRgb, QRgb> next;
     for (std::size_t i = 0; i + 1 < entries.size(); ++i) {
-        next[entries[i]].push_back(entries[i + 1]);
-        next[entries[i + 1]].push_back(entries[i]);
+        next.emplace(entries[i], entries[i + 1]);
+        next.emplace(entries[i + 1], entries[i]);
     }
-
     Differences result;
-    for (int y = 0; y < height; ++y) {
+    for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; ++x) {
             const auto wanted = expected.pixel<unsigned int>(x, y, 0);
             const QRgb shown = picture.pixel(x, y);
             if (shown == wanted)
                 continue;
-            const auto& near = next[wanted];
-            if (std::find(near.begin(), near.end(), shown) != near.end()) {
+            const auto [begin, end] = next.equal_range(wanted);
+            if (std::any_of(begin, end, [&](const auto& pair) { return pair.second == shown; }))
                 ++result.neighbours;
-                continue;
-            }
-            if (result.beyond++ == 0) {
-                result.first = QString("(%1,%2) value %3 mask %4: shown %5, wanted %6")
-                                   .arg(x)
-                                   .arg(y)
-                                   .arg(image.pixel<double>(x, y, 0))
-                                   .arg(image.optionalData().pixel_mask()->pixel<int>(x, y, 0))
-                                   .arg(shown, 8, 16)
-                                   .arg(wanted, 8, 16)
-                                   .toStdString();
-            }
+            else if (result.beyond++ == 0)
+                result.first =
+                    QString::asprintf("(%d, %d) value %g: shown %08x, wanted %08x", x, y,
+                                      service.image().pixel<double>(x, y, 0), shown, wanted)
+                        .toStdString();
         }
-    }
     return result;
 }
 
-template <class T>
-class PixelColours : public testing::Test {};
-
-using ShownTypes = testing::Types<int, unsigned int, float, unsigned short, short, double, char,
-                                  signed char, unsigned char, long long, unsigned long long>;
-TYPED_TEST_SUITE(PixelColours, ShownTypes);
-
-/// All tables, their inverses, levels in all positions to each other, with and without
-/// highlighting.
-TYPED_TEST(PixelColours, AreThoseOfTheColourMap)
+/// All pixel types under all levels, with and without highlighting; every table and its inverse
+/// meets all levels in the course of the types.
+TEST(PixelColours, AreThoseOfTheColourMap)
 {
-    const std::vector<Levels> levels{{100, 0},  {10, 3}, {7, 7},        {3, 10},
-                                     {0, 0},    {1, 0},  {30000, 20.5}, {250.75, 1},
-                                     {-5, -50}, {64, 0}, {3e9, 17}};
-    const MImage image = testImage<TypeParam>(levels);
     DrawnImage view(QSize(width, height));
-    ASSERT_TRUE(view.open(image));
-    ASSERT_TRUE(view.drawer->usesGlsl());
-    ASSERT_EQ(view.drawer->visibleRange(), QRectF(0, 0, width, height));
-
-    for (const bool highlight : {false, true}) {
-        view.service->toggleHighlightDefective(highlight);
-        view.service->toggleHighlightSaturated(highlight);
-        for (const MColorTable* family : {MColorTable::hdr(), MColorTable::grey(),
-                                          MColorTable::heat(), MColorTable::rainbow()}) {
-            for (const MColorTable* table : {family, family->inverseTable()}) {
-                for (const auto& [foreground, background] : levels) {
-                    const ContrastData contrast(foreground, background, table, false);
-                    view.service->setContrastData(contrast);
-                    const Differences found =
-                        compare(view.drawer->grab(), image, contrast, highlight);
-                    EXPECT_EQ(found.beyond, 0)
-                        << table->identifier() << (table->inverse() ? " inverse" : "") << " from "
-                        << background << " to " << foreground << ": " << found.first;
-                    EXPECT_LT(found.neighbours, width * height / 50);
-                }
+    std::vector<const MColorTable*> tables;
+    for (const MColorTable* table :
+         {MColorTable::hdr(), MColorTable::grey(), MColorTable::heat(), MColorTable::rainbow()})
+        tables.insert(tables.end(), {table, table->inverseTable()});
+    std::size_t turn = 0;
+    const auto check = [&]<class T>(T) {
+        ASSERT_TRUE(view.openAnew(testImage<T>()));
+        ASSERT_TRUE(view.drawer->usesGlsl());
+        ASSERT_EQ(view.drawer->visibleRange(), QRectF(0, 0, width, height));
+        for (const bool highlight : {false, true}) {
+            view.service->toggleHighlightDefective(highlight);
+            view.service->toggleHighlightSaturated(highlight);
+            for (std::size_t i = 0; i < 2 * allLevels.size(); ++i) {
+                const auto& [foreground, background] = allLevels[i / 2];
+                const MColorTable* table = tables[(i / 2 + 4 * (i % 2) + turn) % tables.size()];
+                view.service->setContrastData({foreground, background, table, false});
+                const Differences found = compare(view.drawer->grab(), *view.service);
+                EXPECT_EQ(found.beyond, 0)
+                    << typeid(T).name() << ' ' << table->identifier() << ' ' << table->inverse()
+                    << " from " << background << " to " << foreground << ": " << found.first;
+                EXPECT_LT(found.neighbours, width * height / 50);
             }
         }
-    }
+        ++turn;
+    };
+    std::apply([&](auto... types) { (check(types), ...); },
+               std::tuple<int, unsigned int, float, unsigned short, short, double, char,
+                          signed char, unsigned char, long long, unsigned long long>());
 }
 
-TEST(PixelColoursOnTheProcessor, AreThoseOfTheColourMapExactly)
+TEST(PixelColours, OnTheProcessorAreThoseOfTheColourMapExactly)
 {
-    const std::vector<Levels> levels{{100, 0}, {10, 3}};
-    const MImage image = testImage<int>(levels);
     DrawnImage view(QSize(width, height), false);
-    ASSERT_TRUE(view.open(image));
+    ASSERT_TRUE(view.open(testImage<int>()));
     ASSERT_FALSE(view.drawer->usesGlsl());
-    for (const auto& [foreground, background] : levels) {
-        const ContrastData contrast(foreground, background, MColorTable::hdr(), false);
-        view.service->setContrastData(contrast);
-        const Differences found = compare(view.drawer->grab(), image, contrast, true);
+    for (const Levels& levels : {Levels(100, 0), Levels(10, 3)}) {
+        view.service->setContrastData({levels.first, levels.second, MColorTable::hdr(), false});
+        const Differences found = compare(view.drawer->grab(), *view.service);
         EXPECT_EQ(found.beyond + found.neighbours, 0) << found.first;
     }
 }
@@ -188,19 +144,18 @@ TEST(PixelColoursOnTheProcessor, AreThoseOfTheColourMapExactly)
 TEST(ContrastDrag, TablesStayUntilItsEnd)
 {
     DrawnImage view(QSize(width, height));
-    ASSERT_TRUE(view.open(testImage<int>({{100, 0}})));
-    view.service->toggleHighlightDefective(false);
-    view.service->toggleHighlightSaturated(false);
+    ASSERT_TRUE(view.open(images::patterned(width, height)));
+    const MColorTable* grey = MColorTable::grey();
     const auto picture = [&view](double foreground, const MColorTable* table, bool drag) {
         view.service->setContrastData({foreground, 0, table, drag});
         return view.drawer->grab();
     };
-    const QImage grey = picture(50, MColorTable::grey(), false);
-    const QImage inverse = picture(50, MColorTable::grey()->inverseTable(), false);
-    ASSERT_NE(picture(100, MColorTable::grey(), false), grey);
-    EXPECT_EQ(picture(50, MColorTable::grey()->inverseTable(), true), grey);
-    EXPECT_EQ(picture(50, MColorTable::grey()->inverseTable(), false), inverse);
-    EXPECT_NE(grey, inverse);
+    const QImage plain = picture(50, grey, false);
+    const QImage inverse = picture(50, grey->inverseTable(), false);
+    ASSERT_NE(picture(100, grey, false), plain);
+    EXPECT_EQ(picture(50, grey->inverseTable(), true), plain);
+    EXPECT_EQ(picture(50, grey->inverseTable(), false), inverse);
+    EXPECT_NE(plain, inverse);
 }
 
 }  // namespace

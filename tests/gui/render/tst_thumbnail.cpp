@@ -5,11 +5,8 @@
 #include "gui/render/ImageDrawerThumbnail.h"
 
 #include "gui/render/ThumbnailFrame.h"
-#include "tests/gui/render/DrawnImage.h"
 #include "tests/gui/render/MouseEvents.h"
-#include "tests/gui/render/TestImages.h"
-
-#include <gtest/gtest.h>
+#include "tests/gui/render/SharedView.h"
 
 namespace {
 
@@ -24,31 +21,48 @@ TEST(ThumbnailFrame, IsTheVisiblePartReduced)
     EXPECT_EQ(render::thumbnailFrame(QRectF(), 0.2), QRectF());
 }
 
-class Thumbnail : public testing::TestWithParam<bool> {
+/// With shaders and without. One thumbnail of each kind serves all cases.
+class Thumbnail : public EitherView<ImageDrawerMain> {
 protected:
     Thumbnail()
-        : _view(QSize(300, 200), GetParam())
-        , _thumbnail(_view.drawer.get())
+        : EitherView(QSize(300, 200))
+        , _thumbnail(_shown())
+    {}
+    static void TearDownTestSuite()
     {
-        _thumbnail.resize(_thumbnail.sizeHint());
-        _thumbnail.show();
-        (void)QTest::qWaitForWindowExposed(&_thumbnail);
-        settle();
+        _thumbnails = {};
+        EitherView::TearDownTestSuite();
     }
-
     /// 1000 by 800 pixels, a fifth of it in the thumbnail.
-    void open()
+    void SetUp() override
     {
-        ASSERT_TRUE(_view.open(images::withGeometry(1000, 800, 5, 500, 400)));
-        _view.service->setContrastData({5, 0, morvend::imglib::MColorTable::grey(), false});
+        ASSERT_TRUE(_view.openAnew(images::withGeometry(1000, 800, 5, 500, 400)));
+        setGrey(5);
+        fit();
+    }
+    void fit()
+    {
         _thumbnail.resize(_thumbnail.sizeHint());
         settle();
     }
-    ViewportData viewport() const { return _view.service->viewportData(); }
     QColor at(int x, int y) { return _thumbnail.grab().pixelColor(x, y); }
 
-    DrawnImage _view;
-    ImageDrawerThumbnail _thumbnail;
+private:
+    ImageDrawerThumbnail& _shown()
+    {
+        auto& thumbnail = _thumbnails[GetParam()];
+        if (!thumbnail) {
+            thumbnail = std::make_unique<ImageDrawerThumbnail>(&drawer());
+            thumbnail->show();
+            (void)QTest::qWaitForWindowExposed(thumbnail.get());
+            settle();
+        }
+        return *thumbnail;
+    }
+    static inline std::array<std::unique_ptr<ImageDrawerThumbnail>, 2> _thumbnails;
+
+protected:
+    ImageDrawerThumbnail& _thumbnail;
 };
 
 INSTANTIATE_TEST_SUITE_P(Colouring, Thumbnail, testing::Bool(),
@@ -56,9 +70,6 @@ INSTANTIATE_TEST_SUITE_P(Colouring, Thumbnail, testing::Bool(),
 
 TEST_P(Thumbnail, HasTheSizeOfTheReducedImage)
 {
-    EXPECT_EQ(_thumbnail.sizeHint(), QSize(200, 100));
-    EXPECT_EQ(at(100, 50), QColor(Qt::darkGray));
-    open();
     EXPECT_EQ(_thumbnail.sizeHint(), QSize(200, 160));
     EXPECT_EQ(_thumbnail.minimumSizeHint(), QSize(200, 160));
     EXPECT_EQ(_thumbnail.imgX(40), 200) << "coordinates are those of the image";
@@ -68,10 +79,11 @@ TEST_P(Thumbnail, HasTheSizeOfTheReducedImage)
 /// A view whose image is too large for the card draws this image, and no other, on the processor.
 TEST_P(Thumbnail, HasTheShadersThatItsViewMayUse)
 {
-    _view.drawer->limitTextureSize(1);
-    open();
-    ASSERT_FALSE(_view.drawer->usesGlsl());
-    ImageDrawerThumbnail late(_view.drawer.get());
+    DrawnImage view(QSize(300, 200), GetParam());
+    view.drawer->limitTextureSize(1);
+    ASSERT_TRUE(view.open(images::uniform(1000, 800, 5)));
+    ASSERT_FALSE(view.drawer->usesGlsl());
+    ImageDrawerThumbnail late(view.drawer.get());
     late.show();
     (void)QTest::qWaitForWindowExposed(&late);
     settle();
@@ -80,7 +92,6 @@ TEST_P(Thumbnail, HasTheShadersThatItsViewMayUse)
 
 TEST_P(Thumbnail, DarkensWhatTheMainViewShows)
 {
-    open();
     ASSERT_EQ(viewport(), ViewportData(350, 300, 0, 0, 0));
     const QColor bare = at(10, 10);
     const QColor dark = at(100, 80);
@@ -89,33 +100,29 @@ TEST_P(Thumbnail, DarkensWhatTheMainViewShows)
     EXPECT_EQ(at(68, 61), bare);
     EXPECT_EQ(at(128, 98), dark) << "to 650 / 5, 500 / 5";
     EXPECT_EQ(at(131, 98), bare);
-    // A larger main view shows more.
-    _view.drawer->resize(600, 200);
+    drawer().resize(600, 200);
     settle();
-    EXPECT_EQ(at(188, 80), dark);
-    // At its lowest zoom it shows everything.
-    _view.service->setViewportData(ViewportData(-100, 0, -2, 0, 0));
-    EXPECT_EQ(at(1, 1), dark);
+    EXPECT_EQ(at(188, 80), dark) << "a larger main view shows more";
+    look(-100, 0, -2);
+    EXPECT_EQ(at(1, 1), dark) << "and everything at its lowest zoom";
     EXPECT_EQ(at(198, 158), dark);
 }
 
 TEST_P(Thumbnail, ASmallPartIsMarkedByACross)
 {
-    open();
-    _view.service->setViewportData(ViewportData(500, 400, 6, 0, 0));
-    EXPECT_EQ(at(100, 80), QColor(Qt::black));
-    EXPECT_EQ(at(100, 75), QColor(Qt::black));
-    EXPECT_EQ(at(105, 80), QColor(Qt::black));
-    EXPECT_EQ(at(104, 81), QColor(Qt::white));
-    EXPECT_NE(at(100, 70), QColor(Qt::black));
+    look(500, 400, 6);
+    const QImage picture = _thumbnail.grab();
+    for (const QPoint black : {QPoint(100, 80), QPoint(100, 75), QPoint(105, 80)})
+        EXPECT_EQ(picture.pixelColor(black), QColor(Qt::black)) << black.x();
+    EXPECT_EQ(picture.pixelColor(104, 81), QColor(Qt::white));
+    EXPECT_NE(picture.pixelColor(100, 70), QColor(Qt::black));
 }
 
 TEST_P(Thumbnail, ADragMovesTheFrameWithTheCursor)
 {
-    open();
     mouse::drag(_thumbnail, Qt::LeftButton, {100, 80}, {{90, 85}, {88, 86}});
     EXPECT_EQ(viewport(), ViewportData(350 - 60, 300 + 30, 0, 0, 0));
-    _view.service->setViewportData(ViewportData(350, 300, 3, 0, 0));
+    look(350, 300, 3);
     mouse::drag(_thumbnail, Qt::LeftButton, {10, 10}, {{11, 13}});
     EXPECT_EQ(viewport(), ViewportData(355, 315, 3, 0, 0)) << "nor does it jump to the cursor";
     mouse::drag(_thumbnail, Qt::RightButton, {10, 10}, {{40, 40}});
@@ -124,42 +131,34 @@ TEST_P(Thumbnail, ADragMovesTheFrameWithTheCursor)
 
 TEST_P(Thumbnail, TheMainViewRefusesAWiderBorder)
 {
-    open();
     mouse::drag(_thumbnail, Qt::LeftButton, {100, 80}, {{30, 70}});
-    EXPECT_EQ(_view.drawer->visibleRange(), QRectF(0, 250, 300, 200));
+    EXPECT_EQ(drawer().visibleRange(), QRectF(0, 250, 300, 200));
     mouse::drag(_thumbnail, Qt::LeftButton, {100, 80}, {{95, 70}});
-    EXPECT_EQ(_view.drawer->visibleRange(), QRectF(0, 200, 300, 200)) << "one axis only";
+    EXPECT_EQ(drawer().visibleRange(), QRectF(0, 200, 300, 200)) << "one axis only";
 }
 
 TEST_P(Thumbnail, TheWheelZoomsTheMainViewAboutThePointUnderTheCursor)
 {
-    open();
     mouse::hover(_thumbnail, {40, 120});
     mouse::wheel(_thumbnail, {40, 120}, {0, 120});
     EXPECT_EQ(viewport(), ViewportData(200 - 75, 600 - 50, 1, 0, 0));
-    EXPECT_EQ(_view.drawer->imgX(150), 200);
-    EXPECT_EQ(_view.drawer->imgY(100), 600);
+    EXPECT_EQ(QPointF(drawer().imgX(150), drawer().imgY(100)), QPointF(200, 600));
     mouse::wheel(_thumbnail, {40, 120}, {0, -120});
-    mouse::wheel(_thumbnail, {40, 120}, {0, -120});
-    EXPECT_EQ(viewport(), ViewportData(200 - 300, 600 - 200, -1, 0, 0));
     mouse::wheel(_thumbnail, {40, 120}, {0, 0});
-    EXPECT_EQ(viewport().zoomPower, -1);
+    EXPECT_EQ(viewport(), ViewportData(200 - 150, 600 - 100, 0, 0, 0));
 }
 
 TEST_P(Thumbnail, ShowsThreeRingsAtAnyZoomOfTheMainView)
 {
-    open();
-    const QImage without = _thumbnail.grab();
-    _view.service->toggleShowResolutionRings(true);
-    double x = 0;
-    double y = 0;
+    service().toggleShowResolutionRings(true);
+    double x = 0, y = 0;
     std::vector<double> radii;
     std::vector<QString> labels;
-    _view.service->recommendResolutionRadius(3, x, y, radii, labels);
+    service().recommendResolutionRadius(3, x, y, radii, labels);
     ASSERT_EQ(radii.size(), 3U);
     const int smallest = int(radii[0] / 5);
     for (const int power : {0, 6}) {
-        _view.service->setViewportData(ViewportData(0, 0, power, 0, 0));
+        look(0, 0, power);
         const QImage picture = _thumbnail.grab();
         int blue = 0;
         for (int row = 80 + smallest - 2; row <= 80 + smallest + 1; ++row)
@@ -171,36 +170,43 @@ TEST_P(Thumbnail, ShowsThreeRingsAtAnyZoomOfTheMainView)
 
 TEST_P(Thumbnail, WorksWithoutImageAndWithOnePixel)
 {
-    mouse::drag(_thumbnail, Qt::LeftButton, {10, 10}, {{50, 50}});
-    mouse::wheel(_thumbnail, {10, 10}, {0, 120});
-    EXPECT_EQ(viewport(), ViewportData());
-    ASSERT_TRUE(_view.open(images::withGeometry(1, 1, 5, 0.5F, 0.5F)));
-    EXPECT_EQ(_thumbnail.sizeHint(), QSize(1, 1));
+    DrawnImage view(QSize(300, 200), GetParam());
+    ImageDrawerThumbnail thumbnail(view.drawer.get());
+    EXPECT_EQ(thumbnail.sizeHint(), QSize(200, 100));
+    thumbnail.resize(200, 100);
+    thumbnail.show();
+    (void)QTest::qWaitForWindowExposed(&thumbnail);
+    settle();
+    EXPECT_EQ(thumbnail.grab().pixelColor(100, 50), QColor(Qt::darkGray));
+    mouse::drag(thumbnail, Qt::LeftButton, {10, 10}, {{50, 50}});
+    mouse::wheel(thumbnail, {10, 10}, {0, 120});
+    EXPECT_EQ(view.service->viewportData(), ViewportData());
+    ASSERT_TRUE(view.open(images::withGeometry(1, 1, 5, 0.5F, 0.5F)));
+    EXPECT_EQ(thumbnail.sizeHint(), QSize(1, 1));
     for (const QSize size : {QSize(1, 1), QSize(0, 0), QSize(200, 100)}) {
-        _thumbnail.resize(size);
+        thumbnail.resize(size);
         settle();
-        mouse::drag(_thumbnail, Qt::LeftButton, {0, 0}, {{5, 5}});
-        mouse::wheel(_thumbnail, {0, 0}, {0, 120});
-        (void)_thumbnail.grab();
+        mouse::drag(thumbnail, Qt::LeftButton, {0, 0}, {{5, 5}});
+        mouse::wheel(thumbnail, {0, 0}, {0, 120});
+        (void)thumbnail.grab();
     }
 }
 
 /// A strip detector: less than half a row of the reduced picture.
 TEST_P(Thumbnail, RestsWhereTheReducedImageIsEmpty)
 {
-    open();
     testing::internal::CaptureStderr();
     ASSERT_TRUE(_view.open(images::withGeometry(1280, 1, 5, 640, 0.5F)));
     ASSERT_EQ(_thumbnail.sizeHint(), QSize(200, 0));
     QSignalSpy newImages(&_thumbnail, &ImageDrawer::newCursorCoordinates);
-    for (int i = 0; i < 10; ++i) {
+    for (int i = 0; i < 3; ++i) {
         _thumbnail.repaint();
         settle();
     }
     EXPECT_EQ(newImages.count(), 0);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
     EXPECT_EQ(at(100, 80), QColor(Qt::darkGray)) << "nothing of the image before";
-    open();
+    SetUp();
     EXPECT_NE(at(100, 80), QColor(Qt::darkGray));
 }
 

@@ -11,7 +11,7 @@
 #include "imagelib/display/MColorTable.h"
 #include "logic/TarvikService.h"
 #include "logic/tarvikcore.h"
-#include "tests/support/TempFolder.h"
+#include "tests/support/EdfFile.h"
 #include "tests/support/WaitFor.h"
 
 #include <gtest/gtest.h>
@@ -35,22 +35,6 @@
 namespace {
 
 using morvend::imglib::MColorTable;
-using morvend::imglib::MImage;
-
-/// A readable EDF file of 8 by 4 pixels, all of one value.
-std::string edf(unsigned short value)
-{
-    std::string header = "{\nHeaderID = EH:000001:000000:000000;\nImage = 1;\n"
-                         "ByteOrder = LowByteFirst;\nDataType = UnsignedShort;\n"
-                         "Dim_1 = 8;\nDim_2 = 4;\nSize = 64;\n";
-    header.resize(1022, ' ');
-    header += "}\n";
-    for (int i = 0; i < 32; ++i) {
-        header += static_cast<char>(value & 0xff);
-        header += static_cast<char>(value >> 8);
-    }
-    return header;
-}
 
 class MainWindowTest : public testing::Test {
 protected:
@@ -58,9 +42,10 @@ protected:
     {
         _core.setDefaultColorTable("High Dynamic Range");
         _window = std::make_unique<MainWindow>(_core, true, true);
+        _sizeAtFirst = _window->size();
+        _window->resize(500, 300);  // pixels cost time
         for (int i = 1; i <= 12; ++i)
-            _folder.write("x_" + QString::number(i).rightJustified(5, '0').toStdString() + ".edf",
-                          edf(static_cast<unsigned short>(i)));
+            tarvik::tests::writeEdf(_folder, name(i), 8, std::vector(32, i));
         _window->show();
         (void)QTest::qWaitForWindowExposed(_window.get());
         _window->activateWindow();
@@ -74,11 +59,13 @@ protected:
         settle();
     }
 
-    QString file(int number) const
+    static std::string name(int number)
     {
-        return QString::fromStdString(
-            _folder / "x_" + QString::number(number).rightJustified(5, '0').toStdString() + ".edf");
+        return "x_" + std::to_string(100000 + number).substr(1) + ".edf";
     }
+    QString path(const std::string& name) const { return QString::fromStdString(_folder / name); }
+    QString file(int number) const { return path(name(number)); }
+    QUrl url(int number) const { return QUrl::fromLocalFile(file(number)); }
 
     /// Number of the image on show, -1 without.
     static int shown(const SubWindow* window) { return window->service()->imageIndex(); }
@@ -87,23 +74,28 @@ protected:
     {
         return waitFor([window, number] { return shown(window) == number; });
     }
-
-    static QToolButton* button(SubWindow* window, const QString& text)
+    /// A view that shows an image of the series.
+    SubWindow* opened(int number)
     {
-        for (QToolButton* candidate : window->titleBar()->findChildren<QToolButton*>()) {
-            if (candidate->defaultAction() && candidate->defaultAction()->text() == text)
-                return candidate;
-        }
+        SubWindow* window = _window->newSubWindow();
+        window->loadFile(file(number));
+        EXPECT_TRUE(waitForImage(window, number));
+        return window;
+    }
+    static const QAction* actionOf(const QAction* action) { return action; }
+    static const QAction* actionOf(const QToolButton* button) { return button->defaultAction(); }
+    /// The child whose action has this text.
+    template <class Child>
+    static Child* find(const QObject* parent, const QString& text)
+    {
+        for (Child* child : parent->findChildren<Child*>())
+            if (const QAction* action = actionOf(child); action && action->text() == text)
+                return child;
         return nullptr;
     }
-
-    QAction* action(const QString& text) const
+    bool errorWasShown()
     {
-        for (QAction* candidate : _window->findChildren<QAction*>()) {
-            if (candidate->text() == text)
-                return candidate;
-        }
-        return nullptr;
+        return waitFor([this] { return !_errors.isEmpty() && !errorDialog(); });
     }
 
     void drop(QWidget* target, const QList<QUrl>& urls)
@@ -136,12 +128,13 @@ protected:
     std::function<bool()> _mayClose;
     TarvikCore _core;
     std::unique_ptr<MainWindow> _window;
+    QSize _sizeAtFirst;
 };
 
 TEST_F(MainWindowTest, TwoFilesStandInTwoFramesAndShowTheirImages)
 {
     EXPECT_EQ(_window->windowTitle(), "TARVIK");
-    EXPECT_EQ(_window->size(), QSize(1200, 800));
+    EXPECT_EQ(_sizeAtFirst, QSize(1200, 800));
     EXPECT_EQ(_window->activeSubWindow(), nullptr);
 
     SubWindow* first = _window->newSubWindow();
@@ -173,8 +166,8 @@ TEST_F(MainWindowTest, StepControlsGoThroughTheSeriesByTheStepBox)
 {
     SubWindow* window = _window->newSubWindow();
     settle();
-    QToolButton* next = button(window, "Next");
-    QToolButton* previous = button(window, "Previous");
+    auto* next = find<QToolButton>(window->titleBar(), "Next");
+    auto* previous = find<QToolButton>(window->titleBar(), "Previous");
     ASSERT_TRUE(next && previous);
     EXPECT_EQ(next->toolTip(), "Go forward within the present image series");
     EXPECT_EQ(previous->toolTip(), "Go back within the present image series");
@@ -201,16 +194,13 @@ TEST_F(MainWindowTest, StepControlsGoThroughTheSeriesByTheStepBox)
 
 TEST_F(MainWindowTest, AFileThatCannotBeReadIsToldAndTheImageStays)
 {
-    const QString damaged =
-        QString::fromStdString(_folder.write("broken_00001.edf", edf(1).substr(0, 1050)));
-    SubWindow* window = _window->newSubWindow();
-    window->loadFile(file(3));
-    ASSERT_TRUE(waitForImage(window, 3));
-
-    for (const QString& name : {damaged, QString::fromStdString(_folder / "missing_00001.cbf")}) {
+    tarvik::tests::writeEdf(_folder, "broken_00001.edf", 8, {1});
+    std::filesystem::resize_file(_folder / "broken_00001.edf", 514);
+    SubWindow* window = opened(3);
+    for (const QString& name : {path("broken_00001.edf"), path("missing_00001.cbf")}) {
         _errors.clear();
         window->loadFile(name);
-        EXPECT_TRUE(waitFor([this] { return !_errors.isEmpty() && !errorDialog(); }));
+        EXPECT_TRUE(errorWasShown());
         settle();
         ASSERT_EQ(_errors.size(), 1) << _errors.join("; ").toStdString();
         EXPECT_TRUE(_errors[0].contains(QFileInfo(name).fileName())) << _errors[0].toStdString();
@@ -226,7 +216,7 @@ TEST_F(MainWindowTest, OtherFilesAreLoadedWhileAnErrorIsOnShow)
     SubWindow* bad = _window->newSubWindow();
     SubWindow* good = _window->newSubWindow();
     _mayClose = [good] { return shown(good) == 5; };
-    bad->loadFile(QString::fromStdString(_folder / "missing.cbf"));
+    bad->loadFile(path("missing.cbf"));
     // The load is asked for from inside the dialog's own event loop.
     QTimer later;
     QObject::connect(&later, &QTimer::timeout, [&] {
@@ -236,20 +226,19 @@ TEST_F(MainWindowTest, OtherFilesAreLoadedWhileAnErrorIsOnShow)
         }
     });
     later.start(20);
-    EXPECT_TRUE(waitFor([this] { return !_errors.isEmpty() && !errorDialog(); }));
+    EXPECT_TRUE(errorWasShown());
     EXPECT_EQ(shown(good), 5);
 }
 
 TEST_F(MainWindowTest, DroppedFilesOpenInTheViewAndInNewOnes)
 {
     SubWindow* window = _window->newSubWindow();
-    drop(window, {QUrl("https://example.org/x_00009.edf"), QUrl::fromLocalFile(file(1)),
-                  QUrl::fromLocalFile(file(2))});
+    drop(window, {QUrl("https://example.org/x_00009.edf"), url(1), url(2)});
     ASSERT_EQ(_window->subWindows().size(), 2);
     EXPECT_TRUE(waitForImage(window, 1));
     EXPECT_TRUE(waitForImage(_window->subWindows()[1], 2));
 
-    drop(_window.get(), {QUrl::fromLocalFile(file(3)), QUrl::fromLocalFile(file(4))});
+    drop(_window.get(), {url(3), url(4)});
     ASSERT_EQ(_window->subWindows().size(), 4);
     EXPECT_TRUE(waitForImage(_window->subWindows()[2], 3));
     EXPECT_TRUE(waitForImage(_window->subWindows()[3], 4));
@@ -287,8 +276,8 @@ TEST_F(MainWindowTest, ViewsMayGoWhileTheyLoadOrTellAnError)
             failing->close();
         return !failing;
     };
-    failing->loadFile(QString::fromStdString(_folder / "missing.cbf"));
-    EXPECT_TRUE(waitFor([this] { return !_errors.isEmpty() && !errorDialog(); }));
+    failing->loadFile(path("missing.cbf"));
+    EXPECT_TRUE(errorWasShown());
     SubWindow* next = _window->newSubWindow();
     next->loadFile(file(3));
     EXPECT_TRUE(waitForImage(next, 3)) << "the program lives on";
@@ -296,9 +285,7 @@ TEST_F(MainWindowTest, ViewsMayGoWhileTheyLoadOrTellAnError)
 
 TEST_F(MainWindowTest, SettersOfAViewEndInItsRecords)
 {
-    SubWindow* window = _window->newSubWindow();
-    window->loadFile(file(1));
-    ASSERT_TRUE(waitForImage(window, 1));
+    SubWindow* window = opened(1);
     TarvikService& service = *window->service();
     window->setViewport(1.5, -2, 100);
     EXPECT_EQ(service.viewportData(), ViewportData(1.5, -2, 6, 0, 0));
@@ -312,16 +299,14 @@ TEST_F(MainWindowTest, SettersOfAViewEndInItsRecords)
     window->setBackground(2);
     EXPECT_EQ(service.contrastData(), ContrastData(30, 2, MColorTable::hdr(), false));
 
-    struct Row {
-        const char* name;
-        const MColorTable* table;
-    };
-    for (const Row& row : {Row{"H", MColorTable::heat()}, Row{"Rainbow", MColorTable::rainbow()},
-                           Row{"grey", MColorTable::rainbow()}, Row{"GS", MColorTable::grey()},
-                           Row{"HDR", MColorTable::hdr()}}) {
-        window->setColorMode(row.name);
-        EXPECT_EQ(service.contrastData().colorTable, row.table) << row.name;
-        EXPECT_EQ(service.defaultColorTable(), row.table) << row.name;
+    for (const auto& [name, table] : {std::pair("H", MColorTable::heat()),
+                                      {"Rainbow", MColorTable::rainbow()},
+                                      {"grey", MColorTable::rainbow()},
+                                      {"GS", MColorTable::grey()},
+                                      {"HDR", MColorTable::hdr()}}) {
+        window->setColorMode(name);
+        EXPECT_EQ(service.contrastData().colorTable, table) << name;
+        EXPECT_EQ(service.defaultColorTable(), table) << name;
     }
 }
 
@@ -341,22 +326,20 @@ TEST_F(MainWindowTest, AFixedTitleStaysUntilItIsUnset)
 
 TEST_F(MainWindowTest, ActionsAndShortcutsOpenViewsUnlessTheToolBarIsHidden)
 {
-    ASSERT_TRUE(action("New Window") && action("Open"));
-    EXPECT_EQ(action("New Window")->toolTip(), "Open new window (Ctrl N)");
-    EXPECT_EQ(action("Open")->toolTip(), "Open Image File (Ctrl O)");
-    action("New Window")->trigger();
+    ASSERT_TRUE(find<QAction>(_window.get(), "New Window") && find<QAction>(_window.get(), "Open"));
+    EXPECT_EQ(find<QAction>(_window.get(), "New Window")->toolTip(), "Open new window (Ctrl N)");
+    EXPECT_EQ(find<QAction>(_window.get(), "Open")->toolTip(), "Open Image File (Ctrl O)");
+    find<QAction>(_window.get(), "New Window")->trigger();
     EXPECT_EQ(_window->subWindows().size(), 1);
     QApplication::setActiveWindow(_window.get());
     ASSERT_TRUE(QTest::qWaitForWindowActive(_window.get()));
     QTest::keyClick(_window.get(), Qt::Key_N, Qt::ControlModifier);
     EXPECT_EQ(_window->subWindows().size(), 2);
     _window->hideToolBar();
+    EXPECT_FALSE(_window->findChild<QToolBar*>()->isVisible());
     QTest::keyClick(_window.get(), Qt::Key_N, Qt::ControlModifier);
     EXPECT_EQ(_window->subWindows().size(), 2);
-    EXPECT_FALSE(_window->findChild<QToolBar*>()->isVisible());
     _window->showToolBar();
-    QTest::keyClick(_window.get(), Qt::Key_N, Qt::ControlModifier);
-    EXPECT_EQ(_window->subWindows().size(), 3);
     EXPECT_TRUE(_window->findChild<QToolBar*>()->isVisible());
 }
 
@@ -364,14 +347,14 @@ TEST_F(MainWindowTest, TheOpenDialogReplacesTheActiveViewsImageByTheFirstFile)
 {
     OpenDirectory::set(QString::fromStdString(_folder.path()));
     const auto choose = [this](int number) {
-        QTimer::singleShot(50, _window.get(), [this, number] {
+        QTimer::singleShot(0, _window.get(), [this, number] {
             auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
             ASSERT_TRUE(dialog);
             auto* name = dialog->findChild<QLineEdit*>("fileNameEdit");
             name->setText(file(number));
             QTest::keyClick(name, Qt::Key_Return);
         });
-        action("Open")->trigger();
+        find<QAction>(_window.get(), "Open")->trigger();
     };
     choose(3);
     ASSERT_EQ(_window->subWindows().size(), 1);

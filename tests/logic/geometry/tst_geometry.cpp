@@ -5,6 +5,8 @@
 // formulas of its own.
 #include "logic/geometry/RingAdvice.h"
 
+#include "tests/support/Geometry.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -18,12 +20,7 @@ using geometry::Header;
 Header header(double distance)
 {
     Header result;
-    result.set_beam_center_x(0.F);
-    result.set_beam_center_y(0.F);
-    result.set_x_pixel_size(1e-3F);
-    result.set_y_pixel_size(1e-3F);
-    result.set_detector_distance(static_cast<float>(distance));
-    result.set_wavelength(1.F);
+    tarvik::tests::setGeometry(result, 0.F, 0.F, 1e-3F, 1e-3F, float(distance), 1.F);
     return result;
 }
 

@@ -7,6 +7,7 @@
 #include "logic/ImageLoaderThread.h"
 #include "tests/support/EdfFile.h"
 #include "tests/support/Processes.h"
+#include "tests/support/Regions.h"
 
 #include <QSemaphore>
 #include <QTest>
@@ -25,6 +26,13 @@ using testing::HasSubstr;
 
 class Loader : public testing::Test {
 protected:
+    static ImageLoader::Data request(const std::string& path, int index = -1)
+    {
+        ImageLoader::Data request;
+        request.path = path;
+        request.index = index;
+        return request;
+    }
     void push(const MImage& image)
     {
         ImageLoader::Data request;
@@ -33,15 +41,11 @@ protected:
     }
     void openFile(const std::string& path, bool signalLoadError = true)
     {
-        ImageLoader::Data request;
-        request.path = path;
-        loader.open(ImageLoader::TaskOpenSeries, request, signalLoadError);
+        loader.open(ImageLoader::TaskOpenSeries, request(path), signalLoadError);
     }
     void openIndex(int index, bool signalLoadError = true)
     {
-        ImageLoader::Data request;
-        request.index = index;
-        loader.open(ImageLoader::TaskOpenIndex, request, signalLoadError);
+        loader.open(ImageLoader::TaskOpenIndex, request("", index), signalLoadError);
     }
     /// Waits for `count` records or errors in all and returns the waiting records.
     std::list<ImageLoader::Data> finish(int count)
@@ -51,6 +55,17 @@ protected:
         std::list<ImageLoader::Data> records;
         loader.results(records);
         return records;
+    }
+    /// The one record that comes.
+    ImageLoader::Data finishOne()
+    {
+        const auto records = finish(1);
+        EXPECT_EQ(records.size(), 1U);
+        return records.empty() ? ImageLoader::Data() : records.front();
+    }
+    static int firstPixel(const ImageLoader::Data& record)
+    {
+        return record.image.pixel<int>(0, 0, -1);
     }
     /// The text of the one error that came.
     std::string error()
@@ -85,9 +100,7 @@ TEST_F(Loader, FinishesARecord)
     request.path = "of no meaning here";
     request.viewportData = ViewportData(1, 2, 3, 4, 5);
     loader.open(ImageLoader::TaskPushImage, request, true);
-    const auto records = finish(1);
-    ASSERT_EQ(records.size(), 1U);
-    const ImageLoader::Data& record = records.front();
+    const ImageLoader::Data record = finishOne();
     EXPECT_EQ(record.path, "");
     EXPECT_EQ(record.index, 0);
     EXPECT_EQ(record.image.pixel<int>(299, 99, 0), 7);
@@ -107,23 +120,16 @@ TEST_F(Loader, ComputesTheRegionOfTheRequest)
 {
     ImageLoader::Data request;
     request.image = MImage(300, 100, 7);
-    request.statisticsData.defined = true;
-    request.statisticsData.roiType = StatisticsData::Box;
-    request.statisticsData.beginX = 298;
-    request.statisticsData.endX = 302;
-    request.statisticsData.endY = 5;
+    request.statisticsData = regions::box(298, 0, 302, 5);
     loader.open(ImageLoader::TaskPushImage, request, true);
-    const auto inside = finish(1);
-    ASSERT_EQ(inside.size(), 1U);
-    EXPECT_EQ(inside.front().roiStatistics.integral, 2 * 5 * 7);
-    EXPECT_EQ(inside.front().roiStatistics.area, 4 * 5);
+    const ImageLoader::Data inside = finishOne();
+    EXPECT_EQ(inside.roiStatistics.integral, 2 * 5 * 7);
+    EXPECT_EQ(inside.roiStatistics.area, 4 * 5);
 
     request.statisticsData.endX = 2'000'000'000;
     testing::internal::CaptureStderr();
     loader.open(ImageLoader::TaskPushImage, request, true);
-    const auto tooLarge = finish(1);
-    ASSERT_EQ(tooLarge.size(), 1U) << "an image doesn't fail because of a region";
-    EXPECT_EQ(tooLarge.front().roiStatistics.area, 0);
+    EXPECT_EQ(finishOne().roiStatistics.area, 0) << "an image doesn't fail because of a region";
     EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("too large: 2000000000"));
 }
 
@@ -157,12 +163,12 @@ TEST_F(Loader, KeepsTheOrderOfRequestsAndTheBoundsOfTheSeries)
     int expected = 0;
     for (const ImageLoader::Data& record : records) {
         EXPECT_EQ(record.index, expected);
-        EXPECT_EQ(record.image.pixel<int>(0, 0, -1), expected++);
+        EXPECT_EQ(firstPixel(record), expected++);
     }
     EXPECT_EQ(loader.firstIndex(), 5) << "a series in memory keeps 25 images";
     EXPECT_EQ(loader.lastIndex(), 29);
     openIndex(17);
-    EXPECT_EQ(finish(1).front().image.pixel<int>(0, 0, -1), 17);
+    EXPECT_EQ(firstPixel(finishOne()), 17);
 }
 
 TEST_F(Loader, FailuresAreToldInWords)
@@ -211,17 +217,16 @@ TEST_F(Loader, EmptyTaskQueueDropsWhatHasNotBegun)
     });
     loader.emptyTaskQueue();
     other.join();
-    const auto records = finish(1);
-    ASSERT_EQ(records.size(), 1U) << "the running job's result is delivered";
-    EXPECT_EQ(records.front().index, 0);
+    EXPECT_EQ(finishOne().index, 0) << "the running job's result is delivered";
     push(MImage(2, 2, 5));
-    EXPECT_EQ(finish(1).front().index, 1) << "later requests are taken again";
+    EXPECT_EQ(finishOne().index, 1) << "later requests are taken again";
 }
 
 TEST_F(Loader, EndsWithWorkInItsQueue)
 {
+    const MImage image(512, 512, 1);
     for (int i = 0; i < 50; ++i)
-        push(MImage(512, 512, i));
+        push(image);
 }
 
 TEST_F(Loader, BurstOfUpdatesYieldsOneScanNowAndOneLater)
@@ -249,20 +254,19 @@ TEST_F(FileLoader, GoesThroughASeriesOfFiles)
         write(i);
     testing::internal::CaptureStdout();
     openFile(folder / name(2));
-    const auto opened = finish(1);
+    const ImageLoader::Data opened = finishOne();
     EXPECT_THAT(testing::internal::GetCapturedStdout(),
                 testing::MatchesRegex("\nTIME OPENING SERIES: [0-9]+\n"
                                       "TIME LOADING IMAGE: [0-9]+\nTIME COMPUTING MASK: .*"));
-    ASSERT_EQ(opened.size(), 1U);
-    EXPECT_EQ(opened.front().index, 1002);
-    EXPECT_EQ(opened.front().path, folder / name(2));
-    EXPECT_EQ(opened.front().image.pixel<int>(0, 0, -1), 2);
+    EXPECT_EQ(opened.index, 1002);
+    EXPECT_EQ(opened.path, folder / name(2));
+    EXPECT_EQ(firstPixel(opened), 2);
     EXPECT_EQ(loader.firstIndex(), 1001);
     EXPECT_EQ(loader.lastIndex(), 1003);
 
     testing::internal::CaptureStdout();
     openIndex(1003);
-    EXPECT_EQ(finish(1).front().image.pixel<int>(0, 0, -1), 3);
+    EXPECT_EQ(firstPixel(finishOne()), 3);
     EXPECT_THAT(testing::internal::GetCapturedStdout(),
                 testing::MatchesRegex("\nTIME LOADING IMAGE FROM CACHE: [0-9]+\n"
                                       "TIME LOADING IMAGE FROM SOURCE: [0-9]+\n"
@@ -275,56 +279,7 @@ TEST_F(FileLoader, GoesThroughASeriesOfFiles)
     ASSERT_TRUE(QTest::qWaitFor([&] { return scans == 1; }));
     EXPECT_EQ(loader.lastIndex(), 1004);
     openIndex(1004);
-    EXPECT_EQ(finish(1).front().path, folder / name(4));
-}
-
-TEST_F(FileLoader, ABrokenOrMissingImageIsNamedAndSteppingGoesOn)
-{
-    for (const int i : {1, 2, 3, 4, 6})
-        write(i);
-    openFile(folder / name(1));
-    finish(1);
-    folder.write(name(2), "{ HeaderID = 1 ; Size = 4 }\n");
-    std::filesystem::remove(folder / name(3));
-    openIndex(1002);
-    EXPECT_THAT(error(), HasSubstr(folder / name(2)));
-    openIndex(1003);
-    EXPECT_THAT(error(), HasSubstr(folder / name(3)));
-    openIndex(1005);
-    EXPECT_THAT(error(), HasSubstr(folder / name(5))) << "it never was there";
-    openIndex(1009);
-    EXPECT_THAT(error(), testing::AllOf(HasSubstr("1009"), HasSubstr("1001 to 1006")));
-    openIndex(1004);
-    EXPECT_EQ(finish(1).front().image.pixel<int>(0, 0, -1), 4);
-    write(7);
-    openIndex(1007);
-    EXPECT_EQ(finish(1).front().path, folder / name(7)) << "it has come since the last look";
-    EXPECT_EQ(loader.lastIndex(), 1007);
-}
-
-TEST_F(FileLoader, EndsWhileItsReaderHangs)
-{
-    using morvend::imglib::FormatRegistry;
-    morvend::imglib::MHdf5Writer(folder / "x_master.h5", 1, {}, morvend::imglib::MCompression::NONE)
-        .write(MImage(8, 8, 1));
-    FormatRegistry::readHdf5Apart(true);
-    auto hanging = std::make_unique<ImageLoader>();
-    ImageLoader::Data request;
-    request.path = folder / "x_master.h5";
-    hanging->open(ImageLoader::TaskOpenSeries, request, true);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !hanging->loading(); }, 5000));
-    const std::vector<pid_t> readers = tarvik::tests::children();
-    ASSERT_EQ(readers.size(), 1U);
-    ASSERT_EQ(::kill(readers.front(), SIGSTOP), 0);
-    request.index = 1;
-    hanging->open(ImageLoader::TaskOpenIndex, request, true);
-    QTest::qWait(50);
-    EXPECT_TRUE(hanging->loading());
-    const auto begin = std::chrono::steady_clock::now();
-    hanging.reset();
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(10));
-    EXPECT_TRUE(tarvik::tests::waitFor([&] { return tarvik::tests::hasEnded(readers.front()); }));
-    FormatRegistry::readHdf5Apart(false);
+    EXPECT_EQ(finishOne().path, folder / name(4));
 }
 
 TEST_F(FileLoader, MaskWorkIsDoneOnce)
@@ -332,25 +287,12 @@ TEST_F(FileLoader, MaskWorkIsDoneOnce)
     for (int i = 1; i <= 3; ++i)
         write(i);
     openFile(folder / name(1));
-    const auto first = finish(1).front();
+    const auto first = finishOne();
     openIndex(1002);
-    const auto second = finish(1).front();
+    const auto second = finishOne();
     EXPECT_EQ(first.mask.identity(), second.mask.identity());
     EXPECT_EQ(first.thumbnailMask.identity(), second.thumbnailMask.identity());
     EXPECT_NE(first.statistics, second.statistics);
-}
-
-TEST_F(FileLoader, PushedImageBeginsASeriesInMemory)
-{
-    write(1);
-    openFile(folder / name(1));
-    finish(1);
-    push(MImage(2, 2, 9));
-    const auto records = finish(1);
-    ASSERT_EQ(records.size(), 1U);
-    EXPECT_EQ(records.front().index, 0);
-    EXPECT_EQ(records.front().path, "");
-    EXPECT_EQ(loader.lastIndex(), 0);
 }
 
 }  // namespace

@@ -62,22 +62,18 @@ TEST(PreloaderCache, BytesOfAnOverwrittenImageGoOnCounting)
     EXPECT_EQ(cache.fill(), 48U);
 }
 
-struct StaleCase {
-    const char* name;
-    const char* before;
-    const char* after;  // null: removed
-    bool mayGrow;
-    bool stale;
-};
-
 TEST(PreloaderCache, ImageGoesWhenItsFileShowsSomethingElse)
 {
-    for (const StaleCase& row : {StaleCase{"unchanged", "abc", "", false, false},
-                                 {"rewritten", "abc", "xyz", false, true},
-                                 {"longer", "abc", "abcdef", false, true},
-                                 {"appended to", "abc", "abcdef", true, false},
-                                 {"cut", "abc", "a", true, true},
-                                 {"removed", "abc", nullptr, false, false}}) {
+    struct Row {
+        const char *name, *before, *after;  // null: removed
+        bool mayGrow, stale;
+    };
+    for (const Row& row : {Row{"unchanged", "abc", "", false, false},
+                           {"rewritten", "abc", "xyz", false, true},
+                           {"longer", "abc", "abcdef", false, true},
+                           {"appended to", "abc", "abcdef", true, false},
+                           {"cut", "abc", "a", true, true},
+                           {"removed", "abc", nullptr, false, false}}) {
         const TempFolder folder;
         const std::string path = folder.write("x", row.before);
         PreloaderCache cache;

@@ -23,10 +23,14 @@ protected:
     static std::string name(int number) { return "x_" + std::to_string(number) + ".edf"; }
     /// A frame of 16 bytes whose first pixel is its number.
     void write(int number) { writeEdf(folder, name(number), 2, {number, 1, 2, 3}); }
-    /// A frame large enough for shared memory.
-    void writeLarge(int number)
+    void writeAll(int first, int last)
     {
-        writeEdf(folder, name(number), 512, std::vector<std::int32_t>(512 * 512, number));
+        for (int i = first; i <= last; ++i)
+            write(i);
+    }
+    int firstPixel(const std::string& path, unsigned long number)
+    {
+        return cache[{path, number}].pixel<int>(0, 0, -1);
     }
     Numbers held(const std::string& path) const
     {
@@ -52,13 +56,12 @@ protected:
 
 TEST_F(ReadAhead, FollowsThePositionToTheEnd)
 {
-    for (int i = 1; i <= 9; ++i)
-        write(i);
+    writeAll(1, 9);
     const std::string path = folder / name(2);
     Preloader preloader(cache);
     preloader.run({path, 2});
     EXPECT_TRUE(holds(path, {3, 4, 5, 6, 7, 8, 9}));
-    EXPECT_EQ((cache[{path, 7}].pixel<int>(0, 0, -1)), 7);
+    EXPECT_EQ(firstPixel(path, 7), 7);
     preloader.run({path, 6});
     EXPECT_TRUE(holds(path, {7, 8, 9}));
     EXPECT_EQ(cache.fill(), 3 * 16U);
@@ -70,8 +73,7 @@ TEST_F(ReadAhead, FollowsThePositionToTheEnd)
 
 TEST_F(ReadAhead, GoesOnWhenTheSeriesGrows)
 {
-    write(1);
-    write(2);
+    writeAll(1, 2);
     const std::string path = folder / name(1);
     Preloader preloader(cache);
     preloader.run({path, 1});
@@ -87,8 +89,7 @@ TEST_F(ReadAhead, GoesOnWhenTheSeriesGrows)
 TEST_F(ReadAhead, AnotherSeriesTakesThePlaceOfTheFirst)
 {
     const TempFolder other;
-    write(1);
-    write(2);
+    writeAll(1, 2);
     writeEdf(other, name(1), 2, {1, 1, 1, 1});
     writeEdf(other, name(2), 2, {22, 1, 1, 1});
     const std::string first = folder / name(1), second = other / name(1);
@@ -98,7 +99,7 @@ TEST_F(ReadAhead, AnotherSeriesTakesThePlaceOfTheFirst)
     preloader.run({second, 1});
     EXPECT_TRUE(holds(second, {2}));
     EXPECT_TRUE(holds(first, {}));
-    EXPECT_EQ((cache[{second, 2}].pixel<int>(0, 0, -1)), 22);
+    EXPECT_EQ(firstPixel(second, 2), 22);
 }
 
 TEST_F(ReadAhead, TellsWhatCanNotBeReadAndGoesOn)
@@ -131,16 +132,14 @@ TEST_F(ReadAhead, ASeriesThatCouldNotBeOpenedMayBeAskedForAgain)
     Preloader preloader(cache);
     preloader.run({path, 1});
     QTest::qWait(30);
-    write(1);
-    write(2);
+    writeAll(1, 2);
     preloader.run({path, 1});
     EXPECT_TRUE(holds(path, {2}));
 }
 
 TEST_F(ReadAhead, EndsWithOneImageBeyondTheLimit)
 {
-    for (int i = 1; i <= 9; ++i)
-        write(i);
+    writeAll(1, 9);
     const std::string path = folder / name(1);
     Preloader preloader(cache, 47);
     preloader.run({path, 1});
@@ -151,8 +150,7 @@ TEST_F(ReadAhead, EndsWithOneImageBeyondTheLimit)
 
 TEST_F(ReadAhead, ReadsAnewWhatWasRewritten)
 {
-    write(1);
-    write(2);
+    writeAll(1, 2);
     const std::string path = folder / name(1);
     Preloader preloader(cache);
     preloader.run({path, 1});
@@ -162,16 +160,16 @@ TEST_F(ReadAhead, ReadsAnewWhatWasRewritten)
     std::filesystem::last_write_time(folder / name(2), later);
     preloader.run({path, 0});
     EXPECT_TRUE(holds(path, {1, 2}));
-    EXPECT_EQ((cache[{path, 2}].pixel<int>(0, 0, -1)), 77);
+    EXPECT_EQ(firstPixel(path, 2), 77);
 }
 
 TEST_F(ReadAhead, DecodesIntoSharedMemoryThatIsUsedAgain)
 {
-    for (int i = 1; i <= 20; ++i)
-        writeLarge(i);
+    for (int i = 1; i <= 14; ++i)
+        writeEdf(folder, name(i), 512, std::vector<std::int32_t>(512 * 512, i));
     const std::string path = folder / name(1);
     Preloader preloader(cache, 4U << 20);
-    for (unsigned long i = 1; i < 16; ++i) {
+    for (unsigned long i = 1; i < 10; ++i) {
         preloader.run({path, i});
         ASSERT_TRUE(waitFor([&] { return cache.count({path, i + 4}) && !cache.count({path, i}); }));
         const MImage image = cache[{path, i + 1}];
@@ -198,7 +196,7 @@ TEST_F(ReadAhead, FollowsAnHdf5SeriesThatIsReplaced)
     record(200, 4);
     preloader.run({path, 2});
     EXPECT_TRUE(holds(path, {3, 4}));
-    EXPECT_EQ((cache[{path, 3}].pixel<int>(0, 0, -1)), 203);
+    EXPECT_EQ(firstPixel(path, 3), 203);
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "imagelib/display/MColorTable.h"
 #include "logic/TarvikService.h"
 #include "logic/tarvikcore.h"
+#include "tests/support/Geometry.h"
 #include "tests/support/SignalLog.h"
 
 #include <QSignalSpy>
@@ -37,6 +38,15 @@ protected:
         QSignalSpy spy(view, &TarvikService::newImageSignal);
         EXPECT_TRUE(spy.wait(5000));
     }
+    static bool reaches(const TarvikService* view, int index)
+    {
+        return QTest::qWaitFor([&] { return view->imageIndex() == index; }, 8000);
+    }
+    void removeNow(TarvikService* view)
+    {
+        core.deleteService(view);
+        QCoreApplication::sendPostedEvents(view, QEvent::DeferredDelete);
+    }
     static MImage image(int width = 8, int height = 4, int value = 1)
     {
         return MImage(width, height, value);
@@ -45,13 +55,7 @@ protected:
     static MImage imageWithGeometry()
     {
         MImage result = image(200, 100, 3);
-        auto& header = result.optionalData();
-        header.set_beam_center_x(100.5F);
-        header.set_beam_center_y(50.F);
-        header.set_x_pixel_size(100e-6F);
-        header.set_y_pixel_size(200e-6F);
-        header.set_detector_distance(0.1F);
-        header.set_wavelength(1.F);
+        setGeometry(result.optionalData(), 100.5F, 50.F, 100e-6F, 200e-6F, 0.1F, 1.F);
         return result;
     }
     /// Logs all signals that announce a state of the view.

@@ -11,6 +11,7 @@
 #include "tests/logic/service/ViewModel.h"
 #include "tests/support/EdfFile.h"
 #include "tests/support/EdfText.h"
+#include "tests/support/Regions.h"
 
 #include <random>
 
@@ -18,89 +19,62 @@ namespace {
 
 using namespace tarvik::tests;
 
-std::string numbered(const std::string& stem, int number, const std::string& ending)
-{
-    return stem + std::to_string(1000 + number).substr(1) + ending;
-}
-
 /// The files that are opened: numbered and in one file, with gaps and broken ones, three sizes.
 class Files {
 public:
     Files()
     {
-        using morvend::imglib::MImageWriter;
-        SeriesModel& edf = _begin();
-        for (const int number : {1, 2, 3, 5, 8})
-            _add(edf, number, {8, 4, 100 + number}, numbered("a_", number, ".edf"),
-                 [&](const MImage&, const std::string& name) {
-                     return writeEdf(_folder, name, 8, std::vector(32, 100 + number));
-                 });
-        _addBroken(edf, 6, numbered("a_", 6, ".edf"), true);
-        _addBroken(edf, 7, numbered("a_", 7, ".edf"), false);
+        using namespace morvend::imglib;
+        const auto write = [this](const MImage& image, const std::string& name) {
+            MImageWriter::write(image, _folder / name,
+                                name.ends_with("tif") ? MImageWriter::TIFF : MImageWriter::CBF);
+        };
+        SeriesModel& edf = _add("a_", ".edf", {1, 2, 3, 5, 8}, {8, 4, 100},
+                                [this](const MImage& image, const std::string& name) {
+                                    const int* pixels = image.pixels<int>();
+                                    writeEdf(_folder, name, 8, {pixels, pixels + image.size()});
+                                });
+        _garbage = _folder.write("a_006.edf", "garbage");
+        edf.paths[7] = _folder.write("a_007.edf", edfFrame({1, 2, 3}).substr(0, 1033));
+        _add("t_", ".tif", {0, 1, 2, 3}, {8, 4, 300}, write);
+        _add("c_", ".cbf", {10, 11, 12}, {30, 7, 400}, write);
 
-        SeriesModel& frames = _begin();
         std::string text;
-        for (int number = 0; number < 5; ++number) {
-            text += edfFrame(std::vector(6, 200 + number));
-            frames.pictures[number] = {6, 1, 200 + number};
-        }
-        frames.paths[0] = _folder.write("frames.edf", text);
-        frames.last = 4;
+        SeriesModel& frames = _add("", "", {0, 1, 2, 3, 4}, {6, 1, 200},
+                                   [&](const MImage& image, const std::string&) {
+                                       text += edfFrame(std::vector(6, image.pixel<int>(0, 0, 0)));
+                                   });
+        frames.paths = {{0, _folder.write("frames.edf", text)}};
 
-        SeriesModel& tiff = _begin();
-        for (int number = 0; number < 4; ++number)
-            _add(tiff, number, {8, 4, 300 + number}, numbered("t_", number, ".tif"),
-                 [&](const MImage& image, const std::string& name) {
-                     MImageWriter::write(image, _folder / name, MImageWriter::TIFF);
-                     return _folder / name;
-                 });
-
-        SeriesModel& cbf = _begin();
-        for (int number = 10; number < 13; ++number)
-            _add(cbf, number, {30, 7, 400 + number}, numbered("c_", number, ".cbf"),
-                 [&](const MImage& image, const std::string& name) {
-                     MImageWriter::write(image, _folder / name, MImageWriter::CBF);
-                     return _folder / name;
-                 });
-
-        SeriesModel& hdf5 = _begin();
-        hdf5.paths[1] = _folder / "h_master.h5";
-        morvend::imglib::MHdf5Writer writer(hdf5.paths[1], 0, {},
-                                            morvend::imglib::MCompression::NONE);
-        for (int number = 1; number <= 6; ++number) {
-            writer.write(MImage(30, 7, 500 + number));
-            hdf5.pictures[number] = {30, 7, 500 + number};
-        }
-        hdf5.last = 6;
+        const std::string master = _folder / "h_master.h5";
+        MHdf5Writer writer(master, 0, {}, MCompression::NONE);
+        SeriesModel& hdf5 =
+            _add("", "", {1, 2, 3, 4, 5, 6}, {30, 7, 500},
+                 [&](const MImage& image, const std::string&) { writer.write(image); });
+        hdf5.paths = {{1, master}};
     }
     const std::vector<SeriesModel>& all() const { return _all; }
     /// A path that can't be opened.
     std::string unknown() const { return _garbage; }
 
 private:
-    SeriesModel& _begin()
+    /// Images whose values are their numbers beyond that of the first picture.
+    template <class Write>
+    SeriesModel& _add(const std::string& stem, const std::string& ending,
+                      const std::vector<int>& numbers, Picture picture, Write&& write)
     {
         _all.reserve(5);
-        return _all.emplace_back();
-    }
-    template <class Write>
-    void _add(SeriesModel& series, int number, const Picture& picture, const std::string& name,
-              Write&& write)
-    {
-        series.paths[number] = write(MImage(picture.width, picture.height, picture.value), name);
-        series.pictures[number] = picture;
-        series.last = std::max(series.last, number);
-    }
-    /// A file that is no image, or one whose pixels end too early.
-    void _addBroken(SeriesModel& series, int number, const std::string& name, bool garbage)
-    {
-        if (garbage) {
-            _garbage = _folder.write(name, "garbage");
-        } else {
-            const std::string whole = edfFrame({1, 2, 3});
-            series.paths[number] = _folder.write(name, whole.substr(0, whole.size() - 3));
+        SeriesModel& series = _all.emplace_back();
+        const int base = picture.value;
+        for (const int number : numbers) {
+            const std::string name = stem + std::to_string(1000 + number).substr(1) + ending;
+            picture.value = base + number;
+            write(MImage(picture.width, picture.height, picture.value), name);
+            series.paths[number] = _folder / name;
+            series.pictures[number] = picture;
+            series.last = number;
         }
-        series.last = std::max(series.last, number);
+        return series;
     }
 
     const TempFolder _folder;
@@ -184,34 +158,12 @@ protected:
     void act()
     {
         View& view = *views[static_cast<std::size_t>(pick(0, 2))];
-        switch (pick(0, 13)) {
-        case 0:
-        case 1:
-            return open(view);
-        case 2:
-        case 3:
-            return jump(view, view.model.index + pick(-2, 3));
-        case 4:
-            return jump(view, pick(-2, 12));
-        case 5:
-            return push(view);
-        case 6:
-            return setContrast(view);
-        case 7:
-            return editHeader(view);
-        case 8:
-            return play(view);
-        case 9:
-            return watch(view);
-        case 10:
-            return monitor(view);
-        case 11:
-            return burst(view);
-        case 12:
-            return selectRegion(view);
-        default:
-            return replaceView();
-        }
+        using Self = RandomActions;
+        constexpr void (Self::*actions[])(View&) = {
+            &Self::open,    &Self::open,        &Self::jump,         &Self::jump,   &Self::jump,
+            &Self::push,    &Self::setContrast, &Self::editHeader,   &Self::play,   &Self::watch,
+            &Self::monitor, &Self::burst,       &Self::selectRegion, &Self::replace};
+        (this->*actions[pick(0, int(std::size(actions)) - 1)])(view);
     }
 
     void open(View& view)
@@ -221,16 +173,15 @@ protected:
         auto entry = series.paths.begin();
         std::advance(entry, pick(0, static_cast<int>(series.paths.size()) - 1));
         const bool known = pick(0, 9) > 0;
-        const int answers = view.answers;
-        const int errors = view.errors;
+        const int answers = view.answers, errors = view.errors;
         view.service->openImage((known ? entry->second : files.unknown()).c_str());
         view.expectAnswer(answers, errors, known && view.model.openFile(series, entry->first));
     }
 
-    void jump(View& view, int number)
+    void jump(View& view)
     {
-        const int answers = view.answers;
-        const int errors = view.errors;
+        int number = pick(0, 2) ? view.model.index + pick(-2, 3) : pick(-2, 12);
+        const int answers = view.answers, errors = view.errors;
         const int way = pick(0, 2);
         if (way == 0) {
             number = view.model.series.last;
@@ -251,8 +202,7 @@ protected:
     void push(View& view)
     {
         const Picture picture{pick(2, 9), pick(1, 5), pick(0, 1000)};
-        const int answers = view.answers;
-        const int errors = view.errors;
+        const int answers = view.answers, errors = view.errors;
         view.service->openImage(MImage(picture.width, picture.height, picture.value));
         view.expectAnswer(answers, errors, view.model.push(picture));
     }
@@ -348,26 +298,29 @@ protected:
 
     void selectRegion(View& view)
     {
-        StatisticsData region;
-        region.defined = true;
-        region.roiActive = true;
-        region.roiType = pick(0, 4);
-        region.beginX = pick(-5, 20);
-        region.endX = pick(-5, 20);
-        region.endY = pick(-5, 20);
+        StatisticsData region =
+            regions::between(pick(0, 4), pick(-5, 20), 0, pick(-5, 20), pick(-5, 20));
         region.radius = region.outerRadius = pick(0, 9);
         region.powderX = region.powderY = pick(-3, 9);
         view.service->setStatisticsData(region);
     }
 
-    void replaceView()
+    void replace(View& old)
     {
-        const auto place = static_cast<std::size_t>(pick(0, 2));
-        // Some views go while they load.
+        // Some views go while they load, or in a mode.
         if (pick(0, 1))
-            views[place]->service->openImage(files.all()[0].paths.begin()->second.c_str());
-        views[place].reset();
-        views[place] = std::make_unique<View>(core, windows[place]);
+            old.service->openImage(files.all()[0].paths.begin()->second.c_str());
+        constexpr void (TarvikService::*modes[])(bool) = {&TarvikService::setMovieMode,
+                                                          &TarvikService::setWatchSeriesMode,
+                                                          &TarvikService::setHalvoMonitorMode};
+        if (pick(0, 1))
+            (old.service->*modes[pick(0, 2)])(true);
+        for (std::size_t i = 0; i < views.size(); ++i)
+            if (views[i].get() == &old) {
+                views[i].reset();
+                views[i] = std::make_unique<View>(core, windows[i]);
+                return;
+            }
     }
 
     const std::vector<std::string> windows = {"1", "1", "2"};

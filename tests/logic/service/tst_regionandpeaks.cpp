@@ -3,6 +3,7 @@
 //
 // Numbers of the region and peaks that a view holds.
 #include "tests/logic/service/ServiceTest.h"
+#include "tests/support/Regions.h"
 
 namespace {
 
@@ -10,15 +11,7 @@ using namespace tarvik::tests;
 
 class RegionAndPeaks : public ServiceTest {
 protected:
-    static StatisticsData box(int width)
-    {
-        StatisticsData data;
-        data.defined = true;
-        data.roiType = StatisticsData::Box;
-        data.endX = width;
-        data.endY = 2;
-        return data;
-    }
+    static StatisticsData box(int width) { return regions::box(0, 0, width, 2); }
     /// One strong pixel on a background of zeros.
     static MImage spot(int x, int y, int value)
     {
@@ -26,11 +19,11 @@ protected:
         static_cast<int*>(result.data())[8 * y + x] = value;
         return result;
     }
+    TarvikService* const view = newView();
 };
 
 TEST_F(RegionAndPeaks, AreEmptyWithoutImage)
 {
-    TarvikService* view = newView();
     view->setStatisticsData(box(3));
     EXPECT_EQ(view->roiStatistics().area, 0);
     EXPECT_EQ(view->imagePeaks().numberOfPeaks(), 0);
@@ -40,7 +33,6 @@ TEST_F(RegionAndPeaks, AreEmptyWithoutImage)
 
 TEST_F(RegionAndPeaks, RegionIsComputedBeforeItIsSignalled)
 {
-    TarvikService* view = newView();
     show(view, image(8, 4, 5));
     double signalled = -1;
     QObject::connect(view, &TarvikService::newStatisticsSignal, view,
@@ -55,7 +47,6 @@ TEST_F(RegionAndPeaks, RegionIsComputedBeforeItIsSignalled)
 
 TEST_F(RegionAndPeaks, RegionChangedDuringALoadCountsOnTheNewImage)
 {
-    TarvikService* view = newView();
     show(view, image(8, 4, 5));
     view->setStatisticsData(box(3));
     view->openImage(image(8, 4, 7));
@@ -68,7 +59,6 @@ TEST_F(RegionAndPeaks, RegionOfTheGroupIsComputedOnJoining)
 {
     TarvikService* member = newView();
     show(member, image(8, 4, 5));
-    TarvikService* view = newView();
     show(view, image(4, 4, 5));
     member->setStatisticsData(box(3));
     show(view, image(8, 4, 9));
@@ -80,7 +70,6 @@ TEST_F(RegionAndPeaks, RegionOfTheGroupIsComputedOnJoining)
 
 TEST_F(RegionAndPeaks, ARegionBeyondAllBoundsLeavesNoNumbers)
 {
-    TarvikService* view = newView();
     show(view, image(8, 4, 5));
     view->setStatisticsData(box(3));
     EXPECT_NO_THROW(view->setStatisticsData(box(2'000'000'000)));
@@ -91,7 +80,6 @@ TEST_F(RegionAndPeaks, ARegionBeyondAllBoundsLeavesNoNumbers)
 
 TEST_F(RegionAndPeaks, PeaksFollowTheImage)
 {
-    TarvikService* view = newView();
     show(view, spot(5, 2, 9));
     const ImagePeaks first = view->imagePeaks();
     EXPECT_EQ(first[0].x, 5);

@@ -3,7 +3,6 @@
 //
 // Printed lines, the checking mutex and the machine's settings.
 #include "logic/DebugMutex.h"
-#include "logic/support/ConfigFile.h"
 #include "logic/support/Console.h"
 #include "logic/support/GlobalSettings.h"
 
@@ -70,13 +69,6 @@ TEST(GlobalSettings, PrintsEachKeyThatTheFileHolds)
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "HalvoAccessibleInUserMode\nOther\n");
     EXPECT_FALSE(settings.value(GlobalSettings::accessibleInUserMode).toBool());
     EXPECT_FALSE(settings.fallbacksEnabled());
-}
-
-TEST(ConfigFile, BeginsWithoutFailure)
-{
-    const ConfigFile file("/etc/x.conf", '=');
-    EXPECT_EQ(file.fileName(), "/etc/x.conf");
-    EXPECT_EQ(file.fail(), 0);
 }
 
 }  // namespace

@@ -4,31 +4,17 @@
 // Which handle of a region lies under the cursor.
 #include "gui/render/gestures/RegionHitTest.h"
 
-#include "tests/gui/render/gestures/Regions.h"
+#include "tests/support/Regions.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
-#include <ostream>
 
 namespace {
 
 using render::ViewGeometry;
-using enum render::RegionHandle;
-using Handle = std::optional<render::RegionHandle>;
-
-constexpr Handle off = std::nullopt;
-
-struct Case {
-    const char* name;
-    StatisticsData region;
-    int zoomPower;
-    QPoint cursor;
-    Handle handle;
-};
-
-void PrintTo(const Case& row, std::ostream* out) { *out << row.name; }
+using Handle = render::RegionHandle;
 
 /// A view of 1000 by 800 pixels whose corner is the image's.
 ViewGeometry viewAt(int zoomPower)
@@ -36,136 +22,114 @@ ViewGeometry viewAt(int zoomPower)
     return {QSize(5000, 4000), QSize(1000, 800), ViewportData(0, 0, zoomPower, 0, 0)};
 }
 
-class HitTest : public testing::TestWithParam<Case> {};
-
-TEST_P(HitTest, Handle)
+std::string nameOf(std::optional<Handle> handle)
 {
-    const Case& row = GetParam();
-    EXPECT_EQ(render::regionHandleAt(row.region, viewAt(row.zoomPower), row.cursor), row.handle);
+    const char* const names[] = {"body",        "begin",     "end",         "beginX",
+                                 "beginY",      "endX",      "endY",        "beginX,beginY",
+                                 "beginX,endY", "endX,endY", "endX,beginY", "rim",
+                                 "inner",       "outer",     "centre"};
+    return handle ? names[static_cast<std::size_t>(*handle)] : "off";
 }
 
-std::string nameOf(const testing::TestParamInfo<Case>& row) { return row.param.name; }
+/// The handles along a row from its left end to x = 999, each with the column where it begins.
+std::string along(int y, const StatisticsData& region, int zoomPower)
+{
+    std::string text, last;
+    for (int x = 0; x < 1000; ++x) {
+        const std::string name = nameOf(render::regionHandleAt(region, viewAt(zoomPower), {x, y}));
+        if (name != last)
+            text += (x ? " " + std::to_string(x) + " " : "") + name;
+        last = name;
+    }
+    return text;
+}
 
-// At zoom 4 the line runs from (42, 42) to (442, 42).
-const StatisticsData flatLine = regions::line(10, 10, 110, 10);
+TEST(RegionHitTest, Line)
+{
+    // At zoom 4 the line runs from (42, 42) to (442, 42).
+    const StatisticsData flat = regions::line(10, 10, 110, 10);
+    EXPECT_EQ(along(42, flat, 2), "off 38 begin 47 body 438 end 447 off");
+    EXPECT_EQ(along(44, flat, 2), "off 38 begin 47 body 438 end 447 off");
+    EXPECT_EQ(along(45, flat, 2), "off 39 begin 46 off 439 end 446 off");
+    EXPECT_EQ(along(42, regions::line(10, 10, 10, 10), 2), "off") << "without length";
+    EXPECT_EQ(along(2, regions::line(8, 8, 9, 8), -2), "begin 7 off")
+        << "on one pixel of the screen";
+    EXPECT_EQ(along(35, regions::line(100, 60, 0, 10), 0), "off 46 body 55 off")
+        << "oblique, backwards";
+    EXPECT_EQ(along(8, regions::line(8, 8, 12, 8), 0), "off 4 begin 13 end 17 off") << "short";
+}
 
-INSTANTIATE_TEST_SUITE_P(
-    Line, HitTest,
-    testing::Values(
-        Case{"OnTheBegin", flatLine, 2, {42, 42}, LineBegin},
-        Case{"InTheMarkOfTheBegin", flatLine, 2, {46, 44}, LineBegin},
-        Case{"OnTheRimOfTheMark", flatLine, 2, {47, 42}, Body},
-        Case{"BehindTheBegin", flatLine, 2, {37, 42}, off},
-        Case{"InTheMarkOfTheEnd", flatLine, 2, {438, 44}, LineEnd},
-        Case{"BesideTheLine", flatLine, 2, {200, 44}, Body},
-        Case{"TooFarBesideTheLine", flatLine, 2, {200, 45}, off},
-        Case{"ZeroLength", regions::line(10, 10, 10, 10), 2, {42, 42}, off},
-        Case{"TwoPixelsOnOneScreenPixel", regions::line(8, 8, 9, 8), -2, {8, 2}, off},
-        Case{"BackwardsObliqueLine", regions::line(100, 60, 0, 10), 0, {50, 35}, Body},
-        Case{"BeginBeforeEndWhereBothAreNear", regions::line(8, 8, 12, 8), 0, {10, 8}, LineBegin}),
-    nameOf);
+TEST(RegionHitTest, Box)
+{
+    // At zoom 2 the box reaches from (40, 60) to (240, 160).
+    const StatisticsData plain = regions::box(20, 30, 120, 80);
+    const StatisticsData turned = regions::box(120, 80, 20, 30);
+    EXPECT_EQ(along(56, plain, 1), "off");
+    EXPECT_EQ(along(57, plain, 1), "off 37 body 38 beginX 43 body 238 endX 243 body 244 off");
+    EXPECT_EQ(along(58, plain, 1),
+              "off 37 beginY 38 beginX,beginY 43 beginY 238 endX,beginY 243 beginY 244 off");
+    EXPECT_EQ(along(110, plain, 1), "off 37 body 38 beginX 43 body 238 endX 243 body 244 off");
+    EXPECT_EQ(along(162, plain, 1),
+              "off 37 endY 38 beginX,endY 43 endY 238 endX,endY 243 endY 244 off");
+    EXPECT_EQ(along(164, plain, 1), "off");
+    EXPECT_EQ(along(60, turned, 1),
+              "off 37 endY 38 endX,endY 43 endY 238 beginX,endY 243 endY 244 off");
+    EXPECT_EQ(along(110, turned, 1), "off 37 body 38 endX 43 body 238 beginX 243 body 244 off");
+    EXPECT_EQ(along(160, turned, 1),
+              "off 37 beginY 38 endX,beginY 43 beginY 238 beginX,beginY 243 beginY 244 off");
+    EXPECT_EQ(along(110, regions::box(20, 30, 22, 80), 1),
+              "off 37 body 38 beginX 42 body 43 endX 47 body 48 off")
+        << "the nearer edge";
+    EXPECT_EQ(along(60, regions::box(20, 30, 20, 80), 1), "off 37 beginY 44 off")
+        << "without width";
+    EXPECT_EQ(along(60, regions::box(20, 30, 20, 30), 1), "off 37 body 44 off") << "without size";
+}
 
-// At zoom 2 the box reaches from (40, 60) to (240, 160).
-const StatisticsData plainBox = regions::box(20, 30, 120, 80);
-const StatisticsData turnedBox = regions::box(120, 80, 20, 30);
+TEST(RegionHitTest, Circles)
+{
+    // At zoom 2 the circle has its centre at (201, 201) and a radius of 100.
+    EXPECT_EQ(along(201, regions::circle(100, 100, 50), 1), "off 98 rim 105 body 298 rim 305 off");
+    EXPECT_EQ(along(203, regions::circle(100, 100, 0), 1), "off 199 rim 204 off");
+    // The ring has its centre at (401, 401) and radii of 100 and 200.
+    EXPECT_EQ(along(401, regions::powder(200.5, 200.5, 50, 100), 1),
+              "off 197 outer 206 body 297 inner 306 off 400 centre 403 off 497 inner 506 body 597 "
+              "outer 606 off");
+    EXPECT_EQ(along(401, regions::powder(200.5, 200.5, 50, 56), 1),
+              "off 285 outer 289 body 302 inner 306 off 400 centre 403 off 497 inner 501 body 514 "
+              "outer 518 off")
+        << "narrow";
+}
 
-INSTANTIATE_TEST_SUITE_P(
-    Box, HitTest,
-    testing::Values(
-        Case{"Body", plainBox, 1, {140, 110}, Body},
-        Case{"LeftEdge", plainBox, 1, {42, 110}, EdgeBeginX},
-        Case{"LeftEdgeFromOutside", plainBox, 1, {38, 110}, EdgeBeginX},
-        Case{"ThreePixelsInside", plainBox, 1, {43, 110}, Body},
-        Case{"ThreePixelsOutside", plainBox, 1, {37, 110}, Body},
-        Case{"FourPixelsOutside", plainBox, 1, {36, 110}, off},
-        Case{"RightEdge", plainBox, 1, {241, 110}, EdgeEndX},
-        Case{"UpperEdge", plainBox, 1, {140, 58}, EdgeBeginY},
-        Case{"LowerEdge", plainBox, 1, {140, 162}, EdgeEndY},
-        Case{"BelowTheLowerEdge", plainBox, 1, {140, 164}, off},
-        Case{"UpperLeftCorner", plainBox, 1, {41, 59}, CornerBeginBegin},
-        Case{"LowerLeftCorner", plainBox, 1, {42, 158}, CornerBeginEnd},
-        Case{"LowerRightCorner", plainBox, 1, {239, 162}, CornerEndEnd},
-        Case{"UpperRightCorner", plainBox, 1, {240, 60}, CornerEndBegin},
-        Case{"TurnedUpperLeftCorner", turnedBox, 1, {40, 60}, CornerEndEnd},
-        Case{"TurnedLeftEdge", turnedBox, 1, {40, 110}, EdgeEndX},
-        Case{"TurnedLowerEdge", turnedBox, 1, {140, 160}, EdgeBeginY},
-        Case{"NearerToTheRightOfANarrowBox", regions::box(20, 30, 22, 80), 1, {43, 110}, EdgeEndX},
-        Case{"WithoutWidth", regions::box(20, 30, 20, 80), 1, {40, 60}, EdgeBeginY},
-        Case{"WithoutSize", regions::box(20, 30, 20, 30), 1, {40, 60}, Body}),
-    nameOf);
-
-// At zoom 2 the circle has its centre at (201, 201) and a radius of 100.
-const StatisticsData plainCircle = regions::circle(100, 100, 50);
-
-INSTANTIATE_TEST_SUITE_P(
-    Circle, HitTest,
-    testing::Values(Case{"Centre", plainCircle, 1, {201, 201}, Body},
-                    Case{"FourPixelsInside", plainCircle, 1, {297, 201}, Body},
-                    Case{"ThreePixelsInside", plainCircle, 1, {298, 201}, CircleRim},
-                    Case{"ThreePixelsOutside", plainCircle, 1, {201, 304}, CircleRim},
-                    Case{"FourPixelsOutside", plainCircle, 1, {201, 305}, off},
-                    Case{"WithoutRadius", regions::circle(100, 100, 0), 1, {201, 203}, CircleRim}),
-    nameOf);
-
-// At zoom 2 the ring has its centre at (401, 401) and radii of 100 and 200.
-const StatisticsData ring = regions::powder(200.5, 200.5, 50, 100);
-const StatisticsData narrow = regions::powder(200.5, 200.5, 50, 56);
-
-INSTANTIATE_TEST_SUITE_P(
-    PowderRing, HitTest,
-    testing::Values(Case{"Centre", ring, 1, {402, 400}, PowderCentre},
-                    Case{"TwoPixelsFromTheCentre", ring, 1, {403, 401}, off},
-                    Case{"FarWithin", ring, 1, {496, 401}, off},
-                    Case{"InnerRimFromWithin", ring, 1, {497, 401}, InnerRim},
-                    Case{"InnerRim", ring, 1, {505, 401}, InnerRim},
-                    Case{"Body", ring, 1, {506, 401}, Body},
-                    Case{"OuterRim", ring, 1, {597, 401}, OuterRim},
-                    Case{"JustBeforeTheOuterRim", ring, 1, {596, 401}, Body},
-                    Case{"OuterRimFromOutside", ring, 1, {605, 401}, OuterRim},
-                    Case{"Outside", ring, 1, {606, 401}, off},
-                    Case{"NarrowFromWithin", narrow, 1, {500, 401}, InnerRim},
-                    Case{"NarrowBodyReachesBothRims", narrow, 1, {501, 401}, Body},
-                    Case{"NarrowBodyAtTheOuterRim", narrow, 1, {513, 401}, Body},
-                    Case{"NarrowFromOutside", narrow, 1, {514, 401}, OuterRim}),
-    nameOf);
-
-constexpr int most = std::numeric_limits<int>::max();
-
-INSTANTIATE_TEST_SUITE_P(
-    Extremes, HitTest,
-    testing::Values(
-        Case{"NoRegion", regions::ofType(StatisticsData::None), 0, {0, 0}, off},
-        Case{"UnknownKind", regions::between(7, 0, 0, 10, 10), 0, {0, 0}, off},
-        Case{"LineOverAllIntegers", regions::line(-most, 10, most, 10), 6, {640, 672}, Body},
-        Case{"BoxOverAllIntegers", regions::box(-most, -most, most, most), 6, {5, 5}, Body},
-        Case{"CircleFarAway", regions::circle(most, most, 10), 6, {5, 5}, off},
-        Case{"RingWithoutCentre",
-             regions::powder(std::numeric_limits<double>::infinity(), 0, 5, 10),
-             0,
-             {5, 5},
-             off}),
-    nameOf);
+TEST(RegionHitTest, Extremes)
+{
+    constexpr int most = std::numeric_limits<int>::max();
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    EXPECT_EQ(along(0, regions::ofType(StatisticsData::None), 0), "off");
+    EXPECT_EQ(along(0, regions::between(7, 0, 0, 10, 10), 0), "off") << "of an unknown kind";
+    EXPECT_EQ(along(672, regions::line(-most, 10, most, 10), 6), "body");
+    EXPECT_EQ(along(5, regions::box(-most, -most, most, most), 6), "body");
+    EXPECT_EQ(along(5, regions::circle(most, most, 10), 6), "off");
+    EXPECT_EQ(along(5, regions::powder(infinity, 0, 5, 10), 0), "off");
+}
 
 TEST(Diameter, IsHeldAlongTheSectionOfAFreeCircleOnly)
 {
     constexpr double theta = 0.5235987755982988;  // 30 degrees
-    const StatisticsData region = regions::circle(100, 100, 50, theta);
-    const ViewGeometry view = viewAt(1);
-    const auto at = [&](double along, double beside) {
+    StatisticsData region = regions::circle(100, 100, 50, theta);
+    const auto held = [&](double along, double beside) {
         const QPointF point = QPointF(201, 201) +
                               along * QPointF(std::cos(theta), std::sin(theta)) +
                               beside * QPointF(-std::sin(theta), std::cos(theta));
-        return point.toPoint();
+        return render::nextToDiameter(region, viewAt(1), point.toPoint());
     };
-    EXPECT_TRUE(render::nextToDiameter(region, view, {201, 201}));
-    EXPECT_TRUE(render::nextToDiameter(region, view, at(80, 0)));
-    EXPECT_TRUE(render::nextToDiameter(region, view, at(-80, 1)));
-    EXPECT_FALSE(render::nextToDiameter(region, view, at(80, 4)));
-    EXPECT_TRUE(render::nextToDiameter(region, view, at(103, 0))) << "a little beyond the rim";
-    EXPECT_FALSE(render::nextToDiameter(region, view, at(107, 0)));
-    StatisticsData other = region;
-    other.roiType = StatisticsData::Box;
-    EXPECT_FALSE(render::nextToDiameter(other, view, {201, 201}));
+    EXPECT_TRUE(held(0, 0));
+    EXPECT_TRUE(held(80, 0));
+    EXPECT_TRUE(held(-80, 1));
+    EXPECT_FALSE(held(80, 4));
+    EXPECT_TRUE(held(103, 0)) << "a little beyond the rim";
+    EXPECT_FALSE(held(107, 0));
+    region.roiType = StatisticsData::Box;
+    EXPECT_FALSE(held(0, 0));
 }
 
 }  // namespace

@@ -16,6 +16,12 @@ using render::Outline;
 
 const QRectF window(0, 0, 1000, 800);
 
+Outline circle(QPointF centre, double radius)
+{
+    const QPointF half(radius, radius);
+    return Outline::ellipse(QRectF(centre - half, centre + half), window);
+}
+
 TEST(Outline, ALineKeepsItsWayWhereItIsCut)
 {
     const auto pieces = Outline::along({QPointF(-300, 100), QPointF(5000, 100)}).within(window);
@@ -46,9 +52,8 @@ TEST(Outline, CirclesOfAnySizeStayOnTheirCurveWithFewPoints)
 {
     for (const double radius : {1.0, 30.0, 390.0, 1e4, 1e6, 3e7}) {
         const QPointF centre(500 - radius, 300);
-        const QRectF box(centre - QPointF(radius, radius), centre + QPointF(radius, radius));
         std::size_t points = 0;
-        for (const auto& piece : Outline::ellipse(box, window).within(window)) {
+        for (const auto& piece : circle(centre, radius).within(window)) {
             points += piece.size();
             for (std::size_t i = 1; i < piece.size(); ++i) {
                 const QPointF middle = (piece[i - 1].at + piece[i].at) / 2 - centre;
@@ -65,8 +70,7 @@ TEST(Outline, DashesOfACircleStayWhenTheViewMoves)
     const double radius = 64000;
     const auto wayAt = [&](double shift) {
         const QPointF centre(500 - radius + shift, 300);
-        const QRectF box(centre - QPointF(radius, radius), centre + QPointF(radius, radius));
-        const auto pieces = Outline::ellipse(box, window).within(window);
+        const auto pieces = circle(centre, radius).within(window);
         const auto& first = pieces.front().front();
         const double angle = std::atan2(first.at.y() - centre.y(), first.at.x() - centre.x());
         return first.way - (angle < 0 ? angle + 2 * std::numbers::pi : angle) * radius;
@@ -80,15 +84,10 @@ TEST(Outline, AreasAreCutToTheWindow)
     const auto area = [](const QPolygonF& polygon) {
         double twice = 0;
         for (qsizetype i = 0; i < polygon.size(); ++i) {
-            const QPointF a = polygon[i];
-            const QPointF b = polygon[(i + 1) % polygon.size()];
+            const QPointF a = polygon[i], b = polygon[(i + 1) % polygon.size()];
             twice += a.x() * b.y() - b.x() * a.y();
         }
         return std::abs(twice) / 2;
-    };
-    const auto circle = [](QPointF centre, double radius) {
-        return Outline::ellipse(
-            QRectF(centre - QPointF(radius, radius), centre + QPointF(radius, radius)), window);
     };
     constexpr double pi = std::numbers::pi;
     EXPECT_NEAR(area(circle({500, 400}, 100).areaWithin(window)), pi * 1e4, 20);

@@ -21,18 +21,15 @@ std::vector<ImagePeaks::Pixel> plainPeaks(const morvend::imglib::MImage& image,
     const long n = long(image.size()), w = image.width();
     std::multiset<ImagePeaks::Pixel, ComputePeaks::Less> set;
     for (long i = 0; i < n; ++i) {
-        if (!maskrule::good(m[i]))
-            continue;
+        bool candidate = maskrule::good(m[i]);
         if (set.size() >= 1000 && !(double(p[i]) > set.begin()->value))
             continue;
-        bool candidate = true;
         for (const long k : {i - w - 1, i - w, i - w + 1, i - 1})
             candidate = candidate && !(k >= 0 && p[k] >= p[i]);
         for (const long k : {i + 1, i + w - 1, i + w, i + w + 1})
             candidate = candidate && !(k < n && p[k] > p[i]);
-        if (!candidate)
-            continue;
-        set.insert({int(i % w), int(i / w), double(p[i])});
+        if (candidate)
+            set.insert({int(i % w), int(i / w), double(p[i])});
         if (set.size() > 1000)
             set.erase(set.begin());
     }

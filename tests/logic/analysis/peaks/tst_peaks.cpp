@@ -1,8 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// The peak search against the plain loop, ties included, and the random numbers.
-#include "logic/analysis/peaks/ComputePeaks.h"
+// The peak search against a plain loop, ties included, and the random numbers.
 #include "logic/analysis/peaks/ImagePeaks.h"
 #include "logic/analysis/peaks/MersenneTwister.h"
 #include "tests/logic/analysis/peaks/PlainPeaks.h"
@@ -12,26 +11,21 @@
 #include <cmath>
 #include <random>
 
-using morvend::imglib::MImage;
-using reference::plainPeaks;
-
 namespace {
 
-void expectSame(const ImagePeaks& peaks, const std::vector<ImagePeaks::Pixel>& expected)
+using morvend::imglib::MImage;
+using Pixel = ImagePeaks::Pixel;
+
+ImagePeaks peaksOf(const MImage& image, const MImage& mask)
 {
-    ASSERT_EQ(peaks.numberOfPeaks(), int(expected.size()));
-    for (int i = 0; i < peaks.numberOfPeaks(); ++i) {
-        const auto& want = expected[std::size_t(i)];
-        ASSERT_TRUE(peaks[i].x == want.x && peaks[i].y == want.y && peaks[i].value == want.value)
-            << "rank " << i << ": (" << peaks[i].x << ", " << peaks[i].y << ") " << peaks[i].value
-            << ", expected (" << want.x << ", " << want.y << ") " << want.value;
-    }
+    ImagePeaks peaks;
+    peaks.setImage(image, mask);
+    return peaks;
 }
 
 struct Situation {
     const char* name;
-    int width;
-    int height;
+    int width, height;
     double mean;    // of the background
     int spots;      // strong pixels
     double masked;  // share
@@ -54,29 +48,30 @@ void compare(const Situation& situation, unsigned int seed)
     }
     for (int k = 0; k < situation.spots; ++k)
         p[random() % image.size()] = L(100 + random() % 27);
-    ImagePeaks peaks;
-    peaks.setImage(image, mask);
-    expectSame(peaks, plainPeaks<L, R>(image, mask));
+    const ImagePeaks peaks = peaksOf(image, mask);
+    const std::vector<Pixel> expected = reference::plainPeaks<L, R>(image, mask);
+    ASSERT_EQ(peaks.numberOfPeaks(), int(expected.size()));
+    for (int i = 0; i < peaks.numberOfPeaks(); ++i) {
+        const Pixel &found = peaks[i], &wanted = expected[std::size_t(i)];
+        ASSERT_TRUE(found.x == wanted.x && found.y == wanted.y && found.value == wanted.value)
+            << "rank " << i << ": (" << found.x << ", " << found.y << ") " << found.value
+            << ", expected (" << wanted.x << ", " << wanted.y << ") " << wanted.value;
+    }
 }
-
-}  // namespace
 
 TEST(Peaks, EqualThePlainLoop)
 {
-    const Situation situations[] = {
-        {"one pixel", 1, 1, 5, 0, 0},
-        {"one column", 1, 500, 5, 3, 0},
-        {"one row", 700, 1, 90, 3, 0.1},
-        {"few peaks", 37, 21, 3, 10, 0.2},
-        {"many ties", 300, 200, 2, 50, 0.05},
-        {"large with ties", 700, 500, 3, 4000, 0.02},
-        {"large, few above the bound", 900, 400, 0, 600, 0.02},
-        {"large, all equal", 600, 400, 0, 0, 0},
-        {"large, all masked", 600, 400, 9, 5, 1},
-        {"large, smooth", 800, 400, 120, 0, 0.01},
-    };
     unsigned int seed = 1;
-    for (const Situation& situation : situations) {
+    for (const Situation& situation : {Situation{"one pixel", 1, 1, 5, 0, 0},
+                                       {"one column", 1, 500, 5, 3, 0},
+                                       {"one row", 700, 1, 90, 3, 0.1},
+                                       {"few peaks", 37, 21, 3, 10, 0.2},
+                                       {"many ties", 300, 200, 2, 50, 0.05},
+                                       {"large with ties", 700, 500, 3, 4000, 0.02},
+                                       {"large, few above the bound", 900, 400, 0, 600, 0.02},
+                                       {"large, all equal", 600, 400, 0, 0, 0},
+                                       {"large, all masked", 600, 400, 9, 5, 1},
+                                       {"large, smooth", 800, 400, 120, 0, 0.01}}) {
         SCOPED_TRACE(situation.name);
         compare<int, unsigned int>(situation, ++seed);
         compare<unsigned short, unsigned char>(situation, ++seed);
@@ -92,28 +87,23 @@ TEST(Peaks, EqualThePlainLoop)
 TEST(Peaks, NeighboursAreTakenByRawIndex)
 {
     // The first pixel of row 1 loses to the last pixel of row 0, its left neighbour.
-    int values[] = {0, 0, 9, 5, 0, 0, 0, 0, 0};
+    const int values[] = {0, 0, 9, 5, 0, 0, 0, 0, 0};
+    const MImage image(3, 3, MImage::BasicImage(values, 9));
     MImage mask(3, 3, 0u);
-    ImagePeaks peaks;
-    peaks.setImage(MImage(3, 3, MImage::BasicImage(values, 9)), mask);
-    ASSERT_EQ(peaks.numberOfPeaks(), 1);
-    EXPECT_EQ(peaks[0].x, 2);
+    ASSERT_EQ(peaksOf(image, mask).numberOfPeaks(), 1);
+    EXPECT_EQ(peaksOf(image, mask)[0].x, 2);
     // An excluded pixel is no peak, and its neighbours lose to it all the same.
     static_cast<unsigned int*>(mask.data())[2] = 2;
-    peaks.setImage(MImage(3, 3, MImage::BasicImage(values, 9)), mask);
-    EXPECT_EQ(peaks.numberOfPeaks(), 0);
+    EXPECT_EQ(peaksOf(image, mask).numberOfPeaks(), 0);
 }
 
 TEST(Peaks, RanksOutsideTheListAreAPixelOfZeros)
 {
-    ImagePeaks peaks;
-    peaks.setImage(MImage(5, 4, 7), MImage(5, 4, 0u));  // a constant image: its first pixel
+    const ImagePeaks peaks = peaksOf(MImage(5, 4, 7), MImage(5, 4, 0u));  // constant: its first
     ASSERT_EQ(peaks.numberOfPeaks(), 1);
     EXPECT_EQ(peaks[0].value, 7);
-    for (const int rank : {-1, 1}) {
-        EXPECT_EQ(peaks[rank].x, 0);
-        EXPECT_EQ(peaks[rank].value, 0.0);
-    }
+    EXPECT_EQ(peaks[-1].value, 0.0);
+    EXPECT_EQ(peaks[1].value, 0.0);
 }
 
 TEST(Peaks, NotANumberIsNoPeak)
@@ -123,8 +113,7 @@ TEST(Peaks, NotANumberIsNoPeak)
     for (std::size_t i = 0; i < image.size(); i += 7)
         p[i] = std::nanf("");
     p[50'000] = 3.0f;
-    ImagePeaks peaks;
-    peaks.setImage(image, MImage(400, 400, 0u));
+    const ImagePeaks peaks = peaksOf(image, MImage(400, 400, 0u));
     EXPECT_EQ(peaks[0].value, 3.0);
     for (int i = 0; i < peaks.numberOfPeaks(); ++i)
         EXPECT_FALSE(std::isnan(peaks[i].value));
@@ -139,3 +128,5 @@ TEST(MersenneTwister, IsThePublishedGenerator)
             ASSERT_EQ(mine.rand(), theirs()) << i;
     }
 }
+
+}  // namespace

@@ -1,12 +1,9 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// The line of the reference, with its search for reflections.
-#include "tests/logic/analysis/roi/ReferenceRoi.h"
+// The line of the reference.
+#include "tests/logic/analysis/roi/ReferenceLine.h"
 
-#include <algorithm>
-#include <cmath>
-#include <cstdlib>
 #include <functional>
 #include <map>
 #include <sstream>
@@ -20,82 +17,77 @@ struct ListEntry {
     double value;
 };
 
-/// Rounding alone makes a radicand slightly negative, wrapped squares much.
-double root(double radicand, double mean)
-{
-    return radicand < 0 && radicand >= -1e-9 * mean * mean ? 0 : std::sqrt(radicand);
-}
-
-/// Components by flood fill over the neighbour pairs that the labelling knows: left, upper left,
-/// upper and their opposites.
-std::map<std::pair<int, int>, int> components(const std::vector<std::pair<int, int>>& set)
-{
-    std::map<std::pair<int, int>, int> label;
-    for (const auto& each : set)
-        label[each] = 0;
-    int next = 0;
-    std::function<void(int, int, int)> fill = [&](int x, int y, int mark) {
-        const auto found = label.find({x, y});
-        if (found == label.end() || found->second)
-            return;
-        found->second = mark;
-        const int steps[6][2] = {{-1, 0}, {-1, -1}, {0, -1}, {1, 0}, {1, 1}, {0, 1}};
-        for (const auto& step : steps)
-            fill(x + step[0], y + step[1], mark);
-    };
-    for (const auto& [x, y] : set)
-        if (!label[{x, y}])
-            fill(x, y, ++next);
-    return label;
-}
-
 std::string distance(const Pixels& pixels, const ListEntry& a, const ListEntry& b)
 {
     const auto& header = pixels.image.optionalData();
     std::ostringstream text;
     text.precision(3);
-    if (header.beam_center_x() && header.beam_center_y() && header.detector_distance() &&
-        header.x_pixel_size() && header.y_pixel_size() && header.wavelength()) {
-        const double d = *header.detector_distance();
-        const double ax = (a.x - double(*header.beam_center_x())) * double(*header.x_pixel_size());
-        const double ay = (a.y - double(*header.beam_center_y())) * double(*header.y_pixel_size());
-        const double bx = (b.x - double(*header.beam_center_x())) * double(*header.x_pixel_size());
-        const double by = (b.y - double(*header.beam_center_y())) * double(*header.y_pixel_size());
-        const double cosine = (ax * bx + ay * by + d * d) /
-                              std::sqrt((ax * ax + ay * ay + d * d) * (bx * bx + by * by + d * d));
-        text << *header.wavelength() / std::sqrt(2 * (1 - cosine)) << " \xE2\x84\xAB";
-    } else {
+    if (!header.beam_center_x() || !header.beam_center_y() || !header.detector_distance() ||
+        !header.x_pixel_size() || !header.y_pixel_size() || !header.wavelength()) {
         text << std::sqrt(std::pow(a.x - b.x, 2) + std::pow(a.y - b.y, 2)) << " px";
+        return text.str();
     }
+    const double d = *header.detector_distance();
+    const auto ray = [&](const ListEntry& e) {
+        return Point((e.x - double(*header.beam_center_x())) * double(*header.x_pixel_size()),
+                     (e.y - double(*header.beam_center_y())) * double(*header.y_pixel_size()));
+    };
+    const auto product = [&](const Point& l, const Point& r) {
+        return l.first * r.first + l.second * r.second + d * d;
+    };
+    const Point ra = ray(a), rb = ray(b);
+    const double cosine = product(ra, rb) / std::sqrt(product(ra, ra) * product(rb, rb));
+    text << *header.wavelength() / std::sqrt(2 * (1 - cosine)) << " \xE2\x84\xAB";
     return text.str();
+}
+
+/// Values above three deviations of what is left after three passes without the strong ones.
+double threshold(const RoiStatistics& result, const std::vector<ListEntry>& list)
+{
+    double m = result.mean, sigma = result.sigma;
+    for (int pass = 0; pass < 3; ++pass) {
+        Sums sums;
+        for (const ListEntry& each : list)
+            if (!(each.value > m + 3 * sigma) && !(each.value < m - 3 * sigma))
+                sums.add(each.value, 1);
+        if (!sums.any)
+            break;
+        m = sums.mean();
+        sigma = sums.sigma();
+    }
+    return m + 3 * sigma;
+}
+
+/// Components around a line by flood fill over the neighbour pairs that the labelling knows: left,
+/// upper left, upper and their opposites.
+std::map<std::pair<int, int>, int> components(const Pixels& p, const StatisticsData& s, double t)
+{
+    std::map<std::pair<int, int>, int> label;
+    const auto [x0, x1] = std::minmax(s.beginX, s.endX);
+    const auto [y0, y1] = std::minmax(s.beginY, s.endY);
+    for (int y = y0 - 10; y < y1 + 10; ++y)
+        for (int x = x0 - 10; x < x1 + 10; ++x)
+            if (p.maskValue(x, y, 1) == 0 && p.value(x, y) > t)
+                label[{x, y}] = 0;
+    const std::function<void(int, int, int)> fill = [&](int x, int y, int mark) {
+        const auto found = label.find({x, y});
+        if (found == label.end() || found->second)
+            return;
+        found->second = mark;
+        for (const auto& [dx, dy] : {std::pair(-1, 0), {-1, -1}, {0, -1}, {1, 0}, {1, 1}, {0, 1}})
+            fill(x + dx, y + dy, mark);
+    };
+    int next = 0;
+    for (const auto& [place, mark] : label)
+        if (!mark)
+            fill(place.first, place.second, ++next);
+    return label;
 }
 
 void reflections(RoiStatistics& result, const Pixels& pixels, const StatisticsData& s,
                  const std::vector<ListEntry>& list)
 {
-    double m = result.mean;
-    double sigma = result.sigma;
-    for (int pass = 0; pass < 3; ++pass) {
-        double sum = 0, squares = 0;
-        int n = 0;
-        for (const ListEntry& each : list)
-            if (!(each.value > m + 3 * sigma) && !(each.value < m - 3 * sigma)) {
-                sum += each.value;
-                squares += each.value * each.value;
-                ++n;
-            }
-        if (n == 0)
-            break;
-        m = sum / n;
-        sigma = root(squares / n - m * m, m);
-    }
-    const double t = m + 3 * sigma;
-    std::vector<std::pair<int, int>> set;
-    for (int y = std::min(s.beginY, s.endY) - 10; y < std::max(s.beginY, s.endY) + 10; ++y)
-        for (int x = std::min(s.beginX, s.endX) - 10; x < std::max(s.beginX, s.endX) + 10; ++x)
-            if (pixels.maskValue(x, y, 1) == 0 && pixels.value(x, y) > t)
-                set.emplace_back(x, y);
-    const auto label = components(set);
+    const auto label = components(pixels, s, threshold(result, list));
     std::vector<int> labels;
     for (const ListEntry& each : list) {
         const auto found = label.find({each.x, each.y});
@@ -114,140 +106,54 @@ void reflections(RoiStatistics& result, const Pixels& pixels, const StatisticsDa
             }
         found.push_back(best);
     }
-    const auto position = [&](const ListEntry& each) {
-        return std::sqrt(std::pow(each.x - list[0].x, 2) + std::pow(each.y - list[0].y, 2));
-    };
-    for (std::size_t i = 0; i + 1 < found.size(); ++i) {
-        result.reflectionPositions.push_back(position(found[i]));
+    for (std::size_t i = 0; i < found.size(); ++i) {
+        result.reflectionPositions.push_back(
+            std::sqrt(std::pow(found[i].x - list[0].x, 2) + std::pow(found[i].y - list[0].y, 2)));
+        if (i + 1 == found.size())
+            break;
         result.reflectionPixels.push_back({found[i].x, found[i].y});
         result.lineSpotsString.push_back(distance(pixels, found[i], found[i + 1]));
     }
-    if (!found.empty())
-        result.reflectionPositions.push_back(position(found.back()));
-}
-
-struct Running {
-    double integral = 0, squares = 0, weight = 0, minimum = 0, maximum = 0;
-    bool any = false;
-    void add(double value, double part)
-    {
-        integral += value * part;
-        squares += value * value * part;
-        weight += part;
-        minimum = any ? std::min(minimum, value) : value;
-        maximum = any ? std::max(maximum, value) : value;
-        any = true;
-    }
-    void store(RoiStatistics& result) const
-    {
-        result.integral = integral;
-        result.minimum = minimum;
-        result.maximum = maximum;
-        if (weight != 0) {
-            result.mean = integral / weight;
-            result.sigma = root(squares / weight - result.mean * result.mean, result.mean);
-        }
-    }
-};
-
-void straightLine(RoiStatistics& result, const Pixels& p, const StatisticsData& s,
-                  std::vector<ListEntry>& list)
-{
-    const int n = std::abs(s.endX - s.beginX) + std::abs(s.endY - s.beginY);
-    const int dx = (s.endX > s.beginX) - (s.endX < s.beginX);
-    const int dy = (s.endY > s.beginY) - (s.endY < s.beginY);
-    result.length = n;
-    Running sums;
-    double before = 0, maskBefore = 0;
-    for (int i = 0; i <= n; ++i) {
-        const int x = s.beginX + i * dx, y = s.beginY + i * dy;
-        const double value = p.value(x, y), mask = p.maskValue(x, y, 1);
-        if (i == 0) {
-            result.curve.push_back({0, value, mask});
-        } else {
-            result.curve.push_back({i - 0.5, before, maskBefore});
-            result.curve.push_back({i - 0.5, value, mask});
-        }
-        if (i == n)
-            result.curve.push_back({result.length, value, mask});
-        before = value;
-        maskBefore = mask;
-        if (p.good(x, y))
-            sums.add(value, i == 0 || i == n ? 0.5 : 1);
-        if (s.beginX <= s.endX && s.beginY <= s.endY)
-            list.push_back({x, y, value});
-    }
-    sums.store(result);
-}
-
-void obliqueLine(RoiStatistics& result, const Pixels& p, const StatisticsData& s,
-                 std::vector<ListEntry>& list)
-{
-    const double dx = s.endX - s.beginX, dy = s.endY - s.beginY, slope = dy / dx;
-    const double stretch = std::sqrt(slope * slope + 1);
-    result.length = std::abs(dx) * stretch;
-    std::vector<std::pair<double, double>> points{{s.beginX + 0.5, s.beginY}};
-    for (int i = std::min(s.beginX, s.endX) + 1; i <= std::max(s.beginX, s.endX); ++i)
-        points.emplace_back(i, (i - s.beginX - 0.5) * slope + s.beginY + 0.5);
-    for (int j = std::min(s.beginY, s.endY) + 1; j <= std::max(s.beginY, s.endY); ++j)
-        points.emplace_back((j - s.beginY - 0.5) / slope + s.beginX + 0.5, j);
-    points.emplace_back(s.endX + 0.5, s.endY);
-    std::stable_sort(points.begin(), points.end(), [&](const auto& a, const auto& b) {
-        return dx > 0 ? a.first < b.first : a.first > b.first;
-    });
-    std::vector<std::pair<double, double>> kept;
-    for (const auto& each : points)
-        if (kept.empty() || std::abs(each.first - kept.back().first) >= 0.0001 ||
-            std::abs(each.second - kept.back().second) >= 0.0001)
-            kept.push_back(each);
-    Running sums;
-    double distance = 0;
-    for (std::size_t i = 1; i < kept.size(); ++i) {
-        const int x = int(std::floor((kept[i - 1].first + kept[i].first) / 2));
-        const int y = int(std::floor((kept[i - 1].second + kept[i].second) / 2));
-        const double segment = std::abs(kept[i].first - kept[i - 1].first) * stretch;
-        const double mask = p.mask.pixel<int>(x, y, -1);
-        result.curve.push_back({distance, p.value(x, y), mask});
-        distance += segment;
-        result.curve.push_back({distance, p.value(x, y), mask});
-        if (p.good(x, y)) {
-            list.push_back({x, y, p.value(x, y)});
-            sums.add(p.value(x, y), segment);
-        }
-    }
-    sums.store(result);
 }
 
 }  // namespace
 
-bool Pixels::good(int x, int y) const
+void line(RoiStatistics& result, const Pixels& p, const StatisticsData& s)
 {
-    using namespace morvend::datatypes;
-    if (x < 0 || y < 0 || x >= image.width() || y >= image.height())
-        return false;
-    switch (mask.type()) {
-    case BOOL:
-    case FLOAT:
-        return maskValue(x, y, 1) == 0;
-    case UINT:
-        return mask.pixel<unsigned long long>(x, y, 1) % 32 == 0;
-    default:
-        return mask.pixel<long long>(x, y, 1) % 32 == 0;
-    }
-}
-
-RoiStatistics line(const Pixels& pixels, const StatisticsData& s)
-{
-    RoiStatistics result;
-    if (s.beginX == s.endX && s.beginY == s.endY)
-        return result;
+    const int dx = s.endX - s.beginX, dy = s.endY - s.beginY;
     std::vector<ListEntry> list;
-    if (s.beginX == s.endX || s.beginY == s.endY)
-        straightLine(result, pixels, s, list);
-    else
-        obliqueLine(result, pixels, s, list);
-    reflections(result, pixels, s, list);
-    return result;
+    Sums sums;
+    if (dx != 0 && dy != 0) {
+        const Way way{{s.beginX + 0.5, s.beginY},
+                      {s.endX + 0.5, s.endY},
+                      {s.beginX + 0.5, s.beginY + 0.5},
+                      {s.beginX, s.beginY},
+                      {s.endX, s.endY}};
+        walkOblique(result, p, way, [&](int x, int y, double segment) {
+            if (p.good(x, y)) {
+                list.push_back({x, y, p.value(x, y)});
+                sums.add(p.value(x, y), segment);
+            }
+        });
+    } else if (dx != 0 || dy != 0) {
+        const int n = std::abs(dx) + std::abs(dy);
+        const auto at = [&](int k) {
+            return std::pair(s.beginX + k * dx / n, s.beginY + k * dy / n);
+        };
+        result.length = n;
+        walkStraight(result, p, n, at);
+        for (int k = 0; k <= n; ++k) {
+            const auto [x, y] = at(k);
+            if (p.good(x, y))
+                sums.add(p.value(x, y), k == 0 || k == n ? 0.5 : 1);
+            if (dx >= 0 && dy >= 0)
+                list.push_back({x, y, p.value(x, y)});
+        }
+    } else {
+        return;
+    }
+    sums.store(result);
+    reflections(result, p, s, list);
 }
 
 }  // namespace reference

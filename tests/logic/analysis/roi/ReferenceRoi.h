@@ -22,13 +22,7 @@ struct Pixels {
     bool good(int x, int y) const;
 };
 
-RoiStatistics line(const Pixels& pixels, const StatisticsData& selection);
-RoiStatistics box(const Pixels& pixels, const StatisticsData& selection);
-RoiStatistics circle(const Pixels& pixels, const StatisticsData& selection);
-RoiStatistics centredCircle(const Pixels& pixels, const StatisticsData& selection);
 RoiStatistics compute(const Pixels& pixels, const StatisticsData& selection);
-
 double coveredArea(int x, int y, int r, int cx, int cy);
-double coveredArea(int x, int y, int r, double cx, double cy);
 
 }  // namespace reference

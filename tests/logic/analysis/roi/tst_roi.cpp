@@ -7,24 +7,32 @@
 #include "logic/analysis/roi/CoveredArea.h"
 #include "logic/analysis/roi/LineReflections.h"
 #include "tests/logic/analysis/roi/ReferenceRoi.h"
+#include "tests/support/Geometry.h"
+#include "tests/support/Regions.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cmath>
 #include <random>
 #include <set>
 
-using morvend::imglib::MImage;
-using testing::ElementsAre;
-
 namespace {
 
+using morvend::imglib::MImage;
+using testing::ElementsAre;
 using Random = std::mt19937;
+
+const double pi = std::acos(-1.0);
 
 int between(Random& random, int low, int high)
 {
     return low + int(random() % unsigned(high - low + 1));
+}
+
+template <class T>
+MImage imageOf(int width, int height, const std::vector<T>& values)
+{
+    return {width, height, MImage::BasicImage(values.data(), values.size())};
 }
 
 /// Weak background with strong spots, some negative values where the type has them.
@@ -42,7 +50,7 @@ MImage randomImage(Random& random, int width, int height)
             value = -between(random, 1, 100);
         if (std::is_floating_point_v<T>)
             value += between(random, 0, 99) / 128.0;
-        if (kind == 2 && sizeof(T) >= 2 && !std::is_same_v<T, bool>)
+        if (kind == 2 && sizeof(T) >= 2)
             value = std::is_signed_v<T> ? 30'000 : 65'535;
         pixels[i] = static_cast<T>(value);
     }
@@ -64,93 +72,75 @@ MImage randomMask(Random& random, int width, int height)
 
 StatisticsData randomRegion(Random& random, int kind, int width, int height)
 {
-    StatisticsData region;
-    region.defined = true;
-    region.roiType = kind;
-    region.beginX = between(random, -5, width + 5);
-    region.beginY = between(random, -5, height + 5);
-    region.endX = random() % 5 ? between(random, -5, width + 5) : region.beginX;
-    region.endY = random() % 5 ? between(random, -5, height + 5) : region.beginY;
-    region.circleX = between(random, -3, width + 3);
-    region.circleY = between(random, -3, height + 3);
-    region.radius = between(random, 0, 12);
-    const double angles[] = {0, std::acos(-1.0) / 2, std::acos(-1.0), 0.7, 2.5, -1.1};
+    const auto in = [&](int low, int high) { return between(random, low, high); };
+    StatisticsData region = regions::between(kind, in(-5, width + 5), in(-5, height + 5),
+                                             in(-5, width + 5), in(-5, height + 5));
+    if (random() % 5 == 0)
+        region.endX = region.beginX;
+    if (random() % 5 == 0)
+        region.endY = region.beginY;
+    region.circleX = in(-3, width + 3);
+    region.circleY = in(-3, height + 3);
+    region.radius = in(0, 12);
+    const double angles[] = {0, pi / 2, pi, 0.7, 2.5, -1.1};
     region.theta = angles[random() % 6];
-    region.innerRadius = between(random, 0, 9);
-    region.outerRadius = region.innerRadius + between(random, -1, 12);
-    region.outerRadius = std::max(region.outerRadius, 0);
-    region.powderX = between(random, -4 * 3, 4 * (width + 3)) / (random() % 2 ? 4.0 : 4.1);
-    region.powderY = between(random, -4 * 3, 4 * (height + 3)) / (random() % 2 ? 4.0 : 4.1);
+    region.innerRadius = in(0, 9);
+    region.outerRadius = std::max(region.innerRadius + in(-1, 12), 0);
+    region.powderX = in(-12, 4 * (width + 3)) / (random() % 2 ? 4.0 : 4.1);
+    region.powderY = in(-12, 4 * (height + 3)) / (random() % 2 ? 4.0 : 4.1);
     return region;
 }
 
 void setGeometry(MImage& image)
 {
-    auto& header = image.optionalData();
-    header.set_beam_center_x(10.25f);
-    header.set_beam_center_y(7.5f);
-    header.set_detector_distance(0.125f);
-    header.set_wavelength(0.98f);
-    header.set_x_pixel_size(75e-6f);
-    header.set_y_pixel_size(75e-6f);
+    tarvik::tests::setGeometry(image.optionalData(), 10.25f, 7.5f, 75e-6f, 75e-6f, 0.125f, 0.98f);
 }
 
-bool near(double product, double expected)
+/// @param scale  of values whose sums of squares cancel: a deviation is as exact as the radicand
+///               that it is the root of
+void expectNear(double product, double expected, const char* name, double scale = 0)
 {
-    if (std::isnan(product) || std::isnan(expected))
-        return std::isnan(product) && std::isnan(expected);
-    return std::abs(product - expected) <= 1e-12 * std::max(1.0, std::abs(expected));
+    const bool near =
+        std::isnan(product) || std::isnan(expected)
+            ? std::isnan(product) && std::isnan(expected)
+            : std::abs(product - expected) <= 1e-12 * std::max(1.0, std::abs(expected)) ||
+                  (scale > 0 &&
+                   std::abs(product * product - expected * expected) <= 1e-12 * scale * scale);
+    EXPECT_TRUE(near) << name << ": " << product << " and " << expected;
 }
 
-/// Sums of squares cancel: a deviation is as exact as the radicand it is the root of.
-bool nearSigma(double product, double expected, double scale)
-{
-    return near(product, expected) ||
-           std::abs(product * product - expected * expected) <= 1e-12 * scale * scale;
-}
-
-void expectSameCurve(const std::vector<std::vector<double>>& product,
-                     const std::vector<std::vector<double>>& expected, const char* name)
-{
-    ASSERT_EQ(product.size(), expected.size()) << name;
-    for (std::size_t i = 0; i < product.size(); ++i)
-        for (std::size_t k = 0; k < 3; ++k)
-            ASSERT_TRUE(near(product[i][k], expected[i][k]))
-                << name << " point " << i << " part " << k << ": " << product[i][k] << " and "
-                << expected[i][k];
-}
+using Curve = std::vector<std::vector<double>>;
 
 void expectSame(const RoiStatistics& product, const RoiStatistics& expected)
 {
+    using R = RoiStatistics;
     const double scale = std::max({1.0, std::abs(expected.maximum), std::abs(expected.minimum)});
-#define SAME(field)                                                                                \
-    EXPECT_TRUE(near(product.field, expected.field))                                               \
-        << #field << ": " << product.field << " and " << expected.field
-    SAME(integral);
-    SAME(mean);
-    SAME(length);
-    SAME(area);
-    SAME(backgroundMean);
-    SAME(intensity);
-    SAME(centroidX);
-    SAME(centroidY);
-    SAME(minimum);
-    SAME(maximum);
-#undef SAME
-    EXPECT_TRUE(nearSigma(product.sigma, expected.sigma, scale))
-        << product.sigma << " and " << expected.sigma;
-    EXPECT_TRUE(nearSigma(product.backgroundSigma, expected.backgroundSigma, 100 * scale));
-    EXPECT_TRUE(near(product.intensitySigma, expected.intensitySigma) ||
-                nearSigma(product.intensitySigma, expected.intensitySigma, 1000 * scale));
-    expectSameCurve(product.curve, expected.curve, "curve");
-    expectSameCurve(product.secondCurve, expected.secondCurve, "second curve");
+    struct Number {
+        const char* name;
+        double R::*field;
+        double scale = 0;
+    };
+    for (const auto& [name, field, scaled] :
+         {Number{"integral", &R::integral}, Number{"mean", &R::mean}, Number{"length", &R::length},
+          Number{"area", &R::area}, Number{"backgroundMean", &R::backgroundMean},
+          Number{"intensity", &R::intensity}, Number{"centroidX", &R::centroidX},
+          Number{"centroidY", &R::centroidY}, Number{"minimum", &R::minimum},
+          Number{"maximum", &R::maximum}, Number{"sigma", &R::sigma, scale},
+          Number{"backgroundSigma", &R::backgroundSigma, 100 * scale},
+          Number{"intensitySigma", &R::intensitySigma, 1000 * scale}})
+        expectNear(product.*field, expected.*field, name, scaled);
+    for (const auto curve : {&R::curve, &R::secondCurve}) {
+        ASSERT_EQ((product.*curve).size(), (expected.*curve).size());
+        for (std::size_t i = 0; i < 3 * (product.*curve).size(); ++i)
+            expectNear((product.*curve)[i / 3][i % 3], (expected.*curve)[i / 3][i % 3], "curve");
+    }
     EXPECT_EQ(product.curveLabels, expected.curveLabels);
     EXPECT_EQ(product.secondCurveLabels, expected.secondCurveLabels);
     EXPECT_EQ(product.reflectionPixels, expected.reflectionPixels);
     EXPECT_EQ(product.lineSpotsString, expected.lineSpotsString);
     ASSERT_EQ(product.reflectionPositions.size(), expected.reflectionPositions.size());
     for (std::size_t i = 0; i < product.reflectionPositions.size(); ++i)
-        EXPECT_TRUE(near(product.reflectionPositions[i], expected.reflectionPositions[i]));
+        expectNear(product.reflectionPositions[i], expected.reflectionPositions[i], "position");
 }
 
 RoiStatistics compute(const MImage& image, const MImage& mask, const StatisticsData& region)
@@ -162,11 +152,16 @@ RoiStatistics compute(const MImage& image, const MImage& mask, const StatisticsD
     return computer.compute();
 }
 
+RoiStatistics compute(const MImage& image, const StatisticsData& region)
+{
+    return compute(image, MImage(image, 0U), region);
+}
+
 template <class L, class R>
 void compareRandomRegions(unsigned int seed)
 {
     Random random(seed);
-    for (int turn = 0; turn < 16; ++turn) {
+    for (int turn = 0; turn < 16 && !testing::Test::HasFailure(); ++turn) {
         const int width = turn == 0 ? 1 : between(random, 1, 40);
         const int height = turn == 0 ? 1 : between(random, 1, 30);
         MImage image = randomImage<L>(random, width, height);
@@ -175,71 +170,36 @@ void compareRandomRegions(unsigned int seed)
         const MImage mask =
             turn % 3 ? randomMask<R>(random, width, height) : MImage(width, height, R(0));
         for (int kind = 0; kind <= 4; ++kind) {
+            SCOPED_TRACE(testing::Message() << typeid(L).name() << typeid(R).name() << " turn "
+                                            << turn << " kind " << kind);
             const StatisticsData region = randomRegion(random, kind, width, height);
-            SCOPED_TRACE(testing::Message()
-                         << "seed " << seed << " turn " << turn << " kind " << kind << " image "
-                         << width << " x " << height << " line " << region.beginX << ","
-                         << region.beginY << " " << region.endX << "," << region.endY << " circle "
-                         << region.circleX << "," << region.circleY << " r " << region.radius
-                         << " theta " << region.theta << " powder " << region.powderX << ","
-                         << region.powderY << " r " << region.innerRadius << " to "
-                         << region.outerRadius);
             expectSame(compute(image, mask, region), reference::compute({image, mask}, region));
-            if (testing::Test::HasFailure())
-                return;
         }
     }
 }
 
-template <class L, class... Masks>
-void compareAllMasks(unsigned int seed, std::tuple<Masks...>*)
-{
-    (compareRandomRegions<L, Masks>(++seed), ...);
-}
-
-template <class... Images>
-void compareAllTypes(std::tuple<Images...>* all)
-{
-    unsigned int seed = 0;
-    (compareAllMasks<Images>(seed += 100, all), ...);
-}
-
-StatisticsData lineOf(int x0, int y0, int x1, int y1)
-{
-    StatisticsData region;
-    region.defined = true;
-    region.roiType = StatisticsData::Line;
-    region.beginX = x0;
-    region.beginY = y0;
-    region.endX = x1;
-    region.endY = y1;
-    return region;
-}
-
-MImage imageOf(int width, int height, const std::vector<int>& values)
-{
-    return {width, height, MImage::BasicImage(values.data(), values.size())};
-}
-
-}  // namespace
-
 TEST(Regions, EqualThePlainComputationForAllTypes)
 {
-    compareAllTypes(static_cast<morvend::datatypes::PixelTypes*>(nullptr));
+    using Types = morvend::datatypes::PixelTypes;
+    unsigned int seed = 0;
+    const auto compareAll = [&]<class L>(L) {
+        std::apply([&](auto... masks) { (compareRandomRegions<L, decltype(masks)>(++seed), ...); },
+                   Types());
+    };
+    std::apply([&](auto... images) { (compareAll(images), ...); }, Types());
 }
 
 TEST(Regions, NothingDefinedGivesADefaultRecord)
 {
-    const MImage image(4, 4, 1), mask(4, 4, 0u);
-    StatisticsData region = lineOf(0, 0, 3, 3);
+    const MImage image(4, 4, 1);
+    StatisticsData region = regions::line(0, 0, 3, 3);
+    EXPECT_EQ(compute(MImage(), MImage(), region).length, 0);
+    EXPECT_THROW(compute(image, MImage(2, 2, 0u), region), morvend::MBadParameterException);
     region.defined = false;
-    EXPECT_EQ(compute(image, mask, region).length, 0);
-    EXPECT_EQ(compute(MImage(), MImage(), lineOf(0, 0, 3, 3)).length, 0);
-    EXPECT_THROW(compute(image, MImage(2, 2, 0u), lineOf(0, 0, 3, 3)),
+    EXPECT_EQ(compute(image, region).length, 0);
+    EXPECT_THROW(compute(image, regions::line(0, 0, 2'000'000'000, 3)),
                  morvend::MBadParameterException);
-    EXPECT_THROW(compute(image, mask, lineOf(0, 0, 2'000'000'000, 3)),
-                 morvend::MBadParameterException);
-    const RoiStatistics point = compute(image, mask, lineOf(2, 2, 2, 2));
+    const RoiStatistics point = compute(image, regions::line(2, 2, 2, 2));
     EXPECT_TRUE(point.curve.empty());
     EXPECT_THAT(point.curveLabels, ElementsAre("Length/Pixels", "Intensity"));
 }
@@ -247,7 +207,7 @@ TEST(Regions, NothingDefinedGivesADefaultRecord)
 TEST(Line, EndPixelsCountHalf)
 {
     const RoiStatistics result =
-        compute(imageOf(1, 4, {2, 4, 4, 2}), MImage(1, 4, 0u), lineOf(0, 0, 0, 3));
+        compute(imageOf<int>(1, 4, {2, 4, 4, 2}), regions::line(0, 0, 0, 3));
     EXPECT_EQ(result.integral, 10);
     EXPECT_DOUBLE_EQ(result.mean, 10.0 / 3);
     EXPECT_EQ(result.length, 3);
@@ -257,42 +217,32 @@ TEST(Line, EndPixelsCountHalf)
 TEST(Line, ReflectionsAreFoundInOneDirectionOnly)
 {
     std::vector<int> values(60 * 3, 10);
-    values[60 + 10] = 900;
-    values[60 + 11] = 900;  // equal: the earlier one wins
+    values[60 + 10] = values[60 + 11] = 900;  // equal: the earlier one wins
     values[60 + 40] = 500;
     MImage image = imageOf(60, 3, values);
-    const MImage mask(60, 3, 0u);
-    const RoiStatistics right = compute(image, mask, lineOf(2, 1, 58, 1));
+    const RoiStatistics right = compute(image, regions::line(2, 1, 58, 1));
     EXPECT_THAT(right.reflectionPositions, ElementsAre(8, 38));
     EXPECT_THAT(right.reflectionPixels, ElementsAre(ElementsAre(10, 1)));
     EXPECT_THAT(right.lineSpotsString, ElementsAre("30 px"));
-    EXPECT_TRUE(compute(image, mask, lineOf(58, 1, 2, 1)).reflectionPositions.empty());
-
+    EXPECT_TRUE(compute(image, regions::line(58, 1, 2, 1)).reflectionPositions.empty());
     setGeometry(image);
-    const RoiStatistics spaced = compute(image, mask, lineOf(2, 1, 58, 1));
-    EXPECT_THAT(spaced.lineSpotsString[0], testing::EndsWith(" \u212B"));
+    EXPECT_THAT(compute(image, regions::line(2, 1, 58, 1)).lineSpotsString,
+                ElementsAre(testing::EndsWith(" \u212B")));
 }
 
 TEST(Box, SquaresWrapInTheArithmeticOfTheType)
 {
-    StatisticsData region = lineOf(0, 0, 2, 1);
-    region.roiType = StatisticsData::Box;
-    const MImage none(2, 1, 0u);
-    const unsigned short narrow[] = {65535, 1};
-    // The square of 65535 is -131071 as int, so that the radicand is negative.
-    EXPECT_TRUE(
-        std::isnan(compute(MImage(2, 1, MImage::BasicImage(narrow, 2)), none, region).sigma));
-    const unsigned int wide[] = {65536, 0};  // the square is 0 modulo 2^32
-    EXPECT_TRUE(std::isnan(compute(MImage(2, 1, MImage::BasicImage(wide, 2)), none, region).sigma));
+    const StatisticsData region = regions::box(0, 0, 2, 1);
+    // The square of 65535 is -131071 as int, so that the radicand is negative; that of 65536 is 0.
+    EXPECT_TRUE(std::isnan(compute(imageOf<unsigned short>(2, 1, {65535, 1}), region).sigma));
+    EXPECT_TRUE(std::isnan(compute(imageOf<unsigned int>(2, 1, {65536, 0}), region).sigma));
 }
 
 TEST(Box, ExcludedPixelsEnterAsZeros)
 {
-    StatisticsData region = lineOf(0, 0, 2, 2);
-    region.roiType = StatisticsData::Box;
-    const unsigned int marks[] = {0, 0, 0, 2};
     const RoiStatistics result =
-        compute(imageOf(2, 2, {1, 2, 3, 9}), MImage(2, 2, MImage::BasicImage(marks, 4)), region);
+        compute(imageOf<int>(2, 2, {1, 2, 3, 9}), imageOf<unsigned>(2, 2, {0, 0, 0, 2}),
+                regions::box(0, 0, 2, 2));
     EXPECT_EQ(result.integral, 6);
     EXPECT_EQ(result.mean, 2);
     EXPECT_EQ(result.minimum, 0);
@@ -301,12 +251,7 @@ TEST(Box, ExcludedPixelsEnterAsZeros)
 
 TEST(Circle, AFlatImageHasNoSpot)
 {
-    StatisticsData region;
-    region.defined = true;
-    region.roiType = StatisticsData::Circle;
-    region.circleX = region.circleY = 20;
-    region.radius = 8;
-    const RoiStatistics result = compute(MImage(41, 41, 5), MImage(41, 41, 0u), region);
+    const RoiStatistics result = compute(MImage(41, 41, 5), regions::circle(20, 20, 8));
     EXPECT_NEAR(result.mean, 5, 1e-12);
     EXPECT_NEAR(result.sigma, 0, 1e-6);
     EXPECT_NEAR(result.backgroundMean, 5, 1e-12);
@@ -317,23 +262,16 @@ TEST(Circle, AFlatImageHasNoSpot)
 
 TEST(CentredCircle, TheNextImageOfASeriesGivesItsOwnNumbers)
 {
-    StatisticsData region;
-    region.defined = true;
-    region.roiType = StatisticsData::CentredCircle;
-    region.powderX = 50.3;
-    region.powderY = 40.7;
-    region.innerRadius = 3;
-    region.outerRadius = 30;
-    const MImage mask(100, 90, 0u);
+    const StatisticsData region = regions::powder(50.3, 40.7, 3, 30);
     // The sums of covered parts come near the ring's true area.
-    const double area = std::acos(-1.0) * (30.0 * 30.0 - 3.0 * 3.0);
-    EXPECT_NEAR(compute(MImage(100, 90, 1), mask, region).integral, area, 0.01 * area);
-    const RoiStatistics second = compute(MImage(100, 90, 7), mask, region);
+    const double area = pi * (30.0 * 30.0 - 3.0 * 3.0);
+    EXPECT_NEAR(compute(MImage(100, 90, 1), region).integral, area, 0.01 * area);
+    const RoiStatistics second = compute(MImage(100, 90, 7), region);
     EXPECT_NEAR(second.mean, 7, 1e-12);
     for (const auto& point : second.curve)
         EXPECT_NEAR(point[1], 7, 1e-12);
     // Same centre, image of another size: another ring.
-    EXPECT_LT(compute(MImage(60, 90, 1), MImage(60, 90, 0u), region).integral, 0.9 * area);
+    EXPECT_LT(compute(MImage(60, 90, 1), region).integral, 0.9 * area);
 }
 
 TEST(CoveredArea, SumsToTheCircle)
@@ -346,7 +284,7 @@ TEST(CoveredArea, SumsToTheCircle)
                 EXPECT_EQ(coveredArea(x, y, r, 1, 2), reference::coveredArea(x, y, r, 1, 2));
             }
         // Chords instead of arcs lose a little at each rim pixel.
-        EXPECT_NEAR(real, std::acos(-1.0) * r * r, 0.5 * r);
+        EXPECT_NEAR(real, pi * r * r, 0.5 * r);
     }
 }
 
@@ -378,3 +316,5 @@ TEST(LatticeDistance, IsTheSpacingBetweenTwoRays)
     const double expected = double(0.98f) / std::sqrt(2 * (1 - d / std::sqrt(a * a + d * d)));
     EXPECT_NEAR(latticeDistance(image, 10.25, 7.5, 110.25, 7.5), expected, 1e-9);
 }
+
+}  // namespace

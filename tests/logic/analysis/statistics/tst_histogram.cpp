@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cmath>
 #include <random>
+#include <span>
 
 using morvend::imglib::MImage;
 
@@ -25,7 +26,7 @@ struct PlainHistogram {
     std::vector<T> below, above;
 
     template <class R>
-    PlainHistogram(const std::vector<T>& pixels, const std::vector<R>& marks, double mean)
+    PlainHistogram(std::span<T> pixels, std::span<R> marks, double mean)
     {
         using Limits = std::numeric_limits<T>;
         const bool real = std::is_floating_point_v<T>;
@@ -95,8 +96,10 @@ void compare(unsigned int seed, int width = 100, int height = 50, double offset 
              double spread = spreadOf<T>)
 {
     std::mt19937 random(seed);
-    std::vector<T> pixels(std::size_t(width) * std::size_t(height));
-    std::vector<R> marks(pixels.size(), R(0));
+    MImage image(width, height, T(0));
+    MImage mask(width, height, R(0));
+    const std::span pixels(static_cast<T*>(image.data()), image.size());
+    const std::span marks(static_cast<R*>(mask.data()), mask.size());
     double sum = 0, count = 0;
     for (std::size_t i = 0; i < pixels.size(); ++i) {
         double value = offset + spread * double(random() % 1000) / 999;
@@ -118,34 +121,20 @@ void compare(unsigned int seed, int width = 100, int height = 50, double offset 
     }
     const double mean = sum / count;
     const PlainHistogram<T> plain(pixels, marks, mean);
-    MImage image(width, height, T(0));
-    MImage mask(width, height, R(0));
-    std::copy(pixels.begin(), pixels.end(), static_cast<T*>(image.data()));
-    std::copy(marks.begin(), marks.end(), static_cast<R*>(mask.data()));
     std::vector<double> places{plain.lower, plain.upper, mean, 0.0, -1.0, 1e9, -1e9};
     for (int k = 0; k < 300; ++k)
         places.push_back(double(pixels[random() % pixels.size()]) + (k % 3 - 1) * spread / 50);
     forEveryTarget([&] { checkPlaces<T>(image, mask, mean, plain, places); });
 }
 
-template <class T, class... Masks>
-void compareAllMasks(unsigned int seed, std::tuple<Masks...>*)
-{
-    (compare<T, Masks>(++seed), ...);
-}
-
-template <class... Images>
-void compareAllTypes(std::tuple<Images...>* all)
-{
-    unsigned int seed = 0;
-    (compareAllMasks<Images>(seed += 100, all), ...);
-}
-
-}  // namespace
-
 TEST(Histogram, EqualsCountingForAllTypes)
 {
-    compareAllTypes(static_cast<morvend::datatypes::PixelTypes*>(nullptr));
+    using Types = morvend::datatypes::PixelTypes;
+    unsigned int seed = 0;
+    const auto compareAll = [&]<class T>(T) {
+        std::apply([&](auto... masks) { (compare<T, decltype(masks)>(++seed), ...); }, Types());
+    };
+    std::apply([&](auto... types) { (compareAll(types), ...); }, Types());
 }
 
 template <class T>
@@ -171,60 +160,47 @@ TEST(Histogram, OfLargeImagesEqualsCounting)
     compareLarge<float>();
 }
 
+/// The numbers of pixels up to some values.
+void expectCounts(const MImage& image, const MImage& mask, double mean,
+                  const std::vector<std::pair<double, unsigned int>>& counts)
+{
+    IntegratedHistogram histogram;
+    EXPECT_EQ(histogram.value(5), 0u) << "without image";
+    histogram.compute(image, mask, mean);
+    for (const auto& [value, count] : counts)
+        EXPECT_EQ(histogram.value(value), count) << value;
+}
+
+template <class T>
+MImage row(int width, T value, const std::vector<T>& first)
+{
+    MImage image(width, 1, value);
+    std::copy(first.begin(), first.end(), static_cast<T*>(image.data()));
+    return image;
+}
+
 TEST(Histogram, IsExactInBinsAndTails)
 {
-    MImage image(2000, 1, 1000);
-    int* p = static_cast<int*>(image.data());
-    p[0] = -1;
-    p[1] = 70'000;
-    p[2] = 2999;
-    IntegratedHistogram histogram;
-    histogram.compute(image, MImage(2000, 1, 0u), 1000);  // bins from -1000 to 3000
-    EXPECT_EQ(histogram.value(-1.5), 0u);
-    EXPECT_EQ(histogram.value(-1), 1u);
-    EXPECT_EQ(histogram.value(2998.9), 1998u);
-    EXPECT_EQ(histogram.value(2999.7), 1999u);
-    EXPECT_EQ(histogram.value(69'999), 1999u);
-    EXPECT_EQ(histogram.value(70'000), 2000u);
-    EXPECT_EQ(histogram.value(1e300), 2000u);
-    EXPECT_EQ(histogram.value(std::nan("")), 0u);
-}
-
-TEST(Histogram, FloatsLieInTheTailAboveAndStayExact)
-{
-    MImage image(100, 1, 10.0f);
-    static_cast<float*>(image.data())[0] = -3.5f;
-    static_cast<float*>(image.data())[1] = std::nanf("");
-    IntegratedHistogram histogram;
-    histogram.compute(image, MImage(100, 1, 0u), 10);
-    EXPECT_EQ(histogram.value(-4), 0u);
-    EXPECT_EQ(histogram.value(-3.5), 1u);
-    EXPECT_EQ(histogram.value(9.999), 1u);
-    EXPECT_EQ(histogram.value(10), 99u);
-}
-
-TEST(Histogram, WithoutGoodPixelsOrImageItCountsNothing)
-{
-    IntegratedHistogram histogram;
-    EXPECT_EQ(histogram.value(5), 0u);
-    histogram.compute(MImage(4, 4, 3u), MImage(4, 4, 2u), std::nan(""));
-    for (const double x : {-1.0, 0.0, 3.0, 1e12})
-        EXPECT_EQ(histogram.value(x), 0u);
+    const double nan = std::nan("");
+    const MImage narrow = row(2000, 1000, {-1, 70'000, 2999});  // bins from -1000 to 3000
+    expectCounts(narrow, MImage(narrow, 0u), 1000,
+                 {{-1.5, 0},
+                  {-1, 1},
+                  {2998.9, 1998},
+                  {2999.7, 1999},
+                  {69'999, 1999},
+                  {70'000, 2000},
+                  {1e300, 2000},
+                  {nan, 0}});
+    const MImage floats = row(100, 10.0f, {-3.5f, std::nanf("")});
+    expectCounts(floats, MImage(floats, 0u), 10, {{-4, 0}, {-3.5, 1}, {9.999, 1}, {10, 99}});
+    // A mean that is no number puts large pixels into the last bin.
+    const MImage odd = row(3, 5e-5, {5e-5, nan, 2e10});
+    expectCounts(odd, MImage(odd, 0u), nan, {{5e-5, 1}, {9.99995e-5, 2}});
+    const MImage masked(4, 4, 3u);
+    expectCounts(masked, MImage(4, 4, 2u), nan, {{-1, 0}, {0, 0}, {3, 0}, {1e12, 0}});
     // A value below all that the type can hold is below every pixel.
-    histogram.compute(MImage(4, 4, 0u), MImage(4, 4, 0u), 0);
-    EXPECT_EQ(histogram.value(-0.5), 0u);
-    EXPECT_EQ(histogram.value(0), 16u);
-}
-
-TEST(Histogram, AMeanThatIsNoNumberPutsLargePixelsIntoTheLastBin)
-{
-    MImage image(3, 1, 5e-5);
-    static_cast<double*>(image.data())[1] = std::nan("");
-    static_cast<double*>(image.data())[2] = 2e10;
-    IntegratedHistogram histogram;
-    histogram.compute(image, MImage(3, 1, 0u), std::nan(""));
-    EXPECT_EQ(histogram.value(5e-5), 1u);
-    EXPECT_EQ(histogram.value(9.99995e-5), 2u);
+    expectCounts(MImage(4, 4, 0u), MImage(4, 4, 0u), 0, {{-0.5, 0}, {0, 16}});
 }
 
 TEST(SortPixels, OrdersZerosBySign)
@@ -236,3 +212,5 @@ TEST(SortPixels, OrdersZerosBySign)
     EXPECT_FALSE(std::signbit(values[3]) || std::signbit(values[4]));
     EXPECT_EQ(values[5], 2.0f);
 }
+
+}  // namespace

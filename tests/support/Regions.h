@@ -8,23 +8,23 @@
 
 namespace regions {
 
-inline StatisticsData ofType(int type)
+inline StatisticsData between(int type, int beginX, int beginY, int endX, int endY)
 {
     StatisticsData region;
     region.defined = true;
     region.roiActive = true;
     region.roiType = type;
-    return region;
-}
-
-inline StatisticsData between(int type, int beginX, int beginY, int endX, int endY)
-{
-    StatisticsData region = ofType(type);
     region.beginX = beginX;
     region.beginY = beginY;
     region.endX = endX;
     region.endY = endY;
     return region;
+}
+
+inline StatisticsData ofType(int type)
+{
+    const StatisticsData none;
+    return between(type, none.beginX, none.beginY, none.endX, none.endY);
 }
 
 inline StatisticsData line(int beginX, int beginY, int endX, int endY)

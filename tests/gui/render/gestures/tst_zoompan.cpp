@@ -1,0 +1,70 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Zoom and pan as arithmetic on viewports.
+#include "gui/render/gestures/ZoomPan.h"
+
+#include "gui/render/ViewGeometry.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+constexpr QSize view(200, 100);
+
+TEST(ZoomPan, TheFirstViewportCentresTheImageAtOnePixelPerPixel)
+{
+    EXPECT_EQ(render::centredViewport({1001, 801}, view), ViewportData(400, 350, 0, 0, 0));
+    EXPECT_EQ(render::centredViewport({99, 51}, view), ViewportData(-50, -24, 0, 0, 0));
+}
+
+TEST(ZoomPan, TheImagePointUnderTheCursorStaysAtAnyZoom)
+{
+    const QPoint cursor(133, 41);
+    for (int power = -2; power <= 6; ++power)
+        for (const int step : {1, -1}) {
+            const ViewportData before(17.5, -3.25, power, 10, 20);
+            const render::ViewGeometry geometry({1000, 800}, view, before);
+            const QPointF point(geometry.imageX(cursor.x()), geometry.imageY(cursor.y()));
+            const ViewportData after = render::zoomedAbout(before, point, cursor, step);
+            const render::ViewGeometry zoomed({1000, 800}, view, after);
+            EXPECT_DOUBLE_EQ(zoomed.imageX(cursor.x()), point.x());
+            EXPECT_DOUBLE_EQ(zoomed.imageY(cursor.y()), point.y());
+            EXPECT_EQ(after.zoomPower, std::clamp(power + step, -2, 6));
+            EXPECT_EQ(after.rotationX, 10);
+            EXPECT_EQ(after.rotationY, 20);
+        }
+}
+
+TEST(ZoomPan, APanKeepsFractionsOfImagePixels)
+{
+    const ViewportData start(10, 20, 3, 1, 2);
+    EXPECT_EQ(render::panned(start, {3, -5}, 8, 1),
+              ViewportData(10 - 3.0 / 8, 20 + 5.0 / 8, 3, 1, 2));
+    EXPECT_EQ(render::panned(start, {3, -5}, 0.25, -1), ViewportData(10 + 12, 20 - 20, 3, 1, 2))
+        << "in a thumbnail";
+}
+
+TEST(ZoomPan, NoMoveWidensTheEmptyBorder)
+{
+    struct Row {
+        const char* name;
+        QSize image;
+        ViewportData current, wanted;
+        double adoptedX, adoptedY;
+    };
+    const QSize large(1000, 800), small(100, 50);
+    for (const Row& row : std::initializer_list<Row>{
+             {"free inside", large, {10, 10, 0, 0, 0}, {500, 600, 0, 0, 0}, 500, 600},
+             {"not beyond the edge", large, {5, 10, 0, 0, 0}, {-8, 20, 0, 0, 0}, 5, 20},
+             {"each axis alone", large, {5, 690, 0, 0, 0}, {9, 720, 0, 0, 0}, 9, 690},
+             {"back over the edge", large, {-30, 0, 0, 0, 0}, {-10, 0, 0, 0, 0}, -10, 0},
+             {"small to balance", small, {-10, 0, 0, 0, 0}, {-40, -20, 0, 0, 0}, -40, -20},
+             {"small not away", small, {-50, -25, 0, 0, 0}, {-90, -3, 0, 0, 0}, -50, -25},
+             {"any zoom is taken", small, {-50, -25, 0, 0, 0}, {-500, 99, 1, 0, 0}, -500, 99}})
+        EXPECT_EQ(render::withoutWiderBorder(row.wanted, row.current, row.image, view),
+                  ViewportData(row.adoptedX, row.adoptedY, row.wanted.zoomPower, 0, 0))
+            << row.name;
+}
+
+}  // namespace

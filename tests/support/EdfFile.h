@@ -4,9 +4,9 @@
 // Small EDF files written by hand, for tests that need a series on disk.
 #pragma once
 
+#include "tests/support/EdfText.h"
 #include "tests/support/TempFolder.h"
 
-#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -16,14 +16,7 @@ namespace tarvik::tests {
 inline std::string writeEdf(const TempFolder& folder, const std::string& name, int width,
                             const std::vector<std::int32_t>& pixels)
 {
-    const std::string bytes(reinterpret_cast<const char*>(pixels.data()), pixels.size() * 4);
-    std::string header = "{\nHeaderID = EH:000001:000000:000000 ;\nImage = 1 ;\n"
-                         "ByteOrder = LowByteFirst ;\nDataType = SignedInteger ;\nDim_1 = " +
-                         std::to_string(width) + " ;\nDim_2 = " +
-                         std::to_string(pixels.size() / static_cast<std::size_t>(width)) +
-                         " ;\nSize = " + std::to_string(bytes.size()) + " ;\n";
-    header.resize(510, ' ');
-    return folder.write(name, header + "}\n" + bytes);
+    return folder.write(name, edfFrame(pixels, static_cast<std::size_t>(width)));
 }
 
 }  // namespace tarvik::tests

@@ -5,26 +5,25 @@
 #pragma once
 
 #include <cstdint>
-#include <cstring>
 #include <initializer_list>
 #include <string>
 #include <vector>
 
 namespace tarvik::tests {
 
-/// One EDF frame of one row of 32-bit integers; frames may be put one behind the other.
-inline std::string edfFrame(const std::vector<std::int32_t>& row)
+/// One EDF frame of 32-bit integers, one row when no width is told; frames may be put one behind
+/// the other.
+inline std::string edfFrame(const std::vector<std::int32_t>& pixels, std::size_t width = 0)
 {
-    const std::string bytes = std::to_string(4 * row.size());
+    width = width ? width : pixels.size();
     std::string text = "{\nHeaderID = EH:000001:000000:000000 ;\nImage = 1 ;\n"
                        "ByteOrder = LowByteFirst ;\nDataType = SignedInteger ;\nDim_1 = " +
-                       std::to_string(row.size()) + " ;\nDim_2 = 1 ;\nSize = " + bytes + " ;\n";
+                       std::to_string(width) +
+                       " ;\nDim_2 = " + std::to_string(pixels.size() / width) +
+                       " ;\nSize = " + std::to_string(4 * pixels.size()) + " ;\n";
     text.append(1024 - 2 - text.size(), ' ');
     text += "}\n";
-    const std::size_t header = text.size();
-    text.resize(header + 4 * row.size());
-    std::memcpy(text.data() + header, row.data(), 4 * row.size());
-    return text;
+    return text.append(reinterpret_cast<const char*>(pixels.data()), 4 * pixels.size());
 }
 
 /// A file of several frames, each of one pixel.

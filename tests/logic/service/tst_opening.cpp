@@ -121,7 +121,7 @@ TEST_F(Opening, StepOntoABrokenOrMissingFrameSaysWhichFileAndWhyAndSteppingGoesO
     const std::vector<std::int32_t> pixels(64, 7);
     writeEdf(folder, "x_001.edf", 8, pixels);
     writeEdf(folder, "x_002.edf", 8, pixels);
-    std::filesystem::resize_file(folder / "x_002.edf", 600);
+    std::filesystem::resize_file(folder / "x_002.edf", 1100);
     folder.write("x_003.edf", "not an image");
     writeEdf(folder, "x_005.edf", 8, pixels);
     view->openImage((folder / "x_001.edf").c_str());

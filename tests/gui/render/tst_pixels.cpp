@@ -109,9 +109,9 @@ TEST(PixelColours, AreThoseOfTheColourMap)
         for (const bool highlight : {false, true}) {
             view.service->toggleHighlightDefective(highlight);
             view.service->toggleHighlightSaturated(highlight);
-            for (std::size_t i = 0; i < 2 * allLevels.size(); ++i) {
-                const auto& [foreground, background] = allLevels[i / 2];
-                const MColorTable* table = tables[(i / 2 + 4 * (i % 2) + turn) % tables.size()];
+            for (std::size_t i = 0; i < allLevels.size(); ++i) {
+                const auto& [foreground, background] = allLevels[i];
+                const MColorTable* table = tables[(i + turn + 4 * highlight) % tables.size()];
                 view.service->setContrastData({foreground, background, table, false});
                 const Differences found = compare(view.drawer->grab(), *view.service);
                 EXPECT_EQ(found.beyond, 0)

@@ -122,7 +122,7 @@ void compare(unsigned int seed, int width = 100, int height = 50, double offset 
     const double mean = sum / count;
     const PlainHistogram<T> plain(pixels, marks, mean);
     std::vector<double> places{plain.lower, plain.upper, mean, 0.0, -1.0, 1e9, -1e9};
-    for (int k = 0; k < 300; ++k)
+    for (int k = 0; k < 120; ++k)
         places.push_back(double(pixels[random() % pixels.size()]) + (k % 3 - 1) * spread / 50);
     forEveryTarget([&] { checkPlaces<T>(image, mask, mean, plain, places); });
 }

@@ -118,13 +118,16 @@ void FrameSeries::reopen() const
 
 void FrameSeries::refuse(const FileStamp& stamp, const MException& error) const
 {
-    // Looks come many a second, and each may cost a process: one that the file crashes or hangs is
-    // for nothing. An incomplete file may be waiting for others, which its stamp does not show.
-    constexpr auto Pause = std::chrono::seconds(1);
-    const bool ended = dynamic_cast<const MReaderGoneException*>(&error) != nullptr ||
-                       dynamic_cast<const MTimeoutException*>(&error) != nullptr;
+    // Looks come many a second, and each may cost a process: one that the file crashes is for
+    // nothing, one that hangs holds up the view, but a mount that hung may answer again. An
+    // incomplete file may be waiting for others, which its stamp does not show.
+    const bool crashed = dynamic_cast<const MReaderGoneException*>(&error) != nullptr;
+    const bool hung = dynamic_cast<const MTimeoutException*>(&error) != nullptr;
+    const bool ended = crashed || hung;
+    const auto pause =
+        hung ? std::chrono::seconds(std::chrono::minutes(5)) : std::chrono::seconds(1);
     _refused = stamp;
-    _nextTry = ended ? Clock::time_point::max() : Clock::now() + Pause;
+    _nextTry = crashed ? Clock::time_point::max() : Clock::now() + pause;
     if (ended && !std::exchange(_told, true))
         std::fprintf(stderr, "WARNING: %s\n", error.what());
 }

@@ -34,8 +34,8 @@ public:
     int last() const override;
     MImage at(int number) const override;
     std::string pathToImage(int number) const override;
-    /// A new file that ends its reader is opened once, with a line on standard error, and not again
-    /// before it changes; one that is refused, now and then.
+    /// A new file that crashes its reader is opened once, with a line on standard error, and not
+    /// again before it changes; one that hangs it, minutes later; one that is refused, each second.
     void update() override;
 
 private:

@@ -28,6 +28,7 @@ ImageLoader::ImageLoader(QObject* parent)
 
 ImageLoader::~ImageLoader()
 {
+    _abort = true;      // nothing that is queued begins
     _series->cancel();  // a read that hangs would hold up the end of the view
     emptyTaskQueue();
     _awaitHandOver();

@@ -41,7 +41,9 @@ std::string PreloaderClient::messageQueueId() { return "PRELOADER_" + std::to_st
 
 void PreloaderClient::put(unsigned long index, const std::string& path)
 {
-    _enabled = false;  // the images of the series before are none of this one, whatever fails here
+    // The images of the series before are none of this one, whatever fails here.
+    _enabled = false;
+    _path.clear();
     try {
         const std::lock_guard lock(traffic());
         queue().send(preloader::pack(preloader::PUT, index, path));

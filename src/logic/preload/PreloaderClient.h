@@ -40,7 +40,7 @@ public:
 private:
     bool _receive(MImage& image, unsigned long index);
 
-    std::string _path;  // of the latest put(); empty before the first
+    std::string _path;  // of the latest put(); empty before the first and when it failed
     bool _enabled = false;
     Header _defaultHeader;
 };

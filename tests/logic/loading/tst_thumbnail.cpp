@@ -108,6 +108,10 @@ void compareCells(int width, int height)
             });
         ASSERT_TRUE(std::equal(plain.begin(), plain.end(), thumb.pixels<T>()))
             << typeid(T).name() << ' ' << width << " x " << height << ' ' << hasNegatives;
+        thumbnail::Builder inSteps(image);
+        for (std::size_t end = 0; end < image.size(); end += 4099)
+            inSteps.upTo(end);
+        EXPECT_TRUE(samePixels(inSteps.finish(hasNegatives), thumb));
     }
     const MImage thumb = thumbnail::ofMask(image);
     const auto plain = plainCells<T>(image, thumb.width(), thumb.height(), plainMark<T>);

@@ -40,7 +40,7 @@ void ValueCounts<T>::upTo(std::size_t end)
             _moveWindow();
         _othersAtLastLook = _otherCount;
     }
-    if (_at == size())
+    if (_at == size() && _begin < _at)
         _closeWindow();
 }
 

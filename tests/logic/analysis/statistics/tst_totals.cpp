@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cmath>
@@ -16,6 +17,7 @@
 #include <optional>
 #include <random>
 #include <span>
+#include <vector>
 
 namespace {
 
@@ -151,6 +153,61 @@ TYPED_TEST(TotalsOf, RandomImagesAreThoseOfThePlainLoop)
             maskKind = (maskKind + 1) % 3;
         }
         maskKind = (maskKind + 1) % 3;
+    }
+}
+
+/// Most values lie far from 0 and elsewhere in each half, so that the window of counts moves.
+template <class T>
+void expectPlainOfFarValues(std::size_t size)
+{
+    std::mt19937 random(7);
+    MImage image(int(size), 1, T(0));
+    MImage mask(image, 0U);
+    const std::span pixels(static_cast<T*>(image.data()), size);
+    const std::span marks(static_cast<unsigned int*>(mask.data()), size);
+    const int top = int(std::min<long long>(std::numeric_limits<T>::max(), 1'000'000));
+    for (std::size_t i = 0; i < size; ++i) {
+        const int some = int(random() % 200);
+        const int far = i < size / 2 ? some + top / 2 : top - some;
+        pixels[i] = T(random() % 100 == 0 ? some : std::is_signed_v<T> && i % 3 ? -far : far);
+        marks[i] = random() % 50 == 0 ? unsigned(random() % 64) : 0U;
+    }
+    image.optionalData().set_saturation_value(saturation);
+    ImageStatistics plain;
+    plainStatistics(plain, pixels, marks);
+    forEveryTarget([&] {
+        ImageStatistics found;
+        std::vector<std::size_t> ends;
+        testing::internal::CaptureStdout();
+        ComputeStatistics(&found).compute(image, mask, [&](auto end) { ends.push_back(end); });
+        testing::internal::GetCapturedStdout();
+        EXPECT_TRUE(std::is_sorted(ends.begin(), ends.end()));
+        EXPECT_EQ(ends.back(), size);
+        EXPECT_EQ(found.zeros, plain.zeros);
+        EXPECT_EQ(found.saturated, plain.saturated);
+        EXPECT_EQ(found.minimum, plain.minimum);
+        EXPECT_EQ(found.maximum, plain.maximum);
+        EXPECT_TRUE(sameBits(found.sum, plain.sum));
+        EXPECT_NEAR(found.sigma, plain.sigma, 1e-9 * plain.sigma);
+        IntegratedHistogram apart;
+        apart.compute(image, mask, found.mean);
+        for (std::size_t i = 0; i < size; i += 501)
+            EXPECT_EQ(found.histogram.value(pixels[i]), apart.value(pixels[i]));
+        EXPECT_EQ(found.histogram.value(top),
+                  std::size_t(std::count_if(marks.begin(), marks.end(),
+                                            [](auto m) { return maskrule::good(m); })));
+    });
+}
+
+TEST(Totals, OfLargeImagesAreThoseOfThePlainLoopWhereverTheirValuesLie)
+{
+    for (const std::size_t size : {65'536U, 200'001U}) {
+        SCOPED_TRACE(size);
+        expectPlainOfFarValues<unsigned char>(size);
+        expectPlainOfFarValues<unsigned short>(size);
+        expectPlainOfFarValues<short>(size);
+        expectPlainOfFarValues<unsigned int>(size);
+        expectPlainOfFarValues<int>(size);
     }
 }
 

@@ -6,6 +6,8 @@
 
 #include <algorithm>
 
+#include <fcntl.h>
+
 namespace morvend::imglib {
 
 Segment::Segment(std::size_t capacity)
@@ -36,6 +38,15 @@ Segment::Leases Segment::leases()
         return closed && back;
     });
     return result;
+}
+
+void Segment::discard()
+{
+    // A peer learns with the next image only that the segment is gone; a hole frees the memory now.
+    // Without one, on a system that can't, it is freed then.
+    if (leases() == Leases::Back)
+        ::fallocate(_file.get(), FALLOC_FL_PUNCH_HOLE | FALLOC_FL_KEEP_SIZE, 0,
+                    static_cast<off_t>(capacity()));
 }
 
 }  // namespace morvend::imglib

@@ -30,6 +30,10 @@ public:
     /// showing the image still, so that the memory must not be written again.
     Leases leases();
 
+    /// Gives the memory back to the system if no peer shows the image, even while one has the
+    /// segment mapped. Only for a segment without an image, which is not used again.
+    void discard();
+
 private:
     struct Lease {
         std::shared_ptr<LeaseBook> book;

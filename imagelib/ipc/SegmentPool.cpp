@@ -191,8 +191,12 @@ std::shared_ptr<Segment> SegmentPool::find(const image::PixelBuffer& buffer) con
 void SegmentPool::trim()
 {
     std::vector<std::shared_ptr<Segment>> dropped;
-    const std::lock_guard lock(_state->mutex);
-    _state->dropIdle(0, dropped);
+    {
+        const std::lock_guard lock(_state->mutex);
+        _state->dropIdle(0, dropped);
+    }
+    for (const auto& segment : dropped)
+        segment->discard();
 }
 
 SegmentPool::Usage SegmentPool::usage() const

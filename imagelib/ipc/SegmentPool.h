@@ -43,7 +43,7 @@ public:
     /// The segment whose memory a buffer of this pool shows, null for other buffers.
     std::shared_ptr<Segment> find(const image::PixelBuffer& buffer) const;
 
-    /// Gives back the memory of the segments that wait for reuse.
+    /// Gives back the memory of the segments that wait for reuse, at once.
     void trim();
     struct Usage {
         std::size_t segments = 0;

@@ -6,6 +6,7 @@
 
 #include "imagelib/io/process/ReaderProcess.h"
 
+#include <chrono>
 #include <new>
 #include <utility>
 
@@ -19,6 +20,10 @@ using Kind = ReaderRequest::Kind;
 constexpr SegmentPool::Limits Memory{
     .segments = 64, .bytes = std::size_t(2) << 30, .idleBytes = std::size_t(256) << 20};
 
+/// Without a request for so long, memory that waits for reuse is given back: a view that is fed by
+/// the preloader asks its own reader for nothing.
+constexpr std::chrono::milliseconds IdlePeriod{1000};
+
 }  // namespace
 
 ReaderServer::ReaderServer(UniqueFd socket, ImagePathOpener opener)
@@ -31,7 +36,7 @@ void ReaderServer::run()
 {
     try {
         for (;;) {
-            const Message message = _channel.receive();
+            const Message message = _nextMessage();
             const auto* text = std::get_if<std::string>(&message);
             const ReaderRequest request = ReaderRequest::fromText(text ? *text : std::string());
             MImage image;
@@ -40,6 +45,16 @@ void ReaderServer::run()
         }
     } catch (const MPeerGoneException&) {
         return;
+    }
+}
+
+Message ReaderServer::_nextMessage()
+{
+    try {
+        return _channel.receive(IdlePeriod);
+    } catch (const MTimeoutException&) {
+        _pool->trim();
+        return _channel.receive();
     }
 }
 

@@ -21,6 +21,7 @@ public:
     void run();
 
 private:
+    Message _nextMessage();
     ReaderAnswer _answer(const ReaderRequest& request, MImage& image);
     void _send(ReaderAnswer& answer, MImage image);
     void _describe(ReaderAnswer& answer) const;

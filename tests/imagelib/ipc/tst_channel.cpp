@@ -10,6 +10,8 @@
 
 #include <thread>
 
+#include <sys/stat.h>
+
 namespace {
 
 using namespace tarvik::tests;
@@ -135,6 +137,24 @@ TEST(MessageChannel, SegmentIsTakenAgainWhenItsLastImageHasGone)
     EXPECT_EQ(shown.pixel<int>(0, 0, -1), 1000);
     shown = MImage();
     EXPECT_EQ(pair.pool->usage().idle, pair.pool->usage().segments);
+}
+
+TEST(MessageChannel, MemoryThatNobodyShowsIsGivenBackAtOnce)
+{
+    ChannelPair pair;
+    MImage image = inPool(*pair.pool, Wide, 256);
+    const auto segment = pair.pool->find(*image.imageData().buffer());
+    MImage shown = pair.pass(std::exchange(image, {}));
+    const auto blocksAfterTrim = [&] {
+        pair.pool->trim();
+        struct stat file = {};
+        ::fstat(segment->file().get(), &file);
+        return file.st_blocks;
+    };
+    EXPECT_GT(blocksAfterTrim(), 0);
+    EXPECT_EQ(shown.pixel<int>(5, 0, 0), 5);
+    shown = MImage();
+    EXPECT_EQ(blocksAfterTrim(), 0);
 }
 
 TEST(MessageChannel, ShownImageOutlivesConnectionAndSenderAndIsNeverOverwritten)

@@ -15,13 +15,16 @@ cmake --preset ci >/dev/null
 cmake --build --preset ci
 results=$build/bench-results
 mkdir -p "$results"
+failed=()
 for program in "$build"/bin/bench_*"$part"*; do
     name=$(basename "$program")
     screen=()
     if [ "$name" = bench_render ] && [ -z "${DISPLAY:-}" ]; then
         screen=(xvfb-run -a -s "-screen 0 1600x1200x24")
     fi
+    result=$results/$name${TARVIK_HWY_TARGET:+-$TARVIK_HWY_TARGET}.json
     "${screen[@]}" "$program" --benchmark_repetitions=3 --benchmark_report_aggregates_only=true \
-        --benchmark_out="$results/$name${TARVIK_HWY_TARGET:+-$TARVIK_HWY_TARGET}.json" --benchmark_out_format=json "$@"
+        --benchmark_out="$result" --benchmark_out_format=json "$@" || { failed+=("$name"); rm -f "$result"; }
 done
 python3 bench/compare.py "$results"/*.json
+[ ${#failed[@]} -eq 0 ] || { echo "failed: ${failed[*]}" >&2; exit 1; }

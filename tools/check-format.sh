@@ -15,12 +15,13 @@ fi
 mkdir -p build
 passed=build/check-format.passed
 changed=()
-# The time of the last change of an inode, unlike that of its content, can't be set back.
-if [ "$(cat $passed 2>/dev/null)" = "$(clang-format --version)" ] &&
-    [ -z "$(find .clang-format tools/check-format.sh -cnewer $passed)" ]; then
+{ clang-format --version && files | sort -z | tr '\0' '\n'; } >$passed.new
+# The time of the last change of an inode, unlike that of its content, can't be set back; but files
+# in a folder that was moved here keep theirs, so that all are read when there are other names.
+if cmp -s $passed $passed.new && rules=$(find .clang-format tools/check-format.sh -cnewer $passed) &&
+    [ -z "$rules" ]; then
     changed=(-cnewer $passed)
 fi
-clang-format --version >$passed.new
 touch -d '1 second ago' $passed.new
 files "${changed[@]}" | xargs -0 -r -n 40 -P "$(nproc)" clang-format --dry-run -Werror
 mv $passed.new $passed

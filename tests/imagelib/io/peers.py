@@ -1,17 +1,19 @@
 # SPDX-FileCopyrightText: 2026 the TARVIK authors
 # SPDX-License-Identifier: MIT
-"""Reads image files with fabio and writes EDF files, which are the only ones that no other test has
-from another program: peers.py FOLDER.
+"""Reads image files with fabio, and writes EDF files with it and TIFF files with it and Pillow:
+peers.py FOLDER.
 
-Compares each <file> with the <file>.<dtype>.<width>.raw beside it. Writes fabio_<dtype>.edf, each
-frame with its pixels in fabio_<dtype>.edf.<frame>.pixels.
+Compares each <file> with the <file>.<dtype>.<width>.raw beside it. Writes the pixels of each frame
+of a file to <file>.<frame>.pixels.
 """
 import os
 import sys
 
 import fabio
 import fabio.edfimage
+import fabio.tifimage
 import numpy
+from PIL import Image
 
 TYPES = ["uint8", "int8", "uint16", "int16", "uint32", "int32", "uint64", "int64", "float32",
          "float64"]
@@ -47,6 +49,15 @@ def write():
         image.write(f"fabio_{dtype}.edf")
         for number, data in enumerate(frames):
             data.tofile(f"fabio_{dtype}.edf.{number}.pixels")
+        if "64" not in dtype:  # of TIFF
+            fabio.tifimage.TifImage(data=frames[0]).write(f"fabio_{dtype}.tif")
+            frames[0].tofile(f"fabio_{dtype}.tif.0.pixels")
+    for compression in ("raw", "packbits", "tiff_lzw", "tiff_adobe_deflate"):
+        for dtype in ("uint8", "uint16", "int32", "float32"):
+            name = f"pillow_{compression}_{dtype}.tif"
+            data = picture(dtype, 5)
+            Image.fromarray(data).save(name, compression=compression)
+            data.tofile(name + ".0.pixels")
 
 
 os.chdir(sys.argv[1])

@@ -305,6 +305,16 @@ TEST(DamagedCbf, StreamsThatEndEarlySayWhere)
     }
 }
 
+TEST(DamagedCbf, EveryCutIsAFailure)
+{
+    const Parts parts;
+    const std::string whole = parts.file();
+    const std::size_t end = whole.size() - parts.after.size();
+    for (std::size_t size = 6; size < end; ++size)
+        ASSERT_THAT(readingFailure(Open, whole.substr(0, size)), EndsWith(": /data/x")) << size;
+    EXPECT_EQ(readingFailure(Open, whole.substr(0, end)), "no failure");
+}
+
 TEST(DamagedCbf, Md5IsCheckedOnRequest)
 {
     Parts parts;

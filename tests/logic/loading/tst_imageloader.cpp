@@ -280,6 +280,36 @@ TEST_F(FileLoader, GoesThroughASeriesOfFiles)
     EXPECT_EQ(loader.lastIndex(), 1004);
     openIndex(1004);
     EXPECT_EQ(finishOne().path, folder / name(4));
+
+    push(MImage(2, 2, 9));  // begins a series in memory
+    const ImageLoader::Data pushed = finishOne();
+    EXPECT_EQ(pushed.index, 0);
+    EXPECT_EQ(pushed.path, "");
+    EXPECT_EQ(loader.lastIndex(), 0);
+}
+
+TEST_F(FileLoader, EndsWhileItsReaderHangs)
+{
+    using morvend::imglib::FormatRegistry;
+    const std::string path = folder / "x_master.h5";
+    morvend::imglib::MHdf5Writer(path, 1, {}, morvend::imglib::MCompression::NONE)
+        .write(MImage(8, 8, 1));
+    FormatRegistry::readHdf5Apart(true);
+    auto hanging = std::make_unique<ImageLoader>();
+    hanging->open(ImageLoader::TaskOpenSeries, request(path), true);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !hanging->loading(); }, 5000));
+    const std::vector<pid_t> readers = tarvik::tests::children();
+    FormatRegistry::readHdf5Apart(false);
+    ASSERT_EQ(readers.size(), 1U);
+    ASSERT_EQ(::kill(readers.front(), SIGSTOP), 0);
+    for (int i = 0; i < 3; ++i)
+        hanging->open(ImageLoader::TaskOpenIndex, request("", 1), true);
+    QTest::qWait(50);
+    EXPECT_TRUE(hanging->loading());
+    const auto begin = std::chrono::steady_clock::now();
+    hanging.reset();
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(10));
+    EXPECT_TRUE(tarvik::tests::waitFor([&] { return tarvik::tests::hasEnded(readers.front()); }));
 }
 
 TEST_F(FileLoader, MaskWorkIsDoneOnce)

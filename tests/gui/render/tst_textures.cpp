@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // What goes to the graphics card: pixel formats, tiles, the mesh and the pixels under it.
+#include "gui/render/MeshGrid.h"
 #include "gui/render/PlotSample.h"
 #include "gui/render/TextureFormat.h"
 #include "gui/render/TileGrid.h"
@@ -75,6 +76,24 @@ TEST(Tiles, CoverTheImageAndOverlapByOnePixel)
             EXPECT_EQ(reached, tiles.empty() ? 0 : end);
         }
     }
+}
+
+TEST(Mesh, IsThatOf128By128VerticesOverTheUnitSquare)
+{
+    using Indices = std::vector<std::uint32_t>;
+    const auto& [vertices, lines, triangles] = render::VERTEX_GRID;
+    ASSERT_EQ(vertices.size(), 2U * 16384);
+    ASSERT_EQ(lines.size(), 65024U);
+    ASSERT_EQ(triangles.size(), 96774U);
+    EXPECT_EQ(vertices[2 * (5 * 128 + 3)], 3 / 128.0F);
+    EXPECT_EQ(vertices[2 * (5 * 128 + 3) + 1], 5 / 128.0F);
+    EXPECT_EQ(vertices.back(), 127 / 128.0F);
+    const auto columns = lines.begin() + 2 * 127 * 128;
+    EXPECT_EQ(Indices(lines.begin(), lines.begin() + 4), (Indices{0, 1, 1, 2}));
+    EXPECT_EQ(Indices(columns, columns + 4), (Indices{0, 128, 128, 256}));
+    EXPECT_EQ(lines.back(), 16383U);
+    EXPECT_EQ(Indices(triangles.end() - 6, triangles.end()),
+              (Indices{16254, 16255, 16383, 16254, 16383, 16382}));
 }
 
 TEST(Mesh, StandsOnThePixelsOfTheVisiblePart)

@@ -161,7 +161,7 @@ TEST_F(WithProcess, ADeadPreloaderOnlyMissesAndComesAgain)
     }
 }
 
-TEST_F(WithProcess, AStoppedPreloaderCostsHalfASecond)
+TEST_F(WithProcess, AStoppedPreloaderCostsAQuarterOfASecond)
 {
     begin();
     signalProcess(SIGSTOP);

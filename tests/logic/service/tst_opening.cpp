@@ -87,6 +87,14 @@ TEST_F(Opening, FailedLoadChangesNothing)
     EXPECT_EQ(view->imageIndex(), 0);
     EXPECT_EQ(view->contrastData(), contrast);
     EXPECT_EQ(view->syncID(), "8_4_1");
+
+    errors.clear();
+    view->openImage(MImage());
+    ASSERT_TRUE(errors.wait(5000)) << "an empty image";
+    EXPECT_EQ(view->imageIndex(), 0);
+    view->nextImage(7, false);
+    show(view, image(8, 4, 2));
+    EXPECT_EQ(errors.size(), 1) << "a quiet failure is quiet";
 }
 
 TEST_F(Opening, StepsThroughImagesInMemory)

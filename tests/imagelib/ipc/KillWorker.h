@@ -13,6 +13,7 @@ namespace tarvik::tests {
 struct KillReport {
     struct Side {
         std::atomic<std::uint64_t> verified;  // messages whose content was compared
+        std::atomic<std::uint64_t> images;    // of them in shared memory
         std::atomic<std::uint64_t> peers;     // conversations begun
         std::atomic<std::uint32_t> faults;
         char fault[256];  // the first one

@@ -7,10 +7,10 @@
 #include "imagelib/ipc/QueueAddress.h"
 #include "imagelib/ipc/UniqueFd.h"
 #include "tests/imagelib/ipc/KillWorker.h"
-#include "tests/support/Processes.h"
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
@@ -18,7 +18,6 @@
 #include <random>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include <signal.h>
 #include <spawn.h>
@@ -54,16 +53,14 @@ protected:
 
     void start(unsigned side)
     {
-        std::string words[] = {"kills",
-                               "--worker",
-                               name,
-                               std::to_string(side),
-                               std::to_string(++_lives[side]),
-                               std::to_string(_file.get())};
-        std::vector<char*> argv;
-        for (std::string& word : words)
-            argv.push_back(word.data());
-        argv.push_back(nullptr);
+        const std::string sideText = std::to_string(side);
+        const std::string life = std::to_string(++_lives[side]);
+        const std::string file = std::to_string(_file.get());
+        const char* arguments[] = {"/proc/self/exe", "--worker",   name.c_str(), sideText.c_str(),
+                                   life.c_str(),     file.c_str(), nullptr};
+        std::array<char*, 7> argv;
+        for (std::size_t i = 0; i < argv.size(); ++i)
+            argv[i] = const_cast<char*>(arguments[i]);
         ASSERT_EQ(
             ::posix_spawn(&pids[side], "/proc/self/exe", nullptr, nullptr, argv.data(), environ),
             0);
@@ -99,17 +96,19 @@ protected:
             ASSERT_EQ(each.faults, 0u) << each.fault;
     }
 
-    std::ptrdiff_t openFiles(unsigned side) const
+    std::size_t openFiles(unsigned side) const
     {
-        return std::distance(
-            std::filesystem::directory_iterator("/proc/" + std::to_string(pids[side]) + "/fd"), {});
+        const std::filesystem::directory_iterator all("/proc/" + std::to_string(pids[side]) +
+                                                      "/fd");
+        return std::size_t(std::distance(begin(all), end(all)));
     }
 
     /// Memory of the process, shared and private, in MiB.
     std::size_t memory(unsigned side) const
     {
         std::ifstream in("/proc/" + std::to_string(pids[side]) + "/statm");
-        std::size_t total = 0, resident = 0;
+        std::size_t total = 0;
+        std::size_t resident = 0;
         in >> total >> resident;
         return resident * std::size_t(::sysconf(_SC_PAGESIZE)) >> 20;
     }
@@ -137,7 +136,7 @@ TEST_F(KillTest, EverythingArrivesWholeAndInOrderAndTheSurvivorDoesNotGrow)
         for (int i = 0; i < 5; ++i)
             killAndRestart(1 - survivor);
         waitForTraffic(survivor);
-        const std::ptrdiff_t files = openFiles(survivor);
+        const std::size_t files = openFiles(survivor);
         const std::size_t megabytes = memory(survivor);
         for (int i = 0; i < kills() / 3 - 5; ++i) {
             killAndRestart(1 - survivor);
@@ -148,6 +147,8 @@ TEST_F(KillTest, EverythingArrivesWholeAndInOrderAndTheSurvivorDoesNotGrow)
         // Segments are taken as traffic wants them, within bounds that no number of kills moves.
         EXPECT_LE(openFiles(survivor), files + 60);
         EXPECT_LE(memory(survivor), megabytes + 80);
+        std::printf("survivor %u: %zu -> %zu files, %zu -> %zu MiB\n", survivor, files,
+                    openFiles(survivor), megabytes, memory(survivor));
     }
     std::mt19937 random(7);
     for (int i = 0; i < kills() - kills() / 3 * 2; ++i) {
@@ -155,6 +156,11 @@ TEST_F(KillTest, EverythingArrivesWholeAndInOrderAndTheSurvivorDoesNotGrow)
         if (HasFatalFailure())
             return;
     }
+    for (const auto& side : report->sides)
+        std::printf("verified %llu messages, %llu of them large images, %llu peers\n",
+                    static_cast<unsigned long long>(side.verified),
+                    static_cast<unsigned long long>(side.images),
+                    static_cast<unsigned long long>(side.peers));
     for (const auto& side : report->sides)
         EXPECT_GT(side.peers, unsigned(kills()) / 3);
 }
@@ -165,7 +171,10 @@ TEST_F(KillTest, NothingIsLeftBehind)
     waitForTraffic(1);
     for (const unsigned side : {0U, 1U})
         kill(side);
-    EXPECT_FALSE(socketIsOpen(morvend::imglib::queueAddress(name, ::geteuid())));
+    std::ifstream in("/proc/net/unix");
+    const std::string sockets{std::istreambuf_iterator<char>(in), {}};
+    EXPECT_EQ(sockets.find("@" + morvend::imglib::queueAddress(name, ::geteuid())),
+              std::string::npos);
     start(0);
     start(1);
 }

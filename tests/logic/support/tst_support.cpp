@@ -3,6 +3,7 @@
 //
 // Printed lines, the checking mutex and the machine's settings.
 #include "logic/DebugMutex.h"
+#include "logic/support/ConfigFile.h"
 #include "logic/support/Console.h"
 #include "logic/support/GlobalSettings.h"
 
@@ -69,6 +70,14 @@ TEST(GlobalSettings, PrintsEachKeyThatTheFileHolds)
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "HalvoAccessibleInUserMode\nOther\n");
     EXPECT_FALSE(settings.value(GlobalSettings::accessibleInUserMode).toBool());
     EXPECT_FALSE(settings.fallbacksEnabled());
+}
+
+TEST(ConfigFile, BeginsWithoutFailure)
+{
+    const ConfigFile file("/etc/x.conf", '=');
+    EXPECT_EQ(file.fileName(), "/etc/x.conf");
+    EXPECT_EQ(file.separator(), '=');
+    EXPECT_EQ(file.fail(), 0);
 }
 
 }  // namespace

@@ -206,7 +206,7 @@ TEST_P(Changing, AFileThatIsCutOrVanishesIsReadAgainAndNeverMapped)
 TEST_P(Changing, ChangedBytesNeverEndThisProcess)
 {
     int readable = 0;
-    for (std::size_t at = 0; at < std::min<std::size_t>(one.size(), 4096); at += 149) {
+    for (std::size_t at = 0; at < std::min<std::size_t>(one.size(), 4096); at += 61) {
         std::string damaged = one;
         damaged[at] = static_cast<char>(damaged[at] ^ 0xff);
         const std::string failure = failureOf([&] {

@@ -87,10 +87,11 @@ void Convert::writeFiles() const
 
 void Convert::writeSeries() const
 {
+    // Before there is a staging folder, which a signal without it would leave behind.
+    const StopSignals stop;
     const StagingFolder staging(_arguments.output);
     {
         Progress progress(_series.last());
-        const StopSignals stop;
         std::unique_ptr<MHdf5Writer> writer;
         for (int number = firstNumber(); number >= 0; number = nextNumber(number)) {
             stop.check();
@@ -105,6 +106,7 @@ void Convert::writeSeries() const
         if (writer)
             writer->flush();
     }
+    stop.check();
     SourceGuard guard(_arguments.file, _series);
     staging.publish([&guard](const std::string& place) { guard.check(place); });
 }

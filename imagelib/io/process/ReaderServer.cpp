@@ -54,6 +54,7 @@ Message ReaderServer::_nextMessage()
         return _channel.receive(IdlePeriod);
     } catch (const MTimeoutException&) {
         _pool->trim();
+        image::PixelBuffer::trimPool();
         return _channel.receive();
     }
 }

@@ -14,6 +14,15 @@
 // After foreach_target.h, which may include this file again for each instruction set.
 #include <hwy/highway.h>
 
+// Every sum of rows by its type of pixel and name.
+#define TARVIK_EACH_SUM(X)                                                                         \
+    X(std::int8_t, addInt8)                                                                        \
+    X(std::int16_t, addInt16)                                                                      \
+    X(std::int32_t, addInt32)                                                                      \
+    X(std::uint8_t, addUInt8)                                                                      \
+    X(std::uint16_t, addUInt16)                                                                    \
+    X(std::uint32_t, addUInt32)
+
 HWY_BEFORE_NAMESPACE();
 namespace thumbnail::HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
@@ -145,12 +154,7 @@ void joinAll(const std::byte* bytes, std::size_t columns, std::size_t rows, std:
     {                                                                                              \
         addAll(pixels, columns, rows, sums, bits);                                                 \
     }
-TARVIK_ADD_ROWS(std::int8_t, addInt8)
-TARVIK_ADD_ROWS(std::int16_t, addInt16)
-TARVIK_ADD_ROWS(std::int32_t, addInt32)
-TARVIK_ADD_ROWS(std::uint8_t, addUInt8)
-TARVIK_ADD_ROWS(std::uint16_t, addUInt16)
-TARVIK_ADD_ROWS(std::uint32_t, addUInt32)
+TARVIK_EACH_SUM(TARVIK_ADD_ROWS)
 #undef TARVIK_ADD_ROWS
 
 }  // namespace thumbnail::HWY_NAMESPACE
@@ -169,12 +173,7 @@ namespace thumbnail {
         assert(rows > 0 && rows <= mostRows);                                                      \
         HWY_DYNAMIC_DISPATCH(Name)(pixels, columns, rows, sums, bits);                             \
     }
-TARVIK_ADD_ROWS(std::int8_t, addInt8)
-TARVIK_ADD_ROWS(std::int16_t, addInt16)
-TARVIK_ADD_ROWS(std::int32_t, addInt32)
-TARVIK_ADD_ROWS(std::uint8_t, addUInt8)
-TARVIK_ADD_ROWS(std::uint16_t, addUInt16)
-TARVIK_ADD_ROWS(std::uint32_t, addUInt32)
+TARVIK_EACH_SUM(TARVIK_ADD_ROWS)
 #undef TARVIK_ADD_ROWS
 
 HWY_EXPORT(joinAll);

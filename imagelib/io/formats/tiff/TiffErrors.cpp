@@ -7,12 +7,27 @@
 #include "imagelib/image/MException.h"
 
 #include <cstdio>
+#include <string_view>
 
 namespace morvend::imglib::tiff {
 
 namespace {
 
 int dropWarning(TIFF*, void*, const char*, const char*, va_list) { return 1; }
+
+/// libtiff lays some of its messages out in several lines.
+std::string inOneLine(std::string_view text)
+{
+    std::string line;
+    for (const char c : text) {
+        const bool blank = static_cast<unsigned char>(c) <= ' ' || c == '\x7f';
+        if (!blank)
+            line += c;
+        else if (!line.empty() && line.back() != ' ')
+            line += ' ';
+    }
+    return line;
+}
 
 }  // namespace
 
@@ -36,7 +51,7 @@ int TiffErrors::_error(TIFF*, void* self, const char*, const char* format, va_li
 {
     char text[512];
     std::vsnprintf(text, sizeof text, format, values);
-    static_cast<TiffErrors*>(self)->note(text);
+    static_cast<TiffErrors*>(self)->note(inOneLine(text));
     return 1;  // no other handler is asked
 }
 

@@ -6,6 +6,7 @@
 
 #include "imagelib/image/PixelTypes.h"
 #include "logic/analysis/statistics/HistogramCompute.h"
+#include "logic/analysis/statistics/IntegerBins.h"
 #include "logic/support/Assert.h"
 
 #include <algorithm>
@@ -47,15 +48,20 @@ unsigned int lookUp(const IntergrateHistogramPrivate& histogram, double x)
     if (number < histogram.lower)
         return histogram.below.empty() ? 0 : countUpTo(histogram.below, v);
     const unsigned int binned = histogram.bins[histogram.binCount - 1];
-    if (number >= histogram.upper)
+    const auto upToTail = [&] {
         return histogram.above.empty() ? binned : countUpTo(histogram.above, v) + binned;
-    // Pixels were binned from the integer part of the lower end on, the look-up starts at the lower
-    // end itself: with a fractional lower end above 0 a look-up at a pixel's own value can leave
-    // that value out. The panels are drawn this way.
-    const double i = (number - histogram.lower) * histogram.binsPerUnit;
-    if (!(i >= 0) || i >= static_cast<double>(histogram.binCount))
-        return 0;
-    return histogram.bins[static_cast<std::size_t>(i)];
+    };
+    if (number >= histogram.upper)
+        return upToTail();
+    if constexpr (std::is_integral_v<T>) {
+        const IntegerBins<T> bins(histogram.lower, histogram.binCount);
+        return bins.beyond(v) ? upToTail() : histogram.bins[bins.of(v)];
+    } else {
+        const double i = (number - histogram.lower) * histogram.binsPerUnit;
+        if (!(i >= 0) || i >= static_cast<double>(histogram.binCount))
+            return 0;
+        return histogram.bins[static_cast<std::size_t>(i)];
+    }
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "imagelib/image/BinaryDispatcher.h"
 #include "logic/analysis/statistics/GoodPixels.h"
 #include "logic/analysis/statistics/HistogramBlocks.h"
+#include "logic/analysis/statistics/IntegerBins.h"
 #include "logic/analysis/statistics/SortPixels.h"
 #include "logic/analysis/statistics/ValueCounts.h"
 
@@ -37,32 +38,30 @@ struct Binning {
     static constexpr double ceiling = static_cast<double>(std::numeric_limits<T>::max());
 };
 
-/// Bin of a value in the binned range.
+/// Bin of a floating value in the binned range.
 template <class T>
-class BinIndex {
+class FloatBins {
 public:
-    explicit BinIndex(double lower)
+    FloatBins(double lower, std::size_t count)
         : _lower(lower)
-        , _first(morvend::datatypes::convertPixel<T>(lower))
+        , _last(static_cast<double>(count - 1))
     {}
-    std::size_t operator()(T value) const
+    std::size_t of(T value) const
     {
-        if constexpr (std::is_same_v<T, bool>)
-            return static_cast<std::size_t>(value - (_lower != 0));
-        else if constexpr (std::is_integral_v<T>)
-            return static_cast<std::size_t>(value - _first);
-        else
-            // Held before the conversion: the range of a mean that is no number reaches far beyond
-            // the bins.
-            return static_cast<std::size_t>(
-                std::min((static_cast<double>(value) - _lower) * Binning<T>::binsPerUnit,
-                         static_cast<double>(Binning<T>::count - 1)));
+        // Held before the conversion: the range of a mean that is no number reaches far beyond the
+        // bins.
+        return static_cast<std::size_t>(
+            std::min((static_cast<double>(value) - _lower) * Binning<T>::binsPerUnit, _last));
     }
+    bool beyond(T) const { return false; }
 
 private:
     double _lower;
-    T _first;  // the truncated lower end
+    double _last;
 };
+
+template <class T>
+using Bins = std::conditional_t<std::is_integral_v<T>, IntegerBins<T>, FloatBins<T>>;
 
 /// Values outside the binned range, in scratch memory for all pixels.
 template <class T>
@@ -108,7 +107,7 @@ public:
         , _bins(std::make_unique<unsigned int[]>(Binning<T>::count))
         , _lower(lowerEnd(mean))
         , _upper(upperEnd(mean))
-        , _binOf(_lower)
+        , _places(_lower, Binning<T>::count)
     {}
 
     void add(T value, unsigned int times = 1)
@@ -116,15 +115,12 @@ public:
         const auto number = static_cast<double>(value);
         if (!(number >= _lower))
             _below.add(value, times);
-        else if (number >= _upper)
+        else if (number >= _upper || _places.beyond(value))
             _above.add(value, times);
         else
             addBinned(value, times);
     }
-    void addBinned(T value, unsigned int times = 1)
-    {
-        _bins[std::min<std::size_t>(Binning<T>::count - 1, _binOf(value))] += times;
-    }
+    void addBinned(T value, unsigned int times = 1) { _bins[_places.of(value)] += times; }
     Tail<T>& below() { return _below; }
     Tail<T>& above() { return _above; }
     double lower() const { return _lower; }
@@ -161,7 +157,7 @@ private:
     Tail<T> _below, _above;
     std::unique_ptr<unsigned int[]> _bins;
     double _lower, _upper;
-    BinIndex<T> _binOf;
+    Bins<T> _places;
 };
 
 /// Smallest float at or above a number of its range.

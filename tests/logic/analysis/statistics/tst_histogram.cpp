@@ -18,12 +18,11 @@ using morvend::imglib::MImage;
 
 namespace {
 
-/// Bins and tails by the definition, in plain containers.
+/// The pixels that count, and for floats the bins by the definition.
 template <class T>
 struct PlainHistogram {
     double lower, upper, perUnit;
-    std::vector<unsigned int> bins;
-    std::vector<T> below, above;
+    std::vector<T> counted;
 
     template <class R>
     PlainHistogram(std::span<T> pixels, std::span<R> marks, double mean)
@@ -32,39 +31,28 @@ struct PlainHistogram {
         const bool real = std::is_floating_point_v<T>;
         const double r = std::is_same_v<T, float> ? 9.999999974752427e-7 : real ? 1e-9 : 1;
         perUnit = std::is_same_v<T, float> ? 1e6 : real ? 999999999.9999999 : 1;
-        bins.resize(real ? 100000 : 1000 * sizeof(T));
-        const double half = double(bins.size()) / 2;
+        const double half = real ? 50000 : 500.0 * sizeof(T);
         lower = std::fmax((mean - half) * r, double(Limits::min()));
         upper = std::fmin((mean + half) * r, double(Limits::max()));
-        for (std::size_t i = 0; i < pixels.size(); ++i) {
-            const T v = pixels[i];
-            if (!maskrule::good(marks[i]) || std::isnan(double(v)))
-                continue;
-            if (double(v) < lower)
-                below.push_back(v);
-            else if (double(v) >= upper)
-                above.push_back(v);
-            else
-                ++bins[std::min(bins.size() - 1,
-                                real ? std::size_t((double(v) - lower) * perUnit)
-                                     : std::size_t((long long)(v) - (long long)(lower)))];
-        }
-        bins[0] += unsigned(below.size());
-        for (std::size_t i = 1; i < bins.size(); ++i)
-            bins[i] += bins[i - 1];
+        for (std::size_t i = 0; i < pixels.size(); ++i)
+            if (maskrule::good(marks[i]) && !std::isnan(double(pixels[i])))
+                counted.push_back(pixels[i]);
+        std::sort(counted.begin(), counted.end());
     }
+    /// Exact but for floats in the binned range, where all of their bin count.
     unsigned int value(double x) const
     {
         const double v = std::is_integral_v<T> ? std::floor(x) : double(T(x));
-        const auto upTo = [&](const std::vector<T>& tail) {
-            return unsigned(
-                std::count_if(tail.begin(), tail.end(), [&](T each) { return double(each) <= v; }));
-        };
-        if (v < lower)
-            return upTo(below);
-        if (v >= upper)
-            return bins.back() + upTo(above);
-        return bins[std::size_t((v - lower) * perUnit)];
+        const auto bin = [&](double each) { return std::size_t((each - lower) * perUnit); };
+        const bool binned = std::is_floating_point_v<T> && v >= lower && v < upper;
+        return unsigned(std::partition_point(counted.begin(), counted.end(),
+                                             [&](T t) {
+                                                 const auto each = double(t);
+                                                 return binned && each >= lower && each < upper
+                                                            ? bin(each) <= bin(v)
+                                                            : each <= v;
+                                             }) -
+                        counted.begin());
     }
 };
 
@@ -124,6 +112,10 @@ void compare(unsigned int seed, int width = 100, int height = 50, double offset 
     std::vector<double> places{plain.lower, plain.upper, mean, 0.0, -1.0, 1e9, -1e9};
     for (int k = 0; k < 120; ++k)
         places.push_back(double(pixels[random() % pixels.size()]) + (k % 3 - 1) * spread / 50);
+    if (std::is_integral_v<T>)
+        for (int k = -3; k <= 3; ++k)
+            for (const double end : {plain.lower, mean, plain.upper})
+                places.push_back(std::round(end) + k);
     forEveryTarget([&] { checkPlaces<T>(image, mask, mean, plain, places); });
 }
 
@@ -192,6 +184,11 @@ TEST(Histogram, IsExactInBinsAndTails)
                   {70'000, 2000},
                   {1e300, 2000},
                   {nan, 0}});
+    // Bins from a fraction on: a pixel's own value counts, also the last one below a fraction.
+    const MImage fractional = row(2000, 3000, {1000, 4999, 5000});
+    expectCounts(
+        fractional, MImage(fractional, 0u), 2999.9,
+        {{999, 0}, {1000, 1}, {2999, 1}, {3000, 1998}, {4998, 1998}, {4999, 1999}, {5000, 2000}});
     const MImage floats = row(100, 10.0f, {-3.5f, std::nanf("")});
     expectCounts(floats, MImage(floats, 0u), 10, {{-4, 0}, {-3.5, 1}, {9.999, 1}, {10, 99}});
     // A mean that is no number puts large pixels into the last bin.

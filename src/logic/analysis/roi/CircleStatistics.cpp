@@ -91,6 +91,9 @@ Section section(const StatisticsData& circle)
     return {x - dx, y - dy, x + dx, y + dy, 2 * dx, 2 * dy};
 }
 
+/// The pixel that a coordinate lies in, also left of and above the image.
+int pixelAt(double coordinate) { return static_cast<int>(std::floor(coordinate)); }
+
 template <class L, class R>
 void addSection(RoiStatistics& result, const PixelReader<L, R>& reader, const Section& ends)
 {
@@ -100,10 +103,10 @@ void addSection(RoiStatistics& result, const PixelReader<L, R>& reader, const Se
     const bool horizontal = std::abs(dy) < SameCoordinate;
     if ((vertical && horizontal) || !std::isfinite(dx) || !std::isfinite(dy))
         return;
-    const int beginX = static_cast<int>(ends.beginX);
-    const int beginY = static_cast<int>(ends.beginY);
-    const int endX = static_cast<int>(ends.endX);
-    const int endY = static_cast<int>(ends.endY);
+    const int beginX = pixelAt(ends.beginX);
+    const int beginY = pixelAt(ends.beginY);
+    const int endX = pixelAt(ends.endX);
+    const int endY = pixelAt(ends.endY);
     if (vertical || horizontal) {
         result.length = vertical ? std::abs(dy) : std::abs(dx);
         const auto pixels = vertical ? straightPixels(beginX, beginY, beginX, endY)

@@ -4,34 +4,56 @@
 // Connected components of a bit field.
 #pragma once
 
-#include <array>
 #include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
 #include <vector>
 
-/// Labels the connected components of a bit field in two passes with a union-find tree, as Hoshen
-/// and Kopelman do (Phys. Rev. B 14, 3438, 1976). The neighbours of a pixel are the left, the upper
-/// left and the upper one, not the upper right one: a diagonal from upper left to lower right is
-/// one component, the other diagonal is not.
+/// Finds connected components of a field of bits. The neighbours of a pixel are the left, the upper
+/// left and the upper one and their opposites, not the upper right one: a diagonal from upper left
+/// to lower right is one component, the other diagonal is not.
 class ConnectedComponentLabelling {
 public:
-    /// Writes for each set bit the label of its component, at least 1 and not consecutive, and 0
-    /// elsewhere. Bit i is pixel (i mod width, i / width); `labels` is resized to width * height.
-    void label(const std::vector<bool>& field, std::vector<int>& labels, int width, int height);
+    /// Is the bit of pixel (x, y) set? Asked within the field only.
+    using Field = std::function<bool(int x, int y)>;
+
+    /// A field of which nothing has been visited. Memory and time go with what fill() visits, not
+    /// with the size of the field.
+    explicit ConnectedComponentLabelling(int width = 0, int height = 0);
+
+    /// Visits the component of a pixel, which lies in the field, by spans of rows. What was visited
+    /// before is left alone.
+    /// @param visit  takes each span that is new, its end excluded; may be empty
+    /// @returns false when the pixel's bit is not set or the pixel was visited before
+    bool fill(const Field& field, int x, int y,
+              const std::function<void(int y, int begin, int end)>& visit = {});
+    bool visited(int x, int y) const;
+
+    /// Writes for each set bit the label of its component, at least 1, and 0 elsewhere. Bit i is
+    /// pixel (i mod width, i / width); `labels` is resized to width * height.
+    static void label(const std::vector<bool>& field, std::vector<int>& labels, int width,
+                      int height);
 
 private:
-    using Few = std::array<int, 4>;  // ended by -1
+    static constexpr int TileSide = 64;
+    struct Tile {
+        std::uint64_t rows[TileSide] = {};
+    };
+    struct Seed {
+        int x;
+        int y;
+    };
 
-    void _findNeighbours(const std::vector<bool>& field, const std::vector<int>& labels, int x,
-                         int y);
-    int _newLabel();
-    int _root(int label) const;
-    void _union(int a, int b);
+    std::size_t _tileAt(int x, int y) const;
+    void _mark(int x, int y);
+    bool _fresh(const Field& field, int x, int y) const { return !visited(x, y) && field(x, y); }
+    /// Notes one pixel of each fresh span of a row that touches the columns from `begin` up to, not
+    /// including, `end`.
+    void _seed(const Field& field, int y, int begin, int end);
 
-    std::vector<int> _parent;  // by label; 0 for a root
-    std::vector<int> _sizes;   // by root; 0 before its first union
-    int _width = 0;
-    int _height = 0;
-    int _labels = 0;
-    std::array<std::ptrdiff_t, 4> _neighbourPositions{};
-    Few _neighbourLabels{};
+    int _width;
+    int _height;
+    std::vector<std::unique_ptr<Tile>> _tiles;
+    std::vector<Seed> _seeds;  // of the fill in progress
 };

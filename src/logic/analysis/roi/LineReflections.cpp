@@ -5,8 +5,6 @@
 #include "logic/analysis/roi/LineReflections.h"
 
 #include "logic/analysis/roi/ConnectedComponentLabelling.h"
-#include "logic/support/Assert.h"
-
 #include <cmath>
 #include <sstream>
 
@@ -24,20 +22,30 @@ double pixelDistance(const ListPixel& a, const ListPixel& b)
     return std::hypot(double(a.x) - b.x, double(a.y) - b.y);
 }
 
-void labelList(std::vector<ListPixel>& list, const PixelBox& box, const std::vector<bool>& field)
+/// Only components that the line meets are looked for: the box of a diagonal line is as large as
+/// the image.
+void labelList(std::vector<ListPixel>& list, const PixelBox& box,
+               const std::function<bool(int, int)>& above)
 {
-    std::vector<int> labels;
-    ConnectedComponentLabelling().label(field, labels, box.width(), box.height());
-    const std::size_t fieldSize = labels.size();
+    ConnectedComponentLabelling components(box.width(), box.height());
+    const auto field = [&](int x, int y) { return above(box.left + x, box.top + y); };
+    std::vector<ListPixel*> candidates;
     for (ListPixel& pixel : list) {
         pixel.label = 0;
-        if (pixel.x < box.left || pixel.x >= box.right || pixel.y < box.top ||
-            pixel.y >= box.bottom)
-            continue;  // outside the image, where nothing is above the threshold
-        const std::ptrdiff_t fieldPos =
-            std::ptrdiff_t(pixel.y - box.top) * box.width() + (pixel.x - box.left);
-        assert((size_t)fieldPos < fieldSize);
-        pixel.label = labels[static_cast<std::size_t>(fieldPos)];
+        // Outside the image nothing is above the threshold.
+        if (pixel.x >= box.left && pixel.x < box.right && pixel.y >= box.top &&
+            pixel.y < box.bottom && above(pixel.x, pixel.y))
+            candidates.push_back(&pixel);
+    }
+    int label = 0;
+    for (std::size_t i = 0; i < candidates.size(); ++i) {
+        if (!components.fill(field, candidates[i]->x - box.left, candidates[i]->y - box.top))
+            continue;
+        ++label;
+        for (std::size_t j = i; j < candidates.size(); ++j)
+            if (candidates[j]->label == 0 &&
+                components.visited(candidates[j]->x - box.left, candidates[j]->y - box.top))
+                candidates[j]->label = label;
     }
 }
 
@@ -110,11 +118,11 @@ PixelBox reflectionBox(int beginX, int beginY, int endX, int endY, const MImage&
 }
 
 void findReflections(RoiStatistics& result, std::vector<ListPixel> list, const PixelBox& box,
-                     const std::vector<bool>& field, const MImage& image)
+                     const std::function<bool(int x, int y)>& above, const MImage& image)
 {
     if (list.empty())
         return;
-    labelList(list, box, field);
+    labelList(list, box, above);
     const std::vector<ListPixel> reflections = strongestOfEachLabel(list);
     for (std::size_t i = 0; i < reflections.size(); ++i) {
         const ListPixel& here = reflections[i];

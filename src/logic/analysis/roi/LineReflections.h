@@ -8,6 +8,8 @@
 #include "logic/analysis/roi/LineProfile.h"
 #include "logic/analysis/roi/RoiStatistics.h"
 
+#include <algorithm>
+#include <functional>
 #include <vector>
 
 namespace roi {
@@ -38,10 +40,13 @@ double reflectionThreshold(const std::vector<ListPixel>& list, double mean, doub
 /// more on all sides, as far as it lies in the image.
 PixelBox reflectionBox(int beginX, int beginY, int endX, int endY, const morvend::imglib::MImage&);
 
-/// Finds the reflections among the pixels of the list and fills the reflection fields.
-/// @param field  the pixels of `box` above the threshold, row by row
+/// Finds the reflections among the pixels of the list and fills the reflection fields. The time
+/// goes with the length of the list and the size of the reflections.
+/// @param above  is a pixel of the box, in coordinates of the image, above the threshold and not
+///               marked by the mask?
 void findReflections(RoiStatistics& result, std::vector<ListPixel> list, const PixelBox& box,
-                     const std::vector<bool>& field, const morvend::imglib::MImage& image);
+                     const std::function<bool(int x, int y)>& above,
+                     const morvend::imglib::MImage& image);
 
 }  // namespace roi
 

@@ -47,23 +47,6 @@ std::vector<ListPixel> reflectionList(const StatisticsData& line,
     return list;
 }
 
-template <class L, class R>
-std::vector<bool> pixelsAbove(double threshold, const PixelReader<L, R>& reader,
-                              const PixelBox& box)
-{
-    std::vector<bool> field(static_cast<std::size_t>(box.width()) *
-                            static_cast<std::size_t>(box.height()));
-    std::size_t position = 0;
-    for (int y = box.top; y < box.bottom && box.width() > 0; ++y) {
-        const L* pixels = reader.row(y);
-        const R* mask = reader.maskRow(y);
-        for (int x = box.left; x < box.right; ++x, ++position)
-            if (mask[x] == R(0) && static_cast<double>(pixels[x]) > threshold)
-                field[position] = true;
-    }
-    return field;
-}
-
 }  // namespace
 
 template <class L, class R>
@@ -92,7 +75,10 @@ RoiStatistics ComputeLineStatistics::operator()(const MImage& image, const MImag
     const std::vector<ListPixel> list = reflectionList(line, samples);
     const double threshold = reflectionThreshold(list, result.mean, result.sigma);
     const PixelBox box = reflectionBox(line.beginX, line.beginY, line.endX, line.endY, image);
-    findReflections(result, list, box, pixelsAbove(threshold, reader, box), image);
+    const auto above = [&](int x, int y) {
+        return reader.unmarked(x, y) && static_cast<double>(reader.value(x, y)) > threshold;
+    };
+    findReflections(result, list, box, above, image);
     return result;
 }
 

@@ -109,7 +109,8 @@ void diameter(RoiStatistics& result, const Pixels& p, const StatisticsData& s)
     const bool horizontal = std::abs(b.second - a.second) < 1e-6;
     if (vertical && horizontal)
         return;
-    const int ax = int(a.first), ay = int(a.second), bx = int(b.first), by = int(b.second);
+    const auto floor = [](double c) { return int(std::floor(c)); };
+    const int ax = floor(a.first), ay = floor(a.second), bx = floor(b.first), by = floor(b.second);
     if (vertical || horizontal) {
         result.length = vertical ? std::abs(b.second - a.second) : std::abs(b.first - a.first);
         const int from = vertical ? ay : ax, to = vertical ? by : bx, step = to > from ? 1 : -1;

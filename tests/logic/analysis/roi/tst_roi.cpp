@@ -13,6 +13,7 @@
 #include <gmock/gmock.h>
 
 #include <cmath>
+#include <map>
 #include <random>
 #include <set>
 
@@ -260,6 +261,17 @@ TEST(Circle, AFlatImageHasNoSpot)
     EXPECT_DOUBLE_EQ(result.length, 16);
 }
 
+TEST(Circle, SectionIsCutIntoTheSamePixelsBeyondTheImage)
+{
+    for (const double theta : {0.0, pi / 2, pi, -pi / 2, -0.75, 2.5}) {
+        const Curve beyond = compute(MImage(9, 9, 5), regions::circle(1, 1, 4, theta)).curve;
+        const Curve inside = compute(MImage(30, 30, 5), regions::circle(11, 11, 4, theta)).curve;
+        ASSERT_EQ(beyond.size(), inside.size()) << theta;
+        for (std::size_t i = 0; i < inside.size(); ++i)
+            EXPECT_NEAR(beyond[i][0], inside[i][0], 1e-12) << theta;
+    }
+}
+
 TEST(CentredCircle, TheNextImageOfASeriesGivesItsOwnNumbers)
 {
     const StatisticsData region = regions::powder(50.3, 40.7, 3, 30);
@@ -291,9 +303,8 @@ TEST(CoveredArea, SumsToTheCircle)
 TEST(Labelling, KnowsOneDiagonalOnly)
 {
     std::vector<int> labels;
-    ConnectedComponentLabelling labelling;
     const auto count = [&](const std::vector<bool>& field) {
-        labelling.label(field, labels, 3, 3);
+        ConnectedComponentLabelling::label(field, labels, 3, 3);
         std::set<int> found(labels.begin(), labels.end());
         found.erase(0);
         return found.size();
@@ -303,6 +314,54 @@ TEST(Labelling, KnowsOneDiagonalOnly)
     EXPECT_EQ(count({1, 0, 1, 1, 1, 1, 0, 0, 0}), 1u);  // two labels that meet below
     EXPECT_EQ(count(std::vector<bool>(9, false)), 0u);
     EXPECT_THAT(labels, testing::SizeIs(9));
+}
+
+TEST(Labelling, JoinsWhatMeetsFarAway)
+{
+    constexpr int width = 150, height = 140;
+    Random random(7);
+    std::vector<bool> field(std::size_t(width * height));
+    for (auto&& bit : field)
+        bit = random() % 2 != 0;
+    std::vector<int> labels;
+    ConnectedComponentLabelling::label(field, labels, width, height);
+    // Each pixel takes the least label around it until nothing changes.
+    std::vector<int> plain(field.size());
+    for (std::size_t i = 0; i < field.size(); ++i)
+        plain[i] = field[i] ? int(i) + 1 : 0;
+    for (bool changed = true; changed;) {
+        changed = false;
+        for (int i = 0; i < width * height; ++i)
+            for (const auto& [dx, dy] : {std::pair(-1, 0), {-1, -1}, {0, -1}}) {
+                const int x = i % width + dx, y = i / width + dy;
+                if (x < 0 || y < 0 || !plain[std::size_t(i)])
+                    continue;
+                int &here = plain[std::size_t(i)], &there = plain[std::size_t(y * width + x)];
+                changed |= there && there != here;
+                if (there)
+                    here = there = std::min(here, there);
+            }
+    }
+    std::map<int, int> pairs;
+    for (std::size_t i = 0; i < field.size(); ++i)
+        EXPECT_EQ(pairs.try_emplace(plain[i], labels[i]).first->second, labels[i]) << i;
+    EXPECT_EQ(std::set<int>(labels.begin(), labels.end()).size(), pairs.size());
+}
+
+TEST(Reflections, OfADiagonalLineLookAtNoMoreThanItsSurroundings)
+{
+    constexpr int side = 3000;
+    const MImage image(side, side, 0);
+    std::vector<roi::ListPixel> list;
+    for (int i = 0; i < side; ++i)
+        list.push_back({i, i, i % 100 == 0 ? 9.0 : 0.0, 0});
+    long long looks = 0;
+    RoiStatistics result;
+    roi::findReflections(
+        result, list, roi::reflectionBox(0, 0, side - 1, side - 1, image),
+        [&](int x, int y) { return ++looks, x % 100 < 3 && std::abs(x - y) < 2; }, image);
+    EXPECT_EQ(result.reflectionPositions.size(), std::size_t(side / 100));
+    EXPECT_LT(looks, 10 * side);
 }
 
 TEST(LatticeDistance, IsTheSpacingBetweenTwoRays)

@@ -4,6 +4,7 @@
 // Comparison of a benchmark with another program in the same run.
 #pragma once
 
+#include "tests/support/SourcePath.h"
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -18,7 +19,7 @@ namespace tarvik::bench {
 inline double pythonSeconds(const std::string& script, const std::string& arguments)
 {
     const std::string command =
-        TARVIK_PYTHON " " TARVIK_SOURCE_DIR "/bench/" + script + ' ' + arguments;
+        TARVIK_PYTHON " " + tests::sourcePath("/bench/") + script + ' ' + arguments;
     double seconds = 0;
     if (std::FILE* child = ::popen(command.c_str(), "r")) {
         if (std::fscanf(child, "%lf", &seconds) != 1)

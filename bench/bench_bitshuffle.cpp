@@ -12,6 +12,7 @@
 #include "imagelib/image/MImage.h"
 #include "imagelib/io/formats/hdf5/Hdf5Filters.h"
 #include "imagelib/io/formats/hdf5/Hdf5Handles.h"
+#include "tests/support/SourcePath.h"
 #include "tests/support/TempFolder.h"
 
 #include <benchmark/benchmark.h>
@@ -131,7 +132,8 @@ Stored store(const std::string& path, const Size& size, Kind kind)
 
 double peerSeconds(const std::string& path, int rounds)
 {
-    const std::string command = TARVIK_PYTHON " " TARVIK_SOURCE_DIR "/bench/peer_h5py.py " + path +
+    const std::string command = TARVIK_PYTHON " " +
+                                tarvik::tests::sourcePath("/bench/peer_h5py.py ") + path +
                                 " data " + std::to_string(rounds);
     const std::unique_ptr<FILE, int (*)(FILE*)> pipe(::popen(command.c_str(), "r"), ::pclose);
     double seconds = 0;

@@ -8,6 +8,7 @@
 #include "imagelib/display/MColorTable.h"
 #include "imagelib/display/MContrast.h"
 #include "imagelib/image/MImage.h"
+#include "tests/support/SourcePath.h"
 #include "tests/support/TempFolder.h"
 
 #include <benchmark/benchmark.h>
@@ -101,8 +102,8 @@ double peerSeconds(const Frame& frame, const MColorTable& table, const char* typ
     folder.write("mask", bytes(frame.mask.cdata(), frame.mask.dataSize()));
     folder.write("linear", bytes(table.linData(), 4 * table.linDataSize()));
     folder.write("logarithmic", bytes(table.logData(), 4 * table.logDataSize()));
-    const std::string command = TARVIK_PYTHON " " TARVIK_SOURCE_DIR
-                                              "/bench/peer_numpy.py colormap " +
+    const std::string command = TARVIK_PYTHON " " +
+                                tarvik::tests::sourcePath("/bench/peer_numpy.py colormap ") +
                                 folder.path() + " " + type + " 5 " + std::to_string(foreground) +
                                 " " + std::to_string(background) + " " + std::to_string(cutoff);
     const std::unique_ptr<FILE, int (*)(FILE*)> pipe(::popen(command.c_str(), "r"), ::pclose);

@@ -5,6 +5,7 @@
 // of as many bytes.
 #include "imagelib/image/PixelBuffer.h"
 #include "imagelib/io/formats/hdf5/NexusReader.h"
+#include "tests/support/SourcePath.h"
 #include "tests/support/TempFolder.h"
 
 #include <benchmark/benchmark.h>
@@ -22,10 +23,10 @@ using namespace morvend::imglib;
 std::string path(const std::string& name)
 {
     static const tarvik::tests::TempFolder folder;
-    static const int made = std::system(
-        (std::string(TARVIK_PYTHON " " TARVIK_SOURCE_DIR "/bench/make_hdf5_series.py ") +
-         folder.path())
-            .c_str());
+    static const int made =
+        std::system((TARVIK_PYTHON " " + tarvik::tests::sourcePath("/bench/make_hdf5_series.py ") +
+                     folder.path())
+                        .c_str());
     if (made != 0)
         std::exit(1);
     return folder / name;

@@ -21,13 +21,12 @@ function(tarvik_add_test name)
     cmake_parse_arguments(PARSE_ARGV 1 TEST "QT;GUI;NO_MAIN" "TIMEOUT" "SOURCES;NEEDS;LABELS")
     add_executable(${name} ${TEST_SOURCES})
     target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
-    target_link_libraries(${name} PRIVATE ${TEST_NEEDS} GTest::gmock tarvik_options)
+    target_link_libraries(${name}
+        PRIVATE ${TEST_NEEDS} tarvik_source_path GTest::gmock tarvik_options)
     if(NOT TEST_NO_MAIN)
         target_link_libraries(${name} PRIVATE GTest::gtest_main)
     endif()
-    target_compile_definitions(${name} PRIVATE
-        TARVIK_SOURCE_DIR="${PROJECT_SOURCE_DIR}" TARVIK_BINARY_DIR="${PROJECT_BINARY_DIR}"
-        TARVIK_PYTHON="${TARVIK_PYTHON}")
+    target_compile_definitions(${name} PRIVATE TARVIK_PYTHON="${TARVIK_PYTHON}")
     if(TEST_QT OR TEST_GUI)
         set_target_properties(${name} PROPERTIES AUTOMOC ON)
     endif()
@@ -51,7 +50,7 @@ function(tarvik_add_bench name)
     cmake_parse_arguments(PARSE_ARGV 1 BENCH "" "" "SOURCES;NEEDS")
     add_executable(${name} ${BENCH_SOURCES})
     target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
-    target_link_libraries(${name} PRIVATE ${BENCH_NEEDS} benchmark::benchmark tarvik_options)
-    target_compile_definitions(${name} PRIVATE TARVIK_PYTHON="${TARVIK_PYTHON}"
-        TARVIK_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
+    target_link_libraries(${name}
+        PRIVATE ${BENCH_NEEDS} tarvik_source_path benchmark::benchmark tarvik_options)
+    target_compile_definitions(${name} PRIVATE TARVIK_PYTHON="${TARVIK_PYTHON}")
 endfunction()

@@ -60,17 +60,29 @@ std::unique_ptr<ImageFile> inPlace(Source source, const std::stop_token& /*stop*
     return open(std::move(source));
 }
 
+/// A file that is compressed as a whole is refused by its signature.
+std::uint64_t hdf5Need(std::string_view /*head*/) { return 0; }
+
 struct Format {
     const char* name;
     std::unique_ptr<ImageFile> (*open)(Source source, const std::stop_token& stop);
+    std::uint64_t (*need)(std::string_view head);
 };
 
 /// In the order in which they are asked: those with the surest marks first. EDF comes last: its
 /// mark, an opening brace, also begins other files.
-constexpr Format Formats[] = {{"CBF", inPlace<openCbf>},
-                              {"TIFF", inPlace<openTiff>},
-                              {"HDF5", openHdf5WhereChosen},
-                              {"EDF", inPlace<openEdf>}};
+constexpr Format Formats[] = {{"CBF", inPlace<openCbf>, cbfNeed},
+                              {"TIFF", inPlace<openTiff>, tiffNeed},
+                              {"HDF5", openHdf5WhereChosen, hdf5Need},
+                              {"EDF", inPlace<openEdf>, edfNeed}};
+
+std::uint64_t imageNeed(std::string_view head)
+{
+    for (const Format& format : Formats)
+        if (const std::uint64_t need = format.need(head))
+            return need;
+    return 0;
+}
 
 }  // namespace
 
@@ -79,7 +91,7 @@ void FormatRegistry::readHdf5Apart(bool apart) { hdf5Apart = apart; }
 std::unique_ptr<ImageFile> FormatRegistry::open(const std::string& path,
                                                 const std::stop_token& stop)
 {
-    const Source source = ByteSource::open(path);
+    const Source source = ByteSource::open(path, imageNeed);
     if (source->size() == 0)
         throw MUnknownFormatException("The file is empty: " + path);
     std::string names;

@@ -13,5 +13,5 @@ from tarvik import MessageQueue
 
 with MessageQueue(sys.argv[1]) as queue:
     for _ in range(int(sys.argv[2])):
-        queue.send(queue.receive(timeout=20))
-    queue.receive(timeout=20)  # the last word says that all has arrived
+        queue.send(queue.receive(timeout=120))
+    queue.receive(timeout=120)  # the last word says that all has arrived

@@ -3,6 +3,7 @@
 //
 // The application ends with its parent, whatever its windows say.
 #include "bin/CheckParent.h"
+#include "tests/support/WaitFor.h"
 
 #include <gtest/gtest.h>
 
@@ -30,7 +31,7 @@ protected:
 TEST(CheckParent, EndsTheApplicationWhenTheParentIsGone)
 {
     QProcess parent;
-    parent.start("sleep", {"100"});
+    parent.start("sleep", {"1000"});
     ASSERT_TRUE(parent.waitForStarted());
     Stubborn window;
     window.show();
@@ -44,7 +45,7 @@ TEST(CheckParent, EndsTheApplicationWhenTheParentIsGone)
     });
     QTimer guard;
     guard.callOnTimeout([] { QCoreApplication::exit(7); });
-    guard.start(10000);
+    guard.start(Patience);
 
     CheckParent checkParent(static_cast<int>(parent.processId()));
     checkParent.start();
@@ -63,7 +64,7 @@ TEST(CheckParent, AParentIsGoneWhenItsMainThreadIs)
     checkParent.start();
     QTimer guard;
     guard.callOnTimeout([] { QCoreApplication::exit(7); });
-    guard.start(10000);
+    guard.start(Patience);
     EXPECT_EQ(QApplication::exec(), 0);
     EXPECT_EQ(kill(parent, SIGKILL), 0) << "its other thread is still there";
     waitpid(parent, nullptr, 0);

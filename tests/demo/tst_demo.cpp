@@ -6,6 +6,7 @@
 #include "demo/DemoOptions.h"
 #include "demo/FrameMaker.h"
 #include "imagelib/image/MException.h"
+#include "tests/support/SourcePath.h"
 #include "tests/support/TempFolder.h"
 
 #include <gmock/gmock.h>
@@ -55,7 +56,7 @@ TEST(DemoData, IsTheSameForTheSameSeedAndInAllFormatsAndAnotherForAnother)
     ASSERT_EQ(run(folder / "a --small --frames 12"), 0);
     const std::time_t written = std::time(nullptr);
     ASSERT_EQ(run(folder / "c --small --frames 12 --seed 2"), 0);
-    const std::string script = TARVIK_SOURCE_DIR "/tests/demo/compare_formats.py ";
+    const std::string script = tests::sourcePath("/tests/demo/compare_formats.py ");
     EXPECT_EQ(std::system((TARVIK_PYTHON " " + script + (folder / "a/small")).c_str()), 0);
     while (std::time(nullptr) <= written)  // time stamps count seconds
         std::this_thread::sleep_for(std::chrono::milliseconds(5));

@@ -8,11 +8,15 @@
 #include <QElapsedTimer>
 #include <QTest>
 
-/// Runs the event loop until a condition holds. @returns whether it did within ten seconds
+/// Milliseconds after which a test gives up on what never comes; however busy the machine is,
+/// whatever comes at all comes sooner.
+inline constexpr int Patience = 120'000;
+
+/// Runs the event loop until a condition holds. @returns whether it did
 template <class Condition>
 bool waitFor(Condition&& condition)
 {
-    return QTest::qWaitFor(condition, 10000);
+    return QTest::qWaitFor(condition, Patience);
 }
 
 /// Lets everything happen that is due, deletions included.

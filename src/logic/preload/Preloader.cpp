@@ -91,7 +91,7 @@ Preloader::~Preloader()
         const std::lock_guard lock(_mutex);
         _stop = true;
     }
-    _condition.notify_one();
+    _condition.notify_all();
     _thread.join();
 }
 
@@ -102,13 +102,22 @@ void Preloader::run(const Key& key)
         return;
     _wanted = key;
     _request = true;
-    _condition.notify_one();
+    _condition.notify_all();
+}
+
+void Preloader::waitUntilIdle()
+{
+    std::unique_lock lock(_mutex);
+    _condition.wait(lock, [this] { return _idle && !_request; });
 }
 
 bool Preloader::_nextRequest(Key& key)
 {
     std::unique_lock lock(_mutex);
+    _idle = true;
+    _condition.notify_all();
     _condition.wait(lock, [this] { return _stop || _request; });
+    _idle = false;
     key = _wanted;
     _request = false;
     return !_stop;

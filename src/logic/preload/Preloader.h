@@ -29,6 +29,8 @@ public:
     /// Reads ahead from behind this image. Nothing happens when it is the wanted one already,
     /// unless its series could not be opened.
     void run(const PreloaderCache::Key& key);
+    /// Waits until all is read that was asked for.
+    void waitUntilIdle();
 
 private:
     class Series;
@@ -46,6 +48,7 @@ private:
     PreloaderCache::Key _wanted;
     std::atomic<bool> _stop = false;
     std::atomic<bool> _request = false;
+    bool _idle = false;
     std::mutex _mutex;
     std::condition_variable _condition;
     std::thread _thread;  // last: it uses the other members

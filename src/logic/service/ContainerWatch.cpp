@@ -7,8 +7,8 @@
 #include <QFile>
 #include <QFileInfo>
 
-ContainerWatch::ContainerWatch(const QString& file)
-    : _watch([this] { emit _noticedSignal(); })
+ContainerWatch::ContainerWatch(const QString& file, int pollPeriod)
+    : _watch([this] { emit _noticedSignal(); }, pollPeriod)
 {
     connect(this, &ContainerWatch::_noticedSignal, this, &ContainerWatch::_noticed,
             Qt::QueuedConnection);

@@ -16,11 +16,10 @@
 class ContainerWatch : public QObject {
     Q_OBJECT
 public:
-    static constexpr int pollPeriod = FolderWatch::pollPeriod;  // ms
-
     /// @param file  path of the image shown; empty for an image without file, where only the poll
     /// goes on
-    explicit ContainerWatch(const QString& file);
+    /// @param pollPeriod  as of FolderWatch
+    explicit ContainerWatch(const QString& file, int pollPeriod = FolderWatch::defaultPollPeriod);
     /// Goes over to another file.
     void setFile(const QString& file);
 

@@ -42,8 +42,9 @@ bool wait(int first, int second, int timeout)
 /// What the thread shares with its owner, for as long as either lives. Without the descriptors,
 /// which the system may refuse, there is still the poll.
 struct FolderWatch::Shared {
-    explicit Shared(std::function<void()>&& changed_)
-        : changed(std::move(changed_))
+    Shared(std::function<void()>&& changed_, int pollPeriod_)
+        : pollPeriod(pollPeriod_)
+        , changed(std::move(changed_))
     {}
     ~Shared()
     {
@@ -63,6 +64,7 @@ struct FolderWatch::Shared {
             changed();
     }
 
+    const int pollPeriod;
     const int wake = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
     const int events = ::inotify_init1(IN_CLOEXEC | IN_NONBLOCK);
     std::mutex mutex;
@@ -71,8 +73,8 @@ struct FolderWatch::Shared {
     std::function<void()> changed;  // empty at the end
 };
 
-FolderWatch::FolderWatch(std::function<void()> changed)
-    : _shared(std::make_shared<Shared>(std::move(changed)))
+FolderWatch::FolderWatch(std::function<void()> changed, int pollPeriod)
+    : _shared(std::make_shared<Shared>(std::move(changed), pollPeriod))
 {
     try {
         std::thread([shared = _shared] { _run(shared); }).detach();
@@ -117,7 +119,7 @@ void FolderWatch::_run(const std::shared_ptr<Shared>& shared)
         // Each time, since a folder that was replaced is not watched any more. One that can't be
         // watched is left to the poll.
         watch = folder.empty() ? -1 : ::inotify_add_watch(shared->events, folder.c_str(), changes);
-        if (!moves && wait(shared->wake, shared->events, pollPeriod)) {
+        if (!moves && wait(shared->wake, shared->events, shared->pollPeriod)) {
             drain(shared->wake);
             continue;
         }

@@ -15,12 +15,13 @@
 /// Thread: one at a time.
 class FolderWatch {
 public:
-    static constexpr int pollPeriod = 2000;  // ms
+    static constexpr int defaultPollPeriod = 2000;  // ms
     static constexpr int shortestPeriod = 100;
 
     /// @param changed  called on the thread of the watch, once until lookAgain(), and never after
     /// the end of this object; must not wait
-    explicit FolderWatch(std::function<void()> changed);
+    /// @param pollPeriod  ms, negative for no poll
+    explicit FolderWatch(std::function<void()> changed, int pollPeriod = defaultPollPeriod);
     ~FolderWatch();
     FolderWatch(const FolderWatch&) = delete;
     FolderWatch& operator=(const FolderWatch&) = delete;

@@ -45,7 +45,7 @@ class Crash(ToolCase):
         return tool, worker, results
 
     def wait(self, condition):
-        end = time.time() + 20
+        end = time.time() + 120
         while not condition():
             self.assertLess(time.time(), end)
             time.sleep(0.001)
@@ -54,7 +54,7 @@ class Crash(ToolCase):
         for number, name in ((signal.SIGSEGV, "Segmentation fault"), (signal.SIGKILL, "Killed")):
             tool, worker, _ = self.start()
             os.kill(worker, number)
-            out, error = tool.communicate(timeout=20)
+            out, error = tool.communicate(timeout=120)
             self.assertEqual((tool.returncode, out), (1, ""))
             self.assertRegex(error, rf"^tarvik-image: the program ended with signal {number:d} "
                                     rf"\({name}\) while converting image \d+: "
@@ -64,7 +64,7 @@ class Crash(ToolCase):
         for output in ("o.tif", "o_master.h5"):
             tool, worker, results = self.start(output)
             tool.terminate()
-            _, error = tool.communicate(timeout=20)
+            _, error = tool.communicate(timeout=120)
             self.assertEqual((tool.returncode, error), (1, "tarvik-image: Stopped on request\n"))
             self.assertTrue(ended(worker))
             for path in results.iterdir():

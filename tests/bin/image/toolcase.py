@@ -25,7 +25,7 @@ KIND = {"u": "UINT", "i": "INT", "f": "FLOAT"}
 
 
 def run(*arguments, **options):
-    return subprocess.run([TOOL, *map(str, arguments)], timeout=60,
+    return subprocess.run([TOOL, *map(str, arguments)], timeout=240,
                           **{"capture_output": True, "text": True, **options})
 
 

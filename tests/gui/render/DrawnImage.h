@@ -88,7 +88,7 @@ public:
         drawer = std::make_unique<View>(service, useGlsl);
         drawer->resize(size);
         drawer->show();
-        (void)QTest::qWaitForWindowExposed(drawer.get());
+        (void)QTest::qWaitForWindowExposed(drawer.get(), Patience);
         settle();
     }
     ~DrawnView() { drawer.reset(); }
@@ -98,7 +98,7 @@ public:
     {
         QSignalSpy arrived(service, &TarvikService::newImageSignal);
         service->openImage(image);
-        const bool came = arrived.count() > 0 || arrived.wait(10000);
+        const bool came = arrived.count() > 0 || arrived.wait(Patience);
         settle();
         hideCursor();
         return came;

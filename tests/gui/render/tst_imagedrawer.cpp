@@ -59,13 +59,15 @@ TEST_F(ImageDrawerTest, AFirstImageIsCentredWithTheDefaultContrast)
 
 TEST_F(ImageDrawerTest, WheelEventsThatFollowAtOnceAreDropped)
 {
-    mouse::wheel(drawer(), {10, 10}, {0, 120});
     QElapsedTimer clock;
-    clock.start();
-    mouse::wheel(drawer(), {10, 10}, {0, 120}, 0);
-    if (clock.elapsed() > 15)
-        GTEST_SKIP() << "the machine was too slow for two events in a row";
-    EXPECT_EQ(viewport().zoomPower, 1);
+    for (int turn = 1; !clock.isValid() || clock.elapsed() > 15; turn = -turn) {
+        // Again, where the machine was too slow for two events in a row.
+        mouse::wheel(drawer(), {10, 10}, {0, 120 * turn});
+        const int zoomPower = viewport().zoomPower;
+        clock.start();
+        mouse::wheel(drawer(), {10, 10}, {0, 120 * turn}, 0);
+        EXPECT_TRUE(clock.elapsed() > 15 || viewport().zoomPower == zoomPower);
+    }
 }
 
 TEST_F(ImageDrawerTest, AZoomByKeyKeepsTheCentre)

@@ -6,6 +6,7 @@
 // OpenGL stack and each scale of the desktop; see the list of tests.
 #include "tests/gui/render/ExpectedView.h"
 #include "tests/gui/render/SharedView.h"
+#include "tests/support/WaitFor.h"
 
 #include <QSplitter>
 

@@ -7,6 +7,7 @@
 #include "gui/render/ThumbnailFrame.h"
 #include "tests/gui/render/MouseEvents.h"
 #include "tests/gui/render/SharedView.h"
+#include "tests/support/WaitFor.h"
 
 namespace {
 
@@ -54,7 +55,7 @@ private:
         if (!thumbnail) {
             thumbnail = std::make_unique<ImageDrawerThumbnail>(&drawer());
             thumbnail->show();
-            (void)QTest::qWaitForWindowExposed(thumbnail.get());
+            (void)QTest::qWaitForWindowExposed(thumbnail.get(), Patience);
             settle();
         }
         return *thumbnail;
@@ -85,7 +86,7 @@ TEST_P(Thumbnail, HasTheShadersThatItsViewMayUse)
     ASSERT_FALSE(view.drawer->usesGlsl());
     ImageDrawerThumbnail late(view.drawer.get());
     late.show();
-    (void)QTest::qWaitForWindowExposed(&late);
+    (void)QTest::qWaitForWindowExposed(&late, Patience);
     settle();
     EXPECT_EQ(late.usesGlsl(), GetParam());
 }
@@ -175,7 +176,7 @@ TEST_P(Thumbnail, WorksWithoutImageAndWithOnePixel)
     EXPECT_EQ(thumbnail.sizeHint(), QSize(200, 100));
     thumbnail.resize(200, 100);
     thumbnail.show();
-    (void)QTest::qWaitForWindowExposed(&thumbnail);
+    (void)QTest::qWaitForWindowExposed(&thumbnail, Patience);
     settle();
     EXPECT_EQ(thumbnail.grab().pixelColor(100, 50), QColor(Qt::darkGray));
     mouse::drag(thumbnail, Qt::LeftButton, {10, 10}, {{50, 50}});

@@ -26,7 +26,7 @@ TEST(MainWindowEventControl, KnowsTheKeysThatAreDownWhileItsWindowIsActive)
     TarvikCore core;
     MainWindow window(core, true, false);
     window.show();
-    (void)QTest::qWaitForWindowExposed(&window);
+    (void)QTest::qWaitForWindowExposed(&window, Patience);
     QApplication::setActiveWindow(&window);
     const auto pressed = [] { return MainWindowEventControl::keyPressed(Qt::Key_F); };
     EXPECT_FALSE(pressed());

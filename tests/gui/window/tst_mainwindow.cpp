@@ -47,9 +47,9 @@ protected:
         for (int i = 1; i <= 12; ++i)
             tarvik::tests::writeEdf(_folder, name(i), 8, std::vector(32, i));
         _window->show();
-        (void)QTest::qWaitForWindowExposed(_window.get());
+        (void)QTest::qWaitForWindowExposed(_window.get(), Patience);
         _window->activateWindow();
-        (void)QTest::qWaitForWindowActive(_window.get());
+        (void)QTest::qWaitForWindowActive(_window.get(), Patience);
         QObject::connect(&_errorPoll, &QTimer::timeout, [this] { closeErrorDialog(); });
         _errorPoll.start(10);
     }
@@ -332,7 +332,7 @@ TEST_F(MainWindowTest, ActionsAndShortcutsOpenViewsUnlessTheToolBarIsHidden)
     find<QAction>(_window.get(), "New Window")->trigger();
     EXPECT_EQ(_window->subWindows().size(), 1);
     QApplication::setActiveWindow(_window.get());
-    ASSERT_TRUE(QTest::qWaitForWindowActive(_window.get()));
+    ASSERT_TRUE(QTest::qWaitForWindowActive(_window.get(), Patience));
     QTest::keyClick(_window.get(), Qt::Key_N, Qt::ControlModifier);
     EXPECT_EQ(_window->subWindows().size(), 2);
     _window->hideToolBar();
@@ -397,7 +397,7 @@ TEST(MainWindowClosing, EndsTheViewersProcessOrTheWindowAlone)
     viewer.show();
     QTimer::singleShot(0, &viewer, [&viewer] { viewer.QWidget::close(); });
     QTimer guard;
-    guard.singleShot(10000, qApp, [] { QCoreApplication::exit(7); });
+    guard.singleShot(Patience, qApp, [] { QCoreApplication::exit(7); });
     EXPECT_EQ(QApplication::exec(), 0);
 }
 

@@ -7,6 +7,7 @@
 #include "imagelib/codec/ChunkDecoder.h"
 #include "imagelib/codec/Lz4.h"
 #include "tests/imagelib/codec/TestData.h"
+#include "tests/support/SourcePath.h"
 #include "tests/support/TempFolder.h"
 
 #include <gtest/gtest.h>
@@ -20,7 +21,7 @@ namespace {
 
 using namespace tarvik::tests;
 
-const std::string Script = TARVIK_SOURCE_DIR "/tests/imagelib/codec/peer_chunks.py";
+const std::string Script = tarvik::tests::sourcePath("/tests/imagelib/codec/peer_chunks.py");
 
 Bytes readFile(const std::string& path)
 {

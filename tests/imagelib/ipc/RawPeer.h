@@ -139,7 +139,7 @@ public:
     /// Has the other side hung up, after whatever it sent?
     bool ended()
     {
-        const Deadline deadline(std::chrono::seconds(5));
+        const Deadline deadline(std::chrono::seconds(120));
         std::array<char, 4096> bytes;
         while (waitFor(_socket.get(), POLLIN, deadline))
             if (::recv(_socket.get(), bytes.data(), bytes.size(), MSG_DONTWAIT) <= 0)

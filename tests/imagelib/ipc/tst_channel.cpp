@@ -88,7 +88,7 @@ TEST(MessageChannel, EveryKindArrivesAsItWas)
                 pair.right->send(message);
         });
         for (const Message& message : messages)
-            EXPECT_TRUE(sameMessages(pair.left->receive(5s), message)) << message.index();
+            EXPECT_TRUE(sameMessages(pair.left->receive(120s), message)) << message.index();
         sender.join();
     }
 }
@@ -250,7 +250,7 @@ TEST(MessageChannel, UnreadBytesInSharedMemoryAreBounded)
     EXPECT_LE(sent, 10);
     for (int i = 0; i < sent; ++i) {
         pair.left->flush();
-        EXPECT_EQ(std::get<MImage>(pair.right->receive(5s)).pixel<int>(9, 1, 0), 4105);
+        EXPECT_EQ(std::get<MImage>(pair.right->receive(120s)).pixel<int>(9, 1, 0), 4105);
     }
 }
 

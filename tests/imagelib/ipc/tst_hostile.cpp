@@ -259,7 +259,7 @@ TEST(HostilePeer, OfAQueueIsReportedAndTheNextPeerIsServed)
     QueueEnd end(name, SegmentPool::process());
     testing::internal::CaptureStderr();
     std::string got;
-    std::thread reader([&] { got = std::get<std::string>(end.receive(0, 0, 20s)); });
+    std::thread reader([&] { got = std::get<std::string>(end.receive(0, 0, 120s)); });
     for (const char* hostile : {"SegmentNotSealed", "OtherVersion", "HugeImage", "NoFrame"}) {
         RawPeer peer(QueueAddress(name).connect());
         peer.name = name;

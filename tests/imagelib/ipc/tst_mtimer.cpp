@@ -24,10 +24,10 @@ using Clock = std::chrono::steady_clock;
 struct Calls {
     std::atomic<int> count = 0;
     std::function<void()> function = [this] { ++count; };
-    /// Have so many come within 20 s?
+    /// Have so many come?
     bool reach(int wanted) const
     {
-        const auto end = Clock::now() + 20s;
+        const auto end = Clock::now() + 120s;
         while (count < wanted && Clock::now() < end)
             std::this_thread::sleep_for(1ms);
         return count >= wanted;
@@ -53,6 +53,7 @@ TEST(Timer, CallsOnceFromAnotherThreadAfterItsTime)
 
 TEST(Timer, CallsNothingAfterAStopItsEndOrANewStartNorInStrangeTimes)
 {
+    // How many calls a slow machine lets through before a stop is no matter.
     Calls stopped, second;
     MTimer timer, empty, long1, long2, long3, stoppedTimer;
     stoppedTimer.stop();
@@ -62,17 +63,18 @@ TEST(Timer, CallsNothingAfterAStopItsEndOrANewStartNorInStrangeTimes)
     MTimer().start(0.03, stopped.function);
     timer.start(0.03, stopped.function);
     timer.start(0.08, second.function);
+    const int before = stopped.count;
     long1.start(1e9, stopped.function);
     long2.start(1e300, stopped.function);
     long3.start(std::numeric_limits<double>::infinity(), stopped.function);
     empty.start(0.0, nullptr);
     ASSERT_TRUE(second.reach(1));
-    EXPECT_EQ(stopped.count, 0);
+    EXPECT_EQ(stopped.count, before);
     for (const double now : {0.0, -1.0, std::numeric_limits<double>::quiet_NaN(),
                              -std::numeric_limits<double>::infinity()}) {
-        const int before = second.count;
+        const int calls = second.count;
         timer.start(now, second.function);
-        EXPECT_TRUE(second.reach(before + 1)) << now;
+        EXPECT_TRUE(second.reach(calls + 1)) << now;
     }
 }
 

@@ -6,6 +6,7 @@
 #include "imagelib/ipc/WireFormat.h"
 #include "tests/imagelib/ipc/Samples.h"
 #include "tests/support/Processes.h"
+#include "tests/support/SourcePath.h"
 
 #include <gtest/gtest.h>
 
@@ -57,7 +58,7 @@ std::string frameOf(wire::Parcel parcel, std::uint64_t number)
 
 std::string kept(const std::string& name)
 {
-    std::ifstream in(TARVIK_SOURCE_DIR "/tests/data/wire/" + name, std::ios::binary);
+    std::ifstream in(sourcePath("/tests/data/wire/") + name, std::ios::binary);
     return {std::istreambuf_iterator<char>(in), {}};
 }
 
@@ -65,7 +66,7 @@ std::string kept(const std::string& name)
 void expectKept(const std::string& name, const std::string& bytes)
 {
     if (std::getenv("TARVIK_UPDATE_WIRE"))
-        std::ofstream(TARVIK_SOURCE_DIR "/tests/data/wire/" + name, std::ios::binary) << bytes;
+        std::ofstream(sourcePath("/tests/data/wire/") + name, std::ios::binary) << bytes;
     EXPECT_EQ(kept(name), bytes) << name;
 }
 
@@ -116,7 +117,7 @@ TEST(WireData, FrameCutAnywhereIsAnError)
 int python(const std::string& arguments)
 {
     const std::string command =
-        "PYTHONPATH=" TARVIK_SOURCE_DIR "/python/src " TARVIK_PYTHON " -B " + arguments;
+        "PYTHONPATH=" + sourcePath("/python/src ") + TARVIK_PYTHON " -B " + arguments;
     return std::system(command.c_str());
 }
 
@@ -133,7 +134,7 @@ TEST(PythonPeer, SendsBackWhatItReceives)
     for (const bool pythonFirst : {false, true}) {
         const std::string name = "echo_" + std::to_string(::getpid());
         std::thread peer([&] {
-            EXPECT_EQ(python(TARVIK_SOURCE_DIR "/python/tests/echo.py " + name + " " +
+            EXPECT_EQ(python(sourcePath("/python/tests/echo.py ") + name + " " +
                              std::to_string(messages.size())),
                       0);
         });
@@ -142,7 +143,7 @@ TEST(PythonPeer, SendsBackWhatItReceives)
         QueueEnd end(name, pool);
         for (const Message& message : messages) {
             end.send(message);
-            EXPECT_TRUE(sameMessages(end.receive(message.index(), 0, 20s), message));
+            EXPECT_TRUE(sameMessages(end.receive(message.index(), 0, 120s), message));
         }
         end.send(std::string("the last word"));
         peer.join();
@@ -152,7 +153,7 @@ TEST(PythonPeer, SendsBackWhatItReceives)
 
 TEST(PythonPeer, ItsOwnTestsPass)
 {
-    EXPECT_EQ(python("-m unittest discover -q -s " TARVIK_SOURCE_DIR "/python/tests"), 0);
+    EXPECT_EQ(python("-m unittest discover -q -s " + sourcePath("/python/tests")), 0);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "imagelib/display/MColorTable.h"
 #include "logic/TarvikService.h"
 #include "logic/tarvikcore.h"
+#include "tests/support/WaitFor.h"
 
 #include <QPointer>
 #include <QSignalSpy>
@@ -176,7 +177,7 @@ TEST(ObjectGenerator, MakesOnTheCoresThread)
 
     std::atomic<void*> made = nullptr;
     std::thread caller([&] { made = generator.make(); });
-    EXPECT_TRUE(QTest::qWaitFor([&] { return made.load() != nullptr; }));
+    EXPECT_TRUE(waitFor([&] { return made.load() != nullptr; }));
     caller.join();
     EXPECT_EQ(generator.madeOn, core.thread()) << "for another thread too";
     EXPECT_EQ(made, &generator.madeOn);

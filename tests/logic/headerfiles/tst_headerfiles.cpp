@@ -4,6 +4,7 @@
 // Header lines that change in place, in one file and in a series.
 #include "logic/headerfiles/WriteHeaderToFilesThread.h"
 #include "tests/support/TempFolder.h"
+#include "tests/support/WaitFor.h"
 
 #include <QSignalSpy>
 
@@ -134,7 +135,7 @@ protected:
     void run()
     {
         thread.start();
-        ASSERT_TRUE(thread.wait(10000));
+        ASSERT_TRUE(thread.wait(Patience));
     }
 
     const TempFolder folder;

@@ -40,11 +40,11 @@ protected:
                 numbers.push_back(i);
         return numbers;
     }
-    /// Waits until the cache holds exactly these, and goes on doing so.
-    testing::AssertionResult holds(const std::string& path, const Numbers& numbers)
+    /// Reads ahead to the end. @returns whether the cache holds exactly these then
+    testing::AssertionResult holds(Preloader& preloader, const std::string& path,
+                                   const Numbers& numbers)
     {
-        waitFor([&] { return held(path) == numbers; });
-        QTest::qWait(30);
+        preloader.waitUntilIdle();
         return held(path) == numbers
                    ? testing::AssertionSuccess()
                    : testing::AssertionFailure() << testing::PrintToString(held(path));
@@ -60,15 +60,15 @@ TEST_F(ReadAhead, FollowsThePositionToTheEnd)
     const std::string path = folder / name(2);
     Preloader preloader(cache);
     preloader.run({path, 2});
-    EXPECT_TRUE(holds(path, {3, 4, 5, 6, 7, 8, 9}));
+    EXPECT_TRUE(holds(preloader, path, {3, 4, 5, 6, 7, 8, 9}));
     EXPECT_EQ(firstPixel(path, 7), 7);
     preloader.run({path, 6});
-    EXPECT_TRUE(holds(path, {7, 8, 9}));
+    EXPECT_TRUE(holds(preloader, path, {7, 8, 9}));
     EXPECT_EQ(cache.fill(), 3 * 16U);
     preloader.run({path, 5});
-    EXPECT_TRUE(holds(path, {6, 7, 8, 9})) << "those that were erased are read again";
+    EXPECT_TRUE(holds(preloader, path, {6, 7, 8, 9})) << "those that were erased are read again";
     preloader.run({path, 40});
-    EXPECT_TRUE(holds(path, {})) << "a number behind the end";
+    EXPECT_TRUE(holds(preloader, path, {})) << "a number behind the end";
 }
 
 TEST_F(ReadAhead, GoesOnWhenTheSeriesGrows)
@@ -77,13 +77,13 @@ TEST_F(ReadAhead, GoesOnWhenTheSeriesGrows)
     const std::string path = folder / name(1);
     Preloader preloader(cache);
     preloader.run({path, 1});
-    EXPECT_TRUE(holds(path, {2}));
+    EXPECT_TRUE(holds(preloader, path, {2}));
     write(3);
-    EXPECT_TRUE(holds(path, {2})) << "not by itself";
+    EXPECT_TRUE(holds(preloader, path, {2})) << "not by itself";
     preloader.run({path, 1});
-    EXPECT_TRUE(holds(path, {2})) << "the same wish again does nothing";
+    EXPECT_TRUE(holds(preloader, path, {2})) << "the same wish again does nothing";
     preloader.run({path, 2});
-    EXPECT_TRUE(holds(path, {3}));
+    EXPECT_TRUE(holds(preloader, path, {3}));
 }
 
 TEST_F(ReadAhead, AnotherSeriesTakesThePlaceOfTheFirst)
@@ -95,10 +95,10 @@ TEST_F(ReadAhead, AnotherSeriesTakesThePlaceOfTheFirst)
     const std::string first = folder / name(1), second = other / name(1);
     Preloader preloader(cache);
     preloader.run({first, 1});
-    EXPECT_TRUE(holds(first, {2}));
+    EXPECT_TRUE(holds(preloader, first, {2}));
     preloader.run({second, 1});
-    EXPECT_TRUE(holds(second, {2}));
-    EXPECT_TRUE(holds(first, {}));
+    EXPECT_TRUE(holds(preloader, second, {2}));
+    EXPECT_TRUE(holds(preloader, first, {}));
     EXPECT_EQ(firstPixel(second, 2), 22);
 }
 
@@ -112,12 +112,13 @@ TEST_F(ReadAhead, TellsWhatCanNotBeReadAndGoesOn)
     {
         Preloader preloader(cache);
         preloader.run({path, 1});
-        EXPECT_TRUE(holds(path, {2, 4, 7})) << "numbers that the series lacks are stepped over";
+        EXPECT_TRUE(holds(preloader, path, {2, 4, 7}))
+            << "numbers that the series lacks are stepped over";
         preloader.run({folder / "nothing_1.edf", 1});
-        QTest::qWait(50);
-        EXPECT_TRUE(holds(path, {2, 4, 7})) << "nothing is erased for a series that isn't there";
+        EXPECT_TRUE(holds(preloader, path, {2, 4, 7}))
+            << "nothing is erased for a series that isn't there";
         preloader.run({path, 4});
-        EXPECT_TRUE(holds(path, {7}));
+        EXPECT_TRUE(holds(preloader, path, {7}));
     }
     const std::string errors = testing::internal::GetCapturedStderr();
     EXPECT_THAT(errors, testing::MatchesRegex("Preloader: Error opening [^\n]*x_1.edf:3\n"
@@ -131,10 +132,10 @@ TEST_F(ReadAhead, ASeriesThatCouldNotBeOpenedMayBeAskedForAgain)
     const std::string path = folder / name(1);
     Preloader preloader(cache);
     preloader.run({path, 1});
-    QTest::qWait(30);
+    preloader.waitUntilIdle();
     writeAll(1, 2);
     preloader.run({path, 1});
-    EXPECT_TRUE(holds(path, {2}));
+    EXPECT_TRUE(holds(preloader, path, {2}));
 }
 
 TEST_F(ReadAhead, EndsWithOneImageBeyondTheLimit)
@@ -143,9 +144,9 @@ TEST_F(ReadAhead, EndsWithOneImageBeyondTheLimit)
     const std::string path = folder / name(1);
     Preloader preloader(cache, 47);
     preloader.run({path, 1});
-    EXPECT_TRUE(holds(path, {2, 3, 4}));
+    EXPECT_TRUE(holds(preloader, path, {2, 3, 4}));
     preloader.run({path, 3});
-    EXPECT_TRUE(holds(path, {4, 5, 6}));
+    EXPECT_TRUE(holds(preloader, path, {4, 5, 6}));
 }
 
 TEST_F(ReadAhead, ReadsAnewWhatWasRewritten)
@@ -154,12 +155,12 @@ TEST_F(ReadAhead, ReadsAnewWhatWasRewritten)
     const std::string path = folder / name(1);
     Preloader preloader(cache);
     preloader.run({path, 1});
-    EXPECT_TRUE(holds(path, {2}));
+    EXPECT_TRUE(holds(preloader, path, {2}));
     writeEdf(folder, name(2), 2, {77, 1, 2, 3});
     const auto later = std::filesystem::last_write_time(path) + std::chrono::seconds(5);
     std::filesystem::last_write_time(folder / name(2), later);
     preloader.run({path, 0});
-    EXPECT_TRUE(holds(path, {1, 2}));
+    EXPECT_TRUE(holds(preloader, path, {1, 2}));
     EXPECT_EQ(firstPixel(path, 2), 77);
 }
 
@@ -190,12 +191,11 @@ TEST_F(ReadAhead, FollowsAnHdf5SeriesThatIsReplaced)
     record(100, 3);
     Preloader preloader(cache);
     preloader.run({path, 1});
-    EXPECT_TRUE(holds(path, {2, 3}));
+    EXPECT_TRUE(holds(preloader, path, {2, 3}));
     EXPECT_TRUE((cache[{path, 2}].optionalData().nexusTree().empty())) << "the client has it";
-    QTest::qWait(20);
     record(200, 4);
     preloader.run({path, 2});
-    EXPECT_TRUE(holds(path, {3, 4}));
+    EXPECT_TRUE(holds(preloader, path, {3, 4}));
     EXPECT_EQ(firstPixel(path, 3), 203);
 }
 

@@ -9,6 +9,7 @@
 #include "logic/tarvikcore.h"
 #include "tests/support/Geometry.h"
 #include "tests/support/SignalLog.h"
+#include "tests/support/WaitFor.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -36,11 +37,11 @@ protected:
     static void arrive(TarvikService* view)
     {
         QSignalSpy spy(view, &TarvikService::newImageSignal);
-        EXPECT_TRUE(spy.wait(5000));
+        EXPECT_TRUE(spy.wait(Patience));
     }
     static bool reaches(const TarvikService* view, int index)
     {
-        return QTest::qWaitFor([&] { return view->imageIndex() == index; }, 8000);
+        return waitFor([&] { return view->imageIndex() == index; });
     }
     void removeNow(TarvikService* view)
     {

@@ -4,7 +4,9 @@
 // Series that grow while other programs write them.
 #include "logic/service/ContainerWatch.h"
 #include "tests/logic/service/ServiceTest.h"
+#include "tests/support/SourcePath.h"
 #include "tests/support/TempFolder.h"
+#include "tests/support/WaitFor.h"
 
 #include <QProcess>
 
@@ -18,7 +20,7 @@ protected:
     std::string answer(const std::string& line)
     {
         writer.write((line + "\n").c_str());
-        while (!writer.canReadLine() && writer.waitForReadyRead(20000)) {
+        while (!writer.canReadLine() && writer.waitForReadyRead(Patience)) {
         }
         return writer.readLine().trimmed().toStdString();
     }
@@ -31,7 +33,8 @@ TEST_F(Growth, IsNoticedAndLocksNoWriterOut)
     GTEST_SKIP() << "a program started by vfork makes the thread sanitizer lose its order";
 #endif
     writer.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    writer.start(TARVIK_PYTHON, {TARVIK_SOURCE_DIR "/tests/logic/service/grow.py"});
+    writer.start(TARVIK_PYTHON,
+                 {QString::fromStdString(sourcePath("/tests/logic/service/grow.py"))});
     for (const char* kind : {"numbered", "frames", "dataset", "swmr", "blocks", "lastblock"}) {
         SCOPED_TRACE(kind);
         const TempFolder folder;
@@ -50,30 +53,31 @@ TEST_F(Growth, IsNoticedAndLocksNoWriterOut)
         core.deleteService(view);
     }
     writer.closeWriteChannel();
-    EXPECT_TRUE(writer.waitForFinished() && writer.exitCode() == 0) << "the writer has failed";
+    EXPECT_TRUE(writer.waitForFinished(Patience) && writer.exitCode() == 0)
+        << "the writer has failed";
 }
 
 TEST(ContainerWatch, PollsWhereNobodyNotifies)
 {
     ContainerWatch watch{QString()};
     QSignalSpy changed(&watch, &ContainerWatch::changedSignal);
-    EXPECT_TRUE(changed.wait(ContainerWatch::pollPeriod + 2000));
+    EXPECT_TRUE(changed.wait(Patience));
 }
 
 TEST(ContainerWatch, FollowsItsFileToAnotherFolder)
 {
     const TempFolder first, second;
-    ContainerWatch watch(QString::fromStdString(first.write("a.edf", "x")));
+    constexpr int never = -1;  // so that what is noticed was notified
+    ContainerWatch watch(QString::fromStdString(first.write("a.edf", "x")), never);
     QSignalSpy changed(&watch, &ContainerWatch::changedSignal);
     watch.setFile(QString::fromStdString(second.write("a.edf", "x")));
     const QString folder = QString::fromStdString(second.path());
-    ASSERT_TRUE(QTest::qWaitFor([&] { return changed.contains(QVariantList{folder}); }))
+    ASSERT_TRUE(waitFor([&] { return changed.contains(QVariantList{folder}); }))
         << "what came before the watch stood counts as a change";
-    constexpr int wellBelowThePoll = ContainerWatch::pollPeriod / 3;
     second.write("b.edf", "x");
-    EXPECT_TRUE(changed.wait(wellBelowThePoll));
+    EXPECT_TRUE(changed.wait(Patience));
     second.write("a.edf", "longer");
-    EXPECT_TRUE(changed.wait(wellBelowThePoll));
+    EXPECT_TRUE(changed.wait(Patience));
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "tests/logic/service/ServiceTest.h"
 #include "tests/support/Regions.h"
 #include "tests/support/TempFolder.h"
+#include "tests/support/WaitFor.h"
 
 #include <cmath>
 
@@ -121,7 +122,7 @@ TEST_F(HeaderOfView, IsWrittenIntoAllFilesOfTheSeries)
     EXPECT_FALSE(batch->isRunning());
     QSignalSpy progress(batch.get(), &WriteHeaderToFilesThread::progress);
     batch->start();
-    ASSERT_TRUE(batch->wait(10000));
+    ASSERT_TRUE(batch->wait(Patience));
     EXPECT_EQ(progress.size(), 4);
     for (const int number : {8, 9, 10}) {
         view->openImage(number);

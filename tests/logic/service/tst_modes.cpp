@@ -7,6 +7,7 @@
 #include "tests/logic/service/ServiceTest.h"
 #include "tests/support/EdfText.h"
 #include "tests/support/TempFolder.h"
+#include "tests/support/WaitFor.h"
 
 #include <QElapsedTimer>
 #include <QSettings>
@@ -205,7 +206,7 @@ TEST_F(Modes, SwitchingNeverWaitsForALoad)
     view->setWatchSeriesMode(true);
     view->setWatchSeriesMode(false);
     EXPECT_LT(timer.elapsed(), 40);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !view->loading(); }, 60000));
+    EXPECT_TRUE(waitFor([&] { return !view->loading(); }, 60000));
     QTest::qWait(50);
     EXPECT_THAT(shown, ElementsAre(2));
     EXPECT_THAT(log.take(), ElementsAre("movie on", "movie off", "watch on", "watch off", "image",
@@ -242,7 +243,7 @@ TEST_F(Modes, PicturesOfADetectorReachTheirViewOnly)
     TarvikService* other = newView();
     QSignalSpy otherShown(other, &TarvikService::newImageSignal);
     emit core.halvoService()->monitorSignal(view->halvoClient(), image());
-    EXPECT_TRUE(QTest::qWaitFor([&] { return view->imageLoaded(); }));
+    EXPECT_TRUE(waitFor([&] { return view->imageLoaded(); }));
     EXPECT_EQ(otherShown.size(), 0);
     QSignalSpy errors(core.halvoService().get(), &HalvoService::error);
     core.halvoService()->setConnected(true);

@@ -4,6 +4,7 @@
 // From a request to the announcement of a new image.
 #include "tests/logic/service/ServiceTest.h"
 #include "tests/support/EdfFile.h"
+#include "tests/support/WaitFor.h"
 
 #include <limits>
 
@@ -67,7 +68,7 @@ TEST_F(Opening, LoadsFinishedAtOnceAllComeInTheirOrder)
     while (view->loading())
         QThread::msleep(1);  // without looking at what is finished
     QSignalSpy shown(view, &TarvikService::newImageSignal);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return shown.size() == 3; }));
+    EXPECT_TRUE(waitFor([&] { return shown.size() == 3; }));
     EXPECT_EQ(view->imageIndex(), 2);
     EXPECT_EQ(view->image().pixel<int>(0, 0, -1), 2) << "the one that was asked for last";
 }
@@ -80,7 +81,7 @@ TEST_F(Opening, FailedLoadChangesNothing)
     log.take();
     QSignalSpy errors(view, &TarvikService::imageLoadErrorSignal);
     view->openImage("/nowhere/a_00012.cbf");
-    ASSERT_TRUE(errors.wait(5000));
+    ASSERT_TRUE(errors.wait(Patience));
     EXPECT_THAT(errors[0][0].toString().toStdString(), HasSubstr("/nowhere/a_00012.cbf"));
     EXPECT_THAT(log.take(), ElementsAre("error"));
     EXPECT_EQ(view->image().pixel<int>(0, 0, -1), 1);
@@ -90,7 +91,7 @@ TEST_F(Opening, FailedLoadChangesNothing)
 
     errors.clear();
     view->openImage(MImage());
-    ASSERT_TRUE(errors.wait(5000)) << "an empty image";
+    ASSERT_TRUE(errors.wait(Patience)) << "an empty image";
     EXPECT_EQ(view->imageIndex(), 0);
     view->nextImage(7, false);
     show(view, image(8, 4, 2));
@@ -118,7 +119,7 @@ TEST_F(Opening, StepsThroughImagesInMemory)
     for (const int step : {1, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()}) {
         errors.clear();
         view->nextImage(step);
-        EXPECT_TRUE(errors.wait(5000)) << step;
+        EXPECT_TRUE(errors.wait(Patience)) << step;
         EXPECT_EQ(view->imageIndex(), 2) << step;
     }
 }
@@ -141,7 +142,7 @@ TEST_F(Opening, StepOntoABrokenOrMissingFrameSaysWhichFileAndWhyAndSteppingGoesO
                                          {6, "x_006.edf"}}) {
         errors.clear();
         view->openImage(number);
-        ASSERT_TRUE(errors.wait(5000)) << number;
+        ASSERT_TRUE(errors.wait(Patience)) << number;
         const std::string text = errors[0][0].toString().toStdString();
         EXPECT_THAT(text, HasSubstr(folder / ("x_00" + std::to_string(number) + ".edf")));
         EXPECT_THAT(text, HasSubstr(reason));
@@ -172,8 +173,8 @@ TEST_F(Opening, FilesWithOddNamesOpenAndTheFolderIsWatched)
     QTest::qWait(110);
     QSignalSpy scanned(view, &TarvikService::imageContainerChangedSignal);
     writeEdf(folder, "L\xc3\xa4ufer \xe2\x84\xab 1_002.edf", 2, {3, 4});
-    ASSERT_TRUE(scanned.wait(5000));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return view->lastIndex() == 2; }));
+    ASSERT_TRUE(scanned.wait(Patience));
+    EXPECT_TRUE(waitFor([&] { return view->lastIndex() == 2; }));
     view->watchImageContainer(false);
     QTest::qWait(250);
     scanned.clear();

@@ -12,6 +12,7 @@
 #include "tests/support/EdfFile.h"
 #include "tests/support/EdfText.h"
 #include "tests/support/Regions.h"
+#include "tests/support/WaitFor.h"
 
 #include <random>
 
@@ -103,7 +104,7 @@ public:
     /// Waits until a request is answered and compares the answer.
     void expectAnswer(int answersBefore, int errorsBefore, bool success)
     {
-        ASSERT_TRUE(QTest::qWaitFor([&] { return answers > answersBefore; }, 20000)) << "no answer";
+        ASSERT_TRUE(waitFor([&] { return answers > answersBefore; })) << "no answer";
         EXPECT_EQ(errors - errorsBefore, success ? 0 : 1);
         settle();
         EXPECT_EQ(answers, answersBefore + 1);
@@ -111,7 +112,7 @@ public:
     /// Waits until nothing is under way.
     void settle() const
     {
-        ASSERT_TRUE(QTest::qWaitFor([&] { return !service->loading(); }, 20000));
+        ASSERT_TRUE(waitFor([&] { return !service->loading(); }));
         QCoreApplication::processEvents();
         QCoreApplication::processEvents();
     }

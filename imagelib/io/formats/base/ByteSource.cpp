@@ -108,14 +108,27 @@ private:
 
 }  // namespace
 
-std::shared_ptr<const ByteSource> ByteSource::open(const std::string& path)
+std::shared_ptr<const ByteSource> ByteSource::open(const std::string& path, const ImageNeed& need)
 {
     auto file = std::make_shared<const FileSource>(path);
     const Packing packing = packingOf(file->head(4));
     if (packing == Packing::None)
         return file;
+    std::uint64_t needed = AnyImage;
+    if (need) {
+        const std::string packedHead = file->head(16 * HeadBytes);
+        const std::string head =
+            unpackHead(std::as_bytes(std::span(packedHead)), packing, HeadBytes);
+        // A shorter file, or a damaged one, of which the unpacking of all knows more to say.
+        if (head.size() == HeadBytes)
+            needed = need(head);
+        if (needed == 0) {
+            const auto bytes = std::as_bytes(std::span(head));
+            return fromMemory(path, {bytes.begin(), bytes.end()});
+        }
+    }
     const std::uint64_t packed = std::min(file->size(), MostUnpacked);
-    const std::uint64_t most = std::clamp(packed * BestRatio, AlwaysUnpacked, MostUnpacked);
+    const std::uint64_t most = std::min(std::max(packed * BestRatio, needed), MostUnpacked);
     Unpacked unpacked = unpack(*file, packing, most);
     return fromMemory(path, std::move(unpacked.buffer), unpacked.size);
 }

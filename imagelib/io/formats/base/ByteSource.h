@@ -8,9 +8,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace morvend::imglib {
@@ -22,14 +24,21 @@ namespace morvend::imglib {
 class ByteSource {
 public:
     /// Largest size of an unpacked file; one that unpacks to so many times its own size is a trap,
-    /// unless it stays below a size that one image may have.
+    /// unless it stays below the size that its image needs.
     static constexpr std::uint64_t MostUnpacked = std::uint64_t(4) << 30;
     static constexpr std::uint64_t BestRatio = 64;
-    static constexpr std::uint64_t AlwaysUnpacked = std::uint64_t(192) << 20;
+    /// What an image needs whose size the head of its file does not tell.
+    static constexpr std::uint64_t AnyImage = std::uint64_t(192) << 20;
+    /// The bytes that a compressed file is judged by before the rest of it is unpacked.
+    static constexpr std::size_t HeadBytes = std::size_t(64) << 10;
+    /// The bytes of a file with one image that begins so, at most; 0 when no image begins so: then
+    /// the head is all that is unpacked.
+    using ImageNeed = std::function<std::uint64_t(std::string_view head)>;
 
     /// @throws MNoFileAccessException when the file can't be opened or is no regular file,
     /// MRuntimeException when a compressed file is damaged or unpacks to more than that
-    static std::shared_ptr<const ByteSource> open(const std::string& path);
+    static std::shared_ptr<const ByteSource> open(const std::string& path,
+                                                  const ImageNeed& need = {});
     /// Bytes in memory under a name, for tests and for parts of files.
     static std::shared_ptr<const ByteSource> fromMemory(std::string path,
                                                         std::vector<std::byte> bytes);

@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// libdeflate and libbz2 with a bound on the result.
+// libdeflate and libbz2 with a bound on the result; zlib for the head alone, which libdeflate can't
+// stop at.
 #include "imagelib/io/formats/base/Unpack.h"
 
 #include "imagelib/image/MException.h"
@@ -13,6 +14,7 @@
 
 #include <bzlib.h>
 #include <libdeflate.h>
+#include <zlib.h>
 
 namespace morvend::imglib {
 
@@ -214,6 +216,42 @@ Unpacked unpack(const ByteSource& file, Packing packing, std::uint64_t most)
     const auto packed = image::PixelBuffer::allocate(static_cast<std::size_t>(size));
     const std::size_t got = file.readSome(0, packed->data(), packed->size());
     return unpack({packed->cdata(), got}, packing, most, file.path());
+}
+
+std::string unpackHead(std::span<const std::byte> packed, Packing packing, std::size_t count)
+{
+    std::string head(count, '\0');
+    const auto in = static_cast<unsigned int>(
+        std::min<std::size_t>(packed.size(), std::numeric_limits<unsigned int>::max()));
+    const auto out = static_cast<unsigned int>(count);
+    void* const source = const_cast<std::byte*>(packed.data());
+    std::size_t left = count;
+    if (packing == Packing::Bzip2) {
+        bz_stream stream = {};
+        if (BZ2_bzDecompressInit(&stream, 0, 0) == BZ_OK) {
+            stream.next_in = static_cast<char*>(source);
+            stream.avail_in = in;
+            stream.next_out = head.data();
+            stream.avail_out = out;
+            BZ2_bzDecompress(&stream);
+            left = stream.avail_out;
+            BZ2_bzDecompressEnd(&stream);
+        }
+    } else {
+        constexpr int GzipOrZlib = 15 + 32;
+        z_stream stream = {};
+        if (inflateInit2(&stream, GzipOrZlib) == Z_OK) {
+            stream.next_in = static_cast<Bytef*>(source);
+            stream.avail_in = in;
+            stream.next_out = reinterpret_cast<Bytef*>(head.data());
+            stream.avail_out = out;
+            inflate(&stream, Z_SYNC_FLUSH);
+            left = stream.avail_out;
+            inflateEnd(&stream);
+        }
+    }
+    head.resize(count - left);
+    return head;
 }
 
 std::size_t unpackInto(std::span<const std::byte> packed, Packing packing,

@@ -36,6 +36,10 @@ Unpacked unpack(std::span<const std::byte> packed, Packing packing, std::uint64_
 /// The same for a whole file.
 Unpacked unpack(const ByteSource& file, Packing packing, std::uint64_t most);
 
+/// The first bytes of what a stream unpacks to, at most `count`; fewer when it is shorter or
+/// damaged.
+std::string unpackHead(std::span<const std::byte> packed, Packing packing, std::size_t count);
+
 /// Unpacks into memory of the size that is expected.
 /// @returns number of bytes unpacked
 /// @throws MRuntimeException when the stream is damaged, cut, or unpacks to more than the target

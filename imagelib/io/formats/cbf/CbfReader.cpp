@@ -133,6 +133,16 @@ public:
     std::size_t frameCount() const override { return _frames; }
     std::string framePath(std::size_t) const override { return _source->path(); }
 
+    /// Bytes up to the end of the first section, at most: no encoding makes its pixels longer.
+    std::uint64_t need() const
+    {
+        constexpr std::uint64_t LongestEncoding = 8;
+        const CbfSection& first = _sections.front();
+        const std::uint64_t pixels = std::min(first.fast * first.second, ByteSource::MostUnpacked);
+        return first.offset + LongestEncoding * pixels * first.pixelBytes() *
+                                  std::min(first.third, ByteSource::MostUnpacked / pixels);
+    }
+
     MImage frame(std::size_t position) const override
     {
         if (position >= _frames)
@@ -340,6 +350,18 @@ private:
 std::unique_ptr<ImageFile> openCbf(std::shared_ptr<const ByteSource> source)
 {
     return openCbf(std::move(source), CbfOptions());
+}
+
+std::uint64_t cbfNeed(std::string_view head)
+{
+    if (!head.starts_with(Magic))
+        return 0;
+    try {
+        const auto bytes = std::as_bytes(std::span(head));
+        return CbfFile(ByteSource::fromMemory("", {bytes.begin(), bytes.end()}), {}).need();
+    } catch (const MException&) {
+        return ByteSource::AnyImage;  // its pixels begin later
+    }
 }
 
 std::unique_ptr<ImageFile> openCbf(std::shared_ptr<const ByteSource> source,

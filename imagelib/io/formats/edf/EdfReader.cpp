@@ -5,10 +5,14 @@
 #include "imagelib/io/formats/edf/EdfReader.h"
 
 #include "imagelib/image/MBasicImageOptionalData.h"
+#include "imagelib/image/MException.h"
 #include "imagelib/io/formats/edf/EdfBlocks.h"
 #include "imagelib/io/formats/edf/EdfFields.h"
 #include "imagelib/io/formats/edf/EdfLayout.h"
 #include "imagelib/io/formats/edf/EdfPixels.h"
+
+#include <algorithm>
+#include <span>
 
 namespace morvend::imglib {
 
@@ -42,6 +46,23 @@ private:
 };
 
 }  // namespace
+
+std::uint64_t edfNeed(std::string_view head)
+{
+    if (!edf::EdfHeader::beginsBlock(head))
+        return 0;
+    try {
+        const auto bytes = std::as_bytes(std::span(head));
+        const auto source = ByteSource::fromMemory("", {bytes.begin(), bytes.end()});
+        const edf::EdfHeader header = edf::EdfHeader::read(*source, 0, head.size());
+        const edf::EdfLayout layout = edf::readLayout(header, "");
+        const std::uint64_t plane = std::min(layout.planeBytes(), ByteSource::MostUnpacked);
+        return header.bytes() +
+               plane * std::min<std::uint64_t>(layout.planes, ByteSource::MostUnpacked / plane);
+    } catch (const MException&) {
+        return ByteSource::AnyImage;  // a general header, or one that goes on
+    }
+}
 
 std::unique_ptr<ImageFile> openEdf(std::shared_ptr<const ByteSource> source)
 {

@@ -13,5 +13,7 @@ namespace morvend::imglib {
 /// @returns null when the file is no EDF
 /// @throws MException naming file and reason when its first block is damaged
 std::unique_ptr<ImageFile> openEdf(std::shared_ptr<const ByteSource> source);
+/// As of ByteSource::ImageNeed.
+std::uint64_t edfNeed(std::string_view head);
 
 }  // namespace morvend::imglib

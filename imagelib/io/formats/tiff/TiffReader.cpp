@@ -83,6 +83,11 @@ private:
 
 }  // namespace
 
+std::uint64_t tiffNeed(std::string_view head)
+{
+    return tiff::TiffPages::isTiff(head) ? ByteSource::AnyImage : 0;
+}
+
 std::unique_ptr<ImageFile> openTiff(std::shared_ptr<const ByteSource> source)
 {
     if (!tiff::TiffPages::isTiff(source->head(4)))

@@ -14,5 +14,7 @@ namespace morvend::imglib {
 /// @returns null when the file is no TIFF
 /// @throws MException naming file and reason when its first page can't be an image
 std::unique_ptr<ImageFile> openTiff(std::shared_ptr<const ByteSource> source);
+/// As of ByteSource::ImageNeed; where the size stands in a file is no matter of its head.
+std::uint64_t tiffNeed(std::string_view head);
 
 }  // namespace morvend::imglib

@@ -96,12 +96,12 @@ struct Counts {
     int failures = 0;
 };
 
-/// Opens, reads and updates until there were enough images and enough failures, ten seconds at
+/// Opens, reads and updates until there were enough images and enough failures, two minutes at
 /// most. Whatever is thrown must be an MException with a path.
 Counts readDuring(const std::string& path, int enough)
 {
     Counts counts;
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(2);
     while (std::min(counts.images, counts.failures) < enough &&
            std::chrono::steady_clock::now() < end)
         try {

@@ -22,11 +22,11 @@ struct Outcome {
 };
 
 /// Asks for the image that the path names, the first ones, the middle one and the last one, and
-/// expects to be told within a second, in little memory beyond the image, whatever the file says.
-Outcome outcomeOf(const std::string& path)
+/// expects that to take little memory beyond the image, whatever the file says.
+Outcome outcomeOf(const std::string& path, std::size_t mebibytes = 640)
 {
     image::PixelBuffer::trimPool();
-    const Bounds bounds;
+    const Bounds bounds(mebibytes);
     Outcome outcome;
     outcome.failure = failureOf([&] {
         MImageSeries series(0);
@@ -45,10 +45,10 @@ Outcome outcomeOf(const std::string& path)
 
 /// Reads a file that must fail, with a sentence that holds a text and ends in its path, or that of
 /// another file in its folder which is at fault.
-void expectFailure(const std::string& path, const std::string& text)
+void expectFailure(const std::string& path, const std::string& text, std::size_t mebibytes = 640)
 {
     SCOPED_TRACE(path);
-    const Outcome outcome = outcomeOf(path);
+    const Outcome outcome = outcomeOf(path, mebibytes);
     EXPECT_THAT(outcome.failure, HasSubstr(": " + path.substr(0, path.rfind('/') + 1)));
     EXPECT_THAT(outcome.failure, HasSubstr(text));
 }
@@ -74,13 +74,31 @@ std::string page(TiffBuilder& file, const std::string& more = {})
 
 TEST(Hostile, FilesThatUnpackToMoreThanTheMachineHas)
 {
-    // Two megabytes that stand for gigabytes.
+    // Two megabytes that stand for gigabytes, after the head of an image or of none.
     const TempFolder folder;
-    const std::string member = gzipPacked(std::string(4 << 20, '\0'));
-    std::string bomb;
-    while (bomb.size() < std::size_t(2) << 20)
-        bomb += member;
-    expectFailure(folder.write("bomb.cbf.packed", bomb), "unpack to more than");
+    const std::string zeros(std::size_t(4) << 20, '\0');
+    const auto bomb = [&](const std::string& head, auto pack) {
+        const std::string member = pack(zeros);
+        std::string bytes = pack(head + zeros);
+        while (bytes.size() < std::size_t(2) << 20)
+            bytes += member;
+        return folder.write("bomb.packed", bytes);
+    };
+    expectFailure(bomb("", &gzipPacked), "Unknown format", 8);
+    expectFailure(bomb("", &bzip2Packed), "Unknown format", 8);
+    expectFailure(bomb("II*\n", &gzipPacked), "Unknown format", 8);
+    const std::string size = "Dim_1 = 3 ;\nDim_2 = 2 ;\nDataType = UnsignedShort ;\n";
+    expectFailure(bomb("{\n" + size + "}\n", &gzipPacked), "unpack to more than 13", 400);
+    expectFailure(bomb("###CBF\n--CIF-BINARY-FORMAT-SECTION--\n"
+                       "X-Binary-Size-Fastest-Dimension: 3\n"
+                       "X-Binary-Size-Second-Dimension: 2\n\n\x0c\x1a\x04\xd5",
+                       &gzipPacked),
+                  "unpack to more than 13", 400);
+
+    // An image may really be that empty.
+    const std::string empty = "{\nDim_1 = 5000 ;\nDim_2 = 5400 ;\nDataType = Unsigned64 ;\n}\n" +
+                              std::string(std::size_t(216'000'000), '\0');
+    expectReadable(folder.write("empty.edf.gz", gzipPacked(empty)));
 
     // What is behind the last pixel of a strip is padding, and never unpacked.
     TiffBuilder file;

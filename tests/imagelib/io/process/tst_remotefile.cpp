@@ -19,13 +19,13 @@ using namespace std::chrono_literals;
 
 namespace {
 
-ReaderProcess::Options strangeReader(std::chrono::milliseconds limit = 20s)
+ReaderProcess::Options strangeReader(std::chrono::milliseconds limit = 120s)
 {
     letSignalsEndPrograms();
     return {TARVIK_STRANGE_READER, limit};
 }
 
-RemoteFile openStrange(std::chrono::milliseconds limit = 20s)
+RemoteFile openStrange(std::chrono::milliseconds limit = 120s)
 {
     return {"/data/strange", "STRANGE", strangeReader(limit)};
 }
@@ -189,7 +189,7 @@ TEST(RemoteFile, AStopEndsTheRunningRequestAndAllLaterOnes)
     });
     EXPECT_EQ(request.wait_for(50ms), std::future_status::timeout);
     stop.request_stop();
-    ASSERT_EQ(request.wait_for(10s), std::future_status::ready);
+    ASSERT_EQ(request.wait_for(120s), std::future_status::ready);
     EXPECT_EQ(request.get(), "STRANGE: the reader process was stopped while reading image 5: "
                              "/data/strange");
     EXPECT_TRUE(waitFor([&] { return hasEnded(reader); }));

@@ -7,6 +7,7 @@
 #include "imagelib/io/formats/cbf/CbfReader.h"
 #include "imagelib/io/formats/cbf/CbfWriter.h"
 #include "tests/imagelib/io/FileCases.h"
+#include "tests/support/SourcePath.h"
 
 #include <boost/optional/optional_io.hpp>
 
@@ -62,7 +63,7 @@ MImage readBack(const std::string& path)
 
 TEST(CbfReader, FilesOfOthersHaveThePixelsThatWereWritten)
 {
-    const std::filesystem::path folder = TARVIK_SOURCE_DIR "/tests/data/cbf";
+    const std::filesystem::path folder = sourcePath("/tests/data/cbf");
     int files = 0;
     for (const auto& raw : std::filesystem::directory_iterator(folder))
         for (const auto& each : std::filesystem::directory_iterator(folder)) {
@@ -262,7 +263,7 @@ the file has no binary section with pixels | --CIF-BINARY-FORMAT-SECTION--\r\n |
         std::string text = Parts().file();
         for (std::size_t i = 1; i < row.size(); i += 2)
             text.replace(text.find(row[i]), row[i].size(), row[i + 1]);
-        const Bounds bounds;
+        const Bounds bounds(640);
         EXPECT_EQ(readingFailure(Open, text), "CBF: " + row[0] + ": /data/x");
     }
     EXPECT_EQ(readingFailure(Open, "###CBF\r\n--CIF-BINARY-FORMAT-SECTION--\r\nContent-Type: x"),
@@ -325,7 +326,7 @@ TEST(DamagedCbf, Md5IsCheckedOnRequest)
 
 TEST(DamagedCbf, ChangedBytesNeverDoHarm)
 {
-    const std::string folder = TARVIK_SOURCE_DIR "/tests/data/cbf/";
+    const std::string folder = sourcePath("/tests/data/cbf/");
     for (const char* name : {"i4_mid_pk_bin", "i4_mid_p2_bin", "i4_mid_can_bin", "i4_mid_pk_qp",
                              "stack_96_0", "u2_small_can"}) {
         const std::string whole = contentOf(folder + name + ".cbf");

@@ -5,6 +5,7 @@
 #include "imagelib/io/formats/hdf5/NexusReader.h"
 #include "imagelib/io/formats/hdf5/NexusWriter.h"
 #include "tests/imagelib/io/FileCases.h"
+#include "tests/support/SourcePath.h"
 
 #include <nlohmann/json.hpp>
 
@@ -24,8 +25,8 @@ json readByH5py(const std::string& path)
     static const TempFolder folder;
     static FILE* const peer = [] {
         const std::string answer = folder / "answer";
-        const std::string command = TARVIK_PYTHON " " TARVIK_SOURCE_DIR
-                                                  "/tests/imagelib/io/formats/hdf5/dump_nexus.py " +
+        const std::string command = TARVIK_PYTHON " " +
+                                    sourcePath("/tests/imagelib/io/formats/hdf5/dump_nexus.py ") +
                                     answer;
         return ::mkfifo(answer.c_str(), 0600) == 0 ? ::popen(command.c_str(), "w") : nullptr;
     }();

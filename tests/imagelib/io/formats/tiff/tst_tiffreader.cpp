@@ -295,7 +295,7 @@ TEST(TiffDamage, IsToldWithReasonAndFile)
 259 S 5                                     | strip 1 of 1 is damaged or cut (
 259 S 32773                                 | strip 1 of 1 is damaged or cut (
 )")) {
-        const Bounds bounds;
+        const Bounds bounds(640);
         const std::string text =
             failureOfBytes(tiffOf(3, std::vector<std::uint16_t>{1, 2, 3, 4, 5, 6}, row.at(0)));
         EXPECT_THAT(text, StartsWith("TIFF: "));

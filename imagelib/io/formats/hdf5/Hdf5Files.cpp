@@ -110,17 +110,19 @@ private:
     }
 
     /// Goes over one name. @returns false when there is no such link
+    /// @throws MRuntimeException when a link on the way leads to a name that is not there
     bool _step()
     {
         const std::optional<H5L_info_t> info = _link();
         if (!info) {
-            if (_links)
+            if (_namesOfLink > 0)
                 throw MRuntimeException("HDF5: the link " + _wanted + " leads to " + _path + "/" +
                                         _rest.front() + ", which does not exist: " + _file->path());
             return false;
         }
         const std::string name = _rest.front();
         _rest.pop_front();
+        _namesOfLink -= _namesOfLink > 0 ? 1 : 0;
         if (info->type == H5L_TYPE_HARD) {
             _here = Object(H5Oopen(_here.id(), name.c_str(), H5P_DEFAULT),
                            _path + "/" + name + " can't be opened", _file->path());
@@ -151,6 +153,7 @@ private:
         }
         const std::deque<std::string> names = namesOf(path);
         _rest.insert(_rest.begin(), names.begin(), names.end());
+        _namesOfLink += names.size();
     }
 
     Hdf5Files& _files;
@@ -158,6 +161,7 @@ private:
     std::string _wanted;
     std::string _origin;
     std::deque<std::string> _rest;
+    std::size_t _namesOfLink = 0;  // at the front of them: what a link promises, not what was asked
     std::string _path;
     Object _here;
     int _links = 0;

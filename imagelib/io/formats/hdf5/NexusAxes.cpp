@@ -85,7 +85,7 @@ std::optional<double> NexusAxes::_width(const Axis& axis, std::size_t frame) con
         const double endFactor = unitFactor(Quantity::Angle, units).value_or(factor);
         return endFactor * *ofFrame(ends, frame) - factor * *ofFrame(values, frame);
     }
-    for (const char* suffix : {"_increment_set", "_range_average"})
+    for (const char* suffix : {"_increment_set", "_range_average", "_increment"})
         if (const Node* width = _values.firstNumbers({axis.path + suffix})) {
             const std::string units = textAttribute(*width, "units");
             return unitFactor(Quantity::Angle, units).value_or(factor) *
@@ -96,54 +96,51 @@ std::optional<double> NexusAxes::_width(const Axis& axis, std::size_t frame) con
     return std::nullopt;
 }
 
-std::optional<Rotation> NexusAxes::_goniometer(const std::string& entry, std::size_t frame) const
+std::vector<NexusAxes::Axis> NexusAxes::_named(const std::string& group) const
 {
-    // Without one that moves, omega stands for all.
-    const std::string group = entry + "/sample/goniometer/";
-    std::optional<Axis> chosen;
-    for (const char* name : {"omega", "phi", "chi", "kappa"}) {
-        const std::string path = group + name;
-        const Node* node = _values.firstNumbers({path});
-        if (!node)
-            continue;
-        if (!chosen)
-            chosen = Axis{path, node};
-        if (_width({path, node}, 0).value_or(0) != 0) {
-            chosen = Axis{path, node};
-            break;
-        }
-    }
-    if (!chosen)
+    std::vector<Axis> axes;
+    for (const char* name : {"omega", "phi", "chi", "kappa", "rotation_angle"})
+        if (const Node* node = _values.firstNumbers({group + name}))
+            axes.push_back({group + name, node});
+    return axes;
+}
+
+std::vector<NexusAxes::Axis> NexusAxes::_rotations(const std::string& entry) const
+{
+    const std::string sample = entry + "/sample";
+    std::vector<Axis> axes = _chain(sample);
+    for (const char* group : {"/goniometer/", "/transformations/", "/"})
+        for (Axis& axis : _named(sample + group))
+            axes.push_back(std::move(axis));
+    std::erase_if(axes, [](const Axis& axis) { return !_isRotation(axis); });
+    return axes;
+}
+
+std::optional<Rotation> NexusAxes::rotation(const std::string& entry, std::size_t frame,
+                                            std::size_t frames) const
+{
+    const std::vector<Axis> axes = _rotations(entry);
+    const auto first = [&](auto&& is) { return std::find_if(axes.begin(), axes.end(), is); };
+    auto axis = first([&](const Axis& each) {
+        const std::vector<double> values = numbersOf(each.node->value);
+        return values.size() >= std::max<std::size_t>(frames, 2) && differ(values);
+    });
+    if (axis == axes.end())
+        axis = first([](const Axis& each) { return differ(numbersOf(each.node->value)); });
+    if (axis == axes.end())
+        axis = first([&](const Axis& each) { return _width(each, frame).value_or(0) != 0; });
+    if (axis == axes.end())  // without one that moves, omega stands for all
+        axis = first([](const Axis& each) { return each.path.ends_with("/goniometer/omega"); });
+    if (axis == axes.end())
+        axis = axes.begin();
+    if (axis == axes.end())
         return std::nullopt;
-    Rotation rotation;
-    const double factor = _toDegrees(*chosen->node);
-    const std::vector<double> values = numbersOf(chosen->node->value);
-    rotation.step = _width(*chosen, frame);
-    rotation.start = factor * *ofFrame(values, frame);
+    const std::vector<double> values = numbersOf(axis->node->value);
+    Rotation rotation{_toDegrees(*axis->node) * *ofFrame(values, frame), _width(*axis, frame)};
     // A start angle alone: the axis goes on turning by its width.
     if (values.size() == 1)
         rotation.start += rotation.step.value_or(0) * static_cast<double>(frame);
     return rotation;
-}
-
-std::optional<Rotation> NexusAxes::rotation(const std::string& entry, std::size_t frame) const
-{
-    std::vector<Axis> chain = _chain(entry + "/sample");
-    std::erase_if(chain, [](const Axis& axis) { return !_isRotation(axis); });
-    auto axis = std::find_if(chain.begin(), chain.end(),
-                             [](const Axis& each) { return differ(numbersOf(each.node->value)); });
-    if (axis == chain.end())
-        axis = std::find_if(chain.begin(), chain.end(),
-                            [&](const Axis& each) { return _width(each, frame).value_or(0) != 0; });
-    if (axis == chain.end())
-        if (auto rotation = _goniometer(entry, frame))
-            return rotation;
-    if (axis == chain.end() && !chain.empty())
-        axis = chain.begin();
-    if (axis == chain.end())
-        return std::nullopt;
-    const double start = *ofFrame(numbersOf(axis->node->value), frame);
-    return Rotation{_toDegrees(*axis->node) * start, _width(*axis, frame)};
 }
 
 std::optional<double> NexusAxes::distance(const std::string& detector) const

@@ -22,10 +22,13 @@ public:
         : _values(values)
     {}
 
-    /// The first rotation of the sample's chain whose values differ from image to image, else the
-    /// first that has a width, else a goniometer axis that moves, else the first rotation at all.
+    /// Of the rotations of the sample's chain, then of its goniometer and of others by their usual
+    /// names, the first that has different values for all images, else different values at all,
+    /// else a width; else omega or the first of them.
     /// The width is end less value, or the increment, or the median difference of the values.
-    std::optional<Rotation> rotation(const std::string& entry, std::size_t frame) const;
+    /// @param frames  images of the series, 0 when that is not known
+    std::optional<Rotation> rotation(const std::string& entry, std::size_t frame,
+                                     std::size_t frames) const;
 
     /// The part along the beam of the translations from a detector to the sample, in metres,
     /// without its sign: some chains count against the beam.
@@ -40,7 +43,10 @@ private:
     static bool _isRotation(const Axis& axis);
     static double _toDegrees(const nexus::Node& node);
     std::optional<double> _width(const Axis& axis, std::size_t frame) const;
-    std::optional<Rotation> _goniometer(const std::string& entry, std::size_t frame) const;
+    /// The axes of a group, whose path ends in a slash, that have the usual names.
+    std::vector<Axis> _named(const std::string& group) const;
+    /// All rotations of the sample, the likeliest first.
+    std::vector<Axis> _rotations(const std::string& entry) const;
 
     const NexusValues& _values;
 };

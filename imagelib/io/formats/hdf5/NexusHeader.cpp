@@ -50,11 +50,12 @@ std::optional<double> wavelengthAt(const NexusValues& values, const std::string&
 
 }  // namespace
 
-NexusHeader::NexusHeader(nexus::MBasicNeXusTree tree, std::string entry)
+NexusHeader::NexusHeader(nexus::MBasicNeXusTree tree, std::string entry,
+                         const std::string& detector)
     : _entry(std::move(entry))
 {
     _setTree(std::move(tree));
-    _findDetectors();
+    _findDetectors(detector);
 }
 
 void NexusHeader::_setTree(nexus::MBasicNeXusTree tree)
@@ -63,7 +64,7 @@ void NexusHeader::_setTree(nexus::MBasicNeXusTree tree)
     _common.setNexusTree(std::move(tree));
 }
 
-void NexusHeader::_findDetectors()
+void NexusHeader::_findDetectors(const std::string& only)
 {
     const NexusValues values(_common.nexusTree());
     Paths detectors;
@@ -73,6 +74,13 @@ void NexusHeader::_findDetectors()
     const std::string usual = _entry + "/instrument/detector";
     std::erase(detectors, usual);
     detectors.insert(detectors.begin(), usual);
+    if (!only.empty()) {
+        std::erase_if(detectors, [&](const std::string& detector) {
+            const nexus::Node* node = _common.nexusTree().find(detector);
+            return detector == only || !node || textAttribute(*node, "NX_class") == "NXdetector";
+        });
+        detectors.insert(detectors.begin(), only);
+    }
     for (const std::string& detector : detectors)
         for (const char* part : {"", "/detector_information", "/acquisition", "/detectorSpecific",
                                  "/detectorSpecific/detectorModule_000"})
@@ -101,6 +109,7 @@ Paths NexusHeader::maskPaths() const { return _inDetectors({"pixel_mask"}); }
 
 void NexusHeader::setImages(std::size_t images)
 {
+    _images = images;
     nexus::MBasicNeXusTree tree = _common.nexusTree();
     tree.node(_entry + "/instrument/detector/detectorSpecific/nimages").value =
         static_cast<std::int64_t>(images);
@@ -115,7 +124,7 @@ MBasicImageOptionalData<> NexusHeader::of(std::size_t frame) const
     _readGeometry(header);
     _readTexts(header);
     const NexusValues values(_common.nexusTree());
-    if (const auto rotation = NexusAxes(values).rotation(_entry, frame)) {
+    if (const auto rotation = NexusAxes(values).rotation(_entry, frame, _images)) {
         header.set_rotation_angle(static_cast<float>(rotation->start));
         header.set_rotation_angle_step(toFloat(rotation->step));
     }
@@ -189,11 +198,13 @@ void NexusHeader::_readGeometry(MBasicImageOptionalData<>& header) const
         const nexus::Node* node = values.firstNumbers(_inDetectors({name}));
         if (!node)
             return boost::optional<float>();
-        double value = numbersOf(node->value).front();
-        const auto length = unitFactor(Quantity::Length, textAttribute(*node, "units"));
-        if (length && pixel && *pixel > 0)
-            value *= *length / *pixel;
-        return toFloat(value);
+        const double value = numbersOf(node->value).front();
+        const std::string unit = textAttribute(*node, "units");
+        if (unit.empty() || unitFactor(Quantity::Pixels, unit))
+            return toFloat(value);
+        // Of a length without pixel size, or in an unknown unit, nobody knows the pixel.
+        const auto length = unitFactor(Quantity::Length, unit);
+        return length && pixel && *pixel > 0 ? toFloat(value * *length / *pixel) : boost::none;
     };
     header.set_beam_center_x(centre("beam_center_x", pixelX));
     header.set_beam_center_y(centre("beam_center_y", pixelY));

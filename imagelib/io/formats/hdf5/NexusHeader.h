@@ -17,7 +17,9 @@ namespace morvend::imglib::hdf5 {
 class NexusHeader {
 public:
     /// @param entry  path of the entry group, such as "/entry"; "" for the root
-    NexusHeader(nexus::MBasicNeXusTree tree, std::string entry);
+    /// @param detector  of several detectors the path of the one whose images these are: the values
+    /// of the others are none of theirs; empty when it is not known, and the first value counts
+    NexusHeader(nexus::MBasicNeXusTree tree, std::string entry, const std::string& detector = {});
 
     /// Images that the metadata announce, over all triggers; 0 when they don't.
     std::size_t plannedImages() const;
@@ -33,7 +35,7 @@ public:
 
 private:
     void _setTree(nexus::MBasicNeXusTree tree);
-    void _findDetectors();
+    void _findDetectors(const std::string& only);
     std::vector<std::string> _inDetectors(const std::vector<std::string>& names) const;
     void _readBeam(MBasicImageOptionalData<>& header, std::size_t frame) const;
     void _readDetector(MBasicImageOptionalData<>& header, std::size_t frame) const;
@@ -42,6 +44,7 @@ private:
 
     MBasicImageOptionalData<> _common;  // what all frames share: the tree and its text
     std::string _entry;
+    std::size_t _images = 0;
     std::vector<std::string> _detectors;  // groups that hold a detector's values
 };
 

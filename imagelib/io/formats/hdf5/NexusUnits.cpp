@@ -67,6 +67,14 @@ constexpr Unit Units[] = {
     {Quantity::Angle, "rad", 180 / std::numbers::pi},
     {Quantity::Angle, "radian", 180 / std::numbers::pi},
     {Quantity::Angle, "mrad", 0.18 / std::numbers::pi},
+    {Quantity::Pixels, "pixel", 1},
+    {Quantity::Pixels, "pix", 1},
+    {Quantity::Pixels, "px", 1},
+    {Quantity::Pixels, "channel", 1},
+    {Quantity::Pixels, "1", 1},
+    {Quantity::Pixels, "none", 1},
+    {Quantity::Pixels, "dimensionless", 1},
+    {Quantity::Pixels, "nx_dimensionless", 1},
 };
 
 }  // namespace

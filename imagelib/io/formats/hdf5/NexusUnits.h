@@ -15,7 +15,8 @@ enum class Quantity {
     Wavelength,  ///< Angstrom
     Energy,      ///< eV
     Time,        ///< s
-    Angle        ///< degrees
+    Angle,       ///< degrees
+    Pixels       ///< pixels
 };
 
 /// The factor to the unit of the header. Units are compared without case; "micron", "um",

@@ -49,7 +49,16 @@ detector/distance 0.2                                                       | de
 detector/beam_center_x 10.5 pixels                                          | beam_center_x=10.5;
 detector/beam_center_x 15 mm, detector/x_pixel_size 75 um \
     | beam_center_x=200;x_pixel_size=7.5e-05;
-detector/beam_center_y 15 mm                                                | beam_center_y=15;
+detector/beam_center_x 0.015 m, detector/x_pixel_size 75 um \
+    | beam_center_x=200;x_pixel_size=7.5e-05;
+detector/beam_center_y 1.5 cm, detector/y_pixel_size 75 um \
+    | beam_center_y=200;y_pixel_size=7.5e-05;
+detector/beam_center_y 15000 um, detector/y_pixel_size 75 um \
+    | beam_center_y=200;y_pixel_size=7.5e-05;
+detector/beam_center_y 15 mm                                                |
+detector/beam_center_y 15 fortnights, detector/y_pixel_size 75 um           | y_pixel_size=7.5e-05;
+detector/beam_center_x 10.5, detector/beam_center_y 11.5 px \
+    | beam_center_x=10.5;beam_center_y=11.5;
 detector/x_pixel_size 55 micron                                             | x_pixel_size=5.5e-05;
 detector/y_pixel_size 55                                                    | y_pixel_size=5.5e-05;
 detector/y_pixel_size 0.172                                                 | y_pixel_size=0.000172;
@@ -152,6 +161,24 @@ TEST(NexusHeaderRotation, TheGoniometerHasOneAngleForEachImage)
     EXPECT_EQ(shown(headerOf(tree, 2)), "rotation_angle=3;rotation_angle_step=1;");
 }
 
+TEST(NexusHeaderRotation, AnAxisWithAValueForEachImageComesBeforeAllOthers)
+{
+    MBasicNeXusTree tree;
+    put(tree, Sample + "goniometer/omega", {90});
+    put(tree, Sample + "goniometer/omega_range_average", {0.1});
+    put(tree, Sample + "goniometer/chi", {0, 54});
+    put(tree, Sample + "goniometer/phi", {1, 1.25, 1.5, 1.75});
+    put(tree, Sample + "goniometer/kappa", {7, 7, 7, 7});
+    NexusHeader header(tree, "/entry");
+    header.setImages(4);
+    EXPECT_EQ(shown(header.of(2)), "rotation_angle=1.5;rotation_angle_step=0.25;");
+    // Transformations that no chain names.
+    tree = {};
+    put(tree, Sample + "transformations/chi", {54.7});
+    put(tree, Sample + "transformations/omega", {10, 10.5});
+    EXPECT_EQ(shown(headerOf(tree, 1)), "rotation_angle=10.5;rotation_angle_step=0.5;");
+}
+
 TEST(NexusHeaderTree, CarriesTheNumberOfImagesAndTheFilesOwnWavelength)
 {
     MBasicNeXusTree tree;
@@ -187,7 +214,9 @@ TEST_F(Hdf5Header, AFullFileFillsEveryField)
     EXPECT_THAT(*header.rawHeader(), testing::Not(HasSubstr("/entry/data/data")));
     EXPECT_FALSE(header.pixel_mask());
     // Values behind an external link.
-    EXPECT_EQ(*open("linked_meta.nxs")->frame(0).optionalData().detector_distance(), 0.3f);
+    const Header linked = open("linked_meta.nxs")->frame(0).optionalData();
+    EXPECT_EQ(*linked.detector_distance(), 0.3f);
+    EXPECT_THAT(*linked.rawHeader(), testing::Not(HasSubstr("WARNING"))) << "no mask, none lost";
 }
 
 TEST_F(Hdf5Header, MasksOfEveryShapeAndTypeAreTheSame)

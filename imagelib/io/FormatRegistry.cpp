@@ -41,23 +41,30 @@ const std::string& readerProgram()
 
 using Source = std::shared_ptr<const ByteSource>;
 
-std::unique_ptr<ImageFile> openHdf5WhereChosen(Source source, const std::stop_token& stop)
+std::unique_ptr<ImageFile> openHdf5WhereChosen(Source source, const std::string& dataset,
+                                               const std::stop_token& stop)
 {
     const std::string& program = readerProgram();
     if (program.empty())
-        return openHdf5(std::move(source));
+        return openHdf5At(std::move(source), dataset);
     if (!isHdf5(*source))
         return nullptr;
     ReaderProcess::Options options{program};
     options.stop = stop;
-    return std::make_unique<RemoteFile>(source->path(), "HDF5", std::move(options));
+    return std::make_unique<RemoteFile>(source->path(), "HDF5", std::move(options), dataset);
 }
 
-/// A reader in this process, which nothing stops.
+/// A reader in this process, which nothing stops, of a format without data sets.
 template <ImageFileOpener open>
-std::unique_ptr<ImageFile> inPlace(Source source, const std::stop_token& /*stop*/)
+std::unique_ptr<ImageFile> inPlace(Source source, const std::string& dataset,
+                                   const std::stop_token& /*stop*/)
 {
-    return open(std::move(source));
+    const std::string path = source->path();
+    std::unique_ptr<ImageFile> file = open(std::move(source));
+    if (file && !dataset.empty())
+        throw MBadParameterException(std::string(file->format()) + " files hold no data set " +
+                                     dataset + ": " + path);
+    return file;
 }
 
 /// A file that is compressed as a whole is refused by its signature.
@@ -65,7 +72,8 @@ std::uint64_t hdf5Need(std::string_view /*head*/) { return 0; }
 
 struct Format {
     const char* name;
-    std::unique_ptr<ImageFile> (*open)(Source source, const std::stop_token& stop);
+    std::unique_ptr<ImageFile> (*open)(Source source, const std::string& dataset,
+                                       const std::stop_token& stop);
     std::uint64_t (*need)(std::string_view head);
 };
 
@@ -88,15 +96,15 @@ std::uint64_t imageNeed(std::string_view head)
 
 void FormatRegistry::readHdf5Apart(bool apart) { hdf5Apart = apart; }
 
-std::unique_ptr<ImageFile> FormatRegistry::open(const std::string& path,
-                                                const std::stop_token& stop)
+std::unique_ptr<ImageFile> FormatRegistry::open(const ImagePath& image, const std::stop_token& stop)
 {
+    const std::string& path = image.file;
     const Source source = ByteSource::open(path, imageNeed);
     if (source->size() == 0)
         throw MUnknownFormatException("The file is empty: " + path);
     std::string names;
     for (const Format& format : Formats) {
-        if (std::unique_ptr<ImageFile> file = format.open(source, stop))
+        if (std::unique_ptr<ImageFile> file = format.open(source, image.dataset, stop))
             return file;
         names += (names.empty() ? "" : ", ") + std::string(format.name);
     }

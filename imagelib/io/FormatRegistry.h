@@ -5,6 +5,7 @@
 #pragma once
 
 #include "imagelib/io/formats/base/ImageFile.h"
+#include "imagelib/io/formats/base/ImagePath.h"
 
 #include <memory>
 #include <stop_token>
@@ -21,12 +22,13 @@ public:
     /// standard error says so. Files that are open stay where they are.
     static void readHdf5Apart(bool apart);
 
-    /// Opens a file by its content; the name plays no part.
+    /// Opens a file by its content; the name plays no part. Of an HDF5 file one data set may be
+    /// meant; other files have none.
     /// @param stop  ends, when asked to, what another process does for the file: the opening and
     /// every later request fail at once with an MTerminateException
     /// @throws MNoFileAccessException when it can't be opened, MUnknownFormatException when no
     /// reader knows it or it is empty, or what the format's reader says of a damaged file
-    static std::unique_ptr<ImageFile> open(const std::string& path,
+    static std::unique_ptr<ImageFile> open(const ImagePath& image,
                                            const std::stop_token& stop = {});
 };
 

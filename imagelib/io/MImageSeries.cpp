@@ -91,14 +91,17 @@ MImageSeries::~MImageSeries() = default;
 
 int MImageSeries::open(const std::string& path)
 {
-    const std::string file = absolutePath(path);
-    return naming([&] { return file; }, [&] { return _open(file); });
+    ImagePath named = ImagePath::of(path);
+    named.file = absolutePath(named.file);
+    return naming([&] { return named.file; }, [&] { return _open(named); });
 }
 
-int MImageSeries::_open(const std::string& file)
+int MImageSeries::_open(const ImagePath& named)
 {
-    const ImagePathOpener open = [stop = _d->stop.get_token()](const std::string& path) {
-        return FormatRegistry::open(path, stop);
+    const std::string& file = named.file;
+    const ImagePathOpener open = [dataset = named.dataset,
+                                  stop = _d->stop.get_token()](const std::string& path) {
+        return FormatRegistry::open({path, dataset}, stop);
     };
     std::unique_ptr<ImageFile> opened = open(file);
     std::optional<SeriesFinder> finder = SeriesFinder::of(file);

@@ -13,6 +13,8 @@
 
 namespace morvend::imglib {
 
+struct ImagePath;
+
 /// An ordered set of images with integer numbers.
 ///
 /// | series | numbers |
@@ -37,7 +39,8 @@ public:
     ~MImageSeries();
 
     /// Opens a file and with it the whole series that it belongs to. Lists the folder of a numbered
-    /// file once, opens no other file than the one named.
+    /// file once, opens no other file than the one named. "FILE::/path/in/file" opens one data set
+    /// of an HDF5 file, or the images of one of its groups, as a series (see ImagePath).
     /// @returns the number of the image that `path` names
     /// @throws MNoFileAccessException, MUnknownFormatException, or what the format's reader says
     int open(const std::string& path);
@@ -78,7 +81,7 @@ public:
     std::string formatName() const;
 
 private:
-    int _open(const std::string& file);
+    int _open(const ImagePath& path);
 
     class Private;
     std::unique_ptr<Private> _d;

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // A script that makes HDF5 files, which are read as a series from the master and as a data file.
+#include "imagelib/image/MException.h"
 #include "imagelib/io/formats/hdf5/NexusReader.h"
 #include "tests/fuzz/Demand.h"
 #include "tests/fuzz/Hdf5Script.h"
@@ -11,6 +12,8 @@
 #include <hdf5.h>
 
 #include <filesystem>
+#include <utility>
+#include <vector>
 
 using namespace morvend::imglib;
 using namespace tarvik::fuzz;
@@ -19,6 +22,28 @@ namespace {
 
 /// Files, groups, arrays, named types and attributes that are open.
 ssize_t openObjects() { return H5Fget_obj_count(hid_t(H5F_OBJ_ALL), H5F_OBJ_ALL); }
+
+/// Reads the first data sets of a file that are listed, each by its path.
+void readListed(const std::string& path)
+{
+    constexpr std::size_t Most = 4;
+    static std::string dataset;
+    std::vector<Hdf5Dataset> list;
+    try {
+        list = listHdf5(path);
+    } catch (const morvend::MException& error) {
+        demand(std::string(error.what()).find(path) != std::string::npos,
+               "a list that fails names the file");
+    }
+    for (std::size_t i = 0; i < list.size() && i < Most; ++i) {
+        dataset = list[i].path == "/" ? "" : list[i].path;
+        readAll(
+            [](std::shared_ptr<const ByteSource> source) {
+                return openHdf5At(std::move(source), dataset);
+            },
+            ByteSource::open(path));
+    }
+}
 
 }  // namespace
 
@@ -34,8 +59,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     writeHdf5Files(folder.path(), script);
     demand(openObjects() == before, "a script closes what it opens");
     const std::string path = folder / Hdf5Files[choice % 4 == 3 ? 1 : 0];
-    if (std::filesystem::exists(path))
+    if (std::filesystem::exists(path)) {
         readAll(openHdf5, ByteSource::open(path));
+        readListed(path);
+    }
     demand(openObjects() == before, "a reader closes what it opens");
     for (const char* name : Hdf5Files)
         std::filesystem::remove(folder / name);

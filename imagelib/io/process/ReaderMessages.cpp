@@ -103,7 +103,7 @@ constexpr std::uint32_t MostNumber = INT32_MAX;
 
 std::string ReaderRequest::toText() const
 {
-    return joined({numberOf(kind), path, std::to_string(position)});
+    return joined({numberOf(kind), path, std::to_string(position), dataset});
 }
 
 ReaderRequest ReaderRequest::fromText(const std::string& text)
@@ -113,6 +113,7 @@ ReaderRequest ReaderRequest::fromText(const std::string& text)
     request.kind = fields.choice(Kind::Update);
     request.path = fields.text();
     request.position = fields.number(MostFrames);
+    request.dataset = fields.text();
     fields.expectEnd();
     return request;
 }
@@ -139,7 +140,7 @@ void ReaderAnswer::rethrow() const
 std::string ReaderAnswer::toText() const
 {
     return joined({exception, message, format, std::to_string(frames), std::to_string(openedFrame),
-                   std::to_string(firstNumber), mainPath, framePath, numberOf(header)});
+                   std::to_string(firstNumber), mainPath, dataset, framePath, numberOf(header)});
 }
 
 ReaderAnswer ReaderAnswer::fromText(const std::string& text)
@@ -153,6 +154,7 @@ ReaderAnswer ReaderAnswer::fromText(const std::string& text)
     answer.openedFrame = fields.number(MostFrames);
     answer.firstNumber = fields.number(MostNumber);
     answer.mainPath = fields.text();
+    answer.dataset = fields.text();
     answer.framePath = fields.text();
     answer.header = fields.choice(HeaderForm::SameTree);
     fields.expectEnd();

@@ -18,6 +18,7 @@ struct ReaderRequest {
     Kind kind = Kind::Open;
     std::string path;            ///< Open: the file
     std::uint64_t position = 0;  ///< Frame and Path: of the frame, from 0
+    std::string dataset = {};    ///< Open: what of it, empty for what it shows by itself
 
     std::string toText() const;
     /// @throws MRuntimeException for a text that is no request
@@ -41,6 +42,7 @@ struct ReaderAnswer {
     std::uint64_t openedFrame = 0;
     std::uint32_t firstNumber = 0;
     std::string mainPath;
+    std::string dataset;
     // Of the frame that was asked for.
     std::string framePath;
     HeaderForm header = HeaderForm::Whole;

@@ -32,7 +32,7 @@ public:
     /// The descriptor of the reader's end of the pair in the reader.
     static constexpr int SocketNumber = 3;
     /// What both ends say in their hello.
-    static constexpr const char* Greeting = "tarvik-reader 1";
+    static constexpr const char* Greeting = "tarvik-reader 2";
 
     /// The program beside this one's; empty when there is none.
     static const std::string& programBeside();

@@ -26,7 +26,7 @@ constexpr std::chrono::milliseconds IdlePeriod{1000};
 
 }  // namespace
 
-ReaderServer::ReaderServer(UniqueFd socket, ImagePathOpener opener)
+ReaderServer::ReaderServer(UniqueFd socket, Opener opener)
     : _opener(std::move(opener))
     , _pool(SegmentPool::create(Memory))
     , _channel(std::move(socket), _pool, ReaderProcess::Greeting)
@@ -95,6 +95,7 @@ void ReaderServer::_describe(ReaderAnswer& answer) const
     answer.openedFrame = _file->openedFrame();
     answer.firstNumber = static_cast<std::uint32_t>(_file->firstNumber());
     answer.mainPath = _file->mainPath();
+    answer.dataset = _file->dataset();
 }
 
 void ReaderServer::_send(ReaderAnswer& answer, MImage image)
@@ -118,7 +119,7 @@ void ReaderServer::_do(const ReaderRequest& request, ReaderAnswer& answer, MImag
     if (request.kind == Kind::Open) {
         _file.reset();
         _path = request.path;
-        _file = _opener(_path);
+        _file = _opener(_path, request.dataset);
         return;
     }
     if (!_file)

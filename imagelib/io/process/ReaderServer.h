@@ -14,7 +14,11 @@ namespace morvend::imglib {
 /// shared memory and handed over without a copy.
 class ReaderServer {
 public:
-    ReaderServer(UniqueFd socket, ImagePathOpener opener);
+    /// Opens a file, or one data set of it. @throws MException
+    using Opener = std::function<std::unique_ptr<ImageFile>(const std::string& path,
+                                                            const std::string& dataset)>;
+
+    ReaderServer(UniqueFd socket, Opener opener);
 
     /// Returns when the parent has gone.
     /// @throws MException when it breaks the protocol
@@ -30,7 +34,7 @@ private:
     void _attempt(ReaderAnswer& answer, Step step) const;
     void _do(const ReaderRequest& request, ReaderAnswer& answer, MImage& image);
 
-    ImagePathOpener _opener;
+    Opener _opener;
     std::shared_ptr<SegmentPool> _pool;
     MessageChannel _channel;
     HeaderChange _header;

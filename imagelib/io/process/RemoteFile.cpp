@@ -13,9 +13,11 @@ namespace morvend::imglib {
 
 using Kind = ReaderRequest::Kind;
 
-RemoteFile::RemoteFile(std::string path, std::string format, ReaderProcess::Options options)
+RemoteFile::RemoteFile(std::string path, std::string format, ReaderProcess::Options options,
+                       std::string dataset)
     : _path(std::move(path))
     , _format(std::move(format))
+    , _dataset(std::move(dataset))
     , _options(std::move(options))
 {
     _start();
@@ -70,7 +72,8 @@ void RemoteFile::_start() const
     } catch (const MException& error) {
         throw MRuntimeException(_format + ": the reader process " + error.what() + ": " + _path);
     }
-    const ReaderAnswer opened = _exchange({Kind::Open, _path, 0}, "opening the file", none);
+    const ReaderAnswer opened =
+        _exchange({Kind::Open, _path, 0, _dataset}, "opening the file", none);
     if (opened.failed()) {
         _process.reset();
         opened.rethrow();

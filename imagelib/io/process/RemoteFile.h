@@ -20,9 +20,11 @@ class RemoteFile : public ImageFile {
 public:
     /// Opens a file.
     /// @param format  its format, for messages
+    /// @param dataset  what of the file; empty for what it shows by itself
     /// @throws MException as the reader in this process would, MReaderGoneException or
     /// MTimeoutException when the reader fails, MTerminateException when it is stopped
-    RemoteFile(std::string path, std::string format, ReaderProcess::Options options);
+    RemoteFile(std::string path, std::string format, ReaderProcess::Options options,
+               std::string dataset = {});
     ~RemoteFile() override;
 
     const char* format() const override { return _state.format.c_str(); }
@@ -30,6 +32,7 @@ public:
     MImage frame(std::size_t position) const override;
     std::string framePath(std::size_t position) const override;
     std::string mainPath() const override { return _state.mainPath; }
+    std::string dataset() const override { return _state.dataset; }
     std::size_t openedFrame() const override { return _state.openedFrame; }
     int firstNumber() const override { return static_cast<int>(_state.firstNumber); }
     /// Does nothing between a failure of the reader and the next other request. The first failure
@@ -49,6 +52,7 @@ private:
 
     std::string _path;
     std::string _format;
+    std::string _dataset;
     ReaderProcess::Options _options;
     // A request may need a new reader: the state behind the constant interface changes.
     mutable std::unique_ptr<ReaderProcess> _process;

@@ -5,6 +5,7 @@
 #include "imagelib/io/series/FrameSeries.h"
 
 #include "imagelib/image/MException.h"
+#include "imagelib/io/formats/base/ImagePath.h"
 #include "imagelib/io/process/MReaderGoneException.h"
 
 #include <algorithm>
@@ -62,7 +63,7 @@ MImage FrameSeries::at(int number) const
         reopen();
     MImage image = _file->frame(position(number));
     const std::string main = _file->mainPath();
-    std::string name = fileName(main.empty() ? _path : main);
+    std::string name = ImagePath{fileName(main.empty() ? _path : main), _file->dataset()}.text();
     if (_file->frameCount() > 1)
         name += " - image " + std::to_string(number);
     describe(image, name);

@@ -82,6 +82,7 @@ const std::vector<Option>& options()
          false,
          [](A& a, Text) { a.json = true; }},
         {"--raw-header", {Command::Info}, false, [](A& a, Text) { a.rawHeader = true; }},
+        {"--datasets", {Command::Info}, false, [](A& a, Text) { a.datasets = true; }},
         {"--pixel",
          {Command::Info},
          true,
@@ -260,12 +261,15 @@ Arguments Arguments::parse(const std::vector<std::string>& words)
         throw UsageError("roi needs --line, --box, --circle or --powder");
     if (arguments.all && arguments.frame)
         throw UsageError("--all and --frame exclude each other");
+    if (arguments.datasets && (arguments.frame || arguments.rawHeader || !arguments.pixels.empty()))
+        throw UsageError("--datasets goes with --json alone");
     return arguments;
 }
 
 std::string Arguments::usage()
 {
     return R"(Usage: tarvik-image info [--json] [--frame N] [--raw-header] [--pixel X,Y]... FILE
+       tarvik-image info --datasets [--json] FILE
        tarvik-image stats [--json] [--frame N] [--count-at V]... FILE
        tarvik-image peaks [--json] [--frame N] COUNT FILE
        tarvik-image roi [--json] [--frame N] REGION FILE
@@ -278,11 +282,14 @@ std::string Arguments::usage()
        tarvik-image --help | --version
 
 FILE is a CBF, TIFF, EDF or HDF5 image; with it comes the whole series it belongs to.
+FILE::/path/in/file is one data set of an HDF5 file, or the images of one of its groups.
 
 info      tells format, series, size, statistics and header of an image
   --json        as one JSON object
   --raw-header  with the header text of the file
   --pixel X,Y   with the value of a pixel; may be given several times
+  --datasets    tells all data sets of an HDF5 file that can be shown instead; * marks the one
+                that FILE alone shows
 stats     tells the numbers of the pixels that the mask does not exclude
   --count-at V  with the number of pixels of value at most V; may be given several times
 peaks     lists the strongest local maxima, at most COUNT and 1000: x, y, value

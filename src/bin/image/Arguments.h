@@ -53,6 +53,7 @@ struct Arguments {
     bool json = false;            // info, stats, peaks, roi, geometry, thumbnail
     // info
     bool rawHeader = false;
+    bool datasets = false;
     std::vector<std::pair<int, int>> pixels;  // x, y
     std::vector<double> countAt;              // stats: values up to which pixels are counted
     int count = 0;                            // peaks

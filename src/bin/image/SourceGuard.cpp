@@ -4,12 +4,14 @@
 // Compares files by device and inode.
 #include "bin/image/SourceGuard.h"
 
+#include "imagelib/io/formats/base/ImagePath.h"
+
 #include <sys/stat.h>
 
 namespace tarvik::tool {
 
-SourceGuard::SourceGuard(std::string path, const morvend::imglib::MImageSeries& series)
-    : _path(std::move(path))
+SourceGuard::SourceGuard(const std::string& path, const morvend::imglib::MImageSeries& series)
+    : _path(morvend::imglib::ImagePath::of(path).file)
     , _series(series)
 {}
 

@@ -17,7 +17,7 @@ namespace tarvik::tool {
 class SourceGuard {
 public:
     /// `path` is the file that the series was opened by.
-    SourceGuard(std::string path, const morvend::imglib::MImageSeries& series);
+    SourceGuard(const std::string& path, const morvend::imglib::MImageSeries& series);
 
     /// @throws MBadParameterException when `target` is one of the files
     void check(const std::string& target);

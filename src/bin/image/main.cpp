@@ -6,6 +6,7 @@
 #include "bin/image/Arguments.h"
 #include "bin/image/Convert.h"
 #include "bin/image/CrashGuard.h"
+#include "bin/image/DatasetReport.h"
 #include "bin/image/GeometryReport.h"
 #include "bin/image/Info.h"
 #include "bin/image/Play.h"
@@ -44,6 +45,10 @@ void run(const Arguments& arguments)
         std::cout << "tarvik-image " TARVIK_VERSION "\n";
         break;
     case Arguments::Command::Info: {
+        if (arguments.datasets) {
+            tarvik::tool::DatasetReport::run(arguments, std::cout);
+            break;
+        }
         const tarvik::tool::Info info(arguments);
         if (arguments.json)
             info.writeJson(std::cout);

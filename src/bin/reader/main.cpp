@@ -84,9 +84,9 @@ void watchParent()
     }).detach();
 }
 
-std::unique_ptr<ImageFile> open(const std::string& path)
+std::unique_ptr<ImageFile> open(const std::string& path, const std::string& dataset)
 {
-    std::unique_ptr<ImageFile> file = openHdf5(ByteSource::open(path));
+    std::unique_ptr<ImageFile> file = openHdf5At(ByteSource::open(path), dataset);
     if (!file)
         throw MUnknownFormatException("This is no HDF5 file: " + path);
     return file;

@@ -33,7 +33,9 @@ QString OpenDirectory::get()
 
 void OpenDirectory::set(const QString& path)
 {
-    const QString folder = existingFolder(path);
+    QString folder = existingFolder(path);
+    if (folder.isEmpty())  // perhaps a data set in a file
+        folder = existingFolder(path.section(QStringLiteral("::/"), 0, 0));
     if (!folder.isEmpty())
         QSettings().setValue(key, folder);
 }

@@ -66,6 +66,12 @@ def dataset(folder, swmr=False):
             yield number if number > 1 else folder / "x.h5"
 
 
+def path(folder):
+    """The same data set, opened by its path."""
+    for told in dataset(folder):
+        yield f"{told}::/entry/data/data" if str(told).endswith(".h5") else told
+
+
 def blocks(folder):
     """A master with data files of two images each."""
     with h5py.File(folder / "b_master.h5", "w") as master:
@@ -95,7 +101,7 @@ def lastblock(folder):
             yield number
 
 
-kinds = {"numbered": numbered, "frames": frames, "dataset": dataset, "blocks": blocks,
+kinds = {"numbered": numbered, "frames": frames, "dataset": dataset, "path": path, "blocks": blocks,
          "swmr": lambda folder: dataset(folder, True), "lastblock": lastblock}
 for line in sys.stdin:
     words = line.split()

@@ -35,7 +35,8 @@ TEST_F(Growth, IsNoticedAndLocksNoWriterOut)
     writer.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     writer.start(TARVIK_PYTHON,
                  {QString::fromStdString(sourcePath("/tests/logic/service/grow.py"))});
-    for (const char* kind : {"numbered", "frames", "dataset", "swmr", "blocks", "lastblock"}) {
+    for (const char* kind :
+          {"numbered", "frames", "dataset", "path", "swmr", "blocks", "lastblock"}) {
         SCOPED_TRACE(kind);
         const TempFolder folder;
         TarvikService* view = newView();

@@ -34,6 +34,8 @@ public:
     /// The file that users know the container by, such as the master of an opened data file; empty
     /// when it is the opened file itself.
     virtual std::string mainPath() const { return {}; }
+    /// The data set that is shown, where it is not the one that the container shows by itself.
+    virtual std::string dataset() const { return {}; }
     /// The frame that the opened path names: its first one.
     virtual std::size_t openedFrame() const { return 0; }
     /// Number that users give to the frame at position 0.

@@ -6,6 +6,7 @@
 
 #include "imagelib/image/MException.h"
 #include "imagelib/io/formats/hdf5/DataFileNames.h"
+#include "imagelib/io/formats/hdf5/LinkedFailure.h"
 #include "imagelib/io/formats/hdf5/SmallValues.h"
 
 #include <algorithm>
@@ -52,6 +53,11 @@ const Place& BlockTable::_place(Block& block)
     return *block.place;
 }
 
+FrameSetPtr BlockTable::_setOf(Block& block)
+{
+    return fromLink(block.link, _master, [&] { return _sets->at(_place(block)); });
+}
+
 bool BlockTable::_exists(Block& block)
 {
     try {
@@ -83,11 +89,12 @@ void BlockTable::_findEnd()
 void BlockTable::_failWithoutBlocks()
 {
     const Place& first = _place(_blocks.front());  // throws when its link is what is wrong
+    const std::string link = ", to which the link " + _blocks.front().link + " leads: ";
     if (_blocks.size() == 1)
-        throw MNoFileAccessException("HDF5: the data file " + first.file +
-                                     " does not exist: " + _master);
+        throw MNoFileAccessException("HDF5: the data file " + first.file + " does not exist" +
+                                     link + _master);
     throw MNoFileAccessException("HDF5: none of the " + std::to_string(_blocks.size()) +
-                                 " data files exists, the first is " + first.file + ": " + _master);
+                                 " data files exists, the first is " + first.file + link + _master);
 }
 
 bool BlockTable::_open(std::size_t block)
@@ -96,12 +103,12 @@ bool BlockTable::_open(std::size_t block)
     if (mine.frames)
         return true;
     try {
-        mine.frames = countable(*_sets->at(_place(mine)));
+        mine.frames = countable(*_setOf(mine));
         return true;
-    } catch (const MException& error) {
+    } catch (const MException&) {
         // The block's own frames will fail with this text; the others must not.
-        if (_firstFailure.empty())
-            _firstFailure = error.what();
+        if (!_firstFailure)
+            _firstFailure = std::current_exception();
         return false;
     }
 }
@@ -112,7 +119,7 @@ void BlockTable::_settle()
     while (first < _end && !_open(first))
         ++first;
     if (first == _end)
-        throw MRuntimeException(_firstFailure);
+        std::rethrow_exception(_firstFailure);
     _common = *_blocks[first].frames;
     _open(_end - 1);
     _sum();
@@ -206,13 +213,13 @@ BlockTable::Spot BlockTable::spot(std::size_t position)
             continue;
         }
         _asked = true;
-        FrameSetPtr set = _sets->at(_place(_blocks[at->block]));
+        FrameSetPtr set = _setOf(_blocks[at->block]);
         _blocks[at->block].frames = _blocks[at->block].frames.value_or(countable(*set));
         if (*_blocks[at->block].frames != _starts[at->block + 1] - _starts[at->block]) {
             _countAll();
             continue;
         }
-        return {std::move(set), at->frame};
+        return {std::move(set), at->frame, _blocks[at->block].link};
     }
 }
 
@@ -252,7 +259,7 @@ void BlockTable::update()
     // What was last may have grown, and what could not be opened may be whole by now.
     for (std::size_t i = _end - 1; i < _blocks.size(); ++i)
         _blocks[i].frames.reset();
-    _firstFailure.clear();
+    _firstFailure = nullptr;
     _findEnd();
     _settle();
 }

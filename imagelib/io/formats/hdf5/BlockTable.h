@@ -6,6 +6,7 @@
 
 #include "imagelib/io/formats/hdf5/FrameSets.h"
 
+#include <exception>
 #include <optional>
 #include <string>
 #include <vector>
@@ -44,9 +45,10 @@ public:
     struct Spot {
         FrameSetPtr set;
         std::size_t frame = 0;
+        std::string link;  // path of its block in the master
     };
     /// The data set and the frame in it. May correct frames().
-    /// @throws MException naming the file when the block can't be opened
+    /// @throws MException naming master, link and file when the block can't be opened
     Spot spot(std::size_t position);
     /// The file that holds a frame, also of a block that can't be opened.
     std::string path(std::size_t position);
@@ -70,6 +72,8 @@ private:
     };
 
     const Place& _place(Block& block);
+    /// The block's data set, opened. @throws MException naming master, link and file
+    FrameSetPtr _setOf(Block& block);
     bool _exists(Block& block);
     bool _leadsTo(Block& block, const std::string& name);
     void _findEnd();
@@ -95,7 +99,7 @@ private:
     Certainty _certainty = Certainty::Estimated;
     bool _asked = false;               // a frame was asked for
     std::vector<std::size_t> _starts;  // position of each block's first frame
-    std::string _firstFailure;
+    std::exception_ptr _firstFailure;
 };
 
 }  // namespace morvend::imglib::hdf5

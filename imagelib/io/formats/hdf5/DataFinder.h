@@ -15,17 +15,19 @@ namespace morvend::imglib::hdf5 {
 struct ImageLinks {
     std::string entry;                // path of the entry group, "" for the root
     std::vector<std::string> blocks;  // paths of the blocks of frames, in order
+    std::string detector = {};        // path of the detector that took them, "" if none is known to
 };
 
-/// Looks for images in this order, entries before the root:
-/// the group that `default` names, then "data", then groups of the class NXdata, then
-/// "measurement"; in such a group the blocks "data_<number>" by number, the data set that `signal`
-/// names, "data", a data set marked by an attribute `signal`, the first data set of numbers; then
-/// the entry's own "data" or "data_<number>", and "data" below a detector. Then "/exchange/data".
-/// Last of all the largest data set of numbers with three extents, else with two.
+/// Looks for the images that a file shows by itself; docs/formats/hdf5.md tells the order.
 ///
-/// A block whose link is dead is taken if nothing better is there: it may be planned or lost.
+/// Whatever is narrow in one direction is a table, and stands back behind images. Masks and what
+/// else is made for images are none. A block whose link is dead may be planned or lost: where the
+/// file says that it holds the images it is the answer, elsewhere if there is no better one.
 /// @throws MRuntimeException when there are no images
 ImageLinks findImages(Hdf5Files& files, const Hdf5FilePtr& file);
+
+/// The images at a path: a data set of any kind, or what a group holds.
+/// @throws MRuntimeException when the file has no such path, or the group holds no images
+ImageLinks findImagesAt(Hdf5Files& files, const Hdf5FilePtr& file, const std::string& path);
 
 }  // namespace morvend::imglib::hdf5

@@ -6,19 +6,21 @@
 
 #include "imagelib/image/MException.h"
 #include "imagelib/io/formats/hdf5/DataFileNames.h"
-#include "imagelib/io/formats/hdf5/DataFinder.h"
+#include "imagelib/io/formats/hdf5/LinkedFailure.h"
 #include "imagelib/io/formats/hdf5/MetadataTree.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace morvend::imglib::hdf5 {
 
-NexusMaster::NexusMaster(const std::string& path)
+NexusMaster::NexusMaster(const std::string& path, const std::string& dataset)
     : _path(path)
+    , _dataset(dataset)
 {
-    if (_openMaster(path))
+    if (_dataset.empty() && _openMaster(path))
         return;
-    if (isDataFile(path) && dataFilesBeside(path).size() > 1)
+    if (_dataset.empty() && isDataFile(path) && dataFilesBeside(path).size() > 1)
         _state.emplace(_loadDataFiles(path));
     else
         _state.emplace(_load(path));
@@ -49,11 +51,22 @@ NexusMaster::State NexusMaster::_load(const std::string& source)
 {
     const FileState sourceState = FileState::of(source);
     const Hdf5FilePtr file = _files.file(source);
-    ImageLinks images = findImages(_files, file);
-    NexusHeader header(readMetadata(_files, file), images.entry);
+    const ImageLinks images =
+        _dataset.empty() ? findImages(_files, file) : findImagesAt(_files, file, _dataset);
+    NexusHeader header(readMetadata(_files, file), images.entry, images.detector);
     BlockTable blocks(_sets, source, images.blocks, header.plannedImages());
     header.setImages(blocks.frames());
-    return {source, sourceState, {}, std::move(header), std::move(blocks)};
+    std::string dataset = _isOwnChoice(file, images) ? std::string() : _dataset;
+    return {source, std::move(dataset), sourceState, {}, std::move(header), std::move(blocks)};
+}
+
+bool NexusMaster::_isOwnChoice(const Hdf5FilePtr& file, const ImageLinks& images)
+{
+    try {
+        return _dataset.empty() || findImages(_files, file).blocks == images.blocks;
+    } catch (const MException&) {
+        return false;  // it shows none by itself
+    }
 }
 
 NexusMaster::State NexusMaster::_loadDataFiles(const std::string& path)
@@ -61,14 +74,14 @@ NexusMaster::State NexusMaster::_loadDataFiles(const std::string& path)
     const FileState sourceState = FileState::of(path);
     const Hdf5FilePtr file = _files.file(path);
     const ImageLinks images = findImages(_files, file);
-    NexusHeader header(readMetadata(_files, file), images.entry);
+    NexusHeader header(readMetadata(_files, file), images.entry, images.detector);
     std::vector<std::string> dataFiles = dataFilesBeside(path);
     std::vector<Place> places;
     for (const std::string& each : dataFiles)
         places.push_back({each, images.blocks.front()});
     BlockTable blocks(_sets, std::move(places));
     header.setImages(blocks.frames());
-    return {path, sourceState, std::move(dataFiles), std::move(header), std::move(blocks)};
+    return {path, {}, sourceState, std::move(dataFiles), std::move(header), std::move(blocks)};
 }
 
 MImage NexusMaster::frame(std::size_t position)
@@ -78,7 +91,8 @@ MImage NexusMaster::frame(std::size_t position)
     const BlockTable::Spot spot = _state->blocks.spot(position);
     if (frames() != known)
         _state->header.setImages(frames());
-    MImage image = spot.set->read(spot.frame, _sets);
+    MImage image =
+        fromLink(spot.link, _state->source, [&] { return spot.set->read(spot.frame, _sets); });
     MBasicImageOptionalData<> header = _state->header.of(position);
     _addMask(header, image, position);
     image.setOptionalData(header);
@@ -89,7 +103,7 @@ void NexusMaster::_addMask(MBasicImageOptionalData<>& header, const MImage& imag
                            std::size_t position)
 {
     if (!_mask || _mask->ofFrame) {
-        Mask mask = readMask(_sets, _state->source, _state->header.maskPaths(),
+        Mask mask = readMask(_sets, _state->source, _maskPaths(),
                              {image.width(), image.height(), position, frames()});
         // An unchanged mask keeps its identity, by which others know that they know it.
         if (_lastMask.empty() || !samePixels(mask.image, _lastMask))
@@ -104,6 +118,13 @@ void NexusMaster::_addMask(MBasicImageOptionalData<>& header, const MImage& imag
     if (!_lastMask.empty() && _lastMask.width() == image.width() &&
         _lastMask.height() == image.height())
         header.set_pixel_mask(_lastMask);
+}
+
+std::vector<std::string> NexusMaster::_maskPaths() const
+{
+    // A mask that is looked at must not hide what it is made of.
+    std::vector<std::string> paths = _state->header.maskPaths();
+    return std::ranges::find(paths, _dataset) == paths.end() ? paths : std::vector<std::string>();
 }
 
 void NexusMaster::update()

@@ -5,6 +5,7 @@
 #include "imagelib/io/formats/hdf5/NexusReader.h"
 
 #include "imagelib/image/MException.h"
+#include "imagelib/io/formats/hdf5/DatasetList.h"
 #include "imagelib/io/formats/hdf5/NexusMaster.h"
 
 #include <cstring>
@@ -30,14 +31,15 @@ bool hasSignature(const ByteSource& source)
 
 class NexusFile : public ImageFile {
 public:
-    explicit NexusFile(const std::string& path)
-        : _master(std::make_unique<hdf5::NexusMaster>(path))
+    NexusFile(const std::string& path, const std::string& dataset)
+        : _master(std::make_unique<hdf5::NexusMaster>(path, dataset))
     {}
     const char* format() const override { return "HDF5"; }
     std::size_t frameCount() const override { return _master->frames(); }
     MImage frame(std::size_t position) const override { return _master->frame(position); }
     std::string framePath(std::size_t position) const override { return _master->path(position); }
     std::string mainPath() const override { return _master->source(); }
+    std::string dataset() const override { return _master->dataset(); }
     std::size_t openedFrame() const override { return _master->openedFrame(); }
     int firstNumber() const override { return 1; }
     void update() override { _master->update(); }
@@ -62,7 +64,20 @@ bool isHdf5(const ByteSource& source)
 
 std::unique_ptr<ImageFile> openHdf5(std::shared_ptr<const ByteSource> source)
 {
-    return isHdf5(*source) ? std::make_unique<NexusFile>(source->path()) : nullptr;
+    return openHdf5At(std::move(source), {});
+}
+
+std::unique_ptr<ImageFile> openHdf5At(std::shared_ptr<const ByteSource> source,
+                                      const std::string& dataset)
+{
+    return isHdf5(*source) ? std::make_unique<NexusFile>(source->path(), dataset) : nullptr;
+}
+
+std::vector<Hdf5Dataset> listHdf5(const std::string& path)
+{
+    if (!isHdf5(*ByteSource::open(path)))
+        throw MUnknownFormatException("This is no HDF5 file, which alone has data sets: " + path);
+    return hdf5::listDatasets(path);
 }
 
 }  // namespace morvend::imglib

@@ -143,7 +143,9 @@ void VirtualLayout::_setSource(Part& part, const Mapping& mapping, hsize_t index
 Place VirtualLayout::_sourceOf(const Mapping& mapping, hsize_t block) const
 {
     const std::string& own = _set.file()->path();
-    const std::string path = numbered(mapping.path, block);
+    std::string path = numbered(mapping.path, block);
+    if (!path.starts_with('/'))
+        path.insert(0, 1, '/');
     const std::string file = numbered(mapping.file, block);
     if (file == ".")
         return {own, path};

@@ -71,7 +71,7 @@ private:
     bool _diesOfUpdates;
 };
 
-std::unique_ptr<ImageFile> open(const std::string& path)
+std::unique_ptr<ImageFile> open(const std::string& path, const std::string& /*dataset*/)
 {
     if (path == FatalPath)
         std::raise(SIGBUS);

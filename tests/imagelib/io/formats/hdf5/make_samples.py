@@ -219,6 +219,8 @@ def series():
     master("dead", [3, 3], folder="/no/such/folder/")
     master("noslash", [3, 3], target=DATA)
     master("none", [], planned=3)
+    put("none_master", {DETECTOR + "pixel_mask": pattern(1, "u4")[0],
+                        DETECTOR + "detectorSpecific/flatfield": pattern(1, "f4")[0]})
     for i, size in enumerate([3, 3, 1]):
         block(f"orphan_data_{i:06d}", size, 3 * i)
     block("single_data", 3, 0)
@@ -283,6 +285,58 @@ def layouts():
                     "deep/matrix": np.zeros((300, 300))})
     put("block_in_file", {DATA + "_000001": data, DATA + "_000002": pattern(1, "u2", 3)})
     put("soft", {"real/frames": data, DATA: h5py.SoftLink("/real/frames")})
+    detectors(data)
+    lost()
+
+
+def entry_of(groups, *more):
+    """Attributes that make "entry" an entry, and the groups below it what they are."""
+    return [("entry", "NX_class", "NXentry"), ("entry/instrument", "NX_class", "NXinstrument"),
+            *[("entry/" + group, "NX_class", kind) for group, kind in groups.items()], *more]
+
+
+def detectors(data):
+    """Tables, spectra and images side by side; the images are meant."""
+    values = {"apd": np.zeros((9, 1)), "eye": data, "mca": np.zeros((9, 512))}
+    for name, more in [("detectors", []), ("default_lost_way", [("entry", "default", "nowhere")]),
+                       ("default_table", [("/", "default", "entry"), ("entry", "default", "apd")])]:
+        content = {}
+        for i, (group, value) in enumerate(values.items()):
+            content[f"entry/instrument/{group}/data"] = value
+            content[f"entry/instrument/{group}/distance"] = 1.0 + i
+            content[f"entry/{group}/counts"] = h5py.SoftLink(f"/entry/instrument/{group}/data")
+        put(name, content, entry_of(
+            {**dict.fromkeys(values, "NXdata"),
+             **{"instrument/" + group: "NXdetector" for group in values}},
+            *[("entry/" + group, "signal", "counts") for group in values], *more))
+    put("default_chain", {"entry/a/b/counts": data, "entry/data/data": np.zeros((60, 60)),
+                          "entry/a/b/zero": np.zeros((70, 70))},
+        entry_of({"a/b": "NXdata"}, ("entry", "default", "a"), ("entry/a", "default", "b"),
+                 ("entry/a/b", "signal", "counts")))
+    put("old_signal", {"entry/plot/early": np.zeros((60, 60)), "entry/plot/late": data},
+        entry_of({"plot": "NXdata"}, ("entry/plot/late", "signal", 1),
+                 ("entry/plot/early", "signal", 2)))
+    put("beside", {"entry/measurement/a": np.zeros((9, 1)), "entry/measurement/mca": np.zeros((40, 512)),
+                   "entry/measurement/eye": data, "entry/measurement/mask": np.zeros((90, 90, 90))},
+        entry_of({"measurement": "NXcollection"}))
+    put("linked_group", {"real/eye": data, "entry/plot": h5py.SoftLink("/real")},
+        entry_of({}, ("entry", "default", "plot")))
+
+
+def lost():
+    """Files whose images are gone: what is left are masks and tables."""
+    left = {DETECTOR + "pixel_mask": pattern(1)[0], DETECTOR + "detectorSpecific/flatfield":
+            pattern(3, "f4"), "entry/data/positions": np.zeros((9, 3))}
+    put("lost_data", {**left, DATA: external("gone.h5")}, entry_of({"data": "NXdata"}))
+    put("lost_group", {**left, "entry/plot": external("gone.h5", "entry/plot")},
+        entry_of({}, ("entry", "default", "plot")))
+    put("lost_default", {**left, "entry/plot/eye": external("gone.h5"), DATA: pattern(1)},
+        entry_of({"plot": "NXdata"}, ("entry", "default", "plot"), ("entry/plot", "signal", "eye")))
+    put("lost_detector", {DETECTOR[:-1]: external("gone.h5", "detector")}, entry_of({}))
+    del left["entry/data/positions"]
+    put("mask_alone", left, entry_of({"instrument/detector": "NXdetector"}))
+    put("circle", {**left, DATA: h5py.SoftLink("/entry/data/x"),
+                   "entry/data/x": h5py.SoftLink("/" + DATA)}, entry_of({}))
 
 
 def virtual():
@@ -304,6 +358,7 @@ def virtual():
     stack("wider", sources, dtype="u4")
     stack("floating", sources, dtype="f8")
     stack("missing", ["source_0", "lost", "source_2"])
+    virtual_file("missing_data", two, [(..., "lost", DATA, two)])
     stack("unmapped", ["source_0", None, "source_2"], fill=77)
     stack("nested", [None, None, None])
     for name in ["same_file", "before"]:

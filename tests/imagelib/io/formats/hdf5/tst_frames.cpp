@@ -166,9 +166,13 @@ TEST_F(Hdf5Virtual, ALostSourceIsAnErrorThatNamesIt)
     const auto file = open("missing.h5");
     ASSERT_EQ(file->frameCount(), 6u);
     EXPECT_EQ(differenceFrom(file->frame(1), 1), "");
-    EXPECT_THAT(failureOf([&] { file->frame(2); }), HasSubstr(path("lost.h5")));
+    EXPECT_EQ(failureOf([&] { file->frame(2); }),
+              "HDF5: there is no such file: " + path("lost.h5") +
+                  ", to which /entry/data/data of " + path("missing.h5") + " leads");
     EXPECT_EQ(file->framePath(2), path("lost.h5"));
     EXPECT_EQ(differenceFrom(file->frame(5), 5), "");
+    // Its path in the lost file is that of the virtual data set, which must not refer to itself.
+    EXPECT_THAT(failureOf([] { open("missing_data.h5")->frame(0); }), HasSubstr(path("lost.h5")));
 }
 
 TEST_F(Hdf5Virtual, PlacesWithoutASourceShowTheFillValue)

@@ -10,6 +10,7 @@
 #include "logic/preload/PreloaderClient.h"
 #include "logic/preload/PreloaderProcess.h"
 #include "logic/support/Console.h"
+#include "logic/support/FailureSummary.h"
 #include "logic/tarvikcore.h"
 
 #include <QCoreApplication>
@@ -64,6 +65,7 @@ public:
         connect(&view, &TarvikService::imageLoadErrorSignal, this, &Run::_failed);
     }
 
+    /// Images that can't be read later on are told at the end, all of a kind in one line.
     /// @throws MRuntimeException when the first image can't be read
     void play(const std::string& path)
     {
@@ -71,6 +73,8 @@ public:
         QCoreApplication::exec();
         if (!_view.imageLoaded())
             throw morvend::MRuntimeException(_failure.toStdString());
+        for (const std::string& line : _reasons.lines())
+            console::warn("tarvik-image: " + line + '\n');
     }
 
     void report(std::ostream& out) const
@@ -131,7 +135,7 @@ private:
             _failure = reason;
             return QCoreApplication::exit();
         }
-        console::warn("tarvik-image: " + reason.toStdString() + '\n');
+        _reasons.add(_next, reason.toStdString());
         ++_failures;
         ++_next;
         _goOn();
@@ -161,6 +165,7 @@ private:
     int _played = 0;
     int _failures = 0;
     QString _failure;
+    FailureSummary _reasons;
     QElapsedTimer _clock;
     qint64 _clockEnd = 0;
     StepTimes _before;

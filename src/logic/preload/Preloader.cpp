@@ -5,8 +5,10 @@
 #include "logic/preload/Preloader.h"
 
 #include "imagelib/io/MImageSeries.h"
+#include "imagelib/io/formats/base/ImagePath.h"
 #include "imagelib/ipc/SegmentPool.h"
 #include "logic/support/Console.h"
+#include "logic/support/FailureSummary.h"
 
 #include <system_error>
 
@@ -31,10 +33,11 @@ public:
     void select(const std::string& path)
     {
         // Stamped before the look: what is written meanwhile counts as a change.
-        const FileStamp now(path);
+        const FileStamp now(morvend::imglib::ImagePath::of(path).file);
         if (path != _path) {
             _series.open(path);
             _path = path;
+            _failures.clear();
             // The images of the old one have another size as a rule.
             SegmentPool::process()->trim();
         } else if (_ended || !(now == _stamp)) {
@@ -67,11 +70,20 @@ public:
     /// The series had no further image: it may have grown when it is asked for again.
     void ended() { _ended = true; }
 
+    /// Notes that an image can't be read. Each request begins anew with the images behind it:
+    /// only the first failure of a kind is reported.
+    void failed(unsigned long index, const std::exception& error)
+    {
+        if (_failures.add(static_cast<long long>(index), error.what()))
+            warn(_path + ':' + std::to_string(index), error);
+    }
+
 private:
     morvend::imglib::MImageSeries _series{0};
     std::string _path;
     FileStamp _stamp;
     bool _ended = false;
+    FailureSummary _failures;
 };
 
 Preloader::Preloader(PreloaderCache& cache, std::uint64_t most)
@@ -165,7 +177,7 @@ void Preloader::_readAhead(const Key& key, Series& series)
             series.ended();
             return;
         } catch (const std::exception& error) {
-            warn(path + ':' + std::to_string(i), error);
+            series.failed(i, error);
         }
     }
 }

@@ -48,8 +48,10 @@ void PreloaderProcess::_start()
         {QStringLiteral("--preloader"), QString::fromStdString(PreloaderClient::messageQueueId()),
          QStringLiteral("--parent-pid"), QString::number(QCoreApplication::applicationPid())});
     process.setStandardInputFile(QProcess::nullDevice());
-    if (_quiet)
+    if (_quiet) {
         process.setStandardOutputFile(QProcess::nullDevice());
+        process.setStandardErrorFile(QProcess::nullDevice());
+    }
     _lifetime.start();
     if (process.startDetached(&_pid))
         _watch();

@@ -19,7 +19,8 @@ class PreloaderProcess : public QObject {
     Q_OBJECT
 public:
     /// @param executable the viewer's program, which takes the role of the preloader too
-    /// @param quiet drops what it prints on standard output
+    /// @param quiet drops what it prints on standard output and standard error: its parent reads
+    /// the images that it can't read, and reports those failures itself
     explicit PreloaderProcess(const QString& executable, bool quiet = false,
                               QObject* parent = nullptr);
     ~PreloaderProcess() override;

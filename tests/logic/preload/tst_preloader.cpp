@@ -106,7 +106,8 @@ TEST_F(ReadAhead, TellsWhatCanNotBeReadAndGoesOn)
 {
     for (const int i : {1, 2, 4, 7})
         write(i);
-    folder.write(name(3), "{ HeaderID = 1 ; Size = 4 }\n");
+    for (const int damaged : {3, 5})  // of which the second is nothing new
+        folder.write(name(damaged), "{ HeaderID = 1 ; Size = 4 }\n");
     const std::string path = folder / name(1);
     testing::internal::CaptureStderr();
     {
@@ -182,21 +183,26 @@ TEST_F(ReadAhead, DecodesIntoSharedMemoryThatIsUsedAgain)
 
 TEST_F(ReadAhead, FollowsAnHdf5SeriesThatIsReplaced)
 {
-    const std::string path = folder / "x_master.h5";
-    const auto record = [&](int value, int frames) {
-        morvend::imglib::MHdf5Writer writer(path, frames, {}, morvend::imglib::MCompression::NONE);
-        for (int i = 1; i <= frames; ++i)
-            writer.write(MImage(8, 4, unsigned(value + i)));
-    };
-    record(100, 3);
-    Preloader preloader(cache);
-    preloader.run({path, 1});
-    EXPECT_TRUE(holds(preloader, path, {2, 3}));
-    EXPECT_TRUE((cache[{path, 2}].optionalData().nexusTree().empty())) << "the client has it";
-    record(200, 4);
-    preloader.run({path, 2});
-    EXPECT_TRUE(holds(preloader, path, {3, 4}));
-    EXPECT_EQ(firstPixel(path, 3), 203);
+    // As a file, and as a group in it by its path.
+    for (const std::string dataset : {"", "::/entry/data"}) {
+        const std::string file = folder / "x_master.h5";
+        const std::string path = file + dataset;
+        const auto record = [&](int value, int frames) {
+            morvend::imglib::MHdf5Writer writer(file, frames, {},
+                                                morvend::imglib::MCompression::NONE);
+            for (int i = 1; i <= frames; ++i)
+                writer.write(MImage(8, 4, unsigned(value + i)));
+        };
+        record(100, 3);
+        Preloader preloader(cache);
+        preloader.run({path, 1});
+        EXPECT_TRUE(holds(preloader, path, {2, 3}));
+        EXPECT_TRUE((cache[{path, 2}].optionalData().nexusTree().empty())) << "the client has it";
+        record(200, 4);
+        preloader.run({path, 2});
+        EXPECT_TRUE(holds(preloader, path, {3, 4}));
+        EXPECT_EQ(firstPixel(path, 3), 203);
+    }
 }
 
 }  // namespace

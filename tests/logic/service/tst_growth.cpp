@@ -36,7 +36,7 @@ TEST_F(Growth, IsNoticedAndLocksNoWriterOut)
     writer.start(TARVIK_PYTHON,
                  {QString::fromStdString(sourcePath("/tests/logic/service/grow.py"))});
     for (const char* kind :
-          {"numbered", "frames", "dataset", "path", "swmr", "blocks", "lastblock"}) {
+         {"numbered", "frames", "dataset", "path", "swmr", "blocks", "lastblock"}) {
         SCOPED_TRACE(kind);
         const TempFolder folder;
         TarvikService* view = newView();

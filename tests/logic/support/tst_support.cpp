@@ -5,6 +5,7 @@
 #include "logic/DebugMutex.h"
 #include "logic/support/ConfigFile.h"
 #include "logic/support/Console.h"
+#include "logic/support/FailureSummary.h"
 #include "logic/support/GlobalSettings.h"
 
 #include <QFile>
@@ -12,7 +13,9 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
 #include <thread>
+#include <vector>
 
 namespace {
 
@@ -54,6 +57,23 @@ TEST(DebugMutexDeathTest, FaultsOfLockingEndTheProcess)
         },
         "_status > 0 && _process ==");
     EXPECT_DEATH({ DebugMutex().lock(); }, "_status == 0");
+}
+
+TEST(FailureSummary, FailuresThatDifferInNumbersAloneAreOneLine)
+{
+    FailureSummary failures;
+    EXPECT_TRUE(failures.add(3, "no file: /x_0003.h5"));
+    EXPECT_TRUE(failures.add(4, "damaged: /x_0004.h5"));
+    EXPECT_FALSE(failures.add(5, "no file: /x_00005.h5"));
+    EXPECT_EQ(failures.lines(),
+              (std::vector<std::string>{"2 images from 3 to 5 can't be read, the first because of: "
+                                        "no file: /x_0003.h5",
+                                        "damaged: /x_0004.h5"}));
+    for (int i = 0; i < 1000; ++i)
+        failures.add(i, std::string(static_cast<std::size_t>(i), 'x'));
+    EXPECT_LE(failures.lines().size(), 50u);
+    failures.clear();
+    EXPECT_TRUE(failures.add(6, "no file: /x_0006.h5"));
 }
 
 TEST(GlobalSettings, PrintsEachKeyThatTheFileHolds)

@@ -256,6 +256,19 @@ TEST_F(Apart, ImagesAndHeadersAreThoseReadInPlace)
     EXPECT_EQ(apart.at(6).pixel<int>(1, 1, 0), 105);
 }
 
+TEST_F(Apart, ADataSetIsShownByItsPathAndNamed)
+{
+    writer.flush();
+    MImageSeries apart(0);
+    EXPECT_EQ(apart.open(path + "::/entry/instrument/detector/pixel_mask"), 1);
+    EXPECT_EQ(apart.last(), 1);
+    EXPECT_EQ(apart.at(1).pixel<int>(1, 1, 0), 1);
+    EXPECT_EQ(*apart.at(1).optionalData().imageDescription(),
+              "x_master.h5::/entry/instrument/detector/pixel_mask");
+    apart.open(path + "::/entry/data");
+    EXPECT_EQ(*apart.at(5).optionalData().imageDescription(), "x_master.h5 - image 5");
+}
+
 TEST_F(Apart, EverySeriesHasAReaderOfItsOwn)
 {
     MImageSeries one(0);

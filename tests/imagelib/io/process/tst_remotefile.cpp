@@ -82,6 +82,7 @@ ReaderAnswer fullAnswer()
     answer.openedFrame = 12;
     answer.firstNumber = 1;
     answer.mainPath = "/data/a b_master.h5";
+    answer.dataset = "/entry/a b";
     answer.framePath = "/data/\xff.h5";  // paths are bytes
     answer.header = HeaderForm::SameTree;
     return answer;
@@ -304,7 +305,7 @@ TEST(ReaderMessages, FailuresKeepTheirClass)
 TEST(ReaderMessages, CutsAndChangedBytesAreRefusedOrRead)
 {
     const std::string request =
-        ReaderRequest{ReaderRequest::Kind::Frame, "/data/\xfe", UINT64_MAX}.toText();
+        ReaderRequest{ReaderRequest::Kind::Frame, "/data/\xfe", UINT64_MAX, "/entry/\xfe"}.toText();
     const std::string answer = fullAnswer().toText();
     EXPECT_EQ(ReaderRequest::fromText(request).toText(), request);
     EXPECT_EQ(ReaderAnswer::fromText(answer).toText(), answer);
@@ -318,8 +319,9 @@ TEST(ReaderMessages, CutsAndChangedBytesAreRefusedOrRead)
     for (std::size_t size = 0; size < request.size(); ++size)
         EXPECT_THROW(ReaderRequest::fromText(request.substr(0, size)), MRuntimeException) << size;
     EXPECT_THROW(ReaderAnswer::fromText(answer + "x"), MRuntimeException);
+    EXPECT_NO_THROW(ReaderRequest::fromText(std::string("3\0/x\0000\0\0", 8)));
     for (const char* kind : {"4", "-1", "", "1x", "99999999999999999999"})
-        EXPECT_THROW(ReaderRequest::fromText(kind + std::string("\0/x\0000\0", 6)),
+        EXPECT_THROW(ReaderRequest::fromText(kind + std::string("\0/x\0000\0\0", 7)),
                      MRuntimeException)
             << kind;
 }

@@ -46,16 +46,16 @@ RoiStatistics RoiComputer::compute() const
         result.curveLabels = {"Length/Pixels", "Intensity"};
         break;
     case StatisticsData::Box:
-        result = ComputeBoxStatistics(_selection).compute(*_image, *_mask);
+        result = ComputeBoxStatistics(_selection, _stop).compute(*_image, *_mask);
         result.curveLabels = {"X Pixel", "X Projection"};
         result.secondCurveLabels = {"Y Pixel", "Y Projection"};
         break;
     case StatisticsData::Circle:
-        result = ComputeCircleStatistics(_selection).compute(*_image, *_mask);
+        result = ComputeCircleStatistics(_selection, _stop).compute(*_image, *_mask);
         result.curveLabels = {"Length/Pixels", "Intensity"};
         break;
     case StatisticsData::CentredCircle:
-        result = ComputeCentredCircleStatistics(_selection).compute(*_image, *_mask);
+        result = ComputeCentredCircleStatistics(_selection, _stop).compute(*_image, *_mask);
         break;
     default:
         break;

@@ -8,6 +8,9 @@
 #include "logic/analysis/roi/RoiStatistics.h"
 #include "logic/records/StatisticsData.h"
 
+#include <stop_token>
+#include <utility>
+
 /// Computes a region of interest. Image and mask are not owned and must outlive compute().
 /// Thread: any; compute() is const and reentrant.
 class RoiComputer {
@@ -19,6 +22,9 @@ public:
     void setStatisticsData(const StatisticsData& selection) { _selection = selection; }
     void setImage(const morvend::imglib::MImage& image) { _image = &image; }
     void setMask(const morvend::imglib::MImage& mask) { _mask = &mask; }
+
+    /// Lets compute() end early once a stop is requested; what it gives then is of no use.
+    void setStopToken(std::stop_token stop) { _stop = std::move(stop); }
 
     /// A default record when image, mask or a defined selection is missing.
     /// @throws MNotImplementedException for a pixel type that is none of the twelve,
@@ -32,6 +38,7 @@ public:
 
 private:
     StatisticsData _selection;
+    std::stop_token _stop;
     const morvend::imglib::MImage* _image = nullptr;
     const morvend::imglib::MImage* _mask = nullptr;
 };

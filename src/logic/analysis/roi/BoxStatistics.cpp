@@ -1,11 +1,13 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// The box, written once over all pixel types.
+// The box in bands of rows, compiled for each pixel type.
 #include "logic/analysis/roi/BoxStatistics.h"
 
-#include "imagelib/image/BinaryDispatcher.h"
+#include "imagelib/image/PixelTypes.h"
+#include "logic/analysis/roi/Blocks.h"
 #include "logic/analysis/roi/PixelReader.h"
+#include "logic/analysis/statistics/GoodPixels.h"
 
 #include <algorithm>
 #include <type_traits>
@@ -15,11 +17,14 @@ using namespace roi;
 
 namespace {
 
+/// Parts of the work; fixed, as the order of sums depends on it.
+constexpr int Bands = 16;
+
 /// The square in the arithmetic of the pixel type, at least int, where it may wrap.
-template <class L>
-double square(L value)
+template <class T>
+double square(T value)
 {
-    if constexpr (std::is_floating_point_v<L>) {
+    if constexpr (std::is_floating_point_v<T>) {
         return static_cast<double>(value) * static_cast<double>(value);
     } else {
         using Promoted = decltype(value + value);
@@ -29,9 +34,68 @@ double square(L value)
     }
 }
 
+/// A column or row of the box.
 struct Projection {
     double sum = 0;
     bool good = false;
+};
+
+/// The part of a box that lies in the image.
+struct Inside {
+    int left;
+    int top;
+    int right;
+    int bottom;
+};
+
+struct Band {
+    std::vector<Projection> columns;
+    double squares = 0;
+    std::size_t good = 0;
+    Extremes extremes;
+};
+
+template <class T>
+class BandReader {
+public:
+    BandReader(const MImage& image, const GoodPixels& good, const Inside& box)
+        : _pixels(image.pixels<T>())
+        , _width(static_cast<std::size_t>(image.width()))
+        , _good(good)
+        , _box(box)
+    {}
+
+    void addRow(int y, Projection& row, Band& band) const
+    {
+        const std::size_t begin = static_cast<std::size_t>(y) * _width;
+        const auto left = static_cast<std::size_t>(_box.left);
+        const auto right = static_cast<std::size_t>(_box.right);
+        const T* pixels = _pixels + begin;
+        double sum = 0;
+        double squares = 0;
+        for (std::size_t x = left; x < right; ++x) {
+            // Excluded pixels enter as zeros.
+            const bool good = _good[begin + x];
+            const T value = good ? pixels[x] : T(0);
+            const auto number = static_cast<double>(value);
+            Projection& column = band.columns[x - left];
+            column.sum += number;
+            column.good |= good;
+            sum += number;
+            squares += square(value);
+            row.good |= good;
+            band.good += good;
+            band.extremes.add(number);
+        }
+        row.sum += sum;
+        band.squares += squares;
+    }
+
+private:
+    const T* _pixels;
+    std::size_t _width;
+    const GoodPixels& _good;
+    const Inside _box;
 };
 
 std::vector<std::vector<double>> projectionCurve(const std::vector<Projection>& projection,
@@ -46,10 +110,28 @@ std::vector<std::vector<double>> projectionCurve(const std::vector<Projection>& 
     return curve;
 }
 
+/// Goes over the rows in bands; `rows` begins with the first row of the box in the image.
+template <class T>
+std::vector<Band> readBands(const MImage& image, const GoodPixels& good, const Inside& box,
+                            Projection* rows, const std::stop_token& stop)
+{
+    const BandReader<T> reader(image, good, box);
+    std::vector<Band> bands(Bands);
+    forEachBlock(Bands, [&](int number) {
+        Band& band = bands[static_cast<std::size_t>(number)];
+        band.columns.resize(static_cast<std::size_t>(box.right - box.left));
+        const auto border = [&](int i) {
+            return int(std::int64_t(box.bottom - box.top) * i / Bands);
+        };
+        for (int i = border(number); i < border(number + 1) && !stop.stop_requested(); ++i)
+            reader.addRow(box.top + i, rows[i], band);
+    });
+    return bands;
+}
+
 }  // namespace
 
-template <class L, class R>
-RoiStatistics ComputeBoxStatistics::operator()(const MImage& image, const MImage& mask) const
+RoiStatistics ComputeBoxStatistics::compute(const MImage& image, const MImage& mask) const
 {
     const auto [x0, x1] = std::minmax(_selection->beginX, _selection->endX);
     const auto [y0, y1] = std::minmax(_selection->beginY, _selection->endY);
@@ -58,40 +140,38 @@ RoiStatistics ComputeBoxStatistics::operator()(const MImage& image, const MImage
     RoiStatistics result;
     result.area = static_cast<double>(columns.size()) * static_cast<double>(rows.size());
 
-    const PixelReader<L, R> reader(image, mask);
+    const Inside box{std::max(x0, 0), std::max(y0, 0), std::min(x1, image.width()),
+                     std::min(y1, image.height())};
     // Pixels outside the image are excluded and enter as zeros, which only the extremes can tell.
-    const int left = std::max(x0, 0);
-    const int right = std::min(x1, reader.width());
-    const int top = std::max(y0, 0);
-    const int bottom = std::min(y1, reader.height());
-    const bool leavesImage = left != x0 || right != x1 || top != y0 || bottom != y1;
+    const bool meetsImage = box.left < box.right && box.top < box.bottom;
+    const bool leavesImage = box.left != x0 || box.right != x1 || box.top != y0 || box.bottom != y1;
     Extremes extremes;
-    if (result.area > 0 && (left != x0 || top != y0 || left >= right || top >= bottom))
+    if (result.area > 0 && leavesImage)
         extremes.add(0);
     double squares = 0;
     std::size_t good = 0;
-    for (int y = top; y < bottom; ++y) {
-        Projection& row = rows[static_cast<std::size_t>(y - y0)];
-        const L* pixels = reader.row(y);
-        const R* marks = reader.maskRow(y);
-        for (int x = left; x < right; ++x) {
-            Projection& column = columns[static_cast<std::size_t>(x - x0)];
-            L value = 0;
-            if (maskrule::good(marks[x])) {
-                value = pixels[x];
-                column.good = row.good = true;
-                ++good;
+    if (meetsImage) {
+        const auto bits = GoodPixels::of(mask);
+        const auto bands =
+            morvend::datatypes::dispatchPixelType(image.type(), image.typeBits(), [&]<class T>() {
+                return readBands<T>(image, *bits, box, &rows[std::size_t(box.top - y0)], _stop);
+            });
+        for (const Band& band : bands) {
+            for (std::size_t i = 0; i < band.columns.size(); ++i) {
+                Projection& column = columns[static_cast<std::size_t>(box.left - x0) + i];
+                column.sum += band.columns[i].sum;
+                column.good |= band.columns[i].good;
             }
-            const auto number = static_cast<double>(value);
-            result.integral += number;
-            column.sum += number;
-            row.sum += number;
-            squares += square(value);
-            extremes.add(number);
+            squares += band.squares;
+            good += band.good;
+            if (band.extremes.any) {
+                extremes.add(band.extremes.minimum);
+                extremes.add(band.extremes.maximum);
+            }
         }
     }
-    if (result.area > 0 && leavesImage)
-        extremes.add(0);
+    for (const Projection& row : rows)
+        result.integral += row.sum;
     result.minimum = extremes.minimum;
     result.maximum = extremes.maximum;
     if (good != 0) {
@@ -101,11 +181,4 @@ RoiStatistics ComputeBoxStatistics::operator()(const MImage& image, const MImage
     result.curve = projectionCurve(columns, x0, rows.size());
     result.secondCurve = projectionCurve(rows, y0, columns.size());
     return result;
-}
-
-RoiStatistics ComputeBoxStatistics::compute(const MImage& image, const MImage& mask) const
-{
-    return morvend::datatypes::BinaryDispatcher<const ComputeBoxStatistics&, const MImage,
-                                                const MImage, RoiStatistics>::Go(image, mask,
-                                                                                 *this);
 }

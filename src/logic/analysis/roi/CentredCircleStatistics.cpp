@@ -1,12 +1,11 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// The powder plot, written once over all pixel types.
+// The powder plot from the sums of its ring.
 #include "logic/analysis/roi/CentredCircleStatistics.h"
 
-#include "imagelib/image/BinaryDispatcher.h"
 #include "logic/analysis/roi/PixelReader.h"
-#include "logic/analysis/roi/RingTable.h"
+#include "logic/analysis/roi/RingSums.h"
 
 #include <cmath>
 
@@ -35,31 +34,24 @@ void startCurve(RoiStatistics& result, const StatisticsData& ring, const MImage&
     }
 }
 
-/// Sums over the ring in which each pixel counts by its part.
-struct RingSums {
-    double integral = 0;
-    double squares = 0;
-    double weight = 0;
-    Extremes extremes;
-    void add(double value, double part)
-    {
-        integral += value * part;
-        squares += value * value * part;
-        weight += part;
-        extremes.add(value);
+void store(RoiStatistics& result, const RingSums& sums, int innerRadius)
+{
+    result.integral = sums.integral;
+    result.minimum = sums.range.lowest;
+    result.maximum = sums.range.highest;
+    if (sums.weight != 0) {
+        result.mean = sums.integral / sums.weight;
+        result.sigma = deviation(sums.squares, sums.weight, result.mean);
     }
-};
-
-struct CurvePoint {
-    double value = 0;
-    double length = 0;
-};
+    const auto skipped = static_cast<std::size_t>(sums.firstRadius - innerRadius);
+    for (std::size_t i = 0; i < sums.points.size(); ++i)
+        if (sums.points[i].length != 0)
+            result.curve[skipped + i][1] = sums.points[i].value / sums.points[i].length;
+}
 
 }  // namespace
 
-template <class L, class R>
-RoiStatistics ComputeCentredCircleStatistics::operator()(const MImage& image,
-                                                         const MImage& mask) const
+RoiStatistics ComputeCentredCircleStatistics::compute(const MImage& image, const MImage& mask) const
 {
     const StatisticsData& selection = *_selection;
     RoiStatistics result;
@@ -67,50 +59,13 @@ RoiStatistics ComputeCentredCircleStatistics::operator()(const MImage& image,
         return result;
     result.area = double(selection.outerRadius) * selection.outerRadius * Pi;
     startCurve(result, selection, image);
-
-    const auto table = RingTable::of({selection.powderX, selection.powderY, selection.innerRadius,
-                                      selection.outerRadius, image.width(), image.height()});
-    const L* pixels = image.pixels<L>();
-    const R* marks = mask.pixels<R>();
-    RingSums sums;
-    for (const auto& [begin, length] : table->runs())
-        for (std::size_t i = begin; i < std::size_t(begin) + length; ++i)
-            if (maskrule::good(marks[i]))
-                sums.add(static_cast<double>(pixels[i]), 1.0);
-    for (const auto& [position, weight] : table->rim())
-        if (maskrule::good(marks[position]))
-            sums.add(static_cast<double>(pixels[position]), weight);
-    std::vector<CurvePoint> points(result.curve.size());
-    for (const auto& [position, point, section] : table->crossings()) {
-        if (!maskrule::good(marks[position]))
-            continue;
-        points[point].value += static_cast<double>(pixels[position]) * section;
-        points[point].length += section;
-    }
-
-    result.integral = sums.integral;
-    result.minimum = sums.extremes.minimum;
-    result.maximum = sums.extremes.maximum;
-    if (sums.weight != 0) {
-        result.mean = sums.integral / sums.weight;
-        result.sigma = deviation(sums.squares, sums.weight, result.mean);
-    }
-    for (std::size_t i = 0; i < points.size(); ++i)
-        if (points[i].length != 0)
-            result.curve[i][1] = points[i].value / points[i].length;
+    const Ring ring{selection.powderX,     selection.powderY, selection.innerRadius,
+                    selection.outerRadius, image.width(),     image.height()};
+    store(result, sumRing(ring, *PixelSource::of(image, mask), _stop), selection.innerRadius);
     if (selection.innerRadius == 0 && !result.curve.empty()) {
-        const PixelReader<L, R> reader(image, mask);
         const int x = static_cast<int>(selection.powderX);
         const int y = static_cast<int>(selection.powderY);
-        result.curve.front() = {0.0, static_cast<double>(reader.value(x, y)),
-                                static_cast<double>(reader.mask(x, y, R(0)))};
+        result.curve.front() = {0.0, image.pixel<double>(x, y, 0), mask.pixel<double>(x, y, 0)};
     }
     return result;
-}
-
-RoiStatistics ComputeCentredCircleStatistics::compute(const MImage& image, const MImage& mask) const
-{
-    return morvend::datatypes::BinaryDispatcher<const ComputeCentredCircleStatistics&, const MImage,
-                                                const MImage, RoiStatistics>::Go(image, mask,
-                                                                                 *this);
 }

@@ -8,25 +8,26 @@
 #include "logic/analysis/roi/RoiStatistics.h"
 #include "logic/records/StatisticsData.h"
 
-/// The region "centred circle": a ring around a real-valued centre. The geometry of the last
-/// centre is kept, so that the next image of a series costs a fraction of the first.
+#include <stop_token>
+#include <utility>
+
+/// The region "centred circle": a ring around a real-valued centre.
 /// Fills all but the labels that RoiComputer sets.
 class ComputeCentredCircleStatistics {
 public:
     /// The selection must outlive the functor.
-    explicit ComputeCentredCircleStatistics(const StatisticsData& selection)
+    /// @param stop  asked now and then; what is computed after a stop is of no use
+    explicit ComputeCentredCircleStatistics(const StatisticsData& selection,
+                                            std::stop_token stop = {})
         : _selection(&selection)
+        , _stop(std::move(stop))
     {}
 
-    /// Runs the functor for the pixel types of image and mask.
     /// @throws MNotImplementedException for a type that is none of the twelve
     RoiStatistics compute(const morvend::imglib::MImage& image,
                           const morvend::imglib::MImage& mask) const;
 
-    template <class L, class R>
-    RoiStatistics operator()(const morvend::imglib::MImage& image,
-                             const morvend::imglib::MImage& mask) const;
-
 private:
     const StatisticsData* _selection;
+    std::stop_token _stop;
 };

@@ -145,7 +145,7 @@ RoiStatistics ComputeCircleStatistics::operator()(const MImage& image, const MIm
     CircleSums sums;
     // Pixels outside the image are excluded: a circle far wider than the image costs no more.
     const int right = std::min(cx + outer, image.width() - 1);
-    for (int x = std::max(cx - outer, 0); x <= right; ++x) {
+    for (int x = std::max(cx - outer, 0); x <= right && !_stop.stop_requested(); ++x) {
         const double d = (x < cx ? x - cx + 1 : x - cx) - 0.5;
         const int top = static_cast<int>(std::sqrt(double(outer) * outer - d * d) + cy + 0.5);
         const int bottom = std::max(2 * cy - top, 0);

@@ -8,13 +8,18 @@
 #include "logic/analysis/roi/RoiStatistics.h"
 #include "logic/records/StatisticsData.h"
 
+#include <stop_token>
+#include <utility>
+
 /// The region "circle": intensity of a spot above its background, centroid, section at an angle.
 /// Fills all but the labels that RoiComputer sets.
 class ComputeCircleStatistics {
 public:
     /// The selection must outlive the functor.
-    explicit ComputeCircleStatistics(const StatisticsData& selection)
+    /// @param stop  asked now and then; what is computed after a stop is of no use
+    explicit ComputeCircleStatistics(const StatisticsData& selection, std::stop_token stop = {})
         : _selection(&selection)
+        , _stop(std::move(stop))
     {}
 
     /// Runs the functor for the pixel types of image and mask.
@@ -28,4 +33,5 @@ public:
 
 private:
     const StatisticsData* _selection;
+    std::stop_token _stop;
 };

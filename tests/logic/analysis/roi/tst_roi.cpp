@@ -7,10 +7,12 @@
 #include "logic/analysis/roi/CoveredArea.h"
 #include "logic/analysis/roi/LineReflections.h"
 #include "tests/logic/analysis/roi/ReferenceRoi.h"
+#include "tests/support/EveryTarget.h"
 #include "tests/support/Geometry.h"
 #include "tests/support/Regions.h"
 
 #include <gmock/gmock.h>
+#include <tbb/task_arena.h>
 
 #include <cmath>
 #include <map>
@@ -284,6 +286,44 @@ TEST(CentredCircle, TheNextImageOfASeriesGivesItsOwnNumbers)
         EXPECT_NEAR(point[1], 7, 1e-12);
     // Same centre, image of another size: another ring.
     EXPECT_LT(compute(MImage(60, 90, 1), region).integral, 0.9 * area);
+}
+
+TEST(CentredCircle, OfALargeImageEqualsThePlainComputation)
+{
+    Random random(5);
+    const MImage image = randomImage<int>(random, 600, 310);
+    const MImage mask = randomMask<unsigned int>(random, 600, 310);
+    struct Case {
+        double x, y;
+        int inner, outer;
+    };
+    for (const auto& [x, y, inner, outer] : {Case{290.3, 150.8, 0, 400},
+                                             {300, 155, 7, 290},
+                                             {-20.5, 320.25, 30, 700},
+                                             {599.5, 0.01, 100, 101},
+                                             {40.75, 150, 20, 5}}) {
+        SCOPED_TRACE(testing::Message() << x << ' ' << y);
+        const StatisticsData region = regions::powder(x, y, inner, outer);
+        const RoiStatistics plain = reference::compute({image, mask}, region);
+        forEveryTarget([&] { expectSame(compute(image, mask, region), plain); });
+    }
+}
+
+TEST(Regions, DoNotDependOnTheNumberOfThreads)
+{
+    Random random(6);
+    const MImage image = randomImage<double>(random, 500, 400);
+    const MImage mask = randomMask<unsigned char>(random, 500, 400);
+    for (const StatisticsData& region :
+         {regions::box(3, 4, 490, 395), regions::powder(240.3, 190.1, 5, 300)}) {
+        RoiStatistics alone;
+        tbb::task_arena(1).execute([&] { alone = compute(image, mask, region); });
+        const RoiStatistics together = compute(image, mask, region);
+        EXPECT_EQ(together.integral, alone.integral);
+        EXPECT_EQ(together.sigma, alone.sigma);
+        EXPECT_EQ(together.curve, alone.curve);
+        EXPECT_EQ(together.secondCurve, alone.secondCurve);
+    }
 }
 
 TEST(CoveredArea, SumsToTheCircle)

@@ -22,7 +22,8 @@ MImage MaskFixup::operator()(MImage& image)
     const MImage mask = image.optionalData().pixel_mask().get_value_or(MImage());
     if (!mask.empty() && sameSize(mask, image))
         return mask;
-    console::warn("WARNING: Size of pixel mask does not match size of image\n");
+    if (!mask.empty())
+        console::warn("WARNING: Size of pixel mask does not match size of image\n");
     if (!sameSize(_goodPixels, image))
         _goodPixels = MImage(image, 0U);
     image.optionalData().set_pixel_mask(_goodPixels);

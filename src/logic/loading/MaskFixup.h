@@ -13,7 +13,7 @@ public:
     using MImage = morvend::imglib::MImage;
 
     /// The image's pixel mask. Where the image has none, or one of another size, it gets a mask of
-    /// good pixels (32 bits, unsigned), and a warning goes to standard error.
+    /// good pixels (32 bits, unsigned). For one of another size a warning goes to standard error.
     MImage operator()(MImage& image);
 
 private:

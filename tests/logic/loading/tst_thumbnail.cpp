@@ -206,20 +206,20 @@ TEST(Thumbnail, RowsWithoutSourceAreZero)
 TEST(MaskFixup, KeepsAMaskOfTheRightSizeAndReplacesOthers)
 {
     MaskFixup fixup;
-    const auto fixed = [&](int width, int height, const MImage& own, bool kept) {
+    const auto fixed = [&](int width, int height, const MImage& own, bool fits) {
         MImage image(width, height, 1);
         if (own.size())
             image.optionalData().set_pixel_mask(own);
         testing::internal::CaptureStderr();
         MImage mask = fixup(image);
         EXPECT_EQ(testing::internal::GetCapturedStderr(),
-                  kept ? "" : "WARNING: Size of pixel mask does not match size of image\n");
+                  fits ? "" : "WARNING: Size of pixel mask does not match size of image\n");
         EXPECT_EQ(image.optionalData().pixel_mask()->identity(), mask.identity());
         return mask;
     };
     const MImage own(200, 200, (unsigned char)(2));
     EXPECT_EQ(fixed(200, 200, own, true).identity(), own.identity());
-    const MImage first = fixed(200, 200, {}, false);
+    const MImage first = fixed(200, 200, {}, true);
     EXPECT_TRUE(samePixels(first, MImage(200, 200, 0U)));
     EXPECT_EQ(fixed(200, 200, MImage(100, 100, 1U), false).identity(), first.identity())
         << "images of a series share one";

@@ -1,28 +1,75 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// A failure told to the user.
+// Failures reported to the user.
 #include "gui/kit/ErrorDialog.h"
+
+#include "logic/support/Console.h"
 
 #include <QApplication>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPlainTextEdit>
 #include <QPointer>
 #include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QVBoxLayout>
 
 #include <algorithm>
 
+namespace {
+
+/// As many are shown by a label. It lays out all its text anew with each one that joins, so that a
+/// list takes over from there on.
+constexpr int mostInLabel = 20;
+
+/// The first ones tell most.
+constexpr int mostInList = 10000;
+
+constexpr int leastWidth = 400;
+
+/// Wants the room that its text needs, in lines no longer than the screen; adjustSize() gives a
+/// window two thirds of the screen at most.
+class ScrollingText : public QScrollArea {
+public:
+    explicit ScrollingText(QLabel* text)
+    {
+        setFrameShape(QFrame::NoFrame);
+        setWidgetResizable(true);
+        setWidget(text);
+    }
+
+    QSize sizeHint() const override
+    {
+        const int most = std::max(screen()->availableSize().width() * 3 / 5, leastWidth);
+        const int wanted = widget()->sizeHint().expandedTo(widget()->minimumSizeHint()).width();
+        const int width = std::clamp(wanted, leastWidth, most);
+        // A word longer than a line, as a path, has a bar below.
+        const int bar = wanted > width ? horizontalScrollBar()->sizeHint().height() : 0;
+        return {width, widget()->heightForWidth(width) + bar};
+    }
+    QSize minimumSizeHint() const override { return {leastWidth, fontMetrics().lineSpacing()}; }
+};
+
+}  // namespace
+
 ErrorDialog::ErrorDialog(const char* message, QWidget* parent)
     : QDialog(parent)
-    , _text(new QLabel(QString::fromUtf8(message)))
+    , _text(new QLabel)
+    , _area(new ScrollingText(_text))
+    , _list(new QPlainTextEdit)
 {
     setAttribute(Qt::WA_DeleteOnClose);
     // Messages hold file names, which are never markup.
     _text->setTextFormat(Qt::PlainText);
     _text->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    _text->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     _text->setWordWrap(true);
-    _text->setMinimumWidth(400);
+    _list->setReadOnly(true);
+    _list->setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    _list->hide();
     auto* close = new QPushButton(QStringLiteral("Close"));
     close->setDefault(true);
     close->setMaximumWidth(50);
@@ -33,12 +80,15 @@ ErrorDialog::ErrorDialog(const char* message, QWidget* parent)
     row->addWidget(close);
     row->addStretch();
     auto* layout = new QVBoxLayout(this);
-    layout->addWidget(_text);
+    layout->addWidget(_area);
+    layout->addWidget(_list, 1);
     layout->addLayout(row);
+    _add(QString::fromUtf8(message));
 }
 
 void ErrorDialog::showMessage(const char* message)
 {
+    console::warn(std::string("ERROR: ") + message + '\n');
     static QPointer<ErrorDialog> shown;
     if (shown && shown->isVisible())
         return shown->_add(QString::fromUtf8(message));
@@ -48,11 +98,36 @@ void ErrorDialog::showMessage(const char* message)
 
 void ErrorDialog::_add(const QString& message)
 {
-    constexpr qsizetype most = 20;  // the screen is not endless; the latest ones stay
-    QStringList messages = _text->text().split(QLatin1Char('\n'));
-    if (messages.contains(message))
+    if (_known.contains(message))
         return;
-    messages.append(message);
-    _text->setText(messages.mid(std::max<qsizetype>(0, messages.size() - most)).join(u'\n'));
-    adjustSize();
+    ++_count;
+    if (_count <= mostInList) {
+        _known.insert(message);
+        _list->appendPlainText(message);
+    }
+    if (_count > mostInLabel) {
+        _text->setText(QStringLiteral("%1 errors:").arg(_count));
+        if (!_list->isHidden())
+            return;
+        _list->show();
+        resize(screen()->availableSize() * 3 / 5);
+    } else {
+        _text->setText(_list->toPlainText());
+        _area->updateGeometry();
+        adjustSize();
+    }
+    _stayOnScreen();
+}
+
+void ErrorDialog::_stayOnScreen()
+{
+    if (!isVisible())
+        return;  // it will be placed when it is shown
+    const QRect room = screen()->availableGeometry();
+    const QRect frame = frameGeometry();
+    const int left =
+        std::max(std::min(frame.left(), room.right() + 1 - frame.width()), room.left());
+    const int top = std::max(std::min(frame.top(), room.bottom() + 1 - frame.height()), room.top());
+    if (QPoint(left, top) != frame.topLeft())
+        move(left, top);
 }

@@ -1,14 +1,19 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// A failure told to the user.
+// Failures reported to the user.
 #pragma once
 
 #include <QDialog>
+#include <QSet>
+#include <QString>
 
 class QLabel;
+class QPlainTextEdit;
+class QScrollArea;
 
-/// A modal stop that shows one message; deletes itself.
+/// A modal stop that shows one message, or as many as come while it is open; deletes itself. It
+/// grows with its messages up to a part of the screen, and is a scrolling list from there on.
 class ErrorDialog : public QDialog {
     Q_OBJECT
 public:
@@ -17,11 +22,17 @@ public:
 
     /// Shows a message over the active window and waits until it is closed. While one is shown
     /// already, a further one joins it, and the call returns at once: failures that come in a row
-    /// need one click, not one each.
+    /// need one click, not one each. Each message also goes to standard error, as a line that
+    /// begins with "ERROR: ".
     static void showMessage(const char* message);
 
 private:
     void _add(const QString& message);
+    void _stayOnScreen();
 
     QLabel* const _text;
+    QScrollArea* const _area;
+    QPlainTextEdit* const _list;  // all messages, shown when they are many
+    QSet<QString> _known;
+    int _count = 0;
 };

@@ -9,8 +9,11 @@
 
 #include <QApplication>
 #include <QLabel>
+#include <QPlainTextEdit>
 #include <QPointer>
 #include <QPushButton>
+#include <QScreen>
+#include <QScrollBar>
 #include <QTimer>
 
 namespace {
@@ -60,6 +63,37 @@ TEST(ErrorDialogTest, FailuresInARowShareOneDialog)
     });
     ErrorDialog::showMessage("third");
     settle();
+}
+
+TEST(ErrorDialogTest, ScrollsWhereTheScreenEnds)
+{
+    // A path may be as long as this, and nothing in it breaks a line.
+    const std::string longest = "No such file: /" + std::string(4000, 'x');
+    testing::internal::CaptureStderr();
+    withDialog([](ErrorDialog& dialog) {
+        const auto fits = [&dialog] {
+            settle();
+            return dialog.screen()->availableGeometry().contains(dialog.frameGeometry());
+        };
+        for (int i = 1; i < 300; ++i) {
+            ErrorDialog::showMessage(("No such file: x_" + std::to_string(i) + ".cbf").c_str());
+            if (i < 20 || i == 299) {
+                EXPECT_TRUE(fits()) << i;
+            }
+        }
+        auto* list = dialog.findChild<QPlainTextEdit*>();
+        ASSERT_TRUE(list && list->isVisible());
+        EXPECT_EQ(dialog.findChild<QLabel*>()->text(), "300 errors:");
+        EXPECT_EQ(list->blockCount(), 300);
+        EXPECT_GT(list->verticalScrollBar()->maximum(), 0);
+        EXPECT_EQ(list->horizontalScrollBar()->maximum(), 0);
+        dialog.accept();
+    });
+    ErrorDialog::showMessage(longest.c_str());
+    settle();
+    const QString printed = QString::fromStdString(testing::internal::GetCapturedStderr());
+    EXPECT_EQ(printed.count("ERROR: "), 300);
+    EXPECT_TRUE(printed.startsWith("ERROR: No such file: /xxx"));
 }
 
 }  // namespace

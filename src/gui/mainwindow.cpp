@@ -8,6 +8,7 @@
 #include "gui/kit/RibbonInterface.h"
 #include "gui/kit/SvgIcon.h"
 #include "gui/kit/SvgWidget.h"
+#include "gui/render/OpenGlSupport.h"
 #include "gui/window/DroppedFiles.h"
 #include "gui/window/MainWindowActions.h"
 #include "gui/window/MainWindowEventControl.h"
@@ -54,6 +55,7 @@ MainWindow::MainWindow(TarvikCore& core, bool useGlsl, bool quitOnClose)
     setPalette(black);
     setAutoFillBackground(true);
     setAcceptDrops(true);
+    render::OpenGlSupport::prepare(*this);
     setContextMenuPolicy(Qt::PreventContextMenu);
     _actions = std::make_unique<MainWindowActions>(
         *this, MainWindowActions::Slots{[this] { newSubWindow(); }, [this] { _open(); }});

@@ -9,6 +9,7 @@
 #include <QGuiApplication>
 #include <QOffscreenSurface>
 #include <QOpenGLContext>
+#include <QOpenGLWidget>
 
 namespace render {
 
@@ -58,6 +59,14 @@ const OpenGlSupport& OpenGlSupport::ofThisProcess()
         return result;
     }();
     return support;
+}
+
+void OpenGlSupport::prepare(QWidget& window)
+{
+    // The kind of a native surface follows from the widgets inside when it is made. Never shown, so
+    // that it gets no context.
+    if (ofThisProcess().usable)
+        (new QOpenGLWidget(&window))->hide();
 }
 
 }  // namespace render

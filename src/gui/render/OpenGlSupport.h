@@ -9,6 +9,8 @@
 #include <optional>
 #include <string>
 
+class QWidget;
+
 namespace render {
 
 /// What a trial context has told. Windows with OpenGL widgets in them stay black or end the process
@@ -24,6 +26,11 @@ struct OpenGlSupport {
     /// Tried at the first call, with a line on standard error where OpenGL can't be used. GUI
     /// thread, after the application object was made.
     static const OpenGlSupport& ofThisProcess();
+
+    /// Makes a window, before it is first shown, one whose native surface can hold image views,
+    /// where OpenGL works. Otherwise the toolkit replaces the native window when the first view
+    /// comes: it vanishes for a moment, comes back elsewhere and is no longer maximised.
+    static void prepare(QWidget& window);
 };
 
 }  // namespace render

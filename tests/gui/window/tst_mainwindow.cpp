@@ -244,6 +244,17 @@ TEST_F(MainWindowTest, DroppedFilesOpenInTheViewAndInNewOnes)
     EXPECT_TRUE(waitForImage(_window->subWindows()[3], 4));
 }
 
+TEST_F(MainWindowTest, TheNativeWindowStaysWhenTheFirstViewComes)
+{
+    const WId before = _window->winId();
+    SubWindow* window = _window->newSubWindow();
+    (void)QTest::qWaitForWindowExposed(_window.get());
+    EXPECT_EQ(_window->winId(), before);
+    window->close();
+    settle();
+    EXPECT_EQ(_window->winId(), before);
+}
+
 TEST_F(MainWindowTest, AClosedViewGoesWithItsService)
 {
     SubWindow* first = _window->newSubWindow();

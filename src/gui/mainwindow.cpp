@@ -93,6 +93,17 @@ QString MainWindow::openDirectory() const { return OpenDirectory::get(); }
 
 void MainWindow::setOpenDirectory(const QString& path) { OpenDirectory::set(path); }
 
+void MainWindow::openFiles(const QStringList& files, SubWindow* first)
+{
+    for (const QString& file : files) {
+        if (first)
+            first->loadFile(file);
+        else
+            newSubWindow()->loadFileOrClose(file);
+        first = nullptr;
+    }
+}
+
 void MainWindow::enableAllSubWindows()
 {
     for (SubWindow* window : subWindows())
@@ -163,25 +174,17 @@ void MainWindow::closeEvent(QCloseEvent* event)
     }
 }
 
-void MainWindow::dragEnterEvent(QDragEnterEvent* event) { event->acceptProposedAction(); }
+void MainWindow::dragEnterEvent(QDragEnterEvent* event) { acceptCopy(*event); }
 
-void MainWindow::dragMoveEvent(QDragMoveEvent* event) { event->acceptProposedAction(); }
+void MainWindow::dragMoveEvent(QDragMoveEvent* event) { acceptCopy(*event); }
 
 void MainWindow::dropEvent(QDropEvent* event)
 {
-    for (const QString& file : droppedFiles(*event->mimeData()))
-        newSubWindow()->loadFile(file);
-    event->acceptProposedAction();
+    acceptCopy(*event);
+    openFiles(droppedFiles(*event->mimeData()));
 }
 
-void MainWindow::_open()
-{
-    const QStringList files = OpenFileDialog(this).choose();
-    if (files.isEmpty())
-        return;
-    SubWindow* window = activeSubWindow();
-    (window ? window : newSubWindow())->loadFile(files.first());
-}
+void MainWindow::_open() { openFiles(OpenFileDialog(this).choose(), activeSubWindow()); }
 
 void MainWindow::_handleCloseEvent(QObject* window)
 {

@@ -39,6 +39,10 @@ public:
     QString openDirectory() const;
     void setOpenDirectory(const QString& path);
 
+    /// Opens each file in a view of its own. A new view whose file can't be shown goes again.
+    /// @param first  takes the first file, unless null
+    void openFiles(const QStringList& files, SubWindow* first = nullptr);
+
     void enableAllSubWindows();
     /// Enables or disables every view but the active one.
     void enableNonActiveSubWindows(bool enabled);

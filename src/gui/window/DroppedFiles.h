@@ -4,6 +4,7 @@
 // The files that are dropped on a window.
 #pragma once
 
+#include <QDropEvent>
 #include <QMimeData>
 #include <QStringList>
 #include <QUrl>
@@ -17,4 +18,14 @@ inline QStringList droppedFiles(const QMimeData& data)
             files << url.toLocalFile();
     }
     return files;
+}
+
+/// Accepts a drag or a drop as a copy, whatever its source proposes: a file manager deletes what
+/// was taken as a move. A source that offers no copy is told that nothing was taken.
+inline void acceptCopy(QDropEvent& event)
+{
+    event.setDropAction(Qt::CopyAction);
+    if (event.dropAction() != Qt::CopyAction)  // the toolkit goes back to what was proposed
+        event.setDropAction(Qt::IgnoreAction);
+    event.accept();
 }

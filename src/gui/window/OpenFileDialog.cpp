@@ -48,11 +48,16 @@ QString OpenFileDialog::filter(const QString& name, const QStringList& endings)
 
 QStringList OpenFileDialog::imageFilters()
 {
-    const QStringList images = doubleUpper({".cbf", ".tif", ".tiff", ".edf"});
+    QStringList images = doubleUpper({".cbf", ".tif", ".tiff", ".edf"});
+    // Whole files that were packed. Patterns without the inner ending would show every archive.
+    for (const QString& ending : QStringList(images))
+        images << ending + ".gz" << ending + ".bz2";
     const QStringList containers = doubleUpper({".h5", ".hdf5"});
+    const QStringList entries = doubleUpper({".nxs"});  // the file that others hang on, as a master
     QStringList masters;
     for (const QString& ending : containers)
         masters << "_master" + ending;
-    return {filter(QStringLiteral("Morvend images"), images + masters),
-            filter(QStringLiteral("Image files"), images + containers)};
+    return {filter(QStringLiteral("Morvend images"), images + masters + entries),
+            filter(QStringLiteral("Image files"), images + containers + entries),
+            QStringLiteral("All files(*)")};
 }

@@ -8,19 +8,21 @@
 #include <QString>
 #include <QStringList>
 
-/// Shows image files, or at first only the masters of HDF5 series, in the folder where the next
-/// file is looked for; remembers the folder when files were chosen.
+/// Shows image files, of HDF5 series at first only the masters, in the folder where the next file
+/// is looked for; remembers the folder when files were chosen.
 class OpenFileDialog : public QFileDialog {
     Q_OBJECT
 public:
     explicit OpenFileDialog(QWidget* parent);
 
-    /// Runs the dialog. @returns the chosen files, none when cancelled
+    /// Runs the dialog. @returns all marked files, none when cancelled
     QStringList choose();
 
     /// Each entry followed by its ending in upper case.
     static QStringList doubleUpper(const QStringList& endings);
     /// A name filter of a file dialog: the name and a pattern for each ending.
     static QString filter(const QString& name, const QStringList& endings);
+    /// The filters of the dialog: images and masters, then images and all containers, then all
+    /// files.
     static QStringList imageFilters();
 };

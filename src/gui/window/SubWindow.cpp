@@ -43,12 +43,25 @@ QSize SubWindow::displaySize() const { return _imageDrawer->size(); }
 
 void SubWindow::loadFile(QString fileName)
 {
+    _closesOnError = false;
+    if (!_service->imageLoaded() && !_titleFixed)
+        setWindowTitle(fileName);
     _service->openImage(QFile::encodeName(fileName).constData());
     _mainWindow.setOpenDirectory(fileName);
     emit changedFile();
 }
 
-void SubWindow::loadImage(const MImage* image) { _service->openImage(*image); }
+void SubWindow::loadFileOrClose(const QString& fileName)
+{
+    loadFile(fileName);
+    _closesOnError = !_service->imageLoaded();
+}
+
+void SubWindow::loadImage(const MImage* image)
+{
+    _closesOnError = false;
+    _service->openImage(*image);
+}
 
 void SubWindow::addToPaintList(const MDrawingList* list) { _service->addToPaintList(*list); }
 
@@ -151,24 +164,19 @@ void SubWindow::showResolutionRings() { _service->toggleShowResolutionRings(true
 
 void SubWindow::hideResolutionRings() { _service->toggleShowResolutionRings(false); }
 
-void SubWindow::dragEnterEvent(QDragEnterEvent* event) { event->acceptProposedAction(); }
+void SubWindow::dragEnterEvent(QDragEnterEvent* event) { acceptCopy(*event); }
 
-void SubWindow::dragMoveEvent(QDragMoveEvent* event) { event->acceptProposedAction(); }
+void SubWindow::dragMoveEvent(QDragMoveEvent* event) { acceptCopy(*event); }
 
 void SubWindow::dropEvent(QDropEvent* event)
 {
-    const QStringList files = droppedFiles(*event->mimeData());
-    for (const QString& file : files) {
-        if (file == files.first())
-            loadFile(file);
-        else
-            _mainWindow.newSubWindow()->loadFile(file);
-    }
-    event->acceptProposedAction();
+    acceptCopy(*event);
+    _mainWindow.openFiles(droppedFiles(*event->mimeData()), this);
 }
 
 void SubWindow::_newImageSlot()
 {
+    _closesOnError = false;
     if (!_titleFixed)
         setWindowTitle(_service->imageDescription());
     if (active())
@@ -178,6 +186,9 @@ void SubWindow::_newImageSlot()
 
 void SubWindow::_errorSlot(const QString& message)
 {
+    // First, as the message waits for a click.
+    if (_closesOnError)
+        close();
     ErrorDialog::showMessage(message.toUtf8().constData());
 }
 

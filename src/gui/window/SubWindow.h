@@ -41,8 +41,11 @@ public:
     QSize displaySize() const;
 
 public slots:
-    /// Opens a file and makes its folder the one where the next file is looked for.
+    /// Opens a file and makes its folder the one where the next file is looked for. A view without
+    /// an image bears the file's name meanwhile.
     void loadFile(QString fileName);
+    /// The same, for a view that was made for this file: it closes when the file can't be shown.
+    void loadFileOrClose(const QString& fileName);
     void loadImage(const MImage* image);
     void addToPaintList(const MDrawingList* list);
     void setPaintList(const MDrawingList* list);
@@ -95,4 +98,5 @@ private:
     ImageDrawerMain* _imageDrawer;
     SubWindowTitleBar* _controls;
     bool _titleFixed = false;
+    bool _closesOnError = false;
 };

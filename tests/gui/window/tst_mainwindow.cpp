@@ -98,13 +98,18 @@ protected:
         return waitFor([this] { return !_errors.isEmpty() && !errorDialog(); });
     }
 
-    void drop(QWidget* target, const QList<QUrl>& urls)
+    /// Drops files on a widget. @returns what their source is told of it
+    Qt::DropAction drop(QWidget* target, const QList<QUrl>& urls,
+                        Qt::DropActions offered = Qt::CopyAction)
     {
         QMimeData data;
         data.setUrls(urls);
-        QDropEvent event(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        // Shift asks for a move.
+        QDropEvent event(QPointF(5, 5), offered, &data, Qt::LeftButton, Qt::ShiftModifier);
         // The application would look for the target of a drag of its own.
         static_cast<QObject*>(target)->event(&event);
+        EXPECT_TRUE(event.isAccepted());
+        return event.dropAction();
     }
 
     static ErrorDialog* errorDialog()
@@ -244,6 +249,23 @@ TEST_F(MainWindowTest, DroppedFilesOpenInTheViewAndInNewOnes)
     EXPECT_TRUE(waitForImage(_window->subWindows()[3], 4));
 }
 
+TEST_F(MainWindowTest, DroppedFilesAreNeverMoved)
+{
+    SubWindow* window = _window->newSubWindow();
+    for (QWidget* target : {static_cast<QWidget*>(window), static_cast<QWidget*>(_window.get())}) {
+        QMimeData data;
+        QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton,
+                              Qt::ShiftModifier);
+        ASSERT_EQ(enter.dropAction(), Qt::MoveAction);
+        static_cast<QObject*>(target)->event(&enter);
+        EXPECT_EQ(enter.dropAction(), Qt::CopyAction);
+        EXPECT_EQ(drop(target, {url(1)}, Qt::CopyAction | Qt::MoveAction), Qt::CopyAction);
+        EXPECT_EQ(drop(target, {url(1)}, Qt::MoveAction), Qt::IgnoreAction);
+    }
+    for (SubWindow* view : _window->subWindows())
+        EXPECT_TRUE(waitForImage(view, 1));
+}
+
 TEST_F(MainWindowTest, TheNativeWindowStaysWhenTheFirstViewComes)
 {
     const WId before = _window->winId();
@@ -253,6 +275,26 @@ TEST_F(MainWindowTest, TheNativeWindowStaysWhenTheFirstViewComes)
     window->close();
     settle();
     EXPECT_EQ(_window->winId(), before);
+}
+
+TEST_F(MainWindowTest, AViewForAFileThatCannotBeShownGoesAgain)
+{
+    SubWindow* made = _window->newSubWindow();
+    made->loadFile(path("missing_00001.edf"));
+    _window->openFiles({path("missing_00002.edf"), file(2)});
+    EXPECT_TRUE(waitFor([this] { return _errors.join("").contains("missing_00002"); }));
+    EXPECT_TRUE(errorWasShown());
+    settle();
+    ASSERT_EQ(_window->subWindows().size(), 2);
+    SubWindow* opened = _window->subWindows()[1];
+    EXPECT_TRUE(waitForImage(opened, 2));
+    EXPECT_EQ(made->windowTitle(), path("missing_00001.edf"))
+        << "one that the user made has a name";
+
+    opened->loadFile(path("missing_00003.edf"));
+    EXPECT_TRUE(waitFor([this] { return _errors.join("").contains("missing_00003"); }));
+    settle();
+    EXPECT_EQ(_window->subWindows().size(), 2) << "one that shows an image stays";
 }
 
 TEST_F(MainWindowTest, AClosedViewGoesWithItsService)
@@ -354,25 +396,29 @@ TEST_F(MainWindowTest, ActionsAndShortcutsOpenViewsUnlessTheToolBarIsHidden)
     EXPECT_TRUE(_window->findChild<QToolBar*>()->isVisible());
 }
 
-TEST_F(MainWindowTest, TheOpenDialogReplacesTheActiveViewsImageByTheFirstFile)
+TEST_F(MainWindowTest, TheOpenDialogOpensAllMarkedFilesTheFirstInTheActiveView)
 {
     OpenDirectory::set(QString::fromStdString(_folder.path()));
-    const auto choose = [this](int number) {
-        QTimer::singleShot(0, _window.get(), [this, number] {
+    const auto choose = [this](const QList<int>& numbers) {
+        QTimer::singleShot(0, _window.get(), [this, numbers] {
             auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
             ASSERT_TRUE(dialog);
-            auto* name = dialog->findChild<QLineEdit*>("fileNameEdit");
-            name->setText(file(number));
-            QTest::keyClick(name, Qt::Key_Return);
+            QStringList names;
+            for (const int number : numbers)
+                names << '"' + QFileInfo(file(number)).fileName() + '"';
+            auto* edit = dialog->findChild<QLineEdit*>("fileNameEdit");
+            edit->setText(names.join(' '));
+            QTest::keyClick(edit, Qt::Key_Return);
         });
         find<QAction>(_window.get(), "Open")->trigger();
     };
-    choose(3);
+    choose({3});
     ASSERT_EQ(_window->subWindows().size(), 1);
     EXPECT_TRUE(waitForImage(_window->subWindows()[0], 3));
-    choose(6);
-    EXPECT_EQ(_window->subWindows().size(), 1);
-    EXPECT_TRUE(waitForImage(_window->subWindows()[0], 6));
+    choose({6, 7, 8});
+    ASSERT_EQ(_window->subWindows().size(), 3);
+    for (int i = 0; i < 3; ++i)
+        EXPECT_TRUE(waitForImage(_window->subWindows()[i], 6 + i));
 }
 
 TEST_F(MainWindowTest, ViewsAreEnabledTogetherOrButTheActiveOne)

@@ -17,17 +17,22 @@
 
 namespace {
 
-TEST(OpenFileFilters, ShowImagesAndMastersFirstThenAllContainers)
+TEST(OpenFileFilters, ShowImagesAndMastersFirstThenAllContainersThenEverything)
 {
     EXPECT_EQ(OpenFileDialog::doubleUpper({".cbf", ".h5"}),
               QStringList({".cbf", ".CBF", ".h5", ".H5"}));
     EXPECT_EQ(OpenFileDialog::filter("Name", {".a", ".b"}), "Name(*.a *.b )");
     const QStringList filters = OpenFileDialog::imageFilters();
-    ASSERT_EQ(filters.size(), 2);
-    EXPECT_EQ(filters[0], "Morvend images(*.cbf *.CBF *.tif *.TIF *.tiff *.TIFF *.edf *.EDF "
-                          "*_master.h5 *_master.H5 *_master.hdf5 *_master.HDF5 )");
-    EXPECT_EQ(filters[1], "Image files(*.cbf *.CBF *.tif *.TIF *.tiff *.TIFF *.edf *.EDF "
-                          "*.h5 *.H5 *.hdf5 *.HDF5 )");
+    const QString images = "*.cbf *.CBF *.tif *.TIF *.tiff *.TIFF *.edf *.EDF "
+                           "*.cbf.gz *.cbf.bz2 *.CBF.gz *.CBF.bz2 *.tif.gz *.tif.bz2 "
+                           "*.TIF.gz *.TIF.bz2 *.tiff.gz *.tiff.bz2 *.TIFF.gz *.TIFF.bz2 "
+                           "*.edf.gz *.edf.bz2 *.EDF.gz *.EDF.bz2 ";
+    EXPECT_EQ(filters,
+              QStringList({"Morvend images(" + images +
+                               "*_master.h5 *_master.H5 *_master.hdf5 *_master.HDF5 "
+                               "*.nxs *.NXS )",
+                           "Image files(" + images + "*.h5 *.H5 *.hdf5 *.HDF5 *.nxs *.NXS )",
+                           "All files(*)"}));
 }
 
 TEST(OpenDirectoryTest, IsTheRememberedFolderAsLongAsItExists)
@@ -56,6 +61,7 @@ TEST(OpenFileDialogTest, StartsInTheOpenDirectoryAndRemembersWhereFilesWereChose
 {
     const tarvik::tests::TempFolder folder;
     const QString file = QString::fromStdString(folder.write("x_00001.cbf", "x"));
+    const QString other = QString::fromStdString(folder.write("y_00001.cbf", "y"));
     OpenDirectory::set(QDir::rootPath());
     OpenFileDialog dialog(nullptr);
     EXPECT_EQ(dialog.directory(), QDir::root());
@@ -65,10 +71,10 @@ TEST(OpenFileDialogTest, StartsInTheOpenDirectoryAndRemembersWhereFilesWereChose
     QTimer::singleShot(0, &dialog, [&dialog, &file] {
         dialog.setDirectory(QFileInfo(file).absolutePath());
         auto* name = dialog.findChild<QLineEdit*>("fileNameEdit");
-        name->setText(file);
+        name->setText("\"x_00001.cbf\" \"y_00001.cbf\"");
         QTest::keyClick(name, Qt::Key_Return);
     });
-    EXPECT_EQ(dialog.choose(), QStringList(file));
+    EXPECT_EQ(dialog.choose(), QStringList({file, other}));
     EXPECT_EQ(OpenDirectory::get(), QFileInfo(file).absolutePath());
 
     OpenFileDialog cancelled(nullptr);

@@ -35,7 +35,8 @@ int main(int argc, char** argv)
     try {
         options = tarvik::demo::parseOptions({argv + 1, argv + argc});
     } catch (const morvend::MBadParameterException& failure) {
-        std::fprintf(stderr, "tarvik-demo-data: %s\n%s", failure.what(), tarvik::demo::Usage);
+        // The usage first: the reason stays in sight.
+        std::fprintf(stderr, "%s\ntarvik-demo-data: %s\n", tarvik::demo::Usage, failure.what());
         return 2;
     }
     if (options.help) {

@@ -25,22 +25,38 @@ void end(CommandLine& line, int exitCode, const std::string& text)
     line.text = text + '\n';
 }
 
+void endWrong(CommandLine& line, const QString& reason)
+{
+    end(line, 1, usageText);
+    line.reason = "tarvik: " + reason.toStdString() + '\n';
+}
+
 /// Takes the value of an option into the command line. The value is not stepped over: callers go
 /// on with it as the next argument, so that in the viewer it is taken for an image file too.
-/// @returns false when the option has no value, or one that is none
-bool takeValue(CommandLine& line, const QString& option, const QString* value)
+void takeValue(CommandLine& line, const QString& option, const QString* value)
 {
     if (!value)
-        return false;
+        return endWrong(line, option + " needs a value");
     if (option == QLatin1String("--parent-pid")) {
         bool isInteger = false;
         line.parentPid = value->toInt(&isInteger, 10);
-        return isInteger;
+        if (!isInteger)
+            endWrong(line, option + " needs a whole number, not \"" + *value + '"');
+        return;
     }
     line.role = option == QLatin1String("--daemon") ? CommandLine::Role::Daemon
                                                     : CommandLine::Role::Preloader;
     line.queueId = *value;
-    return true;
+}
+
+/// An argument that is no option is a file, whatever it looks like.
+void takeFile(CommandLine& line, const QString& argument)
+{
+    line.imageFiles.append(argument);
+    if (argument.startsWith('-'))
+        line.notes +=
+            "tarvik: " + argument.toStdString() +
+            " is no option and taken for an image file; tarvik --help lists the options\n";
 }
 
 }  // namespace
@@ -60,12 +76,11 @@ CommandLine CommandLine::parse(const QStringList& arguments, const std::string& 
             end(line, 0, version);
         } else if (valueOptions.contains(argument)) {
             const QString* value = i + 1 < arguments.size() ? &arguments[i + 1] : nullptr;
-            if (!takeValue(line, argument, value))
-                end(line, 1, usageText);
+            takeValue(line, argument, value);
         } else if (argument == QLatin1String("--disableGLSL")) {
             line.glslEnabled = false;
         } else if (!argument.startsWith(QLatin1String("-psn_"))) {  // added by some desktops
-            line.imageFiles.append(argument);
+            takeFile(line, argument);
         }
     }
     return line;

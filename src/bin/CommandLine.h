@@ -23,9 +23,15 @@ struct CommandLine {
     int parentPid = 0;
     bool glslEnabled = true;
 
-    /// Set when the process is to print `text` on standard output and end at once.
+    /// Set when the process is to print `text` on standard output, then `reason` on standard error,
+    /// and end at once.
     std::optional<int> exitCode;
     std::string text;
+    /// What is wrong with the arguments, in a line; empty when nothing is.
+    std::string reason;
+    /// Said on standard error of arguments that look like options and are taken for image files; a
+    /// line each.
+    std::string notes;
 
     /// @param arguments with the program's name first
     /// @param version what --version prints

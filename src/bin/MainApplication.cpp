@@ -6,7 +6,6 @@
 
 #include "gui/kit/Look.h"
 #include "gui/mainwindow.h"
-#include "gui/window/SubWindow.h"
 #include "logic/support/GlobalStyle.h"
 
 #include <QFileOpenEvent>
@@ -30,8 +29,7 @@ bool MainApplication::event(QEvent* event)
 {
     if (event->type() != QEvent::FileOpen)
         return QApplication::event(event);
-    const QString fileName = static_cast<QFileOpenEvent*>(event)->file();
     if (_mainWindow)
-        _mainWindow->newSubWindow()->loadFile(fileName);
+        _mainWindow->openFiles({static_cast<QFileOpenEvent*>(event)->file()});
     return true;
 }

@@ -4,11 +4,11 @@
 // Start of the program in one of its three roles.
 #include "bin/CheckParent.h"
 #include "bin/CommandLine.h"
+#include "bin/DisplayGuard.h"
 #include "bin/MainApplication.h"
 #include "bin/PreloaderThread.h"
 #include "gui/kit/Look.h"
 #include "gui/mainwindow.h"
-#include "gui/window/SubWindow.h"
 #include "imagelib/io/FormatRegistry.h"
 #include "logic/preload/PreloaderProcess.h"
 #include "logic/support/Assert.h"
@@ -24,12 +24,14 @@
 
 namespace {
 
-/// Do the arguments ask for no more than a text? Prints it.
+/// Do the arguments ask for no more than a text, or are they wrong? Prints what is to be said.
 bool endsAtOnce(const CommandLine& line)
 {
-    if (line.exitCode)
-        console::print(line.text);
-    return line.exitCode.has_value();
+    if (!line.exitCode)
+        return false;
+    console::print(line.text);
+    console::warn(line.reason);
+    return true;
 }
 
 QStringList rawArguments(int argc, char** argv)
@@ -42,14 +44,14 @@ QStringList rawArguments(int argc, char** argv)
 
 int runViewer(MainApplication& application, const CommandLine& line)
 {
+    console::warn(line.notes);
     const PreloaderProcess preloader(QCoreApplication::applicationFilePath());
     TarvikCore core;
     core.setDefaultColorTable(QStringLiteral("High Dynamic Range"));
     MainWindow mainWindow(core, line.glslEnabled, true);
     application.setMainWindow(&mainWindow);
     mainWindow.resize(1200, 800);
-    for (const QString& file : line.imageFiles)
-        mainWindow.newSubWindow()->loadFile(file);
+    mainWindow.openFiles(line.imageFiles);
     mainWindow.show();
     const int result = QCoreApplication::exec();
     application.setMainWindow(nullptr);
@@ -58,6 +60,8 @@ int runViewer(MainApplication& application, const CommandLine& line)
 
 int runDaemon()
 {
+    console::warn("tarvik: --daemon answers no requests yet: this version has no interface for "
+                  "scripts, so that no window will open\n");
     const PreloaderProcess preloader(QCoreApplication::applicationFilePath());
     TarvikCore core;
     core.setDefaultColorTable(QStringLiteral("Grey Scale"));
@@ -102,7 +106,9 @@ int main(int argc, char** argv)
     if (raw.role == CommandLine::Role::Preloader)
         return runPreloader(argc, argv, raw);
     look::beforeApplication();
+    DisplayGuard display;
     MainApplication application(argc, argv);
+    display.release();
 
     // Qt has taken its own options out of the arguments now.
     const auto line = CommandLine::parse(QCoreApplication::arguments(), TARVIK_VERSION);

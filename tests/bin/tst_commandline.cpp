@@ -70,27 +70,40 @@ TEST(CommandLine, TakesItsRole)
 TEST(CommandLine, EndsWithTextAndExitCode)
 {
     const std::string version = "3.2.0\n";
-    const std::tuple<const char*, int, std::string> table[] = {
-        {"-help", 0, usage},
-        {"--help", 0, usage},
-        {"-version", 0, version},
-        {"--version --help", 0, version},
-        {"--help --version", 0, usage},
-        {"a.cbf --help", 0, usage},
-        {"--version --daemon", 0, version},
-        {"--daemon --help", 0, usage},
-        {"--daemon", 1, usage},
-        {"--preloader", 1, usage},
-        {"a.cbf --parent-pid", 1, usage},
-        {"--parent-pid x1", 1, usage},
-        {"--parent-pid 0x10", 1, usage},
-        {"--parent-pid 2147483648", 1, usage},
-        {"--parent-pid --help", 1, usage}};
-    for (const auto& [arguments, exitCode, text] : table) {
+    const std::string noValue = " needs a value\n";
+    const std::string noNumber = "--parent-pid needs a whole number, not ";
+    const std::tuple<const char*, int, std::string, std::string> table[] = {
+        {"-help", 0, usage, ""},
+        {"--help", 0, usage, ""},
+        {"-version", 0, version, ""},
+        {"--version --help", 0, version, ""},
+        {"--help --version", 0, usage, ""},
+        {"a.cbf --help", 0, usage, ""},
+        {"--version --daemon", 0, version, ""},
+        {"--daemon --help", 0, usage, ""},
+        {"--daemon", 1, usage, "--daemon" + noValue},
+        {"--preloader", 1, usage, "--preloader" + noValue},
+        {"a.cbf --parent-pid", 1, usage, "--parent-pid" + noValue},
+        {"--parent-pid x1", 1, usage, noNumber + "\"x1\"\n"},
+        {"--parent-pid 0x10", 1, usage, noNumber + "\"0x10\"\n"},
+        {"--parent-pid 2147483648", 1, usage, noNumber + "\"2147483648\"\n"},
+        {"--parent-pid --help", 1, usage, noNumber + "\"--help\"\n"}};
+    for (const auto& [arguments, exitCode, text, reason] : table) {
         const CommandLine line = parse(arguments);
         EXPECT_EQ(line.exitCode, exitCode) << arguments;
         EXPECT_EQ(line.text, text) << arguments;
+        EXPECT_EQ(line.reason, reason.empty() ? "" : "tarvik: " + reason) << arguments;
     }
+}
+
+TEST(CommandLine, SaysWhatLooksLikeAnOptionAndIsNone)
+{
+    EXPECT_EQ(parse("a.cbf --disableGLSL").notes, "");
+    EXPECT_EQ(
+        parse("-h --full").notes,
+        "tarvik: -h is no option and taken for an image file; tarvik --help lists the options\n"
+        "tarvik: --full is no option and taken for an image file; tarvik --help lists the "
+        "options\n");
 }
 
 }  // namespace

@@ -17,20 +17,25 @@
 namespace {
 
 struct Ended {
+    QProcess::ExitStatus status;
     int exitCode;
     std::string out;
+    std::string errors;
 };
 
-Ended runWithoutDisplay(const QStringList& arguments)
+Ended runWithoutDisplay(const QStringList& arguments, const QString& display = {})
 {
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.remove("DISPLAY");
     environment.remove("WAYLAND_DISPLAY");
+    if (!display.isEmpty())
+        environment.insert("DISPLAY", display);
     process.setProcessEnvironment(environment);
     process.start(TARVIK_EXECUTABLE, arguments);
-    EXPECT_TRUE(process.waitForFinished(20000));
-    return {process.exitCode(), process.readAllStandardOutput().toStdString()};
+    EXPECT_TRUE(process.waitForFinished(60000));
+    return {process.exitStatus(), process.exitCode(), process.readAllStandardOutput().toStdString(),
+            process.readAllStandardError().toStdString()};
 }
 
 /// The one process that was told to watch `parent`, or 0.
@@ -120,6 +125,26 @@ TEST(Roles, TextsNeedNoDisplay)
         const Ended ended = runWithoutDisplay(wrong);
         EXPECT_EQ(ended.exitCode, 1);
         EXPECT_EQ(ended.out, help.out);
+        EXPECT_THAT(ended.errors, testing::ContainsRegex("tarvik: --[a-z-]+ needs a .*\n$"));
+    }
+}
+
+TEST(Roles, WithoutADisplayAWindowIsRefusedInOneSentence)
+{
+    const std::string sentence = "tarvik: There is no display to show windows on: ";
+    const std::string advice = ". tarvik-image works without one.\n";
+    const std::tuple<QStringList, QString, std::string> table[] = {
+        {{"a.cbf"}, "", "DISPLAY is not set"},
+        {{"-h"}, "", "DISPLAY is not set"},
+        {{"--daemon", "q"}, "", "DISPLAY is not set"},
+        {{}, ":4711", "could not connect to display :4711"},
+        {{}, "nonsense", "could not connect to display nonsense"}};
+    for (const auto& [arguments, display, reason] : table) {
+        const Ended ended = runWithoutDisplay(arguments, display);
+        EXPECT_EQ(ended.status, QProcess::NormalExit);
+        EXPECT_EQ(ended.exitCode, 1);
+        EXPECT_EQ(ended.out, "");
+        EXPECT_EQ(ended.errors, sentence + reason + advice);
     }
 }
 

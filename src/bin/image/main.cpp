@@ -95,7 +95,8 @@ int runCommand(const std::vector<std::string>& words)
         run(arguments);
         return Done;
     } catch (const tarvik::tool::UsageError& error) {
-        std::cerr << "tarvik-image: " << error.what() << "\n\n" << Arguments::usage();
+        std::cerr << Arguments::usage() << '\n';  // first: the reason stays in sight
+        fail(error.what());
         return WrongUsage;
     } catch (const std::bad_alloc&) {
         return fail("Not enough memory: " + file);

@@ -96,14 +96,14 @@ class ToolCase(unittest.TestCase):
         self.assertEqual((done.returncode, done.stdout, done.stderr), (0, "", ""))
 
     def assertFails(self, code, done, *parts):
-        """One line of reason for a failure, usage behind it for wrong usage, nothing else."""
+        """One line of reason for a failure, after the usage for wrong usage, nothing else."""
         self.assertEqual((done.returncode, done.stdout), (code, ""), done.stderr)
+        usage, _, reason = done.stderr[:-1].rpartition("\n")
+        self.assertTrue(reason.startswith("tarvik-image: "), done.stderr)
         for part in parts:
-            self.assertIn(str(part), done.stderr)
-        if code == 1:
-            self.assertEqual(done.stderr.count("\n"), 1, done.stderr)
-        else:
-            self.assertIn("Usage:", done.stderr)
+            self.assertIn(str(part), reason)
+        self.assertEqual(usage.startswith("Usage:"), code == 2, done.stderr)
+        self.assertEqual(usage == "", code == 1, done.stderr)
 
     def assertTells(self, told, pixels, /, **more):
         """Does the JSON say what NumPy says of the same pixels, and these values?"""

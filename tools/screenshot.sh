@@ -2,10 +2,10 @@
 # SPDX-FileCopyrightText: 2026 the TARVIK authors
 # SPDX-License-Identifier: MIT
 #
-# screenshot.sh OUT.png PROGRAM ARGS...: starts a program on a virtual screen of 1200 by 800 pixels,
-# waits until it has shown all the image files among its arguments (or, without any, some seconds for
-# its window), saves a picture of the screen, ends the program and prints the picture's name. When
-# the images don't come within a minute the picture is taken all the same, and the exit code is 1.
+# screenshot.sh OUT.png PROGRAM [FILE...]: starts the viewer on a virtual screen of 1200 by 800
+# pixels, waits until it has shown all files (or, without any, some seconds for its window), saves a
+# picture of the screen and ends the program. A file that can't be shown is reported at once, and the
+# exit code is 1; there is a picture all the same where other files are on show.
 set -euo pipefail
 [ $# -ge 2 ] || { sed -n '5,8s/^# //p' "$0" >&2; exit 2; }
 
@@ -23,42 +23,46 @@ touch "$work/out" "$work/err"
 "$@" >"$work/out" 2>"$work/err" &
 program=$!
 
-images=0
+files=0
 for argument in "${@:2}"; do
-    if [ -f "$argument" ]; then images=$((images + 1)); fi
+    [ "$argument" = --disableGLSL ] || files=$((files + 1))
 done
-# The program prints one such line for each image that is ready to be shown.
+# The program prints one such line for each image that is on show, and one for each that is not.
+shown() { grep -c 'TOTAL TIME LOADING IMAGE' "$work/out" || true; }
+failed() { grep -c '^ERROR: ' "$work/err" || true; }
 ready() {
-    if [ "$images" -gt 0 ]; then
-        [ "$(grep -c 'TOTAL TIME LOADING IMAGE' "$work/out")" -ge "$images" ]
+    if [ "$files" -gt 0 ]; then
+        [ $(($(shown) + $(failed))) -ge "$files" ]
     else
         [ "$tries" -ge 30 ]
     fi
 }
-complain() {
-    echo "$1" >&2
-    cat "$work/out" "$work/err" >&2
-    failed=1
-}
-failed=0
+reason=
 tries=0
 until ready; do
-    kill -0 "$program" 2>/dev/null || { complain "The program ended before its images were shown."; exit 1; }
+    if ! kill -0 "$program" 2>/dev/null; then
+        tail -n 20 "$work/err" >&2
+        echo "The viewer ended before its images were shown." >&2
+        exit 1
+    fi
     tries=$((tries + 1))
-    [ "$tries" -lt 600 ] || { complain "Not all images were shown within a minute."; break; }
+    [ "$tries" -lt 600 ] || { reason="Not all images were shown within a minute."; break; }
     sleep 0.1
 done
-# A last paint may still be under way: two equal pictures in a row tell that it is done.
-for _ in $(seq 20); do
-    sleep 0.3
-    import -window root "$work/new.png"
-    if [ -e "$work/old.png" ] && cmp -s <(convert "$work/old.png" rgb:-) \
-        <(convert "$work/new.png" rgb:-); then
-        break
-    fi
-    mv "$work/new.png" "$work/old.png"
-done
-[ -e "$work/new.png" ] || mv "$work/old.png" "$work/new.png"
-cp "$work/new.png" "$out"
-echo "$out"
-exit "$failed"
+
+if [ "$files" -eq 0 ] || [ "$(shown)" -gt 0 ]; then
+    # A last paint may still be under way: two equal pictures in a row tell that it is done.
+    for _ in $(seq 20); do
+        sleep 0.3
+        import -window root "$work/new.ppm"
+        ! cmp -s "$work/old.ppm" "$work/new.ppm" || break
+        cp "$work/new.ppm" "$work/old.ppm"
+    done
+    convert "$work/new.ppm" "$out"
+    echo "Saved a picture of the window: $out"
+fi
+{
+    sed -n 's/^ERROR: //p' "$work/err"
+    [ -z "$reason" ] || echo "$reason"
+} >&2
+[ -z "$reason" ] && [ "$(failed)" -eq 0 ]

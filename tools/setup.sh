@@ -18,9 +18,10 @@ if [ "$(id -u)" -ne 0 ]; then
         echo "Missing packages: ${missing[*]}. Install them as root, or install sudo." >&2
         exit 1
     }
+    echo "${#missing[@]} packages are missing; sudo may ask for your password to install them."
+    sudo -v
     as_root=(sudo)
 fi
-echo "Installing packages: ${missing[*]}"
-"${as_root[@]}" apt-get update -q
-"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
-    apt-get install -y -q --no-install-recommends "${missing[@]}"
+install='apt-get update -q && apt-get install -y -q --no-install-recommends "$@"'
+tools/quietly.sh build/setup.log "Installing ${#missing[@]} packages (log: build/setup.log) ..." \
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive bash -c "$install" install "${missing[@]}"

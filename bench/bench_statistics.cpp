@@ -2,14 +2,17 @@
 // SPDX-License-Identifier: MIT
 //
 // Statistics and histogram of whole frames under a 32-bit mask, against NumPy, std::sort and the
-// plain loops in the same run. One thread; the mask is the same for all frames, as in a series.
+// plain loops in the same run. One thread but for the sort of floats; the mask is the same for all
+// frames, as in a series.
 #include "bench/HwyTarget.h"
 #include "bench/Peer.h"
+#include "imagelib/image/SortPixels.h"
 #include "logic/analysis/statistics/ComputeStatistics.h"
 #include "logic/analysis/statistics/MaskRule.h"
 #include "tests/support/TempFolder.h"
 
 #include <benchmark/benchmark.h>
+#include <tbb/global_control.h>
 
 #include <algorithm>
 #include <cmath>
@@ -199,6 +202,54 @@ void withHistogram(benchmark::State& state)
     }
 }
 
+/// Float images by the distribution of their values.
+float valueOf(const std::string& distribution, std::mt19937& random)
+{
+    const double number = (double(random()) + 0.5) / 4294967296.0;
+    if (distribution == "uniform")
+        return float(number);
+    if (distribution == "narrow")
+        return float(1000 + 0.5 * number);
+    if (distribution == "exponential")
+        return float(-50 * std::log(number));
+    if (distribution == "counts")
+        return std::floor(float(-5 * std::log(number)));
+    return 7;  // constant
+}
+
+/// The sort alone, on one thread and on all, against std::sort.
+void sortFloats(benchmark::State& state, const std::string& distribution)
+{
+    const auto size = static_cast<std::size_t>(state.range(0)) << 20;
+    std::mt19937 random(5);
+    std::vector<float> values(size);
+    for (float& value : values)
+        value = valueOf(distribution, random);
+    MImage image(int(size), 1, 0.0f);
+    auto* pixels = static_cast<float*>(image.data());
+    // Least seconds of some rounds, each with the same unsorted values.
+    const auto least = [&](int rounds, auto&& sort) {
+        double seconds = std::numeric_limits<double>::infinity();
+        for (int i = 0; i < rounds; ++i) {
+            std::copy(values.begin(), values.end(), pixels);
+            seconds = std::min(seconds, leastSeconds(1, sort));
+        }
+        return seconds;
+    };
+    const auto ours = [&] { morvend::image::sortPixels(pixels, size); };
+    double one = 1, all = 1, standard = 1;
+    for (auto _ : state) {
+        all = least(4, ours);
+        standard = least(2, [&] { std::sort(pixels, pixels + size); });
+        const tbb::global_control alone(tbb::global_control::max_allowed_parallelism, 1);
+        one = least(4, ours);
+    }
+    state.counters["one_thread_ms"] = one * 1e3;
+    state.counters["all_threads_ms"] = all * 1e3;
+    state.counters["x_std_sort"] = standard / one;
+    state.counters["x_std_sort_all"] = standard / all;
+}
+
 void sizes(benchmark::internal::Benchmark* benchmark)
 {
     benchmark->ArgName("megapixels")->Arg(4)->Arg(16)->Unit(benchmark::kMillisecond)->MinTime(0.1);
@@ -212,6 +263,19 @@ BENCHMARK(withHistogram<int>)->Apply(sizes);
 BENCHMARK(withHistogram<unsigned int>)->Apply(sizes);
 BENCHMARK(withHistogram<unsigned short>)->Apply(sizes);
 BENCHMARK(withHistogram<float>)->Apply(sizes);
+#define TARVIK_SORT(Distribution)                                                                  \
+    BENCHMARK_CAPTURE(sortFloats, Distribution, #Distribution)                                     \
+        ->ArgName("megapixels")                                                                    \
+        ->Arg(4)                                                                                   \
+        ->Arg(16)                                                                                  \
+        ->Unit(benchmark::kMillisecond)                                                            \
+        ->Iterations(1)
+TARVIK_SORT(uniform);
+TARVIK_SORT(narrow);
+TARVIK_SORT(exponential);
+TARVIK_SORT(counts);
+TARVIK_SORT(constant);
+#undef TARVIK_SORT
 
 }  // namespace
 

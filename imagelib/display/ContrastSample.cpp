@@ -5,6 +5,7 @@
 #include "imagelib/display/ContrastSample.h"
 
 #include "imagelib/image/MImage.h"
+#include "imagelib/image/SortPixels.h"
 
 #include <algorithm>
 #include <cmath>
@@ -13,8 +14,6 @@
 #include <memory>
 #include <mutex>
 #include <tuple>
-
-#include <hwy/contrib/sort/vqsort.h>
 
 namespace morvend::imglib {
 
@@ -177,8 +176,7 @@ ContrastSample contrastSample(const MImage& image, const MImage* mask, std::size
         });
     if (image.size() > wanted && sample.size() < wanted / 64)
         sample = ofAllPixels(image, mask, wanted);  // nearly all is masked
-    const hwy::Sorter sorter;
-    sorter(sample.data(), sample.size(), hwy::SortAscending());
+    image::sortPixels(sample.data(), sample.size());
     return sample;
 }
 

@@ -12,12 +12,14 @@
 // After foreach_target.h, which may include this file again for each instruction set.
 #include <hwy/highway.h>
 
+#include "imagelib/image/PackLanes-inl.h"
 #include "logic/analysis/statistics/GoodLanes-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace histogramblocks::HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 using tarvik_simd::HWY_NAMESPACE::goodLanes;
+using tarvik_simd::HWY_NAMESPACE::packStore;
 
 template <class T>
 HWY_INLINE Encoded encodeBlock(const T* pixels, const std::uint8_t* bits, std::size_t count,
@@ -46,7 +48,7 @@ HWY_INLINE Encoded encodeBlock(const T* pixels, const std::uint8_t* bits, std::s
         hn::StoreU(hn::DemoteTo(dcode, hn::BitCast(di, coded)), dcode, codes + i);
         const auto outside = hn::AndNot(inside, good);
         if (!hn::AllFalse(d, outside))
-            found += hn::CompressStore(value, outside, d, others + found);
+            found += packStore(d, value, outside, others + found);
     }
     return {found, hn::GetLane(hn::MaxOfLanes(du, highest))};
 }
@@ -133,11 +135,11 @@ void partBlock(const float* pixels, const std::uint8_t* bits, std::size_t count,
         const auto above = hn::AndNot(below, hn::And(good, hn::Ge(value, upper)));
         const auto binned = hn::And(good, hn::And(hn::Ge(value, lower), hn::Lt(value, upper)));
         if (!hn::AllFalse(d, above))
-            to.aboveCount += hn::CompressStore(value, above, d, to.above + to.aboveCount);
+            to.aboveCount += packStore(d, value, above, to.above + to.aboveCount);
         if (!hn::AllFalse(d, below))
-            to.belowCount += hn::CompressStore(value, below, d, to.below + to.belowCount);
+            to.belowCount += packStore(d, value, below, to.below + to.belowCount);
         if (!hn::AllFalse(d, binned))
-            to.binnedCount += hn::CompressStore(value, binned, d, to.binned + to.binnedCount);
+            to.binnedCount += packStore(d, value, binned, to.binned + to.binnedCount);
     }
     parts = to;
 }

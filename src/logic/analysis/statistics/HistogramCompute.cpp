@@ -5,10 +5,10 @@
 #include "logic/analysis/statistics/HistogramCompute.h"
 
 #include "imagelib/image/BinaryDispatcher.h"
+#include "imagelib/image/SortPixels.h"
 #include "logic/analysis/statistics/GoodPixels.h"
 #include "logic/analysis/statistics/HistogramBlocks.h"
 #include "logic/analysis/statistics/IntegerBins.h"
-#include "logic/analysis/statistics/SortPixels.h"
 #include "logic/analysis/statistics/ValueCounts.h"
 
 #include <algorithm>
@@ -84,7 +84,7 @@ public:
     MBasicImage<> sorted()
     {
         using namespace morvend::datatypes;
-        sortPixels(_values, _size);
+        morvend::image::sortPixels(_values, _size);
         if (_size > _most / 2)
             return {std::move(_memory), typeOf<T>, bitsOf<T>, _size};
         return {_values, _size};

@@ -4,7 +4,6 @@
 // The cumulative histogram against counting by hand, for all pixel types.
 #include "logic/IntegratedHistogram.h"
 #include "logic/analysis/statistics/MaskRule.h"
-#include "logic/analysis/statistics/SortPixels.h"
 #include "tests/support/EveryTarget.h"
 
 #include <gtest/gtest.h>
@@ -198,16 +197,6 @@ TEST(Histogram, IsExactInBinsAndTails)
     expectCounts(masked, MImage(4, 4, 2u), nan, {{-1, 0}, {0, 0}, {3, 0}, {1e12, 0}});
     // A value below all that the type can hold is below every pixel.
     expectCounts(MImage(4, 4, 0u), MImage(4, 4, 0u), 0, {{-0.5, 0}, {0, 16}});
-}
-
-TEST(SortPixels, OrdersZerosBySign)
-{
-    float values[] = {0.0f, -1.0f, -0.0f, 2.0f, 0.0f, -0.0f};
-    sortPixels(values, 6);
-    EXPECT_EQ(values[0], -1.0f);
-    EXPECT_TRUE(std::signbit(values[1]) && std::signbit(values[2]));
-    EXPECT_FALSE(std::signbit(values[3]) || std::signbit(values[4]));
-    EXPECT_EQ(values[5], 2.0f);
 }
 
 }  // namespace

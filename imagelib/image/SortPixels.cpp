@@ -2,34 +2,37 @@
 // SPDX-License-Identifier: MIT
 //
 // Counting for narrow types, vectorised quicksort for the others.
-#include "logic/analysis/statistics/SortPixels.h"
+#include "imagelib/image/SortPixels.h"
+
+#include "imagelib/image/VectorSort.h"
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <cstdint>
 #include <limits>
 #include <type_traits>
+#include <vector>
 
-#include <hwy/contrib/sort/vqsort.h>
+namespace morvend::image {
 
 namespace {
 
-/// The type of the same width and order that the sorter knows.
+/// The type of the same width and order that the vectorised sort knows.
 template <class T>
 using Known = std::conditional_t<
     std::is_floating_point_v<T>, T,
-    std::conditional_t<
-        sizeof(T) == 2, std::conditional_t<std::is_signed_v<T>, std::int16_t, std::uint16_t>,
-        std::conditional_t<sizeof(T) == 4,
-                           std::conditional_t<std::is_signed_v<T>, std::int32_t, std::uint32_t>,
-                           std::conditional_t<std::is_signed_v<T>, std::int64_t, std::uint64_t>>>>;
+    std::conditional_t<sizeof(T) == 4,
+                       std::conditional_t<std::is_signed_v<T>, std::int32_t, std::uint32_t>,
+                       std::conditional_t<std::is_signed_v<T>, std::int64_t, std::uint64_t>>>;
 
 template <class T>
 void countingSort(T* values, std::size_t count)
 {
     constexpr int Lowest = std::numeric_limits<T>::min();
-    std::array<std::size_t, 256> counts{};
+    constexpr std::size_t Values = std::size_t(1) << (8 * sizeof(T));
+    if (count < Values / 64)
+        return std::sort(values, values + count);
+    std::vector<std::size_t> counts(Values);
     for (std::size_t i = 0; i < count; ++i)
         ++counts[static_cast<std::size_t>(int(values[i]) - Lowest)];
     for (std::size_t k = 0; k < counts.size(); ++k)
@@ -61,13 +64,12 @@ std::ptrdiff_t negativeZeros([[maybe_unused]] const T* values, [[maybe_unused]] 
 template <class T>
 void sortPixels(T* values, std::size_t count)
 {
-    if constexpr (sizeof(T) == 1) {
+    if constexpr (sizeof(T) <= 2) {
         countingSort(values, count);
     } else {
         // Counted first: the minimum and maximum of processors don't keep the sign of a zero.
         const auto negative = negativeZeros(values, count);
-        const hwy::Sorter sorter;
-        sorter(reinterpret_cast<Known<T>*>(values), count, hwy::SortAscending());
+        vectorSort(reinterpret_cast<Known<T>*>(values), count);
         if (negative > 0) {
             const auto [first, last] = std::equal_range(values, values + count, T(0));
             std::fill(first, first + negative, -T(0));
@@ -88,3 +90,5 @@ template void sortPixels(unsigned int*, std::size_t);
 template void sortPixels(unsigned long long*, std::size_t);
 template void sortPixels(float*, std::size_t);
 template void sortPixels(double*, std::size_t);
+
+}  // namespace morvend::image

@@ -8,6 +8,8 @@
 #include "logic/support/Assert.h"
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <utility>
 #include <vector>
@@ -32,7 +34,8 @@ struct Span {
     int begin;
     int end;
     bool empty() const { return begin >= end; }
-    double size() const { return end - begin; }
+    int length() const { return end - begin; }
+    double size() const { return length(); }
 };
 
 /// The source pixels of `count` thumbnail pixels in one direction. The last ones may have none,
@@ -166,31 +169,75 @@ private:
     std::vector<Cell> _negative;
 };
 
-/// Means where the order of the pixels counts, as it does for sums of floating pixels.
+/// Means where the order of the pixels counts, as it does for sums of floating pixels. Each row
+/// goes to all cells before the next one: the sum of a cell waits for each of its additions, those
+/// of its neighbours don't.
 template <class T>
 class MeansInOrder : public Means<T> {
 public:
-    using Means<T>::Means;
+    MeansInOrder(const MImage& image, MImage target)
+        : Means<T>(image, std::move(target))
+        , _cells(this->columns().size())
+    {}
 
 private:
+    struct Cell {
+        double sum = 0;
+        T lowest = T(0);
+
+        void add(T value)
+        {
+            lowest = value < lowest ? value : lowest;  // so that a NaN is none
+            sum += static_cast<double>(value);
+        }
+    };
+    static constexpr std::size_t Together = 4;
+
     void fill(Span rows, T* out) override
     {
-        for (const Span columns : this->columns()) {
-            double sum = 0;
-            bool negative = false;
-            for (int y = rows.begin; y < rows.end; ++y) {
-                const T* row = this->source.row(y);
-                for (int x = columns.begin; x < columns.end; ++x) {
-                    negative |= row[x] < T(0);
-                    sum += static_cast<double>(row[x]);
-                }
-            }
+        std::fill(_cells.begin(), _cells.end(), Cell());
+        for (int y = rows.begin; y < rows.end; ++y)
+            _addRow(this->source.row(y));
+        for (std::size_t i = 0; i < _cells.size(); ++i, ++out) {
+            const Span columns = this->columns()[i];
             if (columns.empty())
-                *out++ = T(0);
+                *out = T(0);
             else
-                this->add(rows, columns, sum, negative, *out++);
+                this->add(rows, columns, _cells[i].sum, _cells[i].lowest < T(0), *out);
         }
     }
+
+    void _addRow(const T* row)
+    {
+        const std::vector<Span>& columns = this->columns();
+        std::size_t i = 0;
+        for (; i + Together <= columns.size(); i += Together) {
+            std::array<Cell, Together> cells;
+            std::copy_n(_cells.begin() + std::ptrdiff_t(i), Together, cells.begin());
+            int shortest = columns[i].length();
+            for (std::size_t k = 1; k < Together; ++k)
+                shortest = std::min(shortest, columns[i + k].length());
+            std::array<const T*, Together> first;
+            for (std::size_t k = 0; k < Together; ++k)
+                first[k] = row + columns[i + k].begin;
+            for (int x = 0; x < shortest; ++x) {
+#pragma GCC unroll 4
+                for (std::size_t k = 0; k < Together; ++k)
+                    cells[k].add(first[k][x]);
+            }
+            for (std::size_t k = 0; k < Together; ++k) {
+                for (int x = shortest; x < columns[i + k].length(); ++x)
+                    cells[k].add(first[k][x]);
+            }
+            std::copy(cells.begin(), cells.end(), _cells.begin() + std::ptrdiff_t(i));
+        }
+        for (; i < columns.size(); ++i) {
+            for (int x = columns[i].begin; x < columns[i].end; ++x)
+                _cells[i].add(row[x]);
+        }
+    }
+
+    std::vector<Cell> _cells;
 };
 
 /// The integer of the same width that the vector loops know: `char` is none of them.

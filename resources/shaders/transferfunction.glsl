@@ -7,6 +7,13 @@
 
 uniform Sampler textureImg;
 uniform usampler2D textureMask;
+// Screen pixel n of the quad shows pixel firstPixel + (remainder + n * pixelStep) / divisor of the
+// texture, in whole numbers that floats hold exactly: interpolated coordinates would leave it to
+// chance which pixel is shown where a centre lies on a border.
+uniform ivec2 firstPixel;
+uniform vec2 remainder;
+uniform float pixelStep;
+uniform float inverseDivisor;
 uniform sampler1D linData;
 uniform sampler1D logData;
 uniform int logDataSize;
@@ -22,6 +29,7 @@ uniform vec4 defectiveColor = vec4(0.0, 0.0, 0.0, 1.0);
 uniform bool highlightDefective = false;
 uniform bool highlightSaturated = false;
 
+// In screen pixels from the corner of the quad.
 in vec2 f_texcoord;
 out vec4 color;
 
@@ -50,8 +58,11 @@ float tableCoordinate(Value i, out bool logarithmic)
 // worth saving: one into each, and none below a condition.
 void main()
 {
-    Value i = texture(textureImg, f_texcoord).r;
-    uint m = texture(textureMask, f_texcoord).r;
+    // The half keeps the quotient farther from whole numbers than it can be off.
+    vec2 steps = remainder + pixelStep * floor(f_texcoord) + 0.5;
+    ivec2 pixel = firstPixel + ivec2(steps * inverseDivisor);
+    Value i = texelFetch(textureImg, pixel, 0).r;
+    uint m = texelFetch(textureMask, pixel, 0).r;
 
     bool logarithmic;
     float x = tableCoordinate(i, logarithmic);

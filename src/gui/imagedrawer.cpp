@@ -416,5 +416,5 @@ void ImageDrawer::_renderNative(double devicePixelRatio)
                     static_cast<float>(_backgroundColor.blueF()), 1.0F);
     gl.glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     if (usesGlsl() && _scene->textures().hasImage() && _scene->textures().hasTables())
-        _scene->draw(_image, _plottingMode, viewGeometry());
+        _scene->draw(_image, _plottingMode, viewGeometry(), devicePixelRatio);
 }

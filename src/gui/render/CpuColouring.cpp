@@ -5,6 +5,7 @@
 #include "gui/render/CpuColouring.h"
 
 #include "gui/render/ParallelRows.h"
+#include "gui/render/ViewGeometry.h"
 #include "imagelib/display/ColorMapper.h"
 #include "logic/support/Assert.h"
 
@@ -12,6 +13,7 @@
 #include <QPainter>
 
 #include <limits>
+#include <vector>
 
 namespace render {
 
@@ -28,6 +30,12 @@ morvend::imglib::ColorSettings settingsOf(const Colouring& colouring)
             colouring.saturation.value_or(std::numeric_limits<int>::max()),
             colouring.highlightDefective,
             colouring.saturation.has_value()};
+}
+
+/// Has the image more pixels than the screen has for them?
+bool isReduced(const ViewportData& viewport, double devicePixelRatio)
+{
+    return viewport.zoom() * devicePixelRatio < 1;
 }
 
 }  // namespace
@@ -88,11 +96,13 @@ void CpuColouring::draw(QPainter& painter, const DisplayImage& image, const Colo
                           _rgbImage.height(), QImage::Format_ARGB32_Premultiplied);
         _composition = {};
     }
-    if (painter.paintEngine()->type() == QPaintEngine::Raster) {
-        _paint(painter, viewport);
+    const double devicePixelRatio = painter.device()->devicePixelRatioF();
+    if (isReduced(viewport, devicePixelRatio) &&
+        painter.paintEngine()->type() == QPaintEngine::Raster) {
+        _paintReduced(painter, viewport);
         return;
     }
-    _compose(viewport, view, painter.device()->devicePixelRatioF());
+    _compose(viewport, view, devicePixelRatio);
     painter.drawImage(QPoint(0, 0), _composition);
 }
 
@@ -100,22 +110,46 @@ void CpuColouring::_compose(const ViewportData& viewport, QSize view, double dev
 {
     const QSize size(qRound(view.width() * devicePixelRatio),
                      qRound(view.height() * devicePixelRatio));
-    if (_composition.size() == size && _composedViewport == viewport)
+    if (_composition.size() == size && _composition.devicePixelRatio() == devicePixelRatio &&
+        _composedViewport == viewport)
         return;
     _composition = QImage(size, QImage::Format_ARGB32_Premultiplied);
     _composition.setDevicePixelRatio(devicePixelRatio);
     _composition.fill(Qt::transparent);
     _composedViewport = viewport;
-    QPainter painter(&_composition);
-    _paint(painter, viewport);
+    if (isReduced(viewport, devicePixelRatio)) {
+        QPainter painter(&_composition);
+        _paintReduced(painter, viewport);
+    } else {
+        _composePixels({view, viewport, devicePixelRatio});
+    }
 }
 
-void CpuColouring::_paint(QPainter& painter, const ViewportData& viewport) const
+void CpuColouring::_composePixels(const ScreenPixels& screen)
+{
+    const QRect target = screen.showing(_part);
+    const auto width = static_cast<std::size_t>(target.width());
+    std::vector<int> columns(width);
+    for (std::size_t x = 0; x < width; ++x)
+        columns[x] = screen.column(target.left() + int(x)) - _part.left();
+    uchar* const composition = _composition.bits();
+    const qsizetype bytesPerLine = _composition.bytesPerLine();
+    parallelRows(target.height(), width, [&](int i) {
+        const int y = target.top() + i;
+        const auto* from =
+            reinterpret_cast<const QRgb*>(_picture.constScanLine(screen.row(y) - _part.top()));
+        auto* to = reinterpret_cast<QRgb*>(composition + y * bytesPerLine) + target.left();
+        for (std::size_t x = 0; x < width; ++x)
+            to[x] = from[columns[x]];
+    });
+}
+
+void CpuColouring::_paintReduced(QPainter& painter, const ViewportData& viewport) const
 {
     const double zoom = viewport.zoom();
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing, false);
-    painter.setRenderHint(QPainter::SmoothPixmapTransform, zoom < 1);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
     painter.translate((_part.x() - viewport.offsetX) * zoom, (_part.y() - viewport.offsetY) * zoom);
     painter.scale(zoom, zoom);
     painter.drawImage(QPoint(0, 0), _picture);

@@ -6,7 +6,7 @@
 
 #include "gui/render/Colouring.h"
 #include "gui/render/DisplayImage.h"
-#include "gui/render/ViewGeometry.h"
+#include "gui/render/ScreenPixels.h"
 #include "logic/records/ViewportData.h"
 
 #include <QImage>
@@ -29,8 +29,8 @@ public:
 
     /// Image or colouring have changed.
     void invalidate();
-    /// Draws the visible part, in widget coordinates: each pixel as a square, or reduced with
-    /// neighbours averaged.
+    /// Draws the visible part, in widget coordinates: each screen pixel as ScreenPixels says, or,
+    /// where the image has more of them than the screen, reduced with neighbours averaged.
     /// @param view  size of the view
     void draw(QPainter& painter, const DisplayImage& image, const Colouring& colouring,
               const ViewportData& viewport, QSize view);
@@ -38,14 +38,15 @@ public:
     std::size_t colouredPixels() const { return _colouredPixels; }
 
 private:
-    void _paint(QPainter& painter, const ViewportData& viewport) const;
+    void _paintReduced(QPainter& painter, const ViewportData& viewport) const;
     void _compose(const ViewportData& viewport, QSize view, double devicePixelRatio);
+    void _composePixels(const ScreenPixels& screen);
 
     QRect _part;
     MImage _rgbImage;
     QImage _picture;  // a view on its pixels
-    /// The view as it stands on the screen, for painters that would have to send the picture to the
-    /// graphics card, which may be too large for it.
+    /// The view as it stands on the screen: painters round by rules of their own, and some would
+    /// have to send the picture to the graphics card, which may be too large for it.
     QImage _composition;
     ViewportData _composedViewport;
     std::size_t _colouredPixels = 0;

@@ -8,6 +8,8 @@
 #include "logic/support/Assert.h"
 
 #include <QColor>
+#include <QOpenGLContext>
+#include <QOpenGLFunctions>
 
 namespace render {
 
@@ -76,6 +78,17 @@ void ImageProgram::setScene(const QMatrix4x4& transformation, const QMatrix4x4& 
     _program->setUniformValue(_glslSelectRegionMatrix, selectRegion);
 }
 
+void ImageProgram::setPixels(const ScreenPixels& screen, const QRect& target, QPoint origin)
+{
+    // Qt would set it as floats.
+    QOpenGLContext::currentContext()->functions()->glUniform2i(
+        _glslFirstPixel, screen.column(target.x()) - origin.x(),
+        screen.row(target.y()) - origin.y());
+    _program->setUniformValue(_glslRemainder, screen.remainder(target.topLeft()));
+    _program->setUniformValue(_glslPixelStep, GLfloat(screen.step()));
+    _program->setUniformValue(_glslInverseDivisor, 1 / GLfloat(screen.divisor()));
+}
+
 void ImageProgram::_locate()
 {
     _glslCoord2d = _program->attributeLocation("coord2d");
@@ -83,6 +96,10 @@ void ImageProgram::_locate()
     _glslSelectRegionMatrix = _program->uniformLocation("selectRegionMatrix");
     _glslTextureImg = _program->uniformLocation("textureImg");
     _glslTextureMask = _program->uniformLocation("textureMask");
+    _glslFirstPixel = _program->uniformLocation("firstPixel");
+    _glslRemainder = _program->uniformLocation("remainder");
+    _glslPixelStep = _program->uniformLocation("pixelStep");
+    _glslInverseDivisor = _program->uniformLocation("inverseDivisor");
     _glslLogForeground = _program->uniformLocation("logForeground");
     _glslForeground = _program->uniformLocation("foreground");
     _glslBackground = _program->uniformLocation("background");
@@ -111,6 +128,10 @@ void ImageProgram::_locate()
 void ImageProgram::_assertFlatLocations() const
 {
     assert(_glslTextureMask != -1);
+    assert(_glslFirstPixel != -1);
+    assert(_glslRemainder != -1);
+    assert(_glslPixelStep != -1);
+    assert(_glslInverseDivisor != -1);
     assert(_glslLinData != -1);
     assert(_glslLogData != -1);
     assert(_glslLogDataSize != -1);

@@ -6,6 +6,7 @@
 
 #include "gui/render/Colouring.h"
 #include "gui/render/PixelKind.h"
+#include "gui/render/ScreenPixels.h"
 #include "gui/render/TransferFunction.h"
 
 #include <QMatrix4x4>
@@ -32,6 +33,10 @@ public:
     void setColouring(const Colouring& colouring);
     /// Matrices and texture units, as ImageTextures binds them.
     void setScene(const QMatrix4x4& transformation, const QMatrix4x4& selectRegion);
+    /// Which pixels of the tile that is bound stand where, for the flat image.
+    /// @param target  the screen pixels of the quad
+    /// @param origin  first pixel of the tile
+    void setPixels(const ScreenPixels& screen, const QRect& target, QPoint origin);
     /// The attribute that takes the vertices, two floats each.
     int coord2d() const { return _glslCoord2d; }
 
@@ -47,6 +52,10 @@ private:
     int _glslSelectRegionMatrix = -1;
     int _glslTextureImg = -1;
     int _glslTextureMask = -1;
+    int _glslFirstPixel = -1;
+    int _glslRemainder = -1;
+    int _glslPixelStep = -1;
+    int _glslInverseDivisor = -1;
     int _glslLogForeground = -1;
     int _glslForeground = -1;
     int _glslBackground = -1;

@@ -66,7 +66,8 @@ void SceneRenderer::setColouring(PixelKind kind, PlottingMode mode, const Colour
     program.release();
 }
 
-void SceneRenderer::draw(const DisplayImage& image, PlottingMode mode, const ViewGeometry& geometry)
+void SceneRenderer::draw(const DisplayImage& image, PlottingMode mode, const ViewGeometry& geometry,
+                         double devicePixelRatio)
 {
     gl().glDisable(GL_STENCIL_TEST);
     gl().glDisable(GL_SCISSOR_TEST);
@@ -75,24 +76,33 @@ void SceneRenderer::draw(const DisplayImage& image, PlottingMode mode, const Vie
     ImageProgram& program = _programs.get(image.kind(), use);
     program.bind();
     if (use == ImageProgram::Use::FlatImage)
-        _drawFlat(program, geometry);
+        _drawFlat(program, {geometry.view(), geometry.viewport(), devicePixelRatio});
     else
         _drawPlot(program, image, geometry);
     _textures.unbind();
     program.release();
 }
 
-void SceneRenderer::_drawFlat(ImageProgram& program, const ViewGeometry& geometry)
+void SceneRenderer::_drawFlat(ImageProgram& program, const ScreenPixels& screen)
 {
-    // Tiles overlap, and each of their pixels is opaque.
     gl().glDisable(GL_DEPTH_TEST);
     gl().glDisable(GL_BLEND);
+    QMatrix4x4 screenToClip;
+    screenToClip.ortho(QRect(QPoint(), screen.size()));
     for (std::size_t i = 0; i < _textures.tiles().size(); ++i) {
-        const ViewGeometry tile = geometry.part(_textures.tiles()[i]);
-        if (tile.visibleRange().isEmpty())
+        const QRect& tile = _textures.tiles()[i];
+        const QRect target = screen.showing(tile);
+        if (target.isEmpty())
             continue;
         _textures.bind(i);
-        program.setScene(tile.transformationMatrix(), tile.selectRegionMatrix());
+        // The quad covers whole pixels of the screen: their centres are far from its edges, so that
+        // no rounding decides which are drawn.
+        QMatrix4x4 targetToClip = screenToClip;
+        targetToClip.translate(float(target.x()), float(target.y()));
+        QMatrix4x4 quadToTarget;
+        quadToTarget.scale(float(target.width()), float(target.height()));
+        program.setScene(targetToClip, quadToTarget);
+        program.setPixels(screen, target, tile.topLeft());
         _drawElements(program, GL_TRIANGLES, static_cast<int>(quadIndices.size()), _quadVertices,
                       _quadIndices);
     }

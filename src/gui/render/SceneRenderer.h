@@ -29,10 +29,12 @@ public:
     /// Draws the visible part into the current frame buffer and viewport, and leaves no state
     /// behind that would disturb a painter.
     /// @param image  the one that the textures hold
-    void draw(const DisplayImage& image, PlottingMode mode, const ViewGeometry& geometry);
+    /// @param devicePixelRatio  pixels of the frame buffer for each one of the geometry's
+    void draw(const DisplayImage& image, PlottingMode mode, const ViewGeometry& geometry,
+              double devicePixelRatio);
 
 private:
-    void _drawFlat(ImageProgram& program, const ViewGeometry& geometry);
+    void _drawFlat(ImageProgram& program, const ScreenPixels& screen);
     void _drawPlot(ImageProgram& program, const DisplayImage& image, const ViewGeometry& geometry);
     void _drawElements(const ImageProgram& program, unsigned int mode, int count,
                        QOpenGLBuffer& vertices, QOpenGLBuffer& indices);

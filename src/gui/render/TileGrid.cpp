@@ -13,17 +13,10 @@ std::vector<QRect> tilesOf(QSize image, int limit)
     if (image.isEmpty() || (limit < 2 && std::max(image.width(), image.height()) > limit))
         return {};
     std::vector<QRect> tiles;
-    int top = 0;
-    do {
-        const int height = std::min(limit, image.height() - top);
-        int left = 0;
-        do {
-            const int width = std::min(limit, image.width() - left);
-            tiles.emplace_back(left, top, width, height);
-            left += width - 1;
-        } while (left + 1 < image.width());
-        top += height - 1;
-    } while (top + 1 < image.height());
+    const QRect whole(QPoint(0, 0), image);
+    for (int top = 0; top < image.height(); top += limit)
+        for (int left = 0; left < image.width(); left += limit)
+            tiles.push_back(QRect(left, top, limit, limit) & whole);
     return tiles;
 }
 

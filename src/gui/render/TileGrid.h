@@ -11,8 +11,7 @@
 
 namespace render {
 
-/// Tiles of at most limit * limit pixels that cover an image, row by row. Neighbours overlap by one
-/// pixel: where rounding would leave a gap between two of them, both show the same pixel.
+/// Tiles of at most limit * limit pixels that together are an image, row by row.
 /// @returns one tile for an image that fits, none where the limit is below 2 and the image above
 std::vector<QRect> tilesOf(QSize image, int limit);
 

@@ -54,14 +54,6 @@ ViewGeometry::ViewGeometry(QSize image, QSize view, const ViewportData& viewport
     , _scale(scale)
 {}
 
-ViewGeometry ViewGeometry::part(const QRect& rect) const
-{
-    ViewportData viewport = _viewport;
-    viewport.offsetX -= rect.x();
-    viewport.offsetY -= rect.y();
-    return {rect.size(), _view, viewport, _scale};
-}
-
 double ViewGeometry::imageX(double screenX) const
 {
     return (_viewport.offsetX + screenX / _zoom) / _scale;
@@ -123,17 +115,7 @@ QMatrix4x4 ViewGeometry::selectRegionMatrix() const
     return matrix;
 }
 
-QMatrix4x4 ViewGeometry::transformationMatrix() const { return _matrix({}); }
-
 QMatrix4x4 ViewGeometry::plotMatrix() const
-{
-    QMatrix4x4 rotation;
-    rotation.rotate(_viewport.rotationX, 1, 0, 0);
-    rotation.rotate(_viewport.rotationY, 0, 1, 0);
-    return _matrix(rotation);
-}
-
-QMatrix4x4 ViewGeometry::_matrix(const QMatrix4x4& rotation) const
 {
     // The eye looks at the plane of the image from so far away, under so narrow an angle, that one
     // unit of the plane fills the view at zoom 1 whatever the zoom is.
@@ -148,7 +130,8 @@ QMatrix4x4 ViewGeometry::_matrix(const QMatrix4x4& rotation) const
     const double shiftX = 2 * _viewport.offsetX / width + distance / 128 - 1;
     const double shiftY = 2 * _viewport.offsetY / height + distance / 128 - 1;
     matrix.translate(0, 0, static_cast<float>(-distance));
-    matrix *= rotation;
+    matrix.rotate(_viewport.rotationX, 1, 0, 0);
+    matrix.rotate(_viewport.rotationY, 0, 1, 0);
     matrix.translate(static_cast<float>(-shiftX), static_cast<float>(shiftY), 0);
 
     const auto unitImage =

@@ -26,10 +26,9 @@ public:
     /// @param scale  pixels of the picture on show for each image pixel
     ViewGeometry(QSize image, QSize view, const ViewportData& viewport, double scale = 1.0);
 
-    /// The same view of a part of the image, taken as an image of its own.
-    ViewGeometry part(const QRect& rect) const;
     QSize image() const { return _image; }
     QSize view() const { return _view; }
+    const ViewportData& viewport() const { return _viewport; }
     /// Screen pixels for each pixel of the picture on show.
     double zoom() const { return _zoom; }
 
@@ -54,15 +53,12 @@ public:
 
     /// The visible part in fractions of the image: columns and rows of the unit square to it.
     QMatrix4x4 selectRegionMatrix() const;
-    /// Fractions of the image to clip coordinates of the view.
-    QMatrix4x4 transformationMatrix() const;
-    /// The same for the height map, whose third coordinate is the height: turned by the viewport's
-    /// angles about the centre of the view in the plane of the image.
+    /// Fractions of the image, with the height of the height map as third coordinate, to clip
+    /// coordinates of the view: turned by the viewport's angles about the centre of the view in the
+    /// plane of the image.
     QMatrix4x4 plotMatrix() const;
 
 private:
-    QMatrix4x4 _matrix(const QMatrix4x4& rotation) const;
-
     QSize _image;
     QSize _view;
     ViewportData _viewport;

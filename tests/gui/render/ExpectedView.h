@@ -31,8 +31,8 @@ inline morvend::imglib::MImage colouredImage(const TarvikService& service)
     return result;
 }
 
-/// Compares a picture of a view with the coloured image, nearest pixel by nearest pixel. Pixels of
-/// the screen whose centre lies on a border between image pixels may show either and are passed.
+/// Compares a picture of a view with the coloured image, nearest pixel by nearest pixel. Where the
+/// centre of a pixel of the screen lies on a border, the image pixel before it is the nearest.
 /// @param ratio  pixels of the picture for each one of the view
 /// @returns the first difference in words, empty for none
 inline std::string differenceFromImage(const QImage& picture, const TarvikService& service,
@@ -41,17 +41,12 @@ inline std::string differenceFromImage(const QImage& picture, const TarvikServic
     const morvend::imglib::MImage colours = colouredImage(service);
     const ViewportData viewport = service.viewportData();
     const double scale = viewport.zoom() * ratio;
-    const auto onBorder = [](double position) {
-        return std::abs(position - std::round(position)) < 1e-3;
-    };
     for (int py = 0; py < picture.height(); ++py) {
         for (int px = 0; px < picture.width(); ++px) {
             const double x = (px + 0.5) / scale + viewport.offsetX;
             const double y = (py + 0.5) / scale + viewport.offsetY;
-            if (onBorder(x) || onBorder(y))
-                continue;
             const auto wanted = colours.pixel<unsigned int>(
-                static_cast<int>(std::floor(x)), static_cast<int>(std::floor(y)), background);
+                static_cast<int>(std::ceil(x)) - 1, static_cast<int>(std::ceil(y)) - 1, background);
             if (const QRgb shown = picture.pixel(px, py); shown != wanted)
                 return QString::asprintf("at (%d, %d), image (%g, %g): %08x, not %08x, power %d",
                                          px, py, x, y, shown, wanted, viewport.zoomPower)

@@ -65,6 +65,8 @@ TEST_P(AnySurface, EachPixelStandsWhereTheViewportPutsIt)
                                {200.4, 120.1},
                                {-150.2, 100},
                                {309, 189},
+                               {30.5, -7.25},
+                               {-20.375, 40.125},
                                {400, 0},
                                {0, -1000},
                                {17.6, -3.1}}) {

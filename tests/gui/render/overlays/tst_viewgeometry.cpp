@@ -25,7 +25,7 @@ void expectMatrices(const ViewGeometry& geometry, const ViewportData& viewport)
     }
     for (const QPointF corner : {QPointF(0, 0), QPointF(1, 0), QPointF(1, 1), QPointF(0, 1)}) {
         const QVector3D clip =
-            geometry.transformationMatrix().map(select.map(QVector3D(QVector2D(corner), 0)));
+            geometry.plotMatrix().map(select.map(QVector3D(QVector2D(corner), 0)));
         const double x = visible.x() + corner.x() * visible.width();
         const double y = visible.y() + corner.y() * visible.height();
         EXPECT_NEAR((clip.x() + 1) / 2 * 200, (x - viewport.offsetX) * viewport.zoom(), 0.05);

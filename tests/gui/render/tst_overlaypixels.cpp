@@ -328,6 +328,30 @@ TEST_P(Rings, StandAtTheirRadiiAtEveryZoom)
     }
 }
 
+TEST_P(Rings, FollowTheBeamCentreAndTheDistanceOfTheHeader)
+{
+    const auto isRing = [](const QColor& c) { return c.blue() > c.red() + 60; };
+    // Left of its centre, where no label stands.
+    const auto expectFirst = [&](double beamX, double beamY) {
+        const QPoint left(drawer().screenX(beamX - radii(3)[0]), drawer().screenY(beamY));
+        EXPECT_GT(count(grab(), QRect(left - QPoint(1, 1), QSize(3, 3)), isRing), 0)
+            << beamX << " " << beamY;
+    };
+    expectFirst(500, 400);
+    TarvikService::Header header = service().optionalData();
+    header.set_beam_center_x(620.0F);
+    header.set_beam_center_y(300.0F);
+    service().applyHeaderToSeries(header);
+    expectFirst(620, 300);
+    header.set_detector_distance(*header.detector_distance() * 0.7F);
+    service().applyHeaderToSeries(header);
+    expectFirst(620, 300);
+    service().resetHeader();
+    expectFirst(500, 400);
+    ASSERT_TRUE(_view.open(images::withGeometry(1000, 800, 6, 350, 500)));
+    expectFirst(350, 500);
+}
+
 TEST_P(Rings, AreClippedToTheImageAndLabelledOnWhite)
 {
     const QImage picture = grab();

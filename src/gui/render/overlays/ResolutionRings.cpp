@@ -12,6 +12,8 @@
 #include <QPainter>
 #include <QTextOption>
 
+#include <limits>
+
 namespace render {
 
 namespace {
@@ -35,14 +37,27 @@ void drawLabel(QPainter& painter, QPoint anchor, const QString& label, const QRe
 
 }  // namespace
 
+ResolutionRings::Origin ResolutionRings::_originOf(int count, const TarvikService& service)
+{
+    const auto& header = service.optionalData();
+    const auto number = [](const auto& field) {
+        return field ? double(*field) : std::numeric_limits<double>::quiet_NaN();
+    };
+    return {count,
+            service.imageSize(),
+            {number(header.beam_center_x()), number(header.beam_center_y()),
+             number(header.x_pixel_size()), number(header.y_pixel_size()),
+             number(header.detector_distance()), number(header.wavelength())}};
+}
+
 void ResolutionRings::draw(QPainter& painter, const ViewGeometry& geometry, const QRect& boundary,
                            const TarvikService& service)
 {
     const int count = ringCount(geometry);
     if (count == 0)
         return;
-    if (count != _ringCount) {
-        _ringCount = count;
+    if (const Origin origin = _originOf(count, service); origin != _origin) {
+        _origin = origin;
         service.recommendResolutionRadius(count, _ringCentreX, _ringCentreY, _ringRadii,
                                           _ringLabels);
     }

@@ -7,8 +7,10 @@
 #include "gui/render/ViewGeometry.h"
 
 #include <QRect>
+#include <QSize>
 #include <QString>
 
+#include <array>
 #include <vector>
 
 class QPainter;
@@ -17,7 +19,8 @@ class TarvikService;
 namespace render {
 
 /// The rings of one view with their labels, as the service recommends them for what is visible.
-/// They are asked for anew only when their number changes, which follows the zoom.
+/// They are asked for anew when their number changes, which follows the zoom, or what the header
+/// says of the beam and the detector: rings stand round the beam centre wherever it is moved to.
 class ResolutionRings {
 public:
     /// Draws the rings clipped to what the image covers.
@@ -26,7 +29,17 @@ public:
               const TarvikService& service);
 
 private:
-    int _ringCount = -1;
+    /// All that the rings depend on; no number equals itself where the header has none.
+    struct Origin {
+        int count = -1;
+        QSize image;
+        std::array<double, 6> geometry{};
+
+        bool operator==(const Origin&) const = default;
+    };
+    static Origin _originOf(int count, const TarvikService& service);
+
+    Origin _origin;
     double _ringCentreX = 0;
     double _ringCentreY = 0;
     std::vector<double> _ringRadii;

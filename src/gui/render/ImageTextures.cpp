@@ -62,6 +62,12 @@ void uploadTable(unsigned int texture, std::size_t size, const unsigned char* en
 
 }  // namespace
 
+ImageTextures::~ImageTextures()
+{
+    if (_context.enter())
+        release();
+}
+
 bool ImageTextures::uploadImage(const DisplayImage& image, int limit)
 {
     _releaseTables();

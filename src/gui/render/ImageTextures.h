@@ -5,6 +5,7 @@
 #pragma once
 
 #include "gui/render/DisplayImage.h"
+#include "gui/render/OwnContext.h"
 #include "gui/render/TextureFormat.h"
 #include "imagelib/display/MColorTable.h"
 
@@ -17,7 +18,8 @@ namespace render {
 
 /// Textures on units 0 to 3. An image that is larger than a texture may be lies in tiles. What the
 /// card already holds is not sent again: a mask that stayed the same, or an image that is shown
-/// with other highlights. Thread: GUI, with the view's context current for all but the questions.
+/// with other highlights. Thread: GUI, with the context that was current when this was made current
+/// for all but the questions and the end.
 class ImageTextures {
 public:
     enum Unit { Image = 0, Mask = 1, LinearTable = 2, LogarithmicTable = 3 };
@@ -32,6 +34,7 @@ public:
     };
 
     ImageTextures() = default;
+    ~ImageTextures();
     ImageTextures(const ImageTextures&) = delete;
     ImageTextures& operator=(const ImageTextures&) = delete;
 
@@ -70,6 +73,7 @@ private:
     void _releaseImage();
     void _releaseTables();
 
+    OwnContext _context;
     std::vector<QRect> _tiles;
     Layer _image;
     Layer _mask;

@@ -54,7 +54,7 @@ SceneRenderer::SceneRenderer()
     fill(_gridTriangleIndices, VERTEX_GRID.triangleIndices);
 }
 
-SceneRenderer::~SceneRenderer() { _textures.release(); }
+SceneRenderer::~SceneRenderer() { _context.enter(); }
 
 void SceneRenderer::setColouring(PixelKind kind, PlottingMode mode, const Colouring& colouring)
 {

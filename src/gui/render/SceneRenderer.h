@@ -6,6 +6,7 @@
 
 #include "gui/render/ImagePrograms.h"
 #include "gui/render/ImageTextures.h"
+#include "gui/render/OwnContext.h"
 #include "gui/render/ViewGeometry.h"
 #include "logic/records/PlottingMode.h"
 
@@ -15,7 +16,7 @@
 namespace render {
 
 /// Programs, textures and buffers of one view in one context, which is current wherever this is
-/// used, also at its end.
+/// used; at its end any or none may be.
 class SceneRenderer {
 public:
     SceneRenderer();
@@ -39,6 +40,7 @@ private:
     void _drawElements(const ImageProgram& program, unsigned int mode, int count,
                        QOpenGLBuffer& vertices, QOpenGLBuffer& indices);
 
+    OwnContext _context;
     ImagePrograms _programs;
     ImageTextures _textures;
     QOpenGLVertexArrayObject _vertexArray;

@@ -9,7 +9,6 @@
 #include "gui/render/SceneRenderer.h"
 #include "gui/render/gestures/ZoomPan.h"
 #include "logic/TarvikService.h"
-#include "logic/support/Assert.h"
 #include "logic/support/Console.h"
 
 #include <QMouseEvent>
@@ -186,8 +185,6 @@ void ImageDrawer::setContrastSlot(const ContrastData& contrast)
     _cpuColouring.invalidate();
     if (usesGlsl() && _scene->textures().hasImage()) {
         _makeCurrent();
-        const auto* c = contrast.colorTable;
-        assert(c);
         _scene->setColouring(_image.kind(), _plottingMode, _colouring());
     }
     update();
@@ -365,6 +362,11 @@ render::ViewGeometry ImageDrawer::_baseGeometry() const
 render::Colouring ImageDrawer::_colouring() const
 {
     render::Colouring colouring{_contrastData, {}, _service->highlightDefective()};
+    const auto*& table = colouring.contrast.colorTable;
+    if (!table)
+        table = _service->defaultColorTable();
+    if (!table)
+        table = morvend::imglib::MColorTable::hdr();
     const auto& saturation = _image.image().optionalData().saturation_value();
     if (_service->highlightSaturated() && saturation)
         colouring.saturation = *saturation;
@@ -399,7 +401,7 @@ void ImageDrawer::_renderScene(QPainter& painter)
     }
     if (!_service->imageLoaded() || _image.empty())
         return;
-    if (!usesGlsl() && _contrastData.colorTable)
+    if (!usesGlsl())
         _cpuColouring.draw(painter, _image, _colouring(), effectiveViewportData(), size());
     painter.setRenderHint(QPainter::Antialiasing);
     if (_service->resolutionDefined() && _service->showResolutionRings())

@@ -138,7 +138,14 @@ const TarvikService::MColorTable* TarvikService::defaultColorTable() const
 
 void TarvikService::setDefaultColorTable(const MColorTable* colorTable)
 {
-    _d->_defaultColorTable = colorTable;
+    if (std::exchange(_d->_defaultColorTable, colorTable) == colorTable)
+        return;
+    // A view whose contrast names no table shows this one.
+    ContrastData recoloured = contrastData();
+    if (recoloured.colorTable || !recoloured.defined)
+        return;
+    recoloured.dragUpdate = false;
+    emit newContrastSignal(recoloured);
 }
 
 const std::list<const TarvikService::MColorTable*>& TarvikService::colorTables() const

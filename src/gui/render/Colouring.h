@@ -13,7 +13,7 @@ namespace render {
 
 /// Contrast and special colours of one view; a value.
 struct Colouring {
-    /// Its colour table is never null here.
+    /// Its colour table is never null here: whoever makes one puts the default in its place.
     ContrastData contrast;
     /// From this intensity on a pixel shows the table's colour of saturation; none for no such
     /// highlighting.

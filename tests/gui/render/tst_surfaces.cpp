@@ -144,6 +144,32 @@ TEST_P(AnySurface, ThePictureIsBackAfterAllThatHappensToAView)
     drawer().setParent(nullptr);
 }
 
+TEST_P(AnySurface, AContrastWithoutTableHasTheDefaultOne)
+{
+    const auto picture = [&](const MColorTable* table) {
+        service().setContrastData({60, 3, table, false});
+        return drawer().grab();
+    };
+    for (const auto mode : {PlottingMode::Flat, PlottingMode::ThreeDimensional}) {
+        drawer().setPlottingMode(mode);
+        service().setDefaultColorTable(MColorTable::heat());
+        const QImage heat = picture(MColorTable::heat()), grey = picture(MColorTable::grey());
+        const auto colour = [&] {
+            return drawer().rgbData(20, 10, 1, 1).pixel<unsigned int>(0, 0, 0);
+        };
+        picture(MColorTable::heat());
+        const auto hot = colour();
+        EXPECT_EQ(picture(nullptr), heat);
+        EXPECT_EQ(colour(), hot);
+        picture(nullptr);
+        service().setDefaultColorTable(MColorTable::grey());
+        EXPECT_EQ(drawer().grab(), grey);
+        service().setDefaultColorTable(nullptr);
+        EXPECT_EQ(drawer().grab(), picture(MColorTable::hdr()));
+    }
+    service().setDefaultColorTable(MColorTable::hdr());
+}
+
 TEST_P(AnySurface, WithoutShadersAPlotIsTheFlatImageOnBlack)
 {
     look(-20, -10, 0);

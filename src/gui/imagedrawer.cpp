@@ -192,7 +192,12 @@ void ImageDrawer::setContrastSlot(const ContrastData& contrast)
 
 void ImageDrawer::setViewportSlot(const ViewportData& viewport)
 {
-    _viewportData = correctViewport(viewport, _viewportData);
+    adoptViewport(correctViewport(viewport, _viewportData));
+}
+
+void ImageDrawer::adoptViewport(const ViewportData& viewport)
+{
+    _viewportData = viewport;
     update();
 }
 
@@ -265,7 +270,7 @@ void ImageDrawer::resizeEvent(QResizeEvent* event)
     if (_canvas)
         _canvas->resize(size().expandedTo(QSize(1, 1)));
     _resizing = false;
-    setViewportSlot(_viewportData);
+    update();
 }
 
 void ImageDrawer::showEvent(QShowEvent* event)

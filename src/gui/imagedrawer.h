@@ -152,6 +152,8 @@ protected:
     TarvikService& service() const { return *_service; }
     /// The view's own copy of the service's record, corrected.
     const ViewportData& viewport() const { return _viewportData; }
+    /// Takes a viewport as it is.
+    void adoptViewport(const ViewportData& viewport);
     const ContrastData& contrast() const { return _contrastData; }
     /// Conversions between widget and image under the effective viewport.
     render::ViewGeometry viewGeometry() const;

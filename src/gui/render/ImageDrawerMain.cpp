@@ -69,8 +69,39 @@ ViewportData ImageDrawerMain::correctViewport(const ViewportData& wanted,
     return render::withoutWiderBorder(wanted, current, service().imageSize(), size());
 }
 
+void ImageDrawerMain::setViewportSlot(const ViewportData& viewport)
+{
+    ImageDrawer::setViewportSlot(viewport);
+    _viewportSize = isVisible() ? std::optional(size()) : std::nullopt;
+}
+
+void ImageDrawerMain::resizeEvent(QResizeEvent* event)
+{
+    ImageDrawer::resizeEvent(event);
+    if (!service().imageLoaded() || !viewport().defined || !_viewportSize)
+        return;
+    adoptViewport(render::resized(viewport(), *_viewportSize, size()));
+    _viewportSize = size();
+    if (_viewportBeforeResize)
+        return;
+    _viewportBeforeResize = service().viewportData();
+    // Only when all views have their new sizes: one that took over what another had moved, and then
+    // moved by its own resize, would move twice.
+    QMetaObject::invokeMethod(this, &ImageDrawerMain::_shareResize, Qt::QueuedConnection);
+}
+
+/// Where views of a group are resized together, the first one decides: what has been set since the
+/// resize stays.
+void ImageDrawerMain::_shareResize()
+{
+    const auto before = std::exchange(_viewportBeforeResize, std::nullopt);
+    if (before && service().viewportData() == *before && !size().isEmpty())
+        service().setViewportData(viewport());
+}
+
 void ImageDrawerMain::newImageSlot()
 {
+    _shareResize();
     _setStatisticsSlot(service().statisticsData());
     ImageDrawer::newImageSlot();
 }

@@ -15,6 +15,8 @@
 #include "logic/records/StatisticsData.h"
 #include "logic/service/CursorInfo.h"
 
+#include <optional>
+
 /// Shows the service's image and adds the gestures of the main view. The wheel zooms about the
 /// cursor. The right button draws a region of the kind that the service's record names, or with the
 /// Control key a powder ring round the cursor instead of the beam centre. Any button drags a region
@@ -30,6 +32,7 @@ public:
 
     // What a thumbnail of this view has in common with it.
     using ImageDrawer::service;
+    using ImageDrawer::viewport;
     ContrastData defaultContrast() const override;
     ViewportData defaultViewport() const override;
     ViewportData correctViewport(const ViewportData& wanted,
@@ -37,6 +40,7 @@ public:
 
 public slots:
     void newImageSlot() override;
+    void setViewportSlot(const ViewportData& viewport) override;
     /// Takes the overlay of scripting clients from the service.
     void updatePaintListSlot();
 
@@ -51,6 +55,9 @@ protected:
     void virtualMousePressEvent(QMouseEvent* event) override;
     void virtualMouseMoveEvent(QMouseEvent* event) override;
     void virtualWheelEvent(QWheelEvent* event) override;
+    /// Keeps the image point in the middle of the view there, over the limits of a pan too, so that
+    /// a window that is maximised and restored shows what it did.
+    void resizeEvent(QResizeEvent* event) override;
     void enterEvent(QEnterEvent* event) override;
     void leaveEvent(QEvent* event) override;
 
@@ -64,6 +71,7 @@ private:
     bool _cursorOnImage() const;
     /// A right drag draws a region of the chosen kind, unless it moves the one that is there.
     bool _drawsRegion(Qt::MouseButtons buttons) const;
+    void _shareResize();
     void _hover();
     void _drag(Qt::MouseButtons buttons);
     void _rotatePlot(QPoint move);
@@ -73,6 +81,11 @@ private:
 
     render::RegionCursors _cursors;
     render::ResolutionRings _rings;
+    /// The size for which the viewport was set while the view could be seen; none for one that was
+    /// never seen, whose sizes are passing ones.
+    std::optional<QSize> _viewportSize;
+    /// The service's viewport before a resize that it has not heard of yet.
+    std::optional<ViewportData> _viewportBeforeResize;
     bool _cursorInside = false;
     CursorInfo _cursorInfo;
     StatisticsData _statisticsData;

@@ -44,6 +44,11 @@ void ImageDrawerThumbnail::newImageSlot()
     updateGeometry();
 }
 
+void ImageDrawerThumbnail::setViewportSlot(const ViewportData&)
+{
+    adoptViewport(_main->viewport());
+}
+
 ImageDrawer::MImage ImageDrawerThumbnail::baseImage() const { return service().thumbnail(); }
 
 ContrastData ImageDrawerThumbnail::defaultContrast() const { return _main->defaultContrast(); }

@@ -27,6 +27,8 @@ public:
 
 public slots:
     void newImageSlot() override;
+    /// Takes what the main view has made of it.
+    void setViewportSlot(const ViewportData& viewport) override;
 
 protected:
     MImage baseImage() const override;

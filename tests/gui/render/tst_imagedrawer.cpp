@@ -57,6 +57,58 @@ TEST_F(ImageDrawerTest, AFirstImageIsCentredWithTheDefaultContrast)
     EXPECT_EQ(drawer().grab().size(), QSize(500, 300));
 }
 
+TEST_F(ImageDrawerTest, AResizeKeepsWhatIsInTheMiddle)
+{
+    const auto middle = [&] { return drawer().windowToImage().center(); };
+    for (const auto& [x, y, power] :
+         {std::tuple(333.0, 222.0, 0), {700.25, 10.5, 3}, {-40.0, 0.0, -2}}) {
+        look(x, y, power);
+        const QPointF centre = middle();
+        drawer().resize(0, 0);
+        settle();
+        EXPECT_EQ(viewport(), ViewportData(x, y, power, 0, 0)) << "a passing size";
+        for (const QSize size : {QSize(501, 303), QSize(1, 1), QSize(120, 400)}) {
+            drawer().resize(size);
+            EXPECT_EQ(middle(), centre) << "at once, " << size.width();
+            settle();
+            EXPECT_EQ(middle(), centre) << size.width();
+            EXPECT_EQ(viewport().offsetX, drawer().windowToImage().x()) << "the record too";
+        }
+        drawer().resize(300, 200);
+        settle();
+        EXPECT_EQ(viewport(), ViewportData(x, y, power, 0, 0)) << "and all is as it was";
+    }
+}
+
+/// Views of one group: equal ones keep their middle together; of unequal ones the first decides,
+/// and there is an end to it.
+TEST_F(ImageDrawerTest, ViewsOfAGroupAreResizedTogether)
+{
+    TarvikService* other = _view.core.newService("test");
+    auto second = std::make_unique<ImageDrawerMain>(other, true);
+    second->resize(300, 200);
+    second->show();
+    (void)QTest::qWaitForWindowExposed(second.get());
+    other->openImage(service().image());
+    ASSERT_TRUE(waitFor([&] { return other->imageLoaded(); }));
+    settle();
+    look(333, 222, 0);
+    ASSERT_EQ(second->windowToImage(), drawer().windowToImage());
+    QSignalSpy changes(&service(), &TarvikService::newViewportSignal);
+    const QSize sizes[][2] = {
+        {{400, 300}, {400, 300}}, {{500, 300}, {200, 300}}, {{300, 200}, {300, 200}}};
+    for (const auto& [first, last] : sizes) {
+        drawer().resize(first);
+        second->resize(last);
+        settle();
+        EXPECT_EQ(drawer().windowToImage().center(), QPointF(333 + 150, 222 + 100));
+        EXPECT_EQ(second->windowToImage().topLeft(), drawer().windowToImage().topLeft());
+    }
+    EXPECT_EQ(changes.count(), 3);
+    second.reset();
+    _view.core.deleteService(other);
+}
+
 TEST_F(ImageDrawerTest, WheelEventsThatFollowAtOnceAreDropped)
 {
     QElapsedTimer clock;

@@ -103,7 +103,10 @@ TEST_P(Thumbnail, DarkensWhatTheMainViewShows)
     EXPECT_EQ(at(131, 98), bare);
     drawer().resize(600, 200);
     settle();
-    EXPECT_EQ(at(188, 80), dark) << "a larger main view shows more";
+    EXPECT_EQ(at(42, 80), dark) << "a larger main view shows more";
+    EXPECT_EQ(at(158, 80), dark);
+    mouse::drag(_thumbnail, Qt::LeftButton, {100, 80}, {{101, 80}});
+    EXPECT_EQ(viewport().offsetX, 200 + 5) << "a drag starts from there";
     look(-100, 0, -2);
     EXPECT_EQ(at(1, 1), dark) << "and everything at its lowest zoom";
     EXPECT_EQ(at(198, 158), dark);

@@ -37,6 +37,14 @@ ViewportData zoomedAbout(const ViewportData& viewport, QPointF imagePoint, QPoin
     return result;
 }
 
+ViewportData resized(const ViewportData& viewport, QSize before, QSize after)
+{
+    ViewportData result = viewport;
+    result.offsetX += (before.width() - after.width()) / 2.0 / viewport.zoom();
+    result.offsetY += (before.height() - after.height()) / 2.0 / viewport.zoom();
+    return result;
+}
+
 int wheelStep(QPoint angleDelta)
 {
     const int turn = angleDelta.y() != 0 ? angleDelta.y() : angleDelta.x();

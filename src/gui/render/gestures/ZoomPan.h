@@ -20,6 +20,9 @@ ViewportData centredViewport(QSize image, QSize view);
 ViewportData zoomedAbout(const ViewportData& viewport, QPointF imagePoint, QPointF screenPoint,
                          int step);
 
+/// The same image point in the middle of a view that has got another size.
+ViewportData resized(const ViewportData& viewport, QSize before, QSize after);
+
 /// The step of a turn of the wheel, forward +1, back -1, none 0. A turn sideways counts where there
 /// is no other.
 int wheelStep(QPoint angleDelta);

@@ -5,6 +5,7 @@
 #include "imagelib/io/MImageSeries.h"
 
 #include "imagelib/io/FormatRegistry.h"
+#include "imagelib/io/formats/base/Cancellation.h"
 #include "imagelib/io/series/FrameSeries.h"
 #include "imagelib/io/series/MemorySeries.h"
 #include "imagelib/io/series/NumberedSeries.h"
@@ -93,6 +94,7 @@ int MImageSeries::open(const std::string& path)
 {
     ImagePath named = ImagePath::of(path);
     named.file = absolutePath(named.file);
+    const CancelScope scope(_d->stop.get_token());
     return naming([&] { return named.file; }, [&] { return _open(named); });
 }
 
@@ -127,6 +129,7 @@ void MImageSeries::open(int memorySize)
 void MImageSeries::pushBack(const MImage& image) { _d->series->pushBack(image); }
 MImage MImageSeries::at(std::size_t number) const
 {
+    const CancelScope scope(_d->stop.get_token());
     return naming([&] { return placeOf(*_d->series, number); },
                   [&] { return _d->series->at(toInt(number)); });
 }
@@ -136,6 +139,7 @@ int MImageSeries::last() const { return empty() ? -1 : _d->series->last(); }
 int MImageSeries::next(int number) const { return empty() ? -1 : _d->series->next(number); }
 void MImageSeries::update()
 {
+    const CancelScope scope(_d->stop.get_token());
     naming([&] { return placeOf(*_d->series, static_cast<std::size_t>(std::max(first(), 0))); },
            [&] { _d->series->update(); });
 }

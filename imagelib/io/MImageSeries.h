@@ -72,9 +72,9 @@ public:
     /// Looks for images that were added or removed since the last look. A folder or file that
     /// can't be read now leaves what is known: its writer may be at work.
     void update();
-    /// Ends what another process does for this series: the running call and every later one that
-    /// needs a reader process fail at once with an MTerminateException. For a series that nobody
-    /// wants any more. Thread: any, during other calls too.
+    /// Ends the work for a series that nobody wants any more: the running call and every later one
+    /// that reads fail with an MTerminateException, at once where another process reads, and
+    /// between two blocks of the file here. Thread: any, during other calls too.
     void cancel();
 
     /// "CBF", "TIFF", "EDF" or "HDF5"; "memory" for images in memory, empty before the first image.

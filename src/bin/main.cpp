@@ -10,6 +10,7 @@
 #include "gui/kit/Look.h"
 #include "gui/mainwindow.h"
 #include "imagelib/io/FormatRegistry.h"
+#include "logic/loading/WorkerPool.h"
 #include "logic/preload/PreloaderProcess.h"
 #include "logic/support/Assert.h"
 #include "logic/support/Console.h"
@@ -19,10 +20,20 @@
 
 #include <clocale>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <memory>
 
 namespace {
+
+/// Ends the process where a job was left behind, which would meet the end of static objects.
+int leave(int result)
+{
+    if (WorkerPool::process().usage().busy == 0)
+        return result;
+    std::fflush(nullptr);
+    std::_Exit(result);
+}
 
 /// Do the arguments ask for no more than a text, or are they wrong? Prints what is to be said.
 bool endsAtOnce(const CommandLine& line)
@@ -119,9 +130,9 @@ int main(int argc, char** argv)
     morvend::imglib::FormatRegistry::readHdf5Apart(true);
     switch (line.role) {
     case CommandLine::Role::Viewer:
-        return runViewer(application, line);
+        return leave(runViewer(application, line));
     case CommandLine::Role::Daemon:
-        return runDaemon();
+        return leave(runDaemon());
     case CommandLine::Role::Preloader:
         break;  // ran above
     }

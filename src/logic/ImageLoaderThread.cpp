@@ -40,30 +40,30 @@ std::string rangeText(const MImageSeries& series)
 
 }  // namespace
 
-ImageLoaderThread::ImageLoaderThread(ImageLoader* loader, ImageLoader::Task task,
-                                     const ImageLoader::Data& data, bool signalLoadError,
-                                     const std::atomic<bool>& abort)
-    : _loader(loader)
+ImageLoaderThread::ImageLoaderThread(std::shared_ptr<LoaderContext> context, unsigned int number,
+                                     ImageLoader::Task task, const ImageLoader::Data& data,
+                                     bool signalLoadError)
+    : _context(std::move(context))
+    , _number(number)
     , _task(task)
     , _data(data)
     , _signalLoadError(signalLoadError)
-    , _abort(abort)
-    , _generation(loader->_generation)
-{
-    ++_loader->_requests;
-}
+    , _generation(_context->generation)
+{}
 
-ImageLoaderThread::~ImageLoaderThread() { --_loader->_requests; }
+ImageLoaderThread::~ImageLoaderThread() { _context->leave(_number); }
 
 void ImageLoaderThread::run()
 {
-    _loader->_awaitHandOver();
-    if (_abort || _generation != _loader->_generation)
+    if (_generation != _context->generation)
         return;
+    _context->begin(_number);
     _total.start();
     _step.start();
     try {
         _load();
+        if (_context->abandoned())
+            return;
         _analyse();
         _deliver();
     } catch (const std::bad_alloc&) {
@@ -91,7 +91,7 @@ void ImageLoaderThread::_load()
     if (_data.image.empty())
         throw morvend::MRuntimeException("The image has no pixels");
     try {
-        _data.path = _loader->_series->pathToImage(static_cast<std::size_t>(_data.index));
+        _data.path = _context->series.pathToImage(static_cast<std::size_t>(_data.index));
     } catch (const morvend::MRuntimeException&) {
         _data.path.clear();  // a series in memory
     }
@@ -99,11 +99,12 @@ void ImageLoaderThread::_load()
 
 void ImageLoaderThread::_openSeries()
 {
-    MImageSeries& series = *_loader->_series;
-    PreloaderClient& preloader = _loader->_preloader;
+    MImageSeries& series = _context->series;
+    PreloaderClient& preloader = _context->preloader;
     _step.restart();
     _data.index = series.open(_data.path);
-    _loader->_headerKnown = false;  // what the client has is of the series before
+    _context->opened(_data.path);
+    _context->headerKnown = false;  // what the client has is of the series before
     preloader.put(static_cast<unsigned long>(_data.index), absolute(_data.path));
     _endStep(StepTimes::Open, "\nTIME OPENING SERIES: ");
     _step.restart();
@@ -114,13 +115,14 @@ void ImageLoaderThread::_openSeries()
 
 void ImageLoaderThread::_openIndex()
 {
-    MImageSeries& series = *_loader->_series;
+    _context->comeBack();
+    MImageSeries& series = _context->series;
     if (_data.index < 0)
         throw morvend::MOutOfRangeException("There is no image " + std::to_string(_data.index) +
                                             rangeText(series));
     _step.restart();
     const auto index = static_cast<unsigned long>(_data.index);
-    const bool hit = _loader->_headerKnown && _loader->_preloader.get(_data.image, index, "");
+    const bool hit = _context->headerKnown && _context->preloader.get(_data.image, index, "");
     _endStep(StepTimes::Cache, "\nTIME LOADING IMAGE FROM CACHE: ");
     // The preloader may know images that have come since the last look; without a hit too the
     // series may have grown.
@@ -135,24 +137,24 @@ void ImageLoaderThread::_openIndex()
 void ImageLoaderThread::_readFromSource()
 {
     _step.restart();
-    _data.image = _loader->_series->at(static_cast<std::size_t>(_data.index));
-    if (!_loader->_headerKnown)
+    _data.image = _context->series.at(static_cast<std::size_t>(_data.index));
+    if (!_context->headerKnown)
         _noteHeader();  // the image that the series was opened at can't be read
     _endStep(StepTimes::Source, "TIME LOADING IMAGE FROM SOURCE: ");
 }
 
 void ImageLoaderThread::_noteHeader()
 {
-    _loader->_preloader.setDefaultOptData(std::as_const(_data.image).optionalData());
-    _loader->_headerKnown = true;
+    _context->preloader.setDefaultOptData(std::as_const(_data.image).optionalData());
+    _context->headerKnown = true;
 }
 
 void ImageLoaderThread::_pushImage()
 {
     if (_data.image.empty())
         return;                             // refused by the caller, before the series takes it
-    _loader->_preloader.setEnabled(false);  // there is no file to read ahead
-    MImageSeries& series = *_loader->_series;
+    _context->preloader.setEnabled(false);  // there is no file to read ahead
+    MImageSeries& series = _context->series;
     try {
         series.pushBack(_data.image);
     } catch (const morvend::MRuntimeException&) {
@@ -160,14 +162,15 @@ void ImageLoaderThread::_pushImage()
         series.open(pushedImages);
         series.pushBack(_data.image);
     }
+    _context->opened({});
     _data.index = series.last();
 }
 
 void ImageLoaderThread::_analyse()
 {
-    _data.mask = _loader->_maskFixup(_data.image);
+    _data.mask = _context->maskFixup(_data.image);
     _step.restart();
-    _data.thumbnailMask = _loader->_maskThumbnails.of(_data.mask);
+    _data.thumbnailMask = _context->maskThumbnails.of(_data.mask);
     _endStep(StepTimes::Mask, "TIME COMPUTING MASK: ");
     _printSubtotal();
 
@@ -195,23 +198,15 @@ void ImageLoaderThread::_analyse()
 
 void ImageLoaderThread::_deliver()
 {
-    // Held until the last line is printed, so that the consumer's own line comes after it.
-    const std::lock_guard lock(_loader->_mutex);
-    _loader->_noteBounds();
-    _loader->_results.push_back(_data);
     StepTimes::addImage();
-    emit _loader->newImage();
-    _printSubtotal();
+    _context->answer(_number);
+    _context->deliver(_data, [this] { _printSubtotal(); });
 }
 
 void ImageLoaderThread::_fail(const QString& message)
 {
-    {
-        const std::lock_guard lock(_loader->_mutex);
-        _loader->_noteBounds();
-    }
-    if (_signalLoadError)
-        emit _loader->loadError(message);
+    _context->answer(_number);
+    _context->fail(message, !_signalLoadError);
 }
 
 void ImageLoaderThread::_endStep(StepTimes::Step step, const char* label) const

@@ -10,16 +10,19 @@
 #include <QElapsedTimer>
 #include <QRunnable>
 
-/// Turns one request into a finished record. Deleted by the pool that runs it.
+#include <memory>
+
+/// Turns one request into a finished record.
 class ImageLoaderThread : public QRunnable {
 public:
     /// Pushed images that a series in memory keeps.
     static constexpr int pushedImages = 25;
 
-    /// @param abort looked at once, when the job begins, as is whether the loader has dropped its
-    /// queue since: a job that has begun runs to its end
-    ImageLoaderThread(ImageLoader* loader, ImageLoader::Task task, const ImageLoader::Data& data,
-                      bool signalLoadError, const std::atomic<bool>& abort);
+    /// Looks once, when it begins, whether the queue was dropped since: a job that has begun runs
+    /// to its end.
+    /// @param number  of the request in the context
+    ImageLoaderThread(std::shared_ptr<LoaderContext> context, unsigned int number,
+                      ImageLoader::Task task, const ImageLoader::Data& data, bool signalLoadError);
 
     ~ImageLoaderThread() override;
 
@@ -41,11 +44,11 @@ private:
     void _endStep(StepTimes::Step step, const char* label) const;
     void _printSubtotal() const;
 
-    ImageLoader* const _loader;
+    const std::shared_ptr<LoaderContext> _context;
+    const unsigned int _number;
     const ImageLoader::Task _task;
     ImageLoader::Data _data;
     const bool _signalLoadError;
-    const std::atomic<bool>& _abort;
     const unsigned int _generation;
     QElapsedTimer _total;
     QElapsedTimer _step;

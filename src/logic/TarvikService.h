@@ -205,6 +205,8 @@ signals:
     void newImageSignal();
     void newImageSignalIntern();  // part of the interface, without receiver
     void imageLoadErrorSignal(QString message);
+    /// What the view has been waiting for, in words; empty when it waits no more.
+    void waitingSignal(const QString& text);
     void headerChangedSignal();
     void newViewportSignal(ViewportData data);
     void newContrastSignal(ContrastData data);

@@ -5,6 +5,7 @@
 #include "gui/window/SubWindow.h"
 
 #include "gui/kit/ErrorDialog.h"
+#include "gui/kit/QuietLine.h"
 #include "gui/mainwindow.h"
 #include "gui/render/ImageDrawerMain.h"
 #include "gui/window/DroppedFiles.h"
@@ -15,6 +16,8 @@
 #include <QDropEvent>
 #include <QFile>
 #include <QMap>
+
+#include <utility>
 
 SubWindow::SubWindow(MainWindow& mainWindow, TarvikService* service, bool useGlsl)
     : _mainWindow(mainWindow)
@@ -30,6 +33,7 @@ SubWindow::SubWindow(MainWindow& mainWindow, TarvikService* service, bool useGls
             &SubWindow::_loadPreviousFileSlot);
     connect(service, &TarvikService::newImageSignal, this, &SubWindow::_newImageSlot);
     connect(service, &TarvikService::imageLoadErrorSignal, this, &SubWindow::_errorSlot);
+    connect(service, &TarvikService::waitingSignal, new QuietLine(_imageDrawer), &QuietLine::say);
     connect(this, &AbstractSubWindow::windowStateChanged, this, &SubWindow::_activate);
 }
 
@@ -47,7 +51,7 @@ void SubWindow::loadFile(QString fileName)
     if (!_service->imageLoaded() && !_titleFixed)
         setWindowTitle(fileName);
     _service->openImage(QFile::encodeName(fileName).constData());
-    _mainWindow.setOpenDirectory(fileName);
+    _asked = fileName;
     emit changedFile();
 }
 
@@ -174,8 +178,15 @@ void SubWindow::dropEvent(QDropEvent* event)
     _mainWindow.openFiles(droppedFiles(*event->mimeData()), this);
 }
 
+void SubWindow::_noteFolder()
+{
+    if (!_asked.isEmpty())
+        _mainWindow.setOpenDirectory(std::exchange(_asked, {}));
+}
+
 void SubWindow::_newImageSlot()
 {
+    _noteFolder();
     _closesOnError = false;
     if (!_titleFixed)
         setWindowTitle(_service->imageDescription());
@@ -186,6 +197,7 @@ void SubWindow::_newImageSlot()
 
 void SubWindow::_errorSlot(const QString& message)
 {
+    _noteFolder();
     // First, as the message waits for a click.
     if (_closesOnError)
         close();

@@ -91,12 +91,16 @@ private:
     template <class Change>
     void _changeContrast(Change&& change);
     void _setActions();
+    /// Remembers the folder of the file that was asked for. Not before it has answered, since a
+    /// look at it would wait as long as the file does.
+    void _noteFolder();
 
     MainWindow& _mainWindow;
     TarvikService* _service;
     Qt::WindowStates _windowState;
     ImageDrawerMain* _imageDrawer;
     SubWindowTitleBar* _controls;
+    QString _asked;  // the file, until it has answered
     bool _titleFixed = false;
     bool _closesOnError = false;
 };

@@ -1,73 +1,183 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Queueing of requests and re-scans, and the hand-over of results.
+// Queueing of requests and re-scans, and the watch over those that take long.
 #include "logic/loading/ImageLoader.h"
 
-#include "imagelib/io/MImageSeries.h"
 #include "logic/ImageLoaderThread.h"
-#include "logic/support/Console.h"
+
+#include <QFile>
 
 #include <string>
+#include <utility>
 
 namespace {
 
+using namespace std::chrono_literals;
+
 constexpr qint64 scanPeriod = 100;  // ms
+/// A view that waits longer says so.
+constexpr auto quietTime = 400ms;
+/// A request that has been waiting longer is told with its time.
+constexpr auto plainTime = 2s;
+/// A job that has been at its files longer keeps no other file waiting.
+constexpr auto patience = 500ms;
+
+std::chrono::milliseconds inMilliseconds(LoaderContext::Clock::duration time)
+{
+    return std::chrono::duration_cast<std::chrono::milliseconds>(time);
+}
 
 }  // namespace
 
 ImageLoader::ImageLoader(QObject* parent)
     : QObject(parent)
-    , _series(std::make_unique<morvend::imglib::MImageSeries>(ImageLoaderThread::pushedImages))
+    , _desk(std::make_shared<LoaderDesk>())
+    , _context(std::make_shared<LoaderContext>(_desk))
+    , _strand(Strand::create(WorkerPool::process()))
 {
-    _pool.setMaxThreadCount(1);
+    _desk->loader = this;
+    _desk->current = _context.get();
     _updateTimer.setSingleShot(true);
     connect(&_updateTimer, &QTimer::timeout, this, &ImageLoader::update);
     _updateClock.start();
+    _watch.setSingleShot(true);
+    connect(&_watch, &QTimer::timeout, this, &ImageLoader::_look);
+    // Answers end what is said at once.
+    connect(this, &ImageLoader::newImage, this, &ImageLoader::_look, Qt::QueuedConnection);
+    connect(this, &ImageLoader::loadError, this, &ImageLoader::_look, Qt::QueuedConnection);
 }
 
 ImageLoader::~ImageLoader()
 {
-    _abort = true;      // nothing that is queued begins
-    _series->cancel();  // a read that hangs would hold up the end of the view
-    emptyTaskQueue();
-    _awaitHandOver();
+    {
+        const std::lock_guard lock(_desk->mutex);
+        _desk->loader = nullptr;
+        _desk->current = nullptr;
+    }
+    _leaveBehind();
+}
+
+void ImageLoader::_leaveBehind()
+{
+    _context->abandon();
+    _strand->leaveBehind();
+    // Closing files may take as long as reading them: not here, and after the job that runs.
+    _strand->post([context = std::move(_context)]() mutable {
+        context.reset();
+        WorkerPool::process().askToTidy();
+    });
+}
+
+void ImageLoader::_supersede()
+{
+    std::string shown;
+    {
+        const std::lock_guard lock(_desk->mutex);
+        shown = _desk->openedAs;
+    }
+    auto context = std::make_shared<LoaderContext>(_desk, std::move(shown));
+    {
+        const std::lock_guard lock(_desk->mutex);
+        _desk->current = context.get();
+    }
+    _leaveBehind();
+    _context = std::move(context);
+    _strand = Strand::create(WorkerPool::process());
 }
 
 void ImageLoader::open(Task task, const Data& data, bool signalLoadError)
 {
-    if (_abort)
+    if (_emptying)
         return;
-    auto job = std::make_unique<ImageLoaderThread>(this, task, data, signalLoadError, _abort);
-    const std::lock_guard lock(_handOver);
-    _pool.start(job.release(), 0);  // the pool owns it now
+    if (task != TaskOpenIndex) {
+        if (_context->hangs(patience))
+            _supersede();
+        _sinceOpening.clear();
+        _openedPath = data.path;
+    } else if (!_sinceOpening.empty() && !_context->queued(_sinceOpening.front().number)) {
+        _sinceOpening.clear();
+    }
+    const Asked asked{task, data, signalLoadError, 0};
+    _post(asked);
 }
+
+void ImageLoader::_post(Asked asked)
+{
+    asked.number = _context->enter({_nameOf(asked.task, asked.data), asked.task != TaskPushImage});
+    const auto job = std::make_shared<ImageLoaderThread>(_context, asked.number, asked.task,
+                                                         asked.data, asked.signalLoadError);
+    _strand->post([job] { job->run(); });
+    if (asked.task != TaskOpenIndex || !_sinceOpening.empty())
+        _sinceOpening.push_back(std::move(asked));
+    if (!_watch.isActive())
+        _watch.start(quietTime);
+}
+
+std::string ImageLoader::_nameOf(Task task, const Data& data)
+{
+    const std::string file = _openedPath.empty() ? "the image" : _openedPath;
+    return task == TaskOpenIndex ? "image " + std::to_string(data.index) + " of " + file : file;
+}
+
+void ImageLoader::_look()
+{
+    const auto oldest = _context->oldest();
+    if (!oldest)
+        return _say({});
+    const auto time = inMilliseconds(oldest->time);
+    if (time < quietTime) {
+        _watch.start(quietTime - time);
+        return _say({});
+    }
+    const QString what = QFile::decodeName(QByteArray::fromStdString(oldest->what));
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time).count();
+    _say(time < plainTime ? QStringLiteral("Loading %1 ...").arg(what)
+                          : QStringLiteral("Waiting for %1 for %2 s ...").arg(what).arg(seconds));
+    if (!_sinceOpening.empty() && _context->queued(_sinceOpening.front().number) &&
+        _context->hangs(patience)) {
+        const std::vector<Asked> again = std::exchange(_sinceOpening, {});
+        _supersede();
+        for (const Asked& each : again)
+            _post(each);
+    }
+    _watch.start(time < plainTime ? quietTime / 2 : 1000ms - time % 1000ms);
+}
+
+void ImageLoader::_say(const QString& text)
+{
+    if (std::exchange(_said, text) != text)
+        emit waitingSignal(text);
+}
+
+void ImageLoader::dropTaskQueue() { ++_context->generation; }
 
 void ImageLoader::emptyTaskQueue()
 {
-    _abort = true;
-    _pool.waitForDone();
-    _abort = false;
-    if (_scanQueued.exchange(false))
+    _emptying = true;
+    _strand->drop();
+    _strand->waitForDone();
+    _emptying = false;
+    if (_context->scanQueued.exchange(false))
         _updateTimer.start(static_cast<int>(scanPeriod));  // a scan was dropped: later, then
 }
 
 void ImageLoader::results(std::list<Data>& out)
 {
-    const std::lock_guard lock(_mutex);
-    out.splice(out.end(), _results);
+    const std::lock_guard lock(_desk->mutex);
+    out.splice(out.end(), _desk->results);
 }
 
 int ImageLoader::firstIndex() const
 {
-    const std::lock_guard lock(_mutex);
-    return _firstIndex;
+    const std::lock_guard lock(_desk->mutex);
+    return _desk->firstIndex;
 }
 
 int ImageLoader::lastIndex() const
 {
-    const std::lock_guard lock(_mutex);
-    return _lastIndex;
+    const std::lock_guard lock(_desk->mutex);
+    return _desk->lastIndex;
 }
 
 void ImageLoader::update()
@@ -75,39 +185,9 @@ void ImageLoader::update()
     if (_updateClock.elapsed() >= scanPeriod) {
         _updateClock.restart();
         // One scan that has not begun yet serves all who asked for it.
-        if (!_scanQueued.exchange(true)) {
-            const std::lock_guard lock(_handOver);
-            _pool.start([this] { _scan(); });
-        }
+        if (!_context->scanQueued.exchange(true))
+            _strand->post([context = _context] { context->scan(); });
     } else if (!_updateTimer.isActive()) {
         _updateTimer.start(static_cast<int>(scanPeriod));
     }
-}
-
-void ImageLoader::_scan()
-{
-    _awaitHandOver();
-    if (_abort)
-        return;
-    _scanQueued = false;
-    try {
-        _series->update();
-    } catch (const std::exception& error) {
-        // What is known of the series stays; a picture of it is on the screen.
-        console::warn(std::string("WARNING: ") + error.what() + '\n');
-    }
-    {
-        const std::lock_guard lock(_mutex);
-        _noteBounds();
-    }
-    emit imageContainerChangedSignal();
-}
-
-void ImageLoader::_awaitHandOver() { const std::lock_guard lock(_handOver); }
-
-void ImageLoader::_noteBounds()
-{
-    const bool empty = _series->empty();
-    _firstIndex = empty ? -1 : _series->first();
-    _lastIndex = empty ? -1 : _series->last();
 }

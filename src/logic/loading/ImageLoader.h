@@ -4,33 +4,29 @@
 // The background loader of one view.
 #pragma once
 
+#include "logic/loading/LoaderContext.h"
 #include "logic/loading/LoaderData.h"
-#include "logic/loading/MaskFixup.h"
-#include "logic/loading/MaskThumbnails.h"
-#include "logic/preload/PreloaderClient.h"
+#include "logic/loading/Strand.h"
 
 #include <QElapsedTimer>
 #include <QObject>
-#include <QThreadPool>
+#include <QString>
 #include <QTimer>
 
 #include <atomic>
 #include <list>
 #include <memory>
-#include <mutex>
+#include <vector>
 
-namespace morvend::imglib {
-class MImageSeries;
-}
-
-/// Runs requests one at a time, in order, on a thread of its own; each ends in a finished record
-/// or in loadError().
+/// Runs requests one at a time, in order, on the threads that all views share; each ends in a
+/// finished record or in loadError().
 ///
-/// The series belongs to that one thread, as does the way to the preloader, which may hold the
-/// wanted image in memory already: only its jobs open, read and scan it. What they leave
-/// for others, the results and the bounds of the series, is guarded by a mutex that is held for
-/// moments only, so that no caller ever waits for a file. Thread: public calls from the GUI thread,
-/// never from a job.
+/// The series belongs to the running job, as does the way to the preloader, which may hold the
+/// wanted image in memory already: only jobs open, read and scan it. What they leave for others,
+/// the results and the bounds of the series, is guarded by a mutex that is held for moments only,
+/// so that no caller ever waits for a file. A job that hangs, such as on a mount that does not
+/// answer, is left behind with all that it needs when the loader ends or another file is asked for.
+/// Thread: public calls from the GUI thread, never from a job.
 class ImageLoader : public QObject {
     Q_OBJECT
 public:
@@ -42,19 +38,21 @@ public:
     using Data = LoaderData;
 
     explicit ImageLoader(QObject* parent = nullptr);
-    /// Drops what is queued and waits for a running job, which waits for no other process any more.
+    /// Waits for nothing: what is queued is dropped, a running job ends by itself without a trace.
     ~ImageLoader() override;
 
-    /// Queues a request and returns at once. Ignored while emptyTaskQueue() waits.
+    /// Queues a request and returns at once. Ignored while emptyTaskQueue() waits. A request for
+    /// another file or image does not wait for a job that hangs: it takes a series of its own, and
+    /// what was asked for before it is dropped.
     /// @param signalLoadError false keeps a failure quiet
     void open(Task task, const Data& data, bool signalLoadError);
     /// Drops what is queued and waits for a running job, whose result still comes.
     void emptyTaskQueue();
     /// Drops what is queued and returns at once: nothing that was asked for before begins any more.
     /// A running job goes on as with emptyTaskQueue(), and its result comes the same way.
-    void dropTaskQueue() { ++_generation; }
+    void dropTaskQueue();
     /// Is a request queued or running? Scans do not count.
-    bool loading() const { return _requests > 0; }
+    bool loading() const { return _context->loading(); }
     /// Moves all waiting records to the end of a list, in the order they were finished.
     void results(std::list<Data>& out);
     /// Lowest and highest number of the series as the last finished job left it, -1 for an empty
@@ -67,39 +65,44 @@ public slots:
     void update();
 
 signals:
-    // All come from the loader's thread.
+    // From the thread of a job.
     /// A record has been appended to the results.
     void newImage();
     /// The series was scanned.
     void imageContainerChangedSignal();
     void loadError(QString message);
+    // From the GUI thread.
+    /// What the view has been waiting for, in words, within half a second and anew each second;
+    /// empty when it waits no more.
+    void waitingSignal(const QString& text);
 
 private:
-    friend class ImageLoaderThread;
+    /// A request as it came.
+    struct Asked {
+        Task task;
+        Data data;
+        bool signalLoadError;
+        unsigned int number;  // in the context
+    };
 
-    void _scan();
-    /// What a job calls first. The pool orders hand-overs by itself, but thread checkers can't see
-    /// that: a mutex tells them.
-    void _awaitHandOver();
-    /// Publishes the bounds of the series; the mutex is held.
-    void _noteBounds();
+    void _post(Asked asked);
+    /// What a request is for, for users.
+    std::string _nameOf(Task task, const Data& data);
+    /// Looks how long the view has been waiting, and leaves a job behind that keeps others waiting.
+    void _look();
+    void _say(const QString& text);
+    void _leaveBehind();
+    /// Goes on with the requests from the last opening on, without the job that hangs.
+    void _supersede();
 
-    std::atomic<bool> _abort = false;
-    std::atomic<unsigned int> _generation = 0;  // jobs of an earlier one are dropped
-    std::atomic<int> _requests = 0;             // jobs that live
-    // The thread's own, but for cancel().
-    const std::unique_ptr<morvend::imglib::MImageSeries> _series;
-    MaskFixup _maskFixup;
-    MaskThumbnails _maskThumbnails;
-    PreloaderClient _preloader;
-    bool _headerKnown = false;  // does the preloader's client have the header of the open series?
-    std::mutex _handOver;
-    mutable std::recursive_mutex _mutex;
-    int _firstIndex = -1;
-    int _lastIndex = -1;
-    std::list<Data> _results;
+    const std::shared_ptr<LoaderDesk> _desk;
+    std::shared_ptr<LoaderContext> _context;
+    std::shared_ptr<Strand> _strand;
+    std::vector<Asked> _sinceOpening;  // the requests from the last one that needs no open series
+    std::string _openedPath;           // of the last opening
+    std::atomic<bool> _emptying = false;
     QElapsedTimer _updateClock;
     QTimer _updateTimer;
-    std::atomic<bool> _scanQueued = false;
-    QThreadPool _pool;  // last: its end waits for jobs that use the other members
+    QTimer _watch;
+    QString _said;
 };

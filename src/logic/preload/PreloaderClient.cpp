@@ -28,10 +28,11 @@ std::mutex& traffic()
 }
 
 /// The way to the preloader, opened by the first who asks. It outlives all views: its end may take
-/// a second to hand over what waits, which no thread that closes a view has.
+/// a second to hand over what waits, which no thread that closes a view has, nor the end of the
+/// process, where jobs that were left behind may still use it.
 MMessageQueue& queue()
 {
-    static MMessageQueue queue(PreloaderClient::messageQueueId().c_str());
+    static MMessageQueue& queue = *new MMessageQueue(PreloaderClient::messageQueueId().c_str());
     return queue;
 }
 

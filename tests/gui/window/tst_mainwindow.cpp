@@ -5,6 +5,7 @@
 #include "gui/mainwindow.h"
 
 #include "gui/kit/ErrorDialog.h"
+#include "gui/kit/QuietLine.h"
 #include "gui/render/ImageDrawerMain.h"
 #include "gui/window/OpenDirectory.h"
 #include "gui/window/SubWindow.h"
@@ -12,6 +13,7 @@
 #include "logic/TarvikService.h"
 #include "logic/tarvikcore.h"
 #include "tests/support/EdfFile.h"
+#include "tests/support/HangingReads.h"
 #include "tests/support/WaitFor.h"
 
 #include <gtest/gtest.h>
@@ -165,6 +167,31 @@ TEST_F(MainWindowTest, TwoFilesStandInTwoFramesAndShowTheirImages)
     EXPECT_NE(first->imageDrawer()->grab().pixelColor(middle),
               second->imageDrawer()->grab().pixelColor(middle))
         << "counts of 1 and 2 under a foreground of 2";
+}
+
+TEST_F(MainWindowTest, AFileThatDoesNotAnswerIsSpokenOfAndHoldsNothing)
+{
+    using tarvik::tests::HangingReads;
+    SubWindow* window = _window->newSubWindow();
+    const auto hang = std::make_unique<HangingReads>(_folder / name(1));
+    window->loadFile(file(1));
+    ASSERT_TRUE(waitFor([] { return HangingReads::count() == 1; }));
+    const auto* line = window->findChild<QuietLine*>();
+    ASSERT_TRUE(line);
+    ASSERT_TRUE(waitFor([line] { return line->isVisibleTo(line->window()); }));
+    EXPECT_TRUE(line->text().startsWith("Loading /")) << line->text().toStdString();
+    window->loadFile(file(2));
+    ASSERT_TRUE(waitForImage(window, 2));
+    EXPECT_TRUE(waitFor([line] { return !line->isVisibleTo(line->window()); }));
+
+    SubWindow* closing = _window->newSubWindow();
+    closing->loadFile(file(1));
+    ASSERT_TRUE(waitFor([] { return HangingReads::count() == 2; }));
+    const QPointer<TarvikService> service = closing->service();
+    closing->close();
+    settle();
+    EXPECT_FALSE(service);
+    EXPECT_EQ(HangingReads::count(), 2) << "both reads hang still";
 }
 
 TEST_F(MainWindowTest, StepControlsGoThroughTheSeriesByTheStepBox)

@@ -5,6 +5,7 @@
 #include "imagelib/io/formats/base/ByteSource.h"
 
 #include "imagelib/image/MException.h"
+#include "imagelib/io/formats/base/Cancellation.h"
 #include "imagelib/io/formats/base/Unpack.h"
 
 #include <algorithm>
@@ -20,6 +21,9 @@
 namespace morvend::imglib {
 
 namespace {
+
+/// Bytes that are read without a look whether they are still wanted.
+constexpr std::size_t ReadBlock = std::size_t(8) << 20;
 
 std::string systemError(int number) { return std::generic_category().message(number); }
 
@@ -61,8 +65,10 @@ public:
             return 0;
         std::size_t done = 0;
         while (done < count) {
-            const ssize_t got = ::pread(_file, static_cast<char*>(target) + done, count - done,
-                                        static_cast<off_t>(offset + done));
+            checkCancelled();
+            const ssize_t got =
+                ::pread(_file, static_cast<char*>(target) + done, std::min(count - done, ReadBlock),
+                        static_cast<off_t>(offset + done));
             if (got < 0 && errno == EINTR)
                 continue;
             if (got < 0)

@@ -6,6 +6,7 @@
 #include "imagelib/io/formats/base/Unpack.h"
 
 #include "imagelib/image/MException.h"
+#include "imagelib/io/formats/base/Cancellation.h"
 
 #include <algorithm>
 #include <cstring>
@@ -96,6 +97,7 @@ void unpackDeflate(Bytes packed, Packing packing, Output& output, const std::str
         packing == Packing::Zlib ? &libdeflate_zlib_decompress_ex : &libdeflate_gzip_decompress_ex;
     bool atEnd = false;
     while (!atEnd) {
+        checkCancelled();  // the library can't be ended within a member
         const auto room = output.room();
         std::size_t from = 0;
         std::size_t to = 0;
@@ -118,7 +120,7 @@ void unpackDeflate(Bytes packed, Packing packing, Output& output, const std::str
 /// One bzip2 stream; returns what follows it.
 Bytes unpackBzip2Stream(Bytes packed, Output& output, const std::string& name)
 {
-    constexpr std::size_t MostAtOnce = std::numeric_limits<unsigned int>::max();
+    constexpr std::size_t MostAtOnce = std::size_t(1) << 20;
     bz_stream stream = {};
     if (BZ2_bzDecompressInit(&stream, 0, 0) != BZ_OK)
         throw MRuntimeException("Not enough memory to unpack: " + name);
@@ -133,6 +135,7 @@ Bytes unpackBzip2Stream(Bytes packed, Output& output, const std::string& name)
         const bool full = output.room().empty();
         const auto room = full ? std::span(&spill, 1) : output.room();
         stream.next_in = reinterpret_cast<char*>(const_cast<std::byte*>(packed.data()));
+        checkCancelled();
         stream.avail_in = static_cast<unsigned int>(std::min(packed.size(), MostAtOnce));
         stream.next_out = reinterpret_cast<char*>(room.data());
         stream.avail_out = static_cast<unsigned int>(std::min(room.size(), MostAtOnce));

@@ -4,6 +4,7 @@
 // Strips and tiles into an image.
 #include "imagelib/io/formats/tiff/TiffPixels.h"
 
+#include "imagelib/io/formats/base/Cancellation.h"
 #include "imagelib/io/formats/base/HalfFloats.h"
 #include "imagelib/io/formats/base/RawPixels.h"
 #include "imagelib/io/formats/tiff/TiffHandle.h"
@@ -147,6 +148,7 @@ void PixelReader::_readPlainStrips()
 /// A strip or tile through libtiff, in this machine's byte order.
 void PixelReader::_readPart(std::uint32_t part, Bytes target)
 {
+    checkCancelled();
     _handle.clearErrors();
     if (TIFFGetStrileOffset(_handle.get(), part) == 0)
         _handle.fail(_name(part) + " is missing");

@@ -1,0 +1,258 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Threads, their number, and the watch over jobs that wait.
+#include "logic/loading/WorkerPool.h"
+
+#include "logic/loading/GiveBack.h"
+
+#include <algorithm>
+#include <condition_variable>
+#include <deque>
+#include <list>
+#include <mutex>
+#include <optional>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+#include <pthread.h>
+#include <time.h>
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using std::chrono::nanoseconds;
+
+/// Time between the end of a view and the giving back of what it left in pools.
+constexpr std::chrono::milliseconds tidyPause{1000};
+
+/// Time that a thread has spent on processors.
+nanoseconds timeUsed(clockid_t clock)
+{
+    timespec time{};
+    ::clock_gettime(clock, &time);
+    return std::chrono::seconds(time.tv_sec) + nanoseconds(time.tv_nsec);
+}
+
+}  // namespace
+
+struct WorkerPool::State : std::enable_shared_from_this<State> {
+    struct Entry {
+        Job job;
+        const void* owner = nullptr;
+    };
+    struct Worker {
+        clockid_t clock{};
+        const void* owner = nullptr;
+        bool busy = false;
+        bool counted = true;
+        // What the watch saw of the job at its last look.
+        bool seen = false;
+        nanoseconds used{};
+    };
+    using Workers = std::list<Worker>;
+    using Lock = std::unique_lock<std::mutex>;
+
+    explicit State(const Limits& limits_)
+        : limits(limits_)
+    {}
+
+    void startWhereNeeded();
+    void watchWhereNeeded();
+    void work(Workers::iterator self);
+    std::optional<Entry> next(Lock& lock);
+    void tidyUp(Lock& lock);
+    void watch();
+    void look();
+    std::size_t counted() const
+    {
+        return static_cast<std::size_t>(std::ranges::count(workers, true, &Worker::counted));
+    }
+
+    const Limits limits;
+    mutable std::mutex mutex;
+    std::condition_variable work_;  // there is some, or the time to tidy up has changed
+    std::condition_variable end;
+    std::deque<Entry> queue;
+    Workers workers;
+    std::size_t idle = 0;  // workers without job
+    bool watching = false;
+    bool ended = false;
+    std::function<void()> tidy;
+    bool untidy = false;                      // has there been work since the last time?
+    std::optional<Clock::time_point> tidyAt;  // when it was asked for
+};
+
+/// A thread for each job in the queue, as far as the limits go. The mutex is held.
+void WorkerPool::State::startWhereNeeded()
+{
+    while (queue.size() > idle && counted() < limits.threads &&
+           workers.size() < limits.mostThreads) {
+        const auto worker = workers.emplace(workers.end());
+        ++idle;
+        try {
+            std::thread([state = shared_from_this(), worker] { state->work(worker); }).detach();
+        } catch (const std::system_error&) {
+            --idle;
+            workers.erase(worker);
+            break;  // those that are there take one job after the other
+        }
+    }
+    watchWhereNeeded();
+}
+
+void WorkerPool::State::watchWhereNeeded()
+{
+    if (watching || queue.size() <= idle)
+        return;
+    try {
+        std::thread([state = shared_from_this()] { state->watch(); }).detach();
+        watching = true;
+    } catch (const std::system_error&) {
+        // The next job that comes tries again.
+    }
+}
+
+void WorkerPool::State::work(Workers::iterator self)
+{
+    Lock lock(mutex);
+    ::pthread_getcpuclockid(::pthread_self(), &self->clock);
+    while (std::optional<Entry> entry = next(lock)) {
+        self->busy = true;
+        self->owner = entry->owner;
+        lock.unlock();
+        entry->job();
+        entry.reset();
+        lock.lock();
+        *self = {.clock = self->clock};
+        untidy = true;
+        if (counted() > limits.threads)
+            break;  // another one has taken the place of this one while its job waited
+        ++idle;
+    }
+    workers.erase(self);
+}
+
+/// Waits for a job; none at the end of the thread. The worker is not idle any more afterwards.
+std::optional<WorkerPool::State::Entry> WorkerPool::State::next(Lock& lock)
+{
+    const auto last = Clock::now() + limits.idle;
+    for (;;) {
+        const auto now = Clock::now();
+        if (tidyAt && now >= *tidyAt)
+            tidyUp(lock);
+        if (!queue.empty() || ended || now >= last)
+            break;
+        work_.wait_until(lock, tidyAt ? std::min(last, *tidyAt) : last);
+    }
+    if (queue.empty() && !ended && untidy && idle == workers.size())
+        tidyUp(lock);
+    --idle;
+    if (queue.empty())
+        return {};
+    Entry entry = std::move(queue.front());
+    queue.pop_front();
+    return entry;
+}
+
+void WorkerPool::State::tidyUp(Lock& lock)
+{
+    untidy = false;
+    tidyAt.reset();
+    const auto task = tidy;
+    if (!task)
+        return;
+    lock.unlock();
+    task();
+    lock.lock();
+}
+
+/// Looks after the jobs as long as others wait for a thread.
+void WorkerPool::State::watch()
+{
+    Lock lock(mutex);
+    while (!ended && queue.size() > idle) {
+        end.wait_for(lock, limits.patience);
+        look();
+    }
+    watching = false;
+}
+
+void WorkerPool::State::look()
+{
+    for (Worker& worker : workers) {
+        if (!worker.busy || !worker.counted)
+            continue;
+        const nanoseconds used = timeUsed(worker.clock);
+        if (std::exchange(worker.seen, true) &&
+            used - worker.used < nanoseconds(limits.patience) / 10)
+            worker.counted = false;
+        worker.used = used;
+    }
+    startWhereNeeded();
+}
+
+WorkerPool& WorkerPool::process()
+{
+    static WorkerPool& pool = *[] {
+        const std::size_t cores = std::thread::hardware_concurrency();
+        auto* const made = new WorkerPool({.threads = std::clamp<std::size_t>(cores, 4, 16)});
+        made->setTidy(giveBackMemory);
+        return made;
+    }();
+    return pool;
+}
+
+WorkerPool::WorkerPool(const Limits& limits)
+    : _state(std::make_shared<State>(limits))
+{}
+
+WorkerPool::~WorkerPool()
+{
+    std::deque<State::Entry> dropped;
+    const std::lock_guard lock(_state->mutex);
+    _state->ended = true;
+    dropped.swap(_state->queue);
+    _state->work_.notify_all();
+    _state->end.notify_all();
+}
+
+void WorkerPool::post(Job job, const void* owner)
+{
+    const std::lock_guard lock(_state->mutex);
+    _state->queue.push_back({std::move(job), owner});
+    _state->startWhereNeeded();
+    _state->work_.notify_one();
+}
+
+void WorkerPool::leaveBehind(const void* owner)
+{
+    const std::lock_guard lock(_state->mutex);
+    for (State::Worker& worker : _state->workers)
+        if (worker.busy && worker.owner == owner)
+            worker.counted = false;
+    _state->startWhereNeeded();
+}
+
+void WorkerPool::setTidy(std::function<void()> tidy)
+{
+    const std::lock_guard lock(_state->mutex);
+    _state->tidy = std::move(tidy);
+}
+
+void WorkerPool::askToTidy()
+{
+    {
+        const std::lock_guard lock(_state->mutex);
+        _state->tidyAt = Clock::now() + tidyPause;
+    }
+    post([] {});  // whoever takes it learns of the time
+}
+
+WorkerPool::Usage WorkerPool::usage() const
+{
+    const std::lock_guard lock(_state->mutex);
+    const std::size_t threads = _state->workers.size();
+    return {threads, threads - _state->idle, threads - _state->counted(), _state->queue.size()};
+}

@@ -1,0 +1,60 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The threads that all views share.
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <functional>
+#include <memory>
+
+/// Runs jobs in the order in which they come, a bounded number at a time.
+///
+/// A job that waits, such as for a mount that does not answer, is not counted once somebody else
+/// has waited a while for a thread: another one takes the next job, and ends when there are too
+/// many again. Threads without work end. None is ever waited for, neither here nor at the end of
+/// the process: a thread owns what it needs. Thread: any.
+class WorkerPool {
+public:
+    using Job = std::function<void()>;
+    struct Limits {
+        /// Jobs that compute at a time.
+        std::size_t threads = 4;
+        /// Threads in all.
+        std::size_t mostThreads = 256;
+        /// Time after which a job that has used hardly any of it on a processor counts as waiting.
+        std::chrono::milliseconds patience{500};
+        /// Time after which a thread without work ends.
+        std::chrono::milliseconds idle{10'000};
+    };
+    struct Usage {
+        std::size_t threads = 0;    // in all
+        std::size_t busy = 0;       // with a job
+        std::size_t uncounted = 0;  // whose job waits or was left behind
+        std::size_t queued = 0;     // jobs that no thread has taken yet
+    };
+
+    /// The pool of this process, as large as the machine asks for, which gives memory
+    /// back after work; it is never destroyed.
+    static WorkerPool& process();
+
+    explicit WorkerPool(const Limits& limits);
+    /// Drops what is queued and leaves behind what runs.
+    ~WorkerPool();
+    WorkerPool(const WorkerPool&) = delete;
+    WorkerPool& operator=(const WorkerPool&) = delete;
+
+    /// @param owner  names the job for leaveBehind()
+    void post(Job job, const void* owner = nullptr);
+    /// Nobody wants the result of this owner's running job any more: it is not counted from now on.
+    void leaveBehind(const void* owner);
+    /// Calls `tidy` on a thread of the pool, once in a while after work and soon after askToTidy().
+    void setTidy(std::function<void()> tidy);
+    void askToTidy();
+    Usage usage() const;
+
+private:
+    struct State;
+    const std::shared_ptr<State> _state;  // with the threads
+};

@@ -130,7 +130,11 @@ void MdiArea::_rearrange()
 void MdiArea::_shareOut(const std::vector<int>& heights)
 {
     // Sizes must count at once: an image that arrives before the event loop has laid out its view
-    // would be centred in a view without extent.
+    // would be centred in a view without extent. Splitters keep limits of their size from when they
+    // were empty.
+    for (int column = 0; column < _mainSplitter->count(); ++column)
+        _column(column)->refresh();
+    _mainSplitter->refresh();
     layout()->invalidate();
     layout()->activate();
     _mainSplitter->setGeometry(contentsRect());

@@ -166,8 +166,8 @@ TEST(NexusHeaderRotation, AnAxisWithAValueForEachImageComesBeforeAllOthers)
     MBasicNeXusTree tree;
     put(tree, Sample + "goniometer/omega", {90});
     put(tree, Sample + "goniometer/omega_range_average", {0.1});
-    put(tree, Sample + "goniometer/chi", {0, 54});
-    put(tree, Sample + "goniometer/phi", {1, 1.25, 1.5, 1.75});
+    put(tree, Sample + "goniometer/phi", {0, 54});
+    put(tree, Sample + "goniometer/chi", {1, 1.25, 1.5, 1.75});
     put(tree, Sample + "goniometer/kappa", {7, 7, 7, 7});
     NexusHeader header(tree, "/entry");
     header.setImages(4);

@@ -25,6 +25,10 @@ TarvikService::TarvikServicePrivate::TarvikServicePrivate(TarvikCore& core, Tarv
     , _peaks(core, [this] { emit service.newPeakSignal(_peaks.value()); })
     , _modes(owner, _imageLoader)
     , _halvoClient(std::make_unique<HalvoClient>(core.halvoService()))
+    , _regionWorker([&owner] {
+        QMetaObject::invokeMethod(&owner, &TarvikService::_regionComputedSlot,
+                                  Qt::QueuedConnection);
+    })
 {
     connect(&_imageLoader, &ImageLoader::newImage, &service, &TarvikService::_newImageSlot);
     connect(&_imageLoader, &ImageLoader::loadError, &service, &TarvikService::imageLoadErrorSignal);
@@ -52,6 +56,7 @@ TarvikService::TarvikService(TarvikCore& core)
 TarvikService::~TarvikService() { _d->end(); }
 
 void TarvikService::_newImageSlot() { _d->newImage(); }
+void TarvikService::_regionComputedSlot() { _d->regionComputed(); }
 
 ContrastData TarvikService::contrastData() const { return _d->_contrast.value(); }
 ViewportData TarvikService::viewportData() const { return _d->_viewport.value(); }
@@ -85,7 +90,14 @@ QString TarvikService::imageDescription() const
 
 QSharedPointer<const ImageStatistics> TarvikService::statistics() const { return _d->_statistics; }
 
-const RoiStatistics& TarvikService::roiStatistics() const { return _d->_roiStatistics; }
+const RoiStatistics& TarvikService::roiStatistics() const
+{
+    _d->awaitRegion();
+    return _d->_region.numbers;
+}
+
+bool TarvikService::regionPending() const { return _d->_regionWorker.pending(); }
+const TarvikService::ComputedRegion& TarvikService::computedRegion() const { return _d->_region; }
 
 ImagePeaks TarvikService::imagePeaks()
 {

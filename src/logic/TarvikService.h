@@ -73,8 +73,19 @@ public:
     /// Null without image.
     QSharedPointer<const ImageStatistics> statistics() const;
     /// Numbers and curves of the region in statisticsData(). A region that came from the group
-    /// counts from the next image or setStatisticsData() on.
+    /// counts from the next image or setStatisticsData() on. Waits while they are being computed:
+    /// for reports and scripts, and for widgets that take them at once.
     const RoiStatistics& roiStatistics() const;
+    /// Are the numbers being computed? regionComputedSignal() follows.
+    bool regionPending() const;
+    /// Numbers of a region of the present image.
+    struct ComputedRegion {
+        StatisticsData region;
+        RoiStatistics numbers;
+    };
+    /// The numbers that are there, without waiting, and which region they are of: an older one
+    /// while regionPending().
+    const ComputedRegion& computedRegion() const;
     /// The strongest maxima of the image, empty without one. The first call after a new image
     /// searches for them.
     ImagePeaks imagePeaks();
@@ -148,8 +159,9 @@ public slots:
     // there.
     void setContrastData(ContrastData data);
     void setViewportData(ViewportData data);
-    /// Without image the record is only stored. With one the region is computed at once; a centred
-    /// circle that is active moves the beam centre of the series.
+    /// Without image the record is only stored. With one the region is computed, off this thread; a
+    /// newer one takes its place. A centred circle that is active moves the beam centre of the
+    /// series.
     void setStatisticsData(StatisticsData data);
     void setPeakData(PeakData data);
 
@@ -212,6 +224,8 @@ signals:
     void newContrastSignal(ContrastData data);
     void newStatisticsSignal(StatisticsData data);
     void newPeakSignal(PeakData data);
+    /// Numbers that were not there yet at newStatisticsSignal() have come.
+    void regionComputedSignal();
     /// The series was scanned for new images.
     void imageContainerChangedSignal();
     void plottingModeSignal(PlottingMode mode);
@@ -229,6 +243,7 @@ signals:
 
 private slots:
     void _newImageSlot();
+    void _regionComputedSlot();
     void _scanImageContainterSlot(const QString& path);  // the spelling is part of the interface
 
 private:

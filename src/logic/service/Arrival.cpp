@@ -22,7 +22,9 @@ void TarvikService::TarvikServicePrivate::newImage()
     _thumbnail = load.thumbnail;
     _thumbnailMask = load.thumbnailMask;
     _statistics = load.statistics;
-    _roiStatistics = load.roiStatistics;
+    _regionWorker.cancel();  // that was of the image before
+    _regionUnsignalled = false;
+    _region = {load.statisticsData, load.roiStatistics};
     _imagePeaksDirty = true;
 
     if (_watch)

@@ -6,6 +6,7 @@
 
 #include "logic/ImageLoaderThread.h"
 #include "logic/TarvikService.h"
+#include "logic/analysis/roi/RegionWorker.h"
 #include "logic/detector/HalvoClient.h"
 #include "logic/service/AutoModes.h"
 #include "logic/service/ContainerWatch.h"
@@ -32,8 +33,12 @@ public:
     /// the load is taken over from the group.
     void changeGroups(const ImageLoader::Data& request);
 
-    /// Computes the view's region anew.
+    /// Has the view's region computed anew, off this thread.
     void computeRegion();
+    /// Takes a region over that has been computed meanwhile.
+    void regionComputed();
+    /// Waits for the region that is being computed.
+    void awaitRegion();
     void setStatisticsData(const StatisticsData& data);
     /// An active centred circle and the beam centre of the header follow one another.
     void applyPowderCentreToBeamCentre();
@@ -59,7 +64,7 @@ public:
     int _imageIndex = -1;
     std::unique_ptr<ContainerWatch> _watch;
     QSharedPointer<ImageStatistics> _statistics;
-    RoiStatistics _roiStatistics;
+    ComputedRegion _region;
     ImagePeaks _imagePeaks;
     bool _imagePeaksDirty = true;  // must be searched for before they are read
     std::string _imagePath;
@@ -70,6 +75,9 @@ public:
     ImageLoader _imageLoader;
     AutoModes _modes;
     std::unique_ptr<HalvoClient> _halvoClient;
+    StatisticsData _regionAskedFor;
+    bool _regionUnsignalled = false;  // there, but not announced yet
+    RegionWorker _regionWorker;
 
 private:
     bool _activeCentredCircle() const;

@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: MIT
 //
 // Setting records and spreading them through the group.
-#include "logic/RoiComputer.h"
 #include "logic/geometry/Geometry.h"
 #include "logic/service/TarvikServicePrivate.h"
 
@@ -34,11 +33,28 @@ void TarvikService::setStatisticsData(StatisticsData data) { _d->setStatisticsDa
 
 void TarvikService::TarvikServicePrivate::computeRegion()
 {
-    RoiComputer region;
-    region.setImage(_image);
-    region.setMask(_mask);
-    region.setStatisticsData(_statisticsRecord.value());
-    _roiStatistics = region.computeOrWarn();
+    _regionAskedFor = _statisticsRecord.value();
+    _regionWorker.request(_image, _mask, _regionAskedFor);
+}
+
+void TarvikService::TarvikServicePrivate::regionComputed()
+{
+    if (_regionWorker.take(_region.numbers)) {
+        _region.region = _regionAskedFor;
+        _regionUnsignalled = true;
+    }
+    if (std::exchange(_regionUnsignalled, false))
+        emit service.regionComputedSignal();
+}
+
+void TarvikService::TarvikServicePrivate::awaitRegion()
+{
+    if (!_regionWorker.wait(_region.numbers))
+        return;
+    _region.region = _regionAskedFor;
+    _regionUnsignalled = true;
+    // Others may be waiting for the signal; who asks for numbers does not expect one meanwhile.
+    QMetaObject::invokeMethod(&service, &TarvikService::_regionComputedSlot, Qt::QueuedConnection);
 }
 
 void TarvikService::TarvikServicePrivate::setStatisticsData(const StatisticsData& data)

@@ -3,6 +3,7 @@
 //
 // Numbers of the region and peaks that a view holds.
 #include "tests/logic/service/ServiceTest.h"
+#include "tests/support/HeldRegions.h"
 #include "tests/support/Regions.h"
 
 namespace {
@@ -31,7 +32,52 @@ TEST_F(RegionAndPeaks, AreEmptyWithoutImage)
     EXPECT_EQ(view->imagePeaks()[0].value, 9) << "asking without image must not settle the matter";
 }
 
-TEST_F(RegionAndPeaks, RegionIsComputedBeforeItIsSignalled)
+TEST_F(RegionAndPeaks, RegionIsComputedOffTheThreadOfTheView)
+{
+    show(view, image(8, 4, 5));
+    QSignalSpy computed(view, &TarvikService::regionComputedSignal);
+    const auto is = [&](int width, int value) {
+        const TarvikService::ComputedRegion& there = view->computedRegion();
+        return there.region == box(width) && there.numbers.integral == width * 2 * value;
+    };
+    view->setStatisticsData(box(3));
+    EXPECT_TRUE(computed.wait(60'000));
+    EXPECT_FALSE(view->regionPending());
+    EXPECT_TRUE(is(3, 5));
+    {
+        const HeldRegions held;
+        view->setStatisticsData(box(4));
+        view->setStatisticsData(box(6));
+        EXPECT_TRUE(view->regionPending());
+        EXPECT_TRUE(is(3, 5)) << "the old numbers stay, with their own region";
+        show(view, image(8, 4, 7));
+        EXPECT_FALSE(view->regionPending()) << "the new image brings its own";
+        EXPECT_TRUE(is(6, 7));
+        view->setStatisticsData(box(2));
+    }
+    EXPECT_TRUE(computed.wait(60'000));
+    EXPECT_TRUE(is(2, 7));
+    EXPECT_EQ(computed.size(), 2) << "what was superseded is not announced";
+}
+
+TEST_F(RegionAndPeaks, RegionThatIsAskedForIsRightAndAnnouncedOnce)
+{
+    show(view, image(8, 4, 5));
+    QSignalSpy computed(view, &TarvikService::regionComputedSignal);
+    {
+        const HeldRegions held;
+        view->setStatisticsData(box(3));
+        EXPECT_EQ(view->roiStatistics().integral, 3 * 2 * 5);
+        EXPECT_EQ(view->computedRegion().region, box(3));
+        EXPECT_EQ(computed.size(), 0) << "not before the events are handled";
+    }
+    EXPECT_TRUE(computed.wait(60'000));
+    view->setStatisticsData(box(4));
+    EXPECT_TRUE(computed.wait(60'000));
+    EXPECT_EQ(computed.size(), 2);
+}
+
+TEST_F(RegionAndPeaks, RegionIsThereForWhoAsksAtItsSignal)
 {
     show(view, image(8, 4, 5));
     double signalled = -1;

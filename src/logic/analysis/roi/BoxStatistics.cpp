@@ -10,6 +10,8 @@
 #include "logic/analysis/statistics/GoodPixels.h"
 
 #include <algorithm>
+#include <bit>
+#include <cstdint>
 #include <type_traits>
 
 using morvend::imglib::MImage;
@@ -20,9 +22,13 @@ namespace {
 /// Parts of the work; fixed, as the order of sums depends on it.
 constexpr int Bands = 16;
 
+/// Integers of up to 32 bits are summed as integers, exactly: a row of them does not overflow.
+template <class T>
+using Sum = std::conditional_t<std::is_integral_v<T> && sizeof(T) <= 4, long long, double>;
+
 /// The square in the arithmetic of the pixel type, at least int, where it may wrap.
 template <class T>
-double square(T value)
+auto square(T value)
 {
     if constexpr (std::is_floating_point_v<T>) {
         return static_cast<double>(value) * static_cast<double>(value);
@@ -30,7 +36,7 @@ double square(T value)
         using Promoted = decltype(value + value);
         using Unsigned = std::make_unsigned_t<Promoted>;
         const auto wide = static_cast<Unsigned>(static_cast<Promoted>(value));
-        return static_cast<double>(static_cast<Promoted>(wide * wide));
+        return static_cast<Promoted>(wide * wide);
     }
 }
 
@@ -48,8 +54,10 @@ struct Inside {
     int bottom;
 };
 
+/// Sums over some rows.
 struct Band {
-    std::vector<Projection> columns;
+    std::vector<double> columns;
+    std::vector<char> columnGood;
     double squares = 0;
     std::size_t good = 0;
     Extremes extremes;
@@ -62,40 +70,74 @@ public:
         : _pixels(image.pixels<T>())
         , _width(static_cast<std::size_t>(image.width()))
         , _good(good)
-        , _box(box)
+        , _left(static_cast<std::size_t>(box.left))
+        , _right(static_cast<std::size_t>(box.right))
     {}
 
     void addRow(int y, Projection& row, Band& band) const
     {
+        constexpr std::size_t Bits = GoodPixels::WordBits;
         const std::size_t begin = static_cast<std::size_t>(y) * _width;
-        const auto left = static_cast<std::size_t>(_box.left);
-        const auto right = static_cast<std::size_t>(_box.right);
-        const T* pixels = _pixels + begin;
-        double sum = 0;
-        double squares = 0;
-        for (std::size_t x = left; x < right; ++x) {
-            // Excluded pixels enter as zeros.
-            const bool good = _good[begin + x];
-            const T value = good ? pixels[x] : T(0);
-            const auto number = static_cast<double>(value);
-            Projection& column = band.columns[x - left];
-            column.sum += number;
-            column.good |= good;
-            sum += number;
-            squares += square(value);
-            row.good |= good;
-            band.good += good;
-            band.extremes.add(number);
+        Totals totals;
+        T marked[Bits];
+        for (std::size_t x = _left, count = 0; x < _right; x += count) {
+            const std::size_t position = begin + x;
+            count = std::min(Bits - position % Bits, _right - x);
+            const std::uint64_t all = ~std::uint64_t(0) >> (Bits - count);
+            const std::uint64_t good = (_good.words()[position / Bits] >> (position % Bits)) & all;
+            const T* pixels = _pixels + position;
+            if (good != all) {
+                // Excluded pixels enter as zeros.
+                for (std::size_t i = 0; i < count; ++i)
+                    marked[i] = ((good >> i) & 1U) != 0 ? pixels[i] : T(0);
+                pixels = marked;
+            }
+            for (std::size_t i = 0; i < count; ++i)
+                band.columnGood[x - _left + i] |= static_cast<char>((good >> i) & 1U);
+            addValues(pixels, count, &band.columns[x - _left], totals);
+            band.good += static_cast<std::size_t>(std::popcount(good));
+            row.good |= good != 0;
         }
-        row.sum += sum;
-        band.squares += squares;
+        row.sum += static_cast<double>(totals.sum);
+        band.squares += static_cast<double>(totals.squares);
+        band.extremes.add(static_cast<double>(totals.lowest));
+        band.extremes.add(static_cast<double>(totals.highest));
     }
 
 private:
+    struct Totals {
+        Sum<T> sum = 0;
+        Sum<T> squares = 0;
+        T lowest = 0;
+        T highest = 0;
+        bool any = false;
+    };
+
+    /// One loop for each kind of sum, so that the compiler makes vectors of them.
+    static void addValues(const T* values, std::size_t count, double* columns, Totals& totals)
+    {
+        for (std::size_t i = 0; i < count; ++i)
+            columns[i] += static_cast<double>(values[i]);
+        Sum<T> sum = 0;
+        for (std::size_t i = 0; i < count; ++i)
+            sum += static_cast<Sum<T>>(values[i]);
+        Sum<T> squares = 0;
+        for (std::size_t i = 0; i < count; ++i)
+            squares += static_cast<Sum<T>>(square(values[i]));
+        T lowest = totals.any ? totals.lowest : values[0];
+        T highest = totals.any ? totals.highest : values[0];
+        for (std::size_t i = 0; i < count; ++i) {
+            lowest = values[i] < lowest ? values[i] : lowest;
+            highest = values[i] > highest ? values[i] : highest;
+        }
+        totals = {totals.sum + sum, totals.squares + squares, lowest, highest, true};
+    }
+
     const T* _pixels;
     std::size_t _width;
     const GoodPixels& _good;
-    const Inside _box;
+    std::size_t _left;
+    std::size_t _right;
 };
 
 std::vector<std::vector<double>> projectionCurve(const std::vector<Projection>& projection,
@@ -120,6 +162,7 @@ std::vector<Band> readBands(const MImage& image, const GoodPixels& good, const I
     forEachBlock(Bands, [&](int number) {
         Band& band = bands[static_cast<std::size_t>(number)];
         band.columns.resize(static_cast<std::size_t>(box.right - box.left));
+        band.columnGood.resize(band.columns.size());
         const auto border = [&](int i) {
             return int(std::int64_t(box.bottom - box.top) * i / Bands);
         };
@@ -159,8 +202,8 @@ RoiStatistics ComputeBoxStatistics::compute(const MImage& image, const MImage& m
         for (const Band& band : bands) {
             for (std::size_t i = 0; i < band.columns.size(); ++i) {
                 Projection& column = columns[static_cast<std::size_t>(box.left - x0) + i];
-                column.sum += band.columns[i].sum;
-                column.good |= band.columns[i].good;
+                column.sum += band.columns[i];
+                column.good |= band.columnGood[i] != 0;
             }
             squares += band.squares;
             good += band.good;

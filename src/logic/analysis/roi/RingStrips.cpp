@@ -73,7 +73,8 @@ void cutEdge(const RingTile& tile, double distance, int lowest, std::size_t coun
     const V start = hn::Set(d, tile.direction * (tile.first - tile.centre));
     const V one = hn::Set(d, 1.0);
     const V most = hn::Set(d, double(tile.length) + 1);
-    for (std::size_t k = 0; k < count; k += hn::Lanes(d)) {
+    // A vector more than the radii: strips begin at any of them.
+    for (std::size_t k = 0; k < count + hn::Lanes(d); k += hn::Lanes(d)) {
         const V r2 = square(hn::Iota(d, double(lowest) + double(k)));
         const V cut = hn::Sqrt(hn::Sub(r2, square2));
         const V place = hn::Add(hn::Sub(cut, start), one);

@@ -12,6 +12,7 @@
 #include <array>
 #include <bit>
 #include <cassert>
+#include <cstring>
 #include <type_traits>
 
 #define HWY_WANT_AVX3_DL 1
@@ -194,13 +195,16 @@ TARVIK_DOT_INLINE SumVector PrefixOfBytes(const std::uint8_t* in)
 }
 
 /// Unpacks Step bytes without an escape. `base` is the last pixel in all lanes, before and after.
-template <class T>
+template <bool PastCaches = false, class T>
 TARVIK_DOT_INLINE SumVector UnpackNarrow(const std::uint8_t* in, T* out, SumVector base)
 {
 #pragma GCC unroll 8
     for (std::size_t i = 0; i < Step; i += SumLanes) {
         const SumVector sums = PrefixOfBytes(in + i);
-        StoreSums(hn::Add(base, sums), out + i);
+        if constexpr (PastCaches)
+            hn::Stream(hn::Add(base, sums), Sums(), reinterpret_cast<std::int32_t*>(out + i));
+        else
+            StoreSums(hn::Add(base, sums), out + i);
         base = hn::Add(base, LastLane(Sums(), sums));
     }
     return base;
@@ -320,6 +324,35 @@ TARVIK_DOT void UnpackVectors(Cursor<T>& at)
     at = {in, at.inEnd, out, at.outEnd, static_cast<T>(hn::GetLane(base))};
 }
 
+/// Unpacks up to the next escape, past the caches: the memory takes one step's pixels while the
+/// next one is summed. Pixels before the first whole line are stored as usual.
+TARVIK_DOT void UnpackNarrowPastCaches(Cursor<std::uint32_t>& at)
+{
+    constexpr std::size_t Line = 64 / sizeof(std::uint32_t);
+    const std::uint8_t* in = at.in;
+    std::uint32_t* out = at.out;
+    SumVector base = hn::Set(Sums(), static_cast<std::int32_t>(at.value));
+    const auto isNarrow = [&] TARVIK_DOT {
+        return at.inEnd - in >= MostRead && at.outEnd - out >= static_cast<std::ptrdiff_t>(Step) &&
+               EscapeBits(in) == 0;
+    };
+    const std::size_t beyond = reinterpret_cast<std::uintptr_t>(out) / sizeof(*out) % Line;
+    if (beyond != 0 && isNarrow()) {
+        UnpackNarrow(in, out, base);
+        in += Step - beyond;
+        out += Step - beyond;
+        base = hn::Set(Sums(), static_cast<std::int32_t>(out[-1]));
+    }
+    if (reinterpret_cast<std::uintptr_t>(out) % 64 == 0) {
+        for (; isNarrow(); in += Step, out += Step) {
+            if (at.inEnd - in > static_cast<std::ptrdiff_t>(Ahead))
+                hwy::Prefetch(in + Ahead);
+            base = UnpackNarrow<true>(in, out, base);
+        }
+    }
+    at = {in, at.inEnd, out, at.outEnd, static_cast<std::uint32_t>(hn::GetLane(base))};
+}
+
 /// Packs whole vectors of pixels from number `first` on as long as all their differences fit into
 /// a byte. Returns the number of the first pixel that is left; `out` is moved.
 template <class P>
@@ -351,6 +384,8 @@ std::size_t PackVectors(const P* pixels, std::size_t first, std::size_t count, s
 template <class T>
 void UnpackVectors(Cursor<T>&)
 {}
+
+void UnpackNarrowPastCaches(Cursor<std::uint32_t>&) {}
 
 template <class P>
 std::size_t PackVectors(const P*, std::size_t first, std::size_t, std::uint8_t*&)
@@ -385,6 +420,7 @@ namespace {
 
 HWY_EXPORT(UnpackVectors16);
 HWY_EXPORT(UnpackVectors32);
+HWY_EXPORT(UnpackNarrowPastCaches);
 HWY_EXPORT(PackSigned16);
 HWY_EXPORT(PackUnsigned16);
 HWY_EXPORT(PackSigned32);
@@ -401,8 +437,17 @@ void unpackVectors(Cursor<T>& at)
         HWY_DYNAMIC_DISPATCH(UnpackVectors32)(at);
 }
 
-/// Unpacks by way of a buffer that stays in the first cache, from which whole lines go to memory:
-/// a store that misses the cache would first read the line that it overwrites.
+/// Has the stream no escape for a while?
+template <class T>
+bool isQuiet(const Cursor<T>& at)
+{
+    constexpr std::ptrdiff_t While = 256;
+    return at.inEnd - at.in >= While && std::memchr(at.in, byteoffset::Escape, While) == nullptr;
+}
+
+/// Unpacks large images. Runs without an escape go straight to memory. Other pixels take the way of
+/// a buffer that stays in the first cache, from which whole lines go to memory: a store that misses
+/// the cache would first read the line that it overwrites.
 template <class T>
 void unpackStreaming(Cursor<T>& at)
 {
@@ -411,6 +456,16 @@ void unpackStreaming(Cursor<T>& at)
     alignas(Line) std::array<T, Pixels> stage;
     std::size_t waiting = 0;  // pixels at the begin of the stage that fill no line yet
     while (at.outEnd - at.out > static_cast<std::ptrdiff_t>(Pixels)) {
+        if constexpr (sizeof(T) == 4) {
+            if (isQuiet(at)) {
+                at.out = std::copy_n(stage.data(), waiting, at.out);
+                waiting = 0;
+                const auto* const before = at.in;
+                HWY_DYNAMIC_DISPATCH(UnpackNarrowPastCaches)(at);
+                if (at.in != before)
+                    continue;
+            }
+        }
         Cursor<T> staged{at.in, at.inEnd, stage.data() + waiting, stage.data() + Pixels, at.value};
         unpackVectors(staged);
         const auto filled = static_cast<std::size_t>(staged.out - stage.data());

@@ -174,18 +174,22 @@ TYPED_TEST(ByteOffsetOfType, RoundTripsWithEachInstructionSet)
     });
 }
 
-// Large outputs go past the caches by way of a buffer, whole and cut short alike.
+// Large outputs go past the caches, straight where there is no escape for a while, else by way of a
+// buffer, whole and cut short alike.
 TEST(ByteOffset, LargeOutputsEqualPlainOnes)
 {
     std::mt19937_64 random(3);
     std::vector<std::byte> packed(10'000'000);
     constexpr std::size_t Period = 99'991;
     for (std::size_t i = 0; i < packed.size(); ++i)
-        packed[i] = i >= Period   ? packed[i - Period]
-                    : i % 97 == 0 ? std::byte(0x80)
-                                  : static_cast<std::byte>(random() & 0xff);
-    for (const std::size_t left : {packed.size(), std::size_t(9'000'001), std::size_t(4'000)})
-        expectAsPlain<std::int32_t>(std::span(packed).first(left), 3000, 3100);
+        packed[i] = i >= Period         ? packed[i - Period]
+                    : i % 10'007 > 2000 ? static_cast<std::byte>(random() & 0x7f)
+                    : i % 97 == 0       ? std::byte(0x80)
+                                        : static_cast<std::byte>(random() & 0xff);
+    forEveryTarget([&] {
+        for (const std::size_t left : {packed.size(), std::size_t(9'000'001), std::size_t(4'000)})
+            expectAsPlain<std::int32_t>(std::span(packed).first(left), 3000, 3100);
+    });
 }
 
 }  // namespace tarvik::tests

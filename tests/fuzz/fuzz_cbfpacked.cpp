@@ -1,8 +1,10 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// A stream of packed or canonical CBF pixels behind the layout of its image.
+// A stream of packed, canonical or nibble-offset CBF pixels behind the layout of its image.
+#include "imagelib/image/MException.h"
 #include "imagelib/io/formats/cbf/Canonical.h"
+#include "imagelib/io/formats/cbf/NibbleOffset.h"
 #include "imagelib/io/formats/cbf/Packed.h"
 #include "tests/fuzz/Demand.h"
 #include "tests/fuzz/Input.h"
@@ -44,7 +46,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::size_t pixelBytes = std::size_t(1) << (choice >> 4 & 3);
     const std::size_t count = layout.fast * layout.second * sections;
     const Bytes stream = input.rest();
-    if (choice & 64)
+    if (choice & 128)
+        unpackTwice(count, pixelBytes, mostNibbleOffsetPixels(stream), [&](Bytes& pixels) {
+            try {
+                return unpackNibbleOffset(stream, pixelBytes, pixels);
+            } catch (const morvend::MException&) {
+                return std::size_t(0);
+            }
+        });
+    else if (choice & 64)
         unpackTwice(count, pixelBytes, mostCanonicalPixels(stream), [&](Bytes& pixels) {
             return unpackCanonical(stream, pixelBytes, layout.isUnsigned, pixels);
         });

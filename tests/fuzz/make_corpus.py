@@ -130,6 +130,10 @@ def make_cbf():
     seed("cbf", "base64", head + section(base64.encodebytes(stream), encoding="BASE64", mark=b""))
     seed("cbf", "quoted", head + section(b"=01=02abc=\r\n=80=00=01" * 5, mark=b"",
                                          encoding="QUOTED-PRINTABLE"))
+    seed("cbf", "numbers", head + section(b"# x\r\nH4< 0100 2\r\nO3> 1 ==77\r\nD2< 128\r\n" * 9,
+                                          mark=b"", encoding="X-BASE16"))
+    seed("cbf", "packed-bare", head.replace(b"data_", b"loop_\n_array_structure_list.index\n"
+         b"_array_structure_list.dimension\n1 9\n2 5\n_data_") + section(packed_stream(), "x-CBF_PACKED", size=()))
     full = (b"###CBF: VERSION 1.5\ndata_1\n_diffrn.id 'D1'\nloop_\n_array_structure_list.index\n"
             b"_array_structure_list.dimension\n_array_structure_list.precedence\n1 9 1\n2 5 2\n"
             b"_diffrn_radiation_wavelength.wavelength 0.98\n_array_data.data\n;\n")
@@ -149,6 +153,8 @@ def make_streams():
         layout = bytes([version + 16 * (version % 3), 7, 4, 1])
         seed("cbfpacked", f"packed-{version}", layout + packed_stream())
     for width in range(4):
+        seed("cbfpacked", f"nibble-{width}", bytes([128 + 16 * width, 7, 4, 0]) +
+             bytes.fromhex("34386481 00c1ec3f 0042a00f fcff03") + bytes(range(8, 200, 3)))
         seed("cbfpacked", f"canonical-{width}",
              bytes([64 + 16 * width, 7, 4, 0]) + canonical_stream())
 

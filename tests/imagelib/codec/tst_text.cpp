@@ -4,6 +4,7 @@
 // Bytes as text and back, and their MD5 sums.
 #include "imagelib/codec/Base64.h"
 #include "imagelib/codec/Md5.h"
+#include "imagelib/codec/NumberWords.h"
 #include "imagelib/codec/QuotedPrintable.h"
 #include "imagelib/image/MException.h"
 
@@ -71,6 +72,21 @@ TEST(QuotedPrintable, KnownTexts)
           TextCase{"joined", "joi= \t\r\nned="}, TextCase{"two\r\nlines", "two  \r\nlines"},
           TextCase{"a b", "a b  "}, TextCase{"\xab", "=aB"}})
         EXPECT_EQ(text(quotedPrintableDecode(encoded)), plain) << encoded;
+}
+
+TEST(NumberWords, KnownTexts)
+{
+    for (const auto& [plain, encoded] :
+         {TextCase{"", "\r\n# a comment\r\n"}, TextCase{"\xff\x07", "h2< FF07"},
+          TextCase{"\x07\xff\x01", "H2> FF07 # and more\nH2> ==01\n"},
+          TextCase{"abcdefghi", "O8< 605423066214531463550\rD1> 105\r"},
+          TextCase{"\xff\x07z", "H3< FF077A"}, TextCase{"\xff\x07z", "D4> ==7997439"},
+          TextCase{"z", "O4< 172======"}})
+        EXPECT_EQ(text(numberWordsDecode(encoded)), plain) << encoded;
+    for (const char* encoded :
+         {"FFFF", "X4< 1", "H0< 1", "H9< 1", "H4= 1", "H2< 12345", "H2< =1", "H2< 1=====", "O2< 8",
+          "D2< A", "D8< 18446744073709551616", "H4< 1==2", "H2< -1", "H2< ===="})
+        EXPECT_THROW(numberWordsDecode(encoded), morvend::MRuntimeException) << encoded;
 }
 
 TEST(Md5, KnownSums)

@@ -6,6 +6,7 @@
 
 #include "imagelib/codec/Base64.h"
 #include "imagelib/codec/Md5.h"
+#include "imagelib/codec/NumberWords.h"
 #include "imagelib/codec/QuotedPrintable.h"
 #include "imagelib/image/MException.h"
 #include "imagelib/io/formats/base/RawPixels.h"
@@ -13,6 +14,7 @@
 #include "imagelib/io/formats/cbf/Canonical.h"
 #include "imagelib/io/formats/cbf/CbfHeader.h"
 #include "imagelib/io/formats/cbf/CbfSection.h"
+#include "imagelib/io/formats/cbf/NibbleOffset.h"
 #include "imagelib/io/formats/cbf/Packed.h"
 
 #include <algorithm>
@@ -85,23 +87,24 @@ std::string readText(const ByteSource& source, std::uint64_t offset, std::size_t
     return text;
 }
 
-/// Where the head ends and where the data behind it begin; npos where it never ends.
+/// Where the head ends and where the data after it begin; npos where it never ends.
 struct HeadEnd {
     std::size_t head;
     std::size_t data;
+    bool marked;
 };
 HeadEnd headEnd(std::string_view text)
 {
     const std::size_t mark = text.find(DataMark);
     // Behind the end of this section it would be the mark of another one.
     if (mark != text.npos && findBoundary(text.substr(0, mark), false) == text.npos)
-        return {mark, mark + DataMark.size()};
+        return {mark, mark + DataMark.size(), true};
     // Text encodings have no mark: an empty line ends the head.
     for (const std::string_view empty : {"\r\n\r\n", "\n\n", "\n\r\n"}) {
         if (const std::size_t at = text.find(empty); at != text.npos)
-            return {at, at + empty.size()};
+            return {at, at + empty.size(), false};
     }
-    return {text.npos, text.npos};
+    return {text.npos, text.npos, false};
 }
 
 class CbfFile : public ImageFile {
@@ -190,6 +193,8 @@ private:
         std::uint64_t size = 0;
         CbfSection section =
             parseMimeHead(std::string_view(text).substr(0, end.head), _source->path(), size);
+        if (section.encoding == CbfSection::Encoding::Binary && !end.marked)
+            fail("the four bytes 0C 1A 04 D5 before the pixel data are missing");
         completeDimensions(section, cif);
         if (section.fast == 0 || section.second == 0)
             fail("width and height of the image are missing");
@@ -257,9 +262,14 @@ private:
     {
         const std::string_view text(reinterpret_cast<const char*>(stored.data()), stored.size());
         try {
-            return section.encoding == CbfSection::Encoding::Base64
-                       ? codec::base64Decode(text)
-                       : codec::quotedPrintableDecode(text);
+            switch (section.encoding) {
+            case CbfSection::Encoding::Base64:
+                return codec::base64Decode(text);
+            case CbfSection::Encoding::Numbers:
+                return codec::numberWordsDecode(text);
+            default:
+                return codec::quotedPrintableDecode(text);
+            }
         } catch (const MException& error) {
             fail(std::string("pixel data are damaged: ") + error.what());
         }
@@ -300,11 +310,12 @@ private:
     {
         using enum CbfSection::Conversion;
         const std::size_t pixelBytes = section.pixelBytes();
-        const std::uint64_t mostPixels = section.conversion == None ? stored.size() / pixelBytes
-                                         : section.conversion == ByteOffset ? stored.size()
-                                         : section.conversion == Canonical
-                                             ? mostCanonicalPixels(stored)
-                                             : mostPackedPixels(stored);
+        const std::uint64_t mostPixels =
+            section.conversion == None           ? stored.size() / pixelBytes
+            : section.conversion == ByteOffset   ? stored.size()
+            : section.conversion == NibbleOffset ? mostNibbleOffsetPixels(stored)
+            : section.conversion == Canonical    ? mostCanonicalPixels(stored)
+                                                 : mostPackedPixels(stored);
         BasicImage pixels = room(section, mostPixels);
         const std::span<std::byte> target(static_cast<std::byte*>(pixels.data()),
                                           pixels.size() * pixelBytes);
@@ -315,6 +326,8 @@ private:
             done = pixels.size();
         } else if (section.conversion == ByteOffset) {
             done = unpackByteOffset(stored, pixelBytes, target).pixels;
+        } else if (section.conversion == NibbleOffset) {
+            done = unpackNibbles(stored, pixelBytes, target);
         } else if (section.conversion == Canonical) {
             done = unpackCanonical(stored, pixelBytes, section.type == datatypes::UINT, target);
         } else {
@@ -322,6 +335,16 @@ private:
         }
         checkComplete(section, done);
         return pixels;
+    }
+
+    std::size_t unpackNibbles(std::span<const std::byte> stored, std::size_t pixelBytes,
+                              std::span<std::byte> target) const
+    {
+        try {
+            return unpackNibbleOffset(stored, pixelBytes, target);
+        } catch (const MException& error) {
+            fail(error.what());
+        }
     }
 
     static PackedLayout packedLayout(const CbfSection& section)

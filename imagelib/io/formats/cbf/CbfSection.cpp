@@ -112,6 +112,8 @@ void parseConversion(const std::string& text, CbfSection& section, const std::st
     const std::string name = text.substr(at, end - at);
     if (name == "x-cbf_byte_offset")
         section.conversion = ByteOffset;
+    else if (name == "x-cbf_nibble_offset")
+        section.conversion = NibbleOffset;
     else if (name == "x-cbf_packed")
         section.conversion = Packed;
     else if (name == "x-cbf_packed_v2")
@@ -130,6 +132,8 @@ void parseEncoding(const std::string& text, CbfSection& section, const std::stri
         section.encoding = CbfSection::Encoding::Base64;
     else if (text == "quoted-printable")
         section.encoding = CbfSection::Encoding::QuotedPrintable;
+    else if (text == "x-base8" || text == "x-base10" || text == "x-base16")
+        section.encoding = CbfSection::Encoding::Numbers;
     else if (!text.empty() && text != "binary")
         refuse("transfer encoding " + quoted(text) + " of the pixel data is not known", path);
 }
@@ -148,7 +152,11 @@ CbfSection parseMimeHead(std::string_view text, const std::string& path, std::ui
     section.md5 = head.value("Content-MD5");
     section.fast = head.count("X-Binary-Size-Fastest-Dimension", path);
     section.second = head.count("X-Binary-Size-Second-Dimension", path);
-    section.third = std::max<std::uint64_t>(1, head.count("X-Binary-Size-Third-Dimension", path));
+    section.third = head.count("X-Binary-Size-Third-Dimension", path);
+    // A writer that does not know the shape takes all pixels for one row.
+    if (section.fast == 0 && section.second == 0 && section.third == 0)
+        section.flat = true;
+    section.third = std::max<std::uint64_t>(1, section.third);
     if (section.fast != 0 && section.second == 0)
         section.second = head.count("X-Binary-Number-of-Elements", path) / section.fast;
     size = head.count("X-Binary-Size", path);

@@ -15,8 +15,8 @@
 namespace morvend::imglib {
 
 struct CbfSection {
-    enum class Conversion { None, ByteOffset, Packed, PackedV2, Canonical };
-    enum class Encoding { Binary, Base64, QuotedPrintable };
+    enum class Conversion { None, ByteOffset, NibbleOffset, Packed, PackedV2, Canonical };
+    enum class Encoding { Binary, Base64, QuotedPrintable, Numbers };
 
     Conversion conversion = Conversion::None;
     bool flat = false;  ///< packed without looking at the row before

@@ -17,6 +17,8 @@ namespace tarvik::tests {
 
 namespace {
 
+using namespace std::string_literals;
+
 constexpr ImageFileOpener Open = openCbf;
 
 std::unique_ptr<ImageFile> checked(std::shared_ptr<const ByteSource> source)
@@ -79,7 +81,7 @@ TEST(CbfReader, FilesOfOthersHaveThePixelsThatWereWritten)
             EXPECT_TRUE(pixels == contentOf(raw.path()));
             ++files;
         }
-    EXPECT_EQ(files, 65);
+    EXPECT_EQ(files, 93);
 }
 
 TEST(CbfReader, OtherFilesAreNotItsOwn)
@@ -254,7 +256,9 @@ packed pixels of 64 bits are not read, because writers of CBF lose a part of the
 packed pixels of a single column are not read, because writers of CBF lose a part of them \
     | Dimension: 3 | Dimension: 1 | x-CBF_NONE | x-CBF_PACKED_V2
 pixel data ends after 0 of 6 pixels | x-CBF_NONE | x-CBF_CANONICAL
-transfer encoding "x-base16" of the pixel data is not known \
+transfer encoding "x-base32k" of the pixel data is not known \
+    | X-Binary-Size: | Content-Transfer-Encoding: X-BASE32K\r\nX-Binary-Size:
+pixel data are damaged: a line of numbers begins with "????????????" instead of, for example, H4< \
     | X-Binary-Size: | Content-Transfer-Encoding: X-BASE16\r\nX-Binary-Size:
 pixel data are damaged: character 1 does not belong to BASE64 text \
     | X-Binary-Size: | Content-Transfer-Encoding: BASE64\r\nX-Binary-Size:
@@ -266,6 +270,10 @@ the file has no binary section with pixels | --CIF-BINARY-FORMAT-SECTION--\r\n |
         const Bounds bounds(640);
         EXPECT_EQ(readingFailure(Open, text), "CBF: " + row[0] + ": /data/x");
     }
+    Parts unmarked;
+    unmarked.mark = "";
+    EXPECT_EQ(readingFailure(Open, unmarked.file()),
+              "CBF: the four bytes 0C 1A 04 D5 before the pixel data are missing: /data/x");
     EXPECT_EQ(readingFailure(Open, "###CBF\r\n--CIF-BINARY-FORMAT-SECTION--\r\nContent-Type: x"),
               "CBF: the head of the pixel data does not end: /data/x");
 }
@@ -291,6 +299,8 @@ TEST(DamagedCbf, StreamsThatEndEarlySayWhere)
     } rows[] = {{"x-CBF_NONE", std::string("\1\0\2\0\3\0\4", 7), 3},
                 {"x-CBF_NONE", "", 0},
                 {"x-CBF_PACKED", "", 0},
+                {"x-CBF_NIBBLE_OFFSET", "", 0},
+                {"x-CBF_NIBBLE_OFFSET", "\x42", 3},
                 {"x-CBF_BYTE_OFFSET", "\1\1\1\1\1", 5},
                 {"x-CBF_BYTE_OFFSET", "\1\1\1\1\x80", 4},
                 {"x-CBF_BYTE_OFFSET", "\1\1\1\1\1\x80\1", 5},
@@ -303,6 +313,26 @@ TEST(DamagedCbf, StreamsThatEndEarlySayWhere)
         EXPECT_EQ(readingFailure(Open, parts.file()), "CBF: pixel data ends after " +
                                                           std::to_string(row.pixels) +
                                                           " of 6 pixels: /data/x");
+    }
+}
+
+TEST(CbfReader, NibbleOffsetCodes)
+{
+    Parts parts;
+    parts.conversion = "x-CBF_NIBBLE_OFFSET";
+    // 3; two widths up for 100; 1; reset, padding, 12 bits: -5; 16 bits: 1000, -1
+    parts.data = std::string("\x34\x38\x64\x81\x00\xc1\xec\x3f\x00\x42\xa0\x0f\xfc\xff\x03", 15);
+    parts.head.replace(0, 17, "X-Binary-Size: 15");
+    EXPECT_EQ(parts.shownFrame(), "INT16 3x2: 3 103 104 -5 995 994");
+    const std::string wide = "nibble-offset pixels with steps of 64 bits are not read, because "
+                             "writers of CBF lose a part of them";
+    for (const auto& [codes, reason] :
+         {std::pair("\x40"s, wide),
+          {"\x20\0\0\0\x80\1"s, wide},
+          {"\xc0"s, "nibble-offset pixels with addresses are not read"},
+          {"\x50"s, "the code 5 has no meaning in nibble-offset pixels"}}) {
+        parts.data = codes;
+        EXPECT_EQ(readingFailure(Open, parts.file()), "CBF: " + reason + ": /data/x");
     }
 }
 
@@ -328,7 +358,7 @@ TEST(DamagedCbf, ChangedBytesNeverDoHarm)
 {
     const std::string folder = sourcePath("/tests/data/cbf/");
     for (const char* name : {"i4_mid_pk_bin", "i4_mid_p2_bin", "i4_mid_can_bin", "i4_mid_pk_qp",
-                             "stack_96_0", "u2_small_can"}) {
+                             "stack_96_0", "u2_small_can", "i4_sparse_nib", "u1_small_b10b"}) {
         const std::string whole = contentOf(folder + name + ".cbf");
         for (std::size_t i = 6; i < whole.size(); ++i) {
             std::string changed = whole;

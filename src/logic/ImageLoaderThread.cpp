@@ -180,6 +180,11 @@ void ImageLoaderThread::_analyse()
     thumbnail::Builder thumbnail(_data.image);
     ComputeStatistics(_data.statistics.data())
         .compute(_data.image, _data.mask, [&](std::size_t pixel) { thumbnail.upTo(pixel); });
+    if (_context->maskFixup.replaces(_data.image, *_data.statistics)) {
+        _data.mask = *std::as_const(_data.image).optionalData().pixel_mask();
+        _data.thumbnailMask = _context->maskThumbnails.of(_data.mask);
+        ComputeStatistics(_data.statistics.data()).computeAgain(_data.image, _data.mask);
+    }
     StepTimes::add(StepTimes::Statistics, std::chrono::nanoseconds(_step.nsecsElapsed()));
     _printSubtotal();
 

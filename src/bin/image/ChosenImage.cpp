@@ -5,6 +5,7 @@
 #include "bin/image/ChosenImage.h"
 
 #include "bin/image/CrashGuard.h"
+#include "imagelib/image/GapValues.h"
 
 namespace tarvik::tool {
 
@@ -19,10 +20,8 @@ ChosenImage::ChosenImage(const Arguments& arguments)
 
 morvend::imglib::MImage ChosenImage::mask() const
 {
-    const auto& mask = image.optionalData().pixel_mask();
-    if (mask && mask->width() == image.width() && mask->height() == image.height())
-        return *mask;
-    return {image.width(), image.height(), 0U};
+    morvend::imglib::MImage mask = maskOrGaps(image);
+    return mask.empty() ? morvend::imglib::MImage(image, 0U) : mask;
 }
 
 }  // namespace tarvik::tool

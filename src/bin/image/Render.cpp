@@ -10,6 +10,7 @@
 #include "imagelib/display/MColorMap.h"
 #include "imagelib/display/MColorTable.h"
 #include "imagelib/display/MContrast.h"
+#include "imagelib/image/GapValues.h"
 #include "imagelib/io/formats/base/AtomicFile.h"
 
 #include <QBuffer>
@@ -85,9 +86,8 @@ Picture Render::paint(const MImage& image, const Arguments& arguments)
     constexpr double LogarithmicRange = 10000;
     const MColorTable& table = tableOf(arguments.table);
     const auto& header = image.optionalData();
-    const bool masked = header.pixel_mask() && header.pixel_mask()->width() == image.width() &&
-                        header.pixel_mask()->height() == image.height();
-    const MImage* mask = masked ? &*header.pixel_mask() : nullptr;
+    const MImage ownMask = maskOrGaps(image);
+    const MImage* mask = ownMask.empty() ? nullptr : &ownMask;
     const Levels levels = levelsOf(image, mask, arguments);
     MImage colours;
     MColorMap::rgb(colours, image, levels.foreground, levels.background,

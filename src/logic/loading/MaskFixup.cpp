@@ -4,8 +4,14 @@
 // Replacing masks that are missing or of the wrong size.
 #include "logic/loading/MaskFixup.h"
 
+#include "imagelib/image/GapValues.h"
+#include "imagelib/image/PixelTypes.h"
+#include "logic/analysis/statistics/ImageStatistics.h"
 #include "logic/support/Console.h"
 
+#include <limits>
+
+using morvend::imglib::GapRule;
 using morvend::imglib::MImage;
 
 namespace {
@@ -15,17 +21,71 @@ bool sameSize(const MImage& left, const MImage& right)
     return left.width() == right.width() && left.height() == right.height();
 }
 
+/// May there be a value among the good pixels that is a mark?
+bool mayHoldMarks(const MImage& image, const ImageStatistics& statistics)
+{
+    const auto upTo = [&](double value) { return statistics.histogram.value(value); };
+    return morvend::datatypes::dispatchPixelType(image.type(), image.typeBits(), [&]<class T>() {
+        using Rule = GapRule<T>;
+        if constexpr (Rule::negatives) {
+            const double negative =
+                std::is_integral_v<T> ? -1.0
+                                      : -static_cast<double>(std::numeric_limits<T>::denorm_min());
+            if (upTo(negative) != 0)
+                return true;
+        }
+        if constexpr (Rule::top && sizeof(T) == 8)
+            return statistics.maximum >= static_cast<double>(Rule::firstTop);
+        else if constexpr (Rule::top)
+            return upTo(Rule::firstTop - 1.0) != upTo(Rule::largest);
+        else
+            return false;
+    });
+}
+
 }  // namespace
 
 MImage MaskFixup::operator()(MImage& image)
 {
     const MImage mask = image.optionalData().pixel_mask().get_value_or(MImage());
-    if (!mask.empty() && sameSize(mask, image))
+    if (!mask.empty() && sameSize(mask, image)) {
+        _given = MImage();
         return mask;
+    }
     if (!mask.empty())
         console::warn("WARNING: Size of pixel mask does not match size of image\n");
-    if (!sameSize(_goodPixels, image))
-        _goodPixels = MImage(image, 0U);
-    image.optionalData().set_pixel_mask(_goodPixels);
-    return _goodPixels;
+    if (_given.empty() || !sameSize(_given, image)) {
+        if (!sameSize(_goodPixels, image))
+            _goodPixels = MImage(image, 0U);
+        _given = _goodPixels;
+    }
+    image.optionalData().set_pixel_mask(_given);
+    return _given;
+}
+
+bool MaskFixup::_fits(const MImage& image, const ImageStatistics& statistics) const
+{
+    const bool marked = _given.identity() != _goodPixels.identity();
+    return !mayHoldMarks(image, statistics) &&
+           (!marked || morvend::imglib::marksAreIn(_given, image));
+}
+
+bool MaskFixup::replaces(MImage& image, const ImageStatistics& statistics)
+{
+    if (_given.empty() || _fits(image, statistics))
+        return false;
+    const MImage before = _given;
+    if (MImage gaps = morvend::imglib::gapMask(image); gaps.empty()) {
+        if (!sameSize(_goodPixels, image))
+            _goodPixels = MImage(image, 0U);
+        _given = _goodPixels;
+    } else {
+        if (_gaps.empty() || !samePixels(_gaps, gaps))
+            _gaps = std::move(gaps);
+        _given = _gaps;
+    }
+    if (_given.identity() == before.identity())
+        return false;
+    image.optionalData().set_pixel_mask(_given);
+    return true;
 }

@@ -6,16 +6,30 @@
 
 #include "imagelib/image/MImage.h"
 
-/// Remembers the mask of good pixels that it made last, so that all images of a series without
-/// masks share one. Thread: one at a time.
+struct ImageStatistics;
+
+/// Images without a mask, or with one of another size, get a mask that marks their gap values (see
+/// docs/display.md). Which ones these are is known without a look at all pixels once there are
+/// statistics: so the image is first given the mask that fitted the one before, and another one
+/// where that turns out wrong. All images of a series with the same gaps share one mask.
+/// Thread: one at a time.
 class MaskFixup {
 public:
     using MImage = morvend::imglib::MImage;
 
-    /// The image's pixel mask. Where the image has none, or one of another size, it gets a mask of
-    /// good pixels (32 bits, unsigned). For one of another size a warning goes to standard error.
+    /// The image's pixel mask. Where it has none that fits, it gets the one of the image before, or
+    /// one of good pixels (32 bits, unsigned). For one of another size a warning goes to standard
+    /// error.
     MImage operator()(MImage& image);
 
+    /// Whether the image's mask had to be replaced, now that its statistics under the mask that it
+    /// was given last are known. They are wrong then.
+    bool replaces(MImage& image, const ImageStatistics& statistics);
+
 private:
+    bool _fits(const MImage& image, const ImageStatistics& statistics) const;
+
     MImage _goodPixels;
+    MImage _gaps;   // the mask with marks that was made last
+    MImage _given;  // one of the two, or empty where the image has a mask of its own
 };

@@ -139,7 +139,7 @@ TEST_F(Loader, PrintsATimingLineForEachStep)
 {
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
-    push(MImage(3, 2, 7));
+    push(MImage(3, 2, -1));  // gaps, so that the statistics are made twice
     finish(1);
     EXPECT_THAT(testing::internal::GetCapturedStdout(),
                 testing::MatchesRegex("TIME COMPUTING MASK: [0-9]+\n"
@@ -151,6 +151,37 @@ TEST_F(Loader, PrintsATimingLineForEachStep)
                                       "TIME FOR ADDITIONAL COMPUTATION: [0-9]+\n"
                                       "               SUBTOTAL TIME LOADING: [0-9]+\n"));
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "") << "an image needs no mask";
+}
+
+TEST_F(Loader, ValuesOfGapsAreMaskedWhereThereIsNoMask)
+{
+    const auto load = [&](std::initializer_list<unsigned short> gaps) {
+        MImage image(300, 100, static_cast<unsigned short>(7));
+        for (const unsigned short gap : gaps)
+            static_cast<unsigned short*>(image.data())[gap] = 65535;
+        push(image);
+        return finishOne();
+    };
+    const auto clean = load({});
+    const auto first = load({0, 500});
+    EXPECT_EQ(first.mask.pixel<int>(200, 1, 0), 1);
+    EXPECT_EQ(first.image.optionalData().pixel_mask()->identity(), first.mask.identity());
+    EXPECT_EQ(first.thumbnailMask.pixel<int>(133, 0, 0), 1);
+    EXPECT_EQ(first.statistics->sum, 7 * (30'000 - 2));
+    EXPECT_EQ(first.statistics->histogram.value(65535), 30'000U - 2);
+    EXPECT_EQ(load({0, 500}).mask.identity(), first.mask.identity()) << "images share a mask";
+    const auto more = load({0, 500, 501});
+    EXPECT_EQ(more.statistics->mean, 7);
+    EXPECT_EQ(more.mask.pixel<int>(201, 1, 0), 1);
+    const auto fewer = load({501});
+    EXPECT_EQ(fewer.mask.pixel<int>(200, 1, 1), 0);
+    EXPECT_EQ(fewer.statistics->histogram.value(7), 30'000U - 1);
+    EXPECT_EQ(load({}).mask.identity(), clean.mask.identity());
+
+    MImage negative(300, 100, -1);
+    static_cast<int*>(negative.data())[0] = -5;
+    push(negative);
+    EXPECT_TRUE(samePixels(finishOne().mask, MImage(300, 100, 0U))) << "counts, not marks";
 }
 
 TEST_F(Loader, KeepsTheOrderOfRequestsAndTheBoundsOfTheSeries)

@@ -58,7 +58,7 @@ void ComputeStatistics::_numbers(const MImage& image, const GoodPixels& good) co
 
 template <class L>
 void ComputeStatistics::_numbersAndHistogram(const MImage& image, const MImage& mask,
-                                             const Progress& progress) const
+                                             const Progress& progress, bool printed) const
 {
     // A quarter of a MiB or less of the usual pixels: they stay in the second-level cache.
     constexpr std::size_t Strip = 1 << 16;
@@ -66,7 +66,8 @@ void ComputeStatistics::_numbersAndHistogram(const MImage& image, const MImage& 
     clock.start();
     const auto good = GoodPixels::of(mask);
     const auto endStep = [&](const char* label) {
-        console::printTime(label, clock.elapsed());
+        if (printed)
+            console::printTime(label, clock.elapsed());
         clock.restart();
     };
     if constexpr (CountsValues<L>) {
@@ -115,13 +116,26 @@ void ComputeStatistics::computeNumbers(const MImage& image, const MImage& mask) 
 void ComputeStatistics::compute(const MImage& image, const MImage& mask,
                                 const Progress& progress) const
 {
+    _all(
+        image, mask, progress ? progress : [](std::size_t) {}, true);
+}
+
+void ComputeStatistics::computeAgain(const MImage& image, const MImage& mask) const
+{
+    _all(
+        image, mask, [](std::size_t) {}, false);
+}
+
+void ComputeStatistics::_all(const MImage& image, const MImage& mask, const Progress& progress,
+                             bool printed) const
+{
     assert(!image.empty() && image.size() == mask.size());
-    const Progress told = progress ? progress : [](std::size_t) {};
     morvend::datatypes::dispatchPixelType(image.type(), image.typeBits(), [&]<class L>() {
-        _numbersAndHistogram<L>(image, mask, told);
+        _numbersAndHistogram<L>(image, mask, progress, printed);
     });
     QElapsedTimer clock;
     clock.start();
     setDefaultContrast(*_target, image, mask);
-    console::printTime("TIME FOR COMPUTING CONTRAST: ", clock.elapsed());
+    if (printed)
+        console::printTime("TIME FOR COMPUTING CONTRAST: ", clock.elapsed());
 }

@@ -38,6 +38,9 @@ public:
     /// @throws MNotImplementedException for an image or a mask of no pixel type
     void compute(const MImage& image, const MImage& mask, const Progress& progress = {}) const;
 
+    /// The same without printed lines, for a mask that replaces the one of the first time.
+    void computeAgain(const MImage& image, const MImage& mask) const;
+
     /// The numbers alone, without histogram, contrast and printed lines.
     void computeNumbers(const MImage& image, const MImage& mask) const;
 
@@ -49,8 +52,10 @@ private:
     template <class L>
     void _numbers(const MImage& image, const GoodPixels& good) const;
     template <class L>
-    void _numbersAndHistogram(const MImage& image, const MImage& mask,
-                              const Progress& progress) const;
+    void _numbersAndHistogram(const MImage& image, const MImage& mask, const Progress& progress,
+                              bool printed) const;
+    void _all(const MImage& image, const MImage& mask, const Progress& progress,
+              bool printed) const;
     template <class L>
     void _set(const PixelTotals<L>& totals, const GoodPixels& good) const;
 

@@ -1,0 +1,122 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Looking for marks, and the masks made of them.
+#include "imagelib/image/GapValues.h"
+
+#include "imagelib/image/PixelTypes.h"
+
+#include <algorithm>
+
+namespace morvend::imglib {
+
+namespace {
+
+constexpr std::uint8_t Gap = 1;
+constexpr std::uint8_t Defective = 3;
+
+template <class T>
+std::uint8_t markOf(T value, bool negatives, bool top)
+{
+    unsigned int mark = 0;
+    if constexpr (GapRule<T>::negatives) {
+        const unsigned int gap = value == T(-1) ? Gap : 0;
+        const unsigned int defective = value == T(-2) ? Defective : 0;
+        mark = negatives ? gap | defective : 0;
+    }
+    if constexpr (GapRule<T>::top) {
+        const unsigned int gap = value == GapRule<T>::largest ? Gap : 0;
+        const unsigned int defective =
+            value >= GapRule<T>::firstTop && value != GapRule<T>::largest ? Defective : 0;
+        mark |= top ? gap | defective : 0;
+    }
+    return static_cast<std::uint8_t>(mark);
+}
+
+/// Is the largest value of a narrow type a count that the detector can reach?
+template <class T>
+bool reachesTop(const MImage& image)
+{
+    const auto& saturation = image.optionalData().saturation_value();
+    if constexpr (GapRule<T>::top && sizeof(T) <= 2)
+        return saturation && *saturation == static_cast<int>(GapRule<T>::largest);
+    else
+        return false;
+}
+
+/// What kinds of marks an image has.
+struct Kinds {
+    bool negatives = false;
+    bool top = false;
+};
+
+template <class T>
+Kinds kindsIn(const T* pixels, std::size_t size)
+{
+    // No branches: the loop is vectorised.
+    unsigned int marks = 0;
+    unsigned int others = 0;
+    unsigned int top = 0;
+    for (std::size_t i = 0; i < size; ++i) {
+        const T value = pixels[i];
+        if constexpr (GapRule<T>::negatives) {
+            const unsigned int mark = (value == T(-1)) | (value == T(-2));
+            marks |= mark;
+            others |= static_cast<unsigned int>(value < T(0)) & ~mark;
+        }
+        if constexpr (GapRule<T>::top)
+            top |= static_cast<unsigned int>(value >= GapRule<T>::firstTop);
+    }
+    return {marks != 0 && others == 0, top != 0};
+}
+
+}  // namespace
+
+MImage gapMask(const MImage& image)
+{
+    return datatypes::dispatchPixelType(image.type(), image.typeBits(), [&]<class T>() {
+        MImage mask;
+        if constexpr (GapRule<T>::negatives || GapRule<T>::top) {
+            const T* const pixels = image.pixels<T>();
+            Kinds kinds = kindsIn(pixels, image.size());
+            kinds.top = kinds.top && !reachesTop<T>(image);
+            if (kinds.negatives || kinds.top) {
+                mask = MImage(image.width(), image.height(), datatypes::UINT, 8);
+                std::transform(pixels, pixels + image.size(),
+                               static_cast<std::uint8_t*>(mask.data()),
+                               [&](T value) { return markOf(value, kinds.negatives, kinds.top); });
+            }
+        }
+        return mask;
+    });
+}
+
+MImage maskOrGaps(const MImage& image)
+{
+    const auto& mask = image.optionalData().pixel_mask();
+    if (mask && !mask->empty() && mask->width() == image.width() &&
+        mask->height() == image.height())
+        return *mask;
+    return image.empty() ? MImage() : gapMask(image);
+}
+
+bool marksAreIn(const MImage& mask, const MImage& image)
+{
+    const auto* const marks = mask.pixels<unsigned char>();
+    return datatypes::dispatchPixelType(image.type(), image.typeBits(), [&]<class T>() {
+        const T* const pixels = image.pixels<T>();
+        const bool top = !reachesTop<T>(image);
+        for (std::size_t begin = 0; begin < mask.size(); begin += 64) {
+            const std::size_t end = std::min(begin + 64, mask.size());
+            unsigned int any = 0;
+            for (std::size_t i = begin; i < end; ++i)
+                any |= marks[i];
+            for (std::size_t i = begin; any != 0 && i < end; ++i)
+                if (marks[i] != 0 && markOf(pixels[i], true, top) != marks[i])
+                    return false;
+        }
+        return true;
+    });
+}
+
+}  // namespace morvend::imglib

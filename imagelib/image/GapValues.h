@@ -1,0 +1,44 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Pixel values that stand for no count, by which images without a pixel mask mark their gaps.
+#pragma once
+
+#include "imagelib/image/MImage.h"
+
+#include <cstdint>
+#include <limits>
+#include <type_traits>
+
+namespace morvend::imglib {
+
+/// Which values of a pixel type are marks (docs/display.md): -1 gap and -2 defective, if no other
+/// value of the image is negative; as unsigned numbers of 32 and 64 bits these are the two largest;
+/// and the largest value of types that it does not fit as a count. The types bool and char have
+/// none.
+template <class T>
+struct GapRule {
+    static constexpr bool plain = std::is_same_v<T, bool> || std::is_same_v<T, char>;
+    static constexpr bool negatives = !plain && std::is_signed_v<T>;
+    static constexpr bool top =
+        !plain && std::is_integral_v<T> && (std::is_unsigned_v<T> || sizeof(T) >= 4);
+    static constexpr T largest = std::numeric_limits<T>::max();
+    /// From here on values are marks.
+    static constexpr T firstTop =
+        std::is_unsigned_v<T> && sizeof(T) >= 4 ? static_cast<T>(largest - 1) : largest;
+};
+
+/// The mask of the marks in an image, of 8 bits: 1 for a gap, 3 (gap and defective) for a defective
+/// pixel. Empty where the image has none. The largest value of 8 and 16 bits is a count if the
+/// header's saturation value says so. Thread: any. Cost: one pass over the pixels, two with marks.
+MImage gapMask(const MImage& image);
+
+/// The mask that an image is shown and computed under: its own, if it has one of its size, else
+/// gapMask(). Thread: any.
+MImage maskOrGaps(const MImage& image);
+
+/// Does each pixel that a mask of gapMask() marks have the value of its mark in an image of the
+/// same size? Cost: reads the mask, and of the image the marked pixels.
+bool marksAreIn(const MImage& mask, const MImage& image);
+
+}  // namespace morvend::imglib

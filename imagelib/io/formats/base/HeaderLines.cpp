@@ -1,35 +1,22 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// One table of keys serves reading, writing and bringing up to date.
+// Writing of header lines, and bringing them up to date.
 #include "imagelib/io/formats/base/HeaderLines.h"
 
-#include "imagelib/io/formats/base/HeaderWords.h"
+#include "imagelib/io/formats/base/HeaderValues.h"
 
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <limits>
-#include <optional>
+#include <utility>
 
 namespace morvend::imglib {
 
 namespace {
 
 using Header = MBasicImageOptionalData<>;
-
-constexpr Unit Metres[] = {{"m", 1},         {"cm", 1e-2},      {"mm", 1e-3}, {"um", 1e-6},
-                           {"micron", 1e-6}, {"microns", 1e-6}, {"nm", 1e-9}};
-constexpr Unit Seconds[] = {{"s", 1}, {"ms", 1e-3}, {"us", 1e-6}};
-constexpr Unit Angstroms[] = {{"A", 1}, {"nm", 10}, {"m", 1e10}};
-
-std::optional<float> toFloat(double value)
-{
-    if (std::abs(value) > double(std::numeric_limits<float>::max()))
-        return std::nullopt;
-    return static_cast<float>(value);
-}
 
 std::string text(float value)
 {
@@ -51,89 +38,13 @@ std::string oneLine(const boost::optional<std::string>& value)
     return result;
 }
 
-/// What follows the key of a line, without a colon; empty for "(nil)".
-std::string_view textAfterKey(const Words& words, std::string_view line)
+template <const boost::optional<float>& (Header::*Get)() const>
+std::string writeNumber(const Header& header, std::string_view key, std::string_view unit)
 {
-    const char* end = words[0].data() + words[0].size();
-    std::string_view rest = trimmed(line.substr(static_cast<std::size_t>(end - line.data())));
-    if (rest.starts_with(':') || rest.starts_with('='))
-        rest = trimmed(rest.substr(1));
-    return rest == "(nil)" ? std::string_view() : rest;
-}
-
-/// A key with one number.
-struct NumberKey {
-    std::string_view key;
-    std::string_view unitText;
-    Units units;
-    const boost::optional<float>& (Header::*get)() const;
-    void (Header::*set)(const float&);
-};
-
-constexpr NumberKey ExposureTime{"Exposure_time", " s", Seconds, &Header::count_time,
-                                 &Header::set_count_time};
-constexpr NumberKey ExposurePeriod{"Exposure_period", " s", Seconds, &Header::frame_time,
-                                   &Header::set_frame_time};
-constexpr NumberKey Threshold{"Threshold_setting", " eV", EnergyUnits, &Header::threshold_energy,
-                              &Header::set_threshold_energy};
-constexpr NumberKey Wavelength{"Wavelength", " A", Angstroms, &Header::wavelength,
-                               &Header::set_wavelength};
-constexpr NumberKey Distance{"Detector_distance", " m", Metres, &Header::detector_distance,
-                             &Header::set_detector_distance};
-constexpr NumberKey Flux{"Flux", "", {}, &Header::beam_flux, &Header::set_beam_flux};
-constexpr NumberKey Transmission{
-    "Filter_transmission", "", {}, &Header::filter_transmission, &Header::set_filter_transmission};
-constexpr NumberKey StartAngle{
-    "Start_angle", " deg.", {}, &Header::rotation_angle, &Header::set_rotation_angle};
-constexpr NumberKey Increment{
-    "Angle_increment", " deg.", {}, &Header::rotation_angle_step, &Header::set_rotation_angle_step};
-
-template <const NumberKey& Key>
-void readNumber(const Words& words, std::string_view, Header& header)
-{
-    const auto quantity = quantityAt(words, 1, Key.units);
-    if (!quantity)
-        return;
-    if (const auto value = toFloat(quantity->value * quantity->factor.value_or(1)))
-        (header.*Key.set)(*value);
-}
-
-template <const NumberKey& Key>
-std::string writeNumber(const Header& header)
-{
-    const auto& value = (header.*Key.get)();
+    const auto& value = (header.*Get)();
     if (!isSet(value))
         return {};
-    return "# " + std::string(Key.key) + ' ' + text(*value) + std::string(Key.unitText);
-}
-
-void readEnergy(const Words& words, std::string_view, Header& header)
-{
-    const auto quantity = quantityAt(words, 1, EnergyUnits);
-    if (!quantity || quantity->value <= 0)
-        return;
-    const double electronVolts = quantity->value * quantity->factor.value_or(1);
-    if (const auto value = toFloat(ElectronVoltAngstrom / electronVolts))
-        header.set_wavelength(*value);
-}
-
-/// "Detector: text, S/N number".
-void readDetector(const Words& words, std::string_view line, Header& header)
-{
-    const std::string_view rest = textAfterKey(words, line);
-    const std::size_t mark = rest.rfind("S/N");
-    std::string_view description = trimmed(rest.substr(0, mark));
-    if (mark != rest.npos && description.ends_with(','))
-        description = trimmed(description.substr(0, description.size() - 1));
-    if (!description.empty())
-        header.set_description(std::string(description));
-    if (mark == rest.npos)
-        return;
-    std::string_view number = trimmed(rest.substr(mark + 3));
-    if (number.starts_with(':'))
-        number = trimmed(number.substr(1));
-    if (!number.empty() && number != "(nil)")
-        header.set_detector_number(std::string(number));
+    return "# " + std::string(key) + ' ' + text(*value) + std::string(unit);
 }
 
 std::string writeDetector(const Header& header)
@@ -148,78 +59,12 @@ std::string writeDetector(const Header& header)
     return line;
 }
 
-/// Does a text begin as "2014/Jan/10 12:34", "2014-01-10T12:34:56.7" or "2014-Jan-10"?
-bool beginsAsDate(std::string_view line)
-{
-    std::size_t i = 0;
-    const auto digits = [&](std::size_t most) {
-        const std::size_t begin = i;
-        while (i < line.size() && i - begin < most && isDigit(line[i]))
-            ++i;
-        return i - begin;
-    };
-    if (digits(4) != 4 || i >= line.size() || (line[i] != '/' && line[i] != '-'))
-        return false;
-    const char separator = line[i++];
-    if (digits(2) == 0) {
-        const std::size_t begin = i;
-        while (i < line.size() && i - begin < 3 && isLetter(line[i]))
-            ++i;
-        if (i - begin != 3)
-            return false;
-    }
-    if (i >= line.size() || line[i++] != separator || digits(2) == 0)
-        return false;
-    if (i == line.size())
-        return true;
-    if (line[i] != 'T' && !isBlank(line[i]))
-        return false;
-    ++i;
-    return digits(2) > 0 && i < line.size() && line[i] == ':';
-}
-
-void readDate(const Words&, std::string_view line, Header& header)
-{
-    header.set_data_collection_date(std::string(line));
-}
-
-/// "Date: text", for dates in none of the usual forms.
-void readKeyedDate(const Words& words, std::string_view line, Header& header)
-{
-    if (const auto date = textAfterKey(words, line); !date.empty())
-        header.set_data_collection_date(std::string(date));
-}
-
 std::string writeDate(const Header& header)
 {
     const std::string date = oneLine(header.data_collection_date());
     if (date.empty())
         return {};
     return (beginsAsDate(date) ? "# " : "# Date: ") + date;
-}
-
-/// "Pixel_size 172e-6 m x 172e-6 m"; a single size is that of square pixels, and a unit at the end
-/// alone holds for both.
-void readPixelSize(const Words& words, std::string_view, Header& header)
-{
-    const auto x = quantityAt(words, 1, Metres);
-    if (!x)
-        return;
-    std::size_t next = 1 + x->words;
-    if (next < words.size() && sameWord(words[next], "x"))
-        ++next;
-    auto y = quantityAt(words, next, Metres);
-    if (!y && next < words.size())
-        return;
-    if (!y)
-        y = x;
-    const double yFactor = y->factor.value_or(x->factor.value_or(1));
-    const auto width = toFloat(x->value * x->factor.value_or(yFactor));
-    const auto height = toFloat(y->value * yFactor);
-    if (!width || !height)
-        return;
-    header.set_x_pixel_size(*width);
-    header.set_y_pixel_size(*height);
 }
 
 std::string writePixelSize(const Header& header)
@@ -230,18 +75,6 @@ std::string writePixelSize(const Header& header)
            " m";
 }
 
-/// "Silicon sensor, thickness 0.000320 m", with any material.
-void readSensor(const Words& words, std::string_view, Header& header)
-{
-    const auto word = std::find_if(words.begin(), words.end(),
-                                   [](auto each) { return sameWord(each, "thickness"); });
-    const auto at = static_cast<std::size_t>(word - words.begin()) + 1;
-    if (const auto quantity = quantityAt(words, at, Metres)) {
-        if (const auto value = toFloat(quantity->value * quantity->factor.value_or(1)))
-            header.set_sensor_thickness(*value);
-    }
-}
-
 std::string writeSensor(const Header& header)
 {
     if (!isSet(header.sensor_thickness()))
@@ -249,36 +82,11 @@ std::string writeSensor(const Header& header)
     return "# Sensor, thickness " + text(*header.sensor_thickness()) + " m";
 }
 
-void readCutoff(const Words& words, std::string_view, Header& header)
-{
-    const auto quantity = quantityAt(words, 1, {});
-    if (quantity && std::abs(quantity->value) <= double(std::numeric_limits<int>::max()))
-        header.set_saturation_value(static_cast<int>(quantity->value));
-}
-
 std::string writeCutoff(const Header& header)
 {
     if (!header.saturation_value())
         return {};
     return "# Count_cutoff " + std::to_string(*header.saturation_value()) + " counts";
-}
-
-/// "Beam_xy (1231.50, 1263.50) pixels". Two numbers and no length as unit, or nothing.
-void readBeam(const Words&, std::string_view line, Header& header)
-{
-    const Words words = wordsOf(line, true);
-    const auto x = quantityAt(words, 1, {});
-    const auto y = quantityAt(words, 2, {});
-    double third = 0;
-    if (!x || !y ||
-        (words.size() > 3 && (parseNumber(words[3], third) || factorOf(words[3], Metres))))
-        return;
-    const auto column = toFloat(x->value);
-    const auto row = toFloat(y->value);
-    if (!column || !row)
-        return;
-    header.set_beam_center_x(*column);
-    header.set_beam_center_y(*row);
 }
 
 std::string writeBeam(const Header& header)
@@ -289,116 +97,58 @@ std::string writeBeam(const Header& header)
            ") pixels";
 }
 
-/// One kind of line: what it is called, and how it is read and written.
-struct Kind {
-    std::string_view key;  // empty: recognised by its shape
-    void (*read)(const Words& words, std::string_view line, Header& header);
+/// One line as it is written, by the first of the items that it tells.
+struct Line {
+    HeaderItem item;
     std::string (*write)(const Header& header);
 };
 
-template <const NumberKey& Key>
-constexpr Kind NumberKind{Key.key, readNumber<Key>, writeNumber<Key>};
-
-/// In the order of writing. The last ones are other spellings, which are only read.
-constexpr std::array Kinds{
-    Kind{"Detector", readDetector, writeDetector},
-    Kind{"", readDate, writeDate},
-    Kind{"Pixel_size", readPixelSize, writePixelSize},
-    Kind{"", readSensor, writeSensor},
-    NumberKind<ExposureTime>,
-    NumberKind<ExposurePeriod>,
-    Kind{"Count_cutoff", readCutoff, writeCutoff},
-    NumberKind<Threshold>,
-    NumberKind<Wavelength>,
-    NumberKind<Distance>,
-    Kind{"Beam_xy", readBeam, writeBeam},
-    NumberKind<Flux>,
-    NumberKind<Transmission>,
-    NumberKind<StartAngle>,
-    NumberKind<Increment>,
-    Kind{"Transmission", readNumber<Transmission>, writeNumber<Transmission>},
-    Kind{"Date", readKeyedDate, writeDate},
-    Kind{"Energy", readEnergy, writeNumber<Wavelength>},
+constexpr std::array Lines{
+    Line{HeaderItem::Detector, writeDetector},
+    Line{HeaderItem::Date, writeDate},
+    Line{HeaderItem::PixelSizeX, writePixelSize},
+    Line{HeaderItem::SensorThickness, writeSensor},
+    Line{
+        HeaderItem::ExposureTime,
+        [](const Header& h) { return writeNumber<&Header::count_time>(h, "Exposure_time", " s"); }},
+    Line{HeaderItem::ExposurePeriod,
+         [](const Header& h) {
+             return writeNumber<&Header::frame_time>(h, "Exposure_period", " s");
+         }},
+    Line{HeaderItem::CountCutoff, writeCutoff},
+    Line{HeaderItem::Threshold,
+         [](const Header& h) {
+             return writeNumber<&Header::threshold_energy>(h, "Threshold_setting", " eV");
+         }},
+    Line{HeaderItem::Wavelength,
+         [](const Header& h) { return writeNumber<&Header::wavelength>(h, "Wavelength", " A"); }},
+    Line{HeaderItem::Distance,
+         [](const Header& h) {
+             return writeNumber<&Header::detector_distance>(h, "Detector_distance", " m");
+         }},
+    Line{HeaderItem::BeamX, writeBeam},
+    Line{HeaderItem::Flux,
+         [](const Header& h) { return writeNumber<&Header::beam_flux>(h, "Flux", ""); }},
+    Line{HeaderItem::Transmission,
+         [](const Header& h) {
+             return writeNumber<&Header::filter_transmission>(h, "Filter_transmission", "");
+         }},
+    Line{HeaderItem::StartAngle,
+         [](const Header& h) {
+             return writeNumber<&Header::rotation_angle>(h, "Start_angle", " deg.");
+         }},
+    Line{HeaderItem::AngleIncrement,
+         [](const Header& h) {
+             return writeNumber<&Header::rotation_angle_step>(h, "Angle_increment", " deg.");
+         }},
 };
-constexpr std::size_t WrittenKinds = Kinds.size() - 3;
 
-const Kind* kindRead(void (*read)(const Words&, std::string_view, Header&))
+/// The place in the order of writing of the line that tells an item.
+std::size_t placeOf(HeaderItem item)
 {
-    return std::find_if(Kinds.begin(), Kinds.end(),
-                        [&](const Kind& kind) { return kind.read == read; });
-}
-
-/// The place in the order of writing of the kind that writes the same fields.
-std::size_t placeOf(const Kind& kind)
-{
-    const auto writer = std::find_if(Kinds.begin(), Kinds.end(),
-                                     [&](const Kind& each) { return each.write == kind.write; });
-    return static_cast<std::size_t>(writer - Kinds.begin());
-}
-
-/// The kind of a line, null when it is not known.
-const Kind* kindOf(std::string_view line, const Words& words)
-{
-    if (words.empty())
-        return nullptr;
-    if (beginsAsDate(line))
-        return kindRead(readDate);
-    for (const Kind& kind : Kinds) {
-        if (!kind.key.empty() && sameWord(words[0], kind.key))
-            return &kind;
-    }
-    const auto contains = [&](std::string_view word) {
-        return std::any_of(words.begin(), words.end(),
-                           [&](auto each) { return sameWord(each, word); });
-    };
-    return contains("sensor") && contains("thickness") ? kindRead(readSensor) : nullptr;
-}
-
-/// Takes the next line off a text, with those that continue it; without its end.
-std::string_view takeLine(std::string_view& text)
-{
-    std::size_t end = 0;
-    for (;;) {
-        end = std::min(text.find('\n', end), text.size());
-        std::size_t last = end;
-        while (last > 0 && (text[last - 1] == '\r' || text[last - 1] == ' '))
-            --last;
-        if (end == text.size() || last == 0 || text[last - 1] != '\\')
-            break;
-        ++end;
-    }
-    const std::string_view line = text.substr(0, end);
-    text.remove_prefix(std::min(end + 1, text.size()));
-    return line;
-}
-
-/// A line as it is read: in one piece, without '#' and blanks around it.
-std::string contentOf(std::string_view line)
-{
-    std::string joined;
-    while (!line.empty()) {
-        const std::size_t end = std::min(line.find('\n'), line.size());
-        std::string_view piece = trimmed(line.substr(0, end));
-        line.remove_prefix(std::min(end + 1, line.size()));
-        while (piece.ends_with('\\'))
-            piece.remove_suffix(1);
-        joined.append(piece).append(" ");
-    }
-    std::string_view content = trimmed(joined);
-    while (content.starts_with('#'))
-        content = trimmed(content.substr(1));
-    return std::string(content);
-}
-
-/// Reads one line. Returns its kind, null when it is not known.
-const Kind* readLine(std::string_view line, Header& header)
-{
-    const std::string content = contentOf(line);
-    const Words words = wordsOf(content);
-    const Kind* kind = kindOf(content, words);
-    if (kind)
-        kind->read(words, content, header);
-    return kind;
+    // Items that share a line follow each other.
+    const auto after = std::ranges::upper_bound(Lines, item, {}, &Line::item);
+    return static_cast<std::size_t>(after - Lines.begin()) - 1;
 }
 
 bool consistsOfHeaderLines(std::string_view text)
@@ -407,69 +157,103 @@ bool consistsOfHeaderLines(std::string_view text)
     return text.starts_with('#') && !text.starts_with("###");
 }
 
+/// A text of header lines as it is brought up to date.
+class Merger {
+public:
+    Merger(std::string_view raw, const Header& header)
+        : _header(header)
+    {
+        parseHeaderLines(raw, _read);
+        while (!raw.empty())
+            _take(takeHeaderLine(raw));
+        for (std::size_t place = 0; place < Lines.size(); ++place)
+            if (!_done[place] && !_told[place])
+                _add(Lines[place].write(header));
+    }
+
+    std::string text() && { return std::move(_text); }
+
+private:
+    void _take(std::string_view line)
+    {
+        std::string_view shown = trimmed(line);
+        while (shown.ends_with('\\'))
+            shown.remove_suffix(1);
+        if (shown.empty() || shown == ";")
+            return;
+        HeaderValues values;
+        const HeaderKey* key = values.addLine(contentOfHeaderLine(line));
+        if (!key) {
+            _add((shown.starts_with('#') ? "" : "# ") + std::string(shown));
+            return;
+        }
+        const std::size_t place = placeOf(key->item);
+        const auto write = Lines[place].write;
+        const std::string now = write(_header);
+        if (!key->own) {
+            // Another program's spelling stays as long as what it tells does.
+            if (_unchanged(place)) {
+                _told[place] = true;
+                _add(shown);
+            }
+            return;
+        }
+        Header stated;
+        values.fill(stated);
+        if (!std::exchange(_done[place], true))
+            _add(now == write(stated) ? shown : now);
+    }
+
+    /// Does a line tell the same as it did, and anything at all?
+    bool _unchanged(std::size_t place) const
+    {
+        // Two fields in one line, which lacks while one of them does.
+        if (Lines[place].item == HeaderItem::PixelSizeX)
+            return _header.x_pixel_size() == _read.x_pixel_size() &&
+                   _header.y_pixel_size() == _read.y_pixel_size();
+        if (Lines[place].item == HeaderItem::BeamX)
+            return _header.beam_center_x() == _read.beam_center_x() &&
+                   _header.beam_center_y() == _read.beam_center_y();
+        const std::string now = Lines[place].write(_header);
+        return !now.empty() && now == Lines[place].write(_read);
+    }
+
+    void _add(std::string_view line)
+    {
+        if (!line.empty())
+            _text.append(line).append("\r\n");
+    }
+
+    const Header& _header;
+    Header _read;  // what the text told before
+    std::array<bool, Lines.size()> _done{};
+    std::array<bool, Lines.size()> _told{};
+    std::string _text;
+};
+
 }  // namespace
 
 void parseHeaderLines(std::string_view text, MBasicImageOptionalData<>& header)
 {
-    Header found;
-    Header fromEnergy;
-    while (!text.empty()) {
-        Header one;
-        const Kind* kind = readLine(takeLine(text), one);
-        if (!kind)
-            continue;
-        Header& target = kind->read == readEnergy ? fromEnergy : found;
-        if (kind->write(target).empty())
-            one.override(target);
-    }
-    if (!found.wavelength())
-        fromEnergy.override(found);
-    found.override(header);
+    HeaderValues values;
+    values.addLines(text);
+    values.fill(header);
 }
 
 std::string headerLines(const MBasicImageOptionalData<>& header)
 {
     std::string lines;
-    for (std::size_t place = 0; place < WrittenKinds; ++place) {
-        if (const std::string line = Kinds[place].write(header); !line.empty())
-            lines += line + "\r\n";
+    for (const Line& line : Lines) {
+        if (const std::string text = line.write(header); !text.empty())
+            lines += text + "\r\n";
     }
     return lines;
 }
 
 std::string mergedHeaderLines(const MBasicImageOptionalData<>& header)
 {
-    std::string_view raw = header.rawHeader() ? std::string_view(*header.rawHeader()) : "";
-    if (!consistsOfHeaderLines(raw))
-        return headerLines(header);
-    std::array<bool, WrittenKinds> done{};
-    std::string lines;
-    const auto add = [&](std::string_view line) {
-        if (!line.empty())
-            lines.append(line).append("\r\n");
-    };
-    while (!raw.empty()) {
-        const std::string_view line = takeLine(raw);
-        std::string_view shown = trimmed(line);
-        while (shown.ends_with('\\'))
-            shown.remove_suffix(1);
-        if (shown.empty() || shown == ";")
-            continue;
-        Header stated;
-        const Kind* kind = readLine(line, stated);
-        if (!kind) {
-            add((shown.starts_with('#') ? "" : "# ") + std::string(shown));
-            continue;
-        }
-        const std::string now = kind->write(header);
-        if (!std::exchange(done[placeOf(*kind)], true))
-            add(now == kind->write(stated) ? shown : now);
-    }
-    for (std::size_t place = 0; place < WrittenKinds; ++place) {
-        if (!done[place])
-            add(Kinds[place].write(header));
-    }
-    return lines;
+    const std::string_view raw = header.rawHeader() ? std::string_view(*header.rawHeader()) : "";
+    return consistsOfHeaderLines(raw) ? Merger(raw, header).text() : headerLines(header);
 }
 
 }  // namespace morvend::imglib

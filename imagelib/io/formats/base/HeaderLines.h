@@ -11,12 +11,12 @@
 
 namespace morvend::imglib {
 
-/// Reads every known line of a header text into its field; other fields stay as they are. Accepts
-/// CR LF, LF and mixed line ends, "key: value", "key = value" and "key value unit", lines continued
-/// by a backslash, and lines with or without the leading '#'. Of several lines with the same key
-/// the first one with a value counts. Values that are no numbers are skipped, never guessed. An
-/// "Energy" line gives the wavelength where no "Wavelength" line does. Sets neither rawHeader nor
-/// imageDescription.
+/// Reads every known line of a header text into its field; other fields stay as they are. Keys,
+/// units and their order of precedence are those of HeaderKeys.h; of several lines with the same
+/// key the first one with a value counts. Accepts CR LF, LF and mixed line ends, "key: value", "key
+/// = value" and "key value unit", lines continued by a backslash, lines with or without the leading
+/// '#', and comments that begin with '#' within other lines. Values that are no numbers, or have a
+/// unit that is not known, are skipped, never guessed. Sets neither rawHeader nor imageDescription.
 void parseHeaderLines(std::string_view text, MBasicImageOptionalData<>& header);
 
 /// Writes the known fields as header lines, "# Key value unit" with CR LF ends, such that

@@ -37,7 +37,7 @@ Words wordsOf(std::string_view line, bool splitAtCommas)
         const char c = line[i];
         if (c == ',')
             return splitAtCommas || i + 1 == line.size() || isBlank(line[i + 1]);
-        return isBlank(c) || c == '(' || c == ')' || c == '#' || c == ':' || c == '=';
+        return isBlank(c) || std::string_view("()[]{}#:=;'\"").find(c) != std::string_view::npos;
     };
     Words words;
     for (std::size_t i = 0; i < line.size();) {
@@ -67,6 +67,8 @@ bool parseNumber(std::string_view text, double& value)
 
 std::optional<double> factorOf(std::string_view word, Units units)
 {
+    if (word.ends_with('.'))
+        word.remove_suffix(1);
     for (const Unit& unit : units) {
         if (sameWord(word, unit.name))
             return unit.factor;
@@ -78,20 +80,25 @@ std::optional<Quantity> quantityAt(const Words& words, std::size_t at, Units uni
 {
     if (at >= words.size())
         return std::nullopt;
-    std::string_view number = words[at];
-    std::size_t letters = 0;
-    while (letters < number.size() && isLetter(number[number.size() - 1 - letters]))
-        ++letters;
+    std::string_view word = words[at];
+    if (word.starts_with('+') && !word.starts_with("+-"))
+        word.remove_prefix(1);
     Quantity result;
-    result.factor = factorOf(number.substr(number.size() - letters), units);
-    if (result.factor)
-        number.remove_suffix(letters);
-    if (!parseNumber(number, result.value))
+    const char* const end = word.data() + word.size();
+    const auto [rest, error] = std::from_chars(word.data(), end, result.value);
+    if (error != std::errc() || !std::isfinite(result.value))
         return std::nullopt;
-    if (!result.factor && at + 1 < words.size()) {
-        result.factor = factorOf(words[at + 1], units);
-        if (result.factor)
-            result.words = 2;
+    std::string_view unit(rest, static_cast<std::size_t>(end - rest));
+    double number = 0;
+    if (unit.empty() && at + 1 < words.size() && !sameWord(words[at + 1], "x") &&
+        words[at + 1] != Times && !parseNumber(words[at + 1], number)) {
+        unit = words[at + 1];
+        result.words = 2;
+    }
+    if (!unit.empty()) {
+        result.factor = factorOf(unit, units);
+        if (!result.factor)
+            return std::nullopt;
     }
     return result;
 }

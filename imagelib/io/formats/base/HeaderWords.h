@@ -23,8 +23,9 @@ std::string_view trimmed(std::string_view text);
 bool sameWord(std::string_view left, std::string_view right);
 
 using Words = std::vector<std::string_view>;
-/// The words of a line, without blanks and ( ) # : =. A comma ends a word only before a blank
-/// unless `splitAtCommas`, so that "0,5" stays one word, which is no number, and is not read as 0.
+/// The words of a line, without blanks, brackets, quotes and # : = ;. A comma ends a word only
+/// before a blank unless `splitAtCommas`, so that "0,5" stays one word, which is no number, and is
+/// not read as 0.
 Words wordsOf(std::string_view line, bool splitAtCommas = false);
 
 /// Reads a decimal number such as "172e-6" or "+1.5" that fills the whole text. False, with `value`
@@ -46,13 +47,18 @@ inline constexpr double ElectronVoltAngstrom = 12398.42;
 /// The factor of a unit's name, if it is one of `units`.
 std::optional<double> factorOf(std::string_view word, Units units);
 
-/// A number and the unit behind it, which may be glued to it or be the next word.
+/// Between two numbers, as in "172 x 172": the multiplication sign.
+inline constexpr std::string_view Times = "\xc3\x97";
+
+/// A number and the unit after it, which may be glued to it or be the next word.
 struct Quantity {
     double value = 0;
     std::optional<double> factor;  ///< of its unit, if it has one
     std::size_t words = 1;         ///< how many words the two take
 };
-/// The quantity that begins at word number `at`, if there is one.
+/// The quantity that begins at word number `at`. None where there is no number, or where a word
+/// that is none of `units` follows: nobody knows what is measured then. A number or an "x" may
+/// follow.
 std::optional<Quantity> quantityAt(const Words& words, std::size_t at, Units units);
 
 }  // namespace morvend::imglib

@@ -10,8 +10,8 @@ namespace morvend::imglib::edf {
 
 class EdfHeader;
 
-/// Sets the fields whose keys have a number, possibly with a unit; any other value ("Na") leaves
-/// its field alone. Sets rawHeader.
+/// Sets the fields whose keys have a value, and those of header lines within the values of other
+/// keys (HeaderValues); a value that is no number ("Na") leaves its field alone. Sets rawHeader.
 void readFields(const EdfHeader& from, MBasicImageOptionalData<>& header);
 
 }  // namespace morvend::imglib::edf

@@ -36,6 +36,17 @@ public:
     std::optional<std::string_view> value(std::string_view key) const;
     /// The value as a whole number, if it is one.
     std::optional<std::uint64_t> number(std::string_view key) const;
+    /// Calls f(key, value) for all entries, the one that holds before others of the same key: the
+    /// last of the block first, then those of the general header.
+    template <class Function>
+    void forEach(Function&& f) const
+    {
+        const std::string_view all = _text;
+        for (auto entry = _entries.rbegin(); entry != _entries.rend(); ++entry)
+            f(all.substr(entry->key, entry->keyBytes), all.substr(entry->value, entry->valueBytes));
+        if (_general)
+            _general->forEach(f);
+    }
     /// Is the key in this block itself?
     bool has(std::string_view key) const { return _own(key).has_value(); }
 

@@ -5,6 +5,7 @@
 #include "imagelib/io/formats/tiff/TiffReader.h"
 
 #include "imagelib/io/formats/base/HeaderLines.h"
+#include "imagelib/io/formats/base/HeaderValues.h"
 #include "imagelib/io/formats/tiff/TiffHandle.h"
 #include "imagelib/io/formats/tiff/TiffLayout.h"
 #include "imagelib/io/formats/tiff/TiffPages.h"
@@ -45,9 +46,12 @@ void readHeader(const tiff::TiffHandle& handle, const tiff::TiffPage& page,
     const std::string date = textTag(handle, TIFFTAG_DATETIME);
     if (!header.data_collection_date() && !date.empty())
         header.set_data_collection_date(date);
-    const std::string model = textTag(handle, TIFFTAG_MODEL);
-    if (!header.description() && !model.empty())
-        header.set_description(model);
+    MBasicImageOptionalData<> camera;
+    setDetector(textTag(handle, TIFFTAG_MODEL), camera);
+    if (!header.description())
+        header.set_description(camera.description());
+    if (!header.detector_number())
+        header.set_detector_number(camera.detector_number());
 }
 
 class TiffFile : public ImageFile {

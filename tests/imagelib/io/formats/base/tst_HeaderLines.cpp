@@ -94,6 +94,48 @@ Exposure_time 0.097 s                              | count_time=0.097;
         EXPECT_EQ(parsed(row.at(0)), row.at(1)) << row[0];
 }
 
+TEST(HeaderLines, OfManyPrograms)
+{
+    for (const auto& row : rowsOf(R"(
+Exposure time: 500.000000ms                        | count_time=0.5;
+Exposure time (ms) = 500                           | count_time=0.5;
+Exposure time [s]: 250 ms                          | count_time=0.25;
+# Exposure_time 5 fortnights                       |
+Exposure time (fortnights): 5                      |
+Integration time 5\nIntegration-time: 2 seconds    | count_time=2;
+pixel X-size (um): 172\npixel Y-size (um): 75      | x_pixel_size=0.000172;y_pixel_size=7.5e-05;
+Pixel size: 172 µm                          | x_pixel_size=0.000172;y_pixel_size=0.000172;
+# Pixel_size 172 x 172                             |
+# Pixel_size 172e-6 m x 172 furlongs               |
+Distance_sample-detector: 909.99mm                 | detector_distance=0.90999;
+Distance_sample-detector: 909.99                   |
+# Detector_distance 909                            |
+Distance (mm) 200\nDetector_distance 0.3 m         | detector_distance=0.3;
+Photon energy = 7.0keV                             | wavelength=1.7712028;
+Energy 12398.42\nthreshold energy = 6keV           | wavelength=1;threshold_energy=6000;
+X-ray wavelength: 1.5 Å                     | wavelength=1.5;
+wavelength 9.7e-11                                 | wavelength=0.97;
+DATE (scan begin): 2014-01-10 12:34:56             | data_collection_date=2014-01-10 12:34:56;
+Start time: 12:34:56                               | data_collection_date=12:34:56;
+Date of birth: unknown\nDetector temperature: 23   |
+Detector name: Large 6M SN: 60-0001                | description=Large 6M;detector_number=60-0001;
+Serial number: 60-0114                             | detector_number=60-0114;
+scan 5 # Pixel_size 172e-6 m x 172e-6 m            | x_pixel_size=0.000172;y_pixel_size=0.000172;
+{"c": "# Exposure_time 2 s"}                       | count_time=2;
+# Exposure_time 1 s # Flux 5 # Detector: A # Flux 6 | count_time=1;beam_flux=5;description=A # Flux 6;
+note # Flux 4\n# Flux 5                            | beam_flux=5;
+# Beam_xy (17.2, 34.4) mm\n# Pixel_size 172e-6 m x 172 um \
+    | beam_center_x=100;beam_center_y=200;x_pixel_size=0.000172;y_pixel_size=0.000172;
+Beam center x (mm): 17.2\nBeam center y: 7 px\npixel size x: 0.172 mm \
+    | beam_center_x=100;beam_center_y=7;x_pixel_size=0.000172;
+Beam center x: 17.2                                |
+Filter transmission: 30 %                          | filter_transmission=0.3;
+# Start_angle 1 rad                                | rotation_angle=57.29578;
+# Flux 3e9 photons/sec\n# Count_cutoff 65535 ADU   | saturation_value=65535;beam_flux=3e+09;
+)"))
+        EXPECT_EQ(parsed(row.at(0)), row.at(1)) << row[0];
+}
+
 TEST(HeaderLines, OtherFieldsStay)
 {
     Header header;
@@ -192,6 +234,23 @@ TEST(MergedHeaderLines, KeepWhatStillHolds)
     Header cleared;
     cleared.set_rawHeader(std::string(Original));
     EXPECT_EQ(mergedHeaderLines(cleared), "# Tau = 124.0e-09 s\r\n# Oscillation_axis X.CW\r\n");
+}
+
+TEST(MergedHeaderLines, KeepSpellingsOfOthersAsLongAsTheyHold)
+{
+    Header header;
+    const std::string raw = "# Exposure time: 500ms\r\n# Beam center x (mm): 17.2\r\n"
+                            "# Beam center y: 7 px\r\n# pixel size x: 0.172 mm\r\n"
+                            "# note # Flux 3\r\n";
+    parseHeaderLines(raw, header);
+    header.set_rawHeader(raw);
+    EXPECT_EQ(mergedHeaderLines(header), raw + "# Flux 3\r\n");
+    header.set_count_time(0.25F);
+    header.set_beam_center_y(8.0F);
+    const std::string merged = mergedHeaderLines(header);
+    EXPECT_EQ(merged, "# Exposure_time 0.25 s\r\n# pixel size x: 0.172 mm\r\n# note # Flux 3\r\n"
+                      "# Beam_xy (100, 8) pixels\r\n# Flux 3\r\n");
+    EXPECT_EQ(parsed(merged), shown(header));
 }
 
 TEST(MergedHeaderLines, AreWrittenAnewForOtherHeaders)

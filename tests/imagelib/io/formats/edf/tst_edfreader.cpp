@@ -83,6 +83,14 @@ count_time = ; Date = ;                            |
 Date = Mon Mar  5 2024 ; time_of_day = 1.5 ;       | data_collection_date=Mon Mar  5 2024;
 time_of_day = 1709618828.912 ;                     | data_collection_date=1709618828.912;
 count_time = 2 ; COUNT_TIME = 3 ;                  | count_time=3;
+Center_1 = 17.2mm ; PSize_1 = 172e-6 ;             | beam_center_x=100;x_pixel_size=0.000172;
+Exposure time (ms) = 500 ; WaveLength = 1.5 ;      | wavelength=1.5;count_time=0.5;
+SampleDistance = 2 fathoms ; SampleDistance = 909 ; |
+title = # Pixel_size 172e-6 m x 172e-6 m ;         | x_pixel_size=0.000172;y_pixel_size=0.000172;
+c0 = # Exposure_time 2 s\n# Flux 3 ; ExposureTime = 1 ; \
+    | count_time=1;beam_flux=3;
+HMStartTime = 2014-01-10 ; time_of_day = 1.5 ; Detector = A, S/N 5 ; \
+    | data_collection_date=2014-01-10;description=A;detector_number=5;
 )")) {
         const auto file = openBytes(openEdf, blockOf(1, {1}, row.at(0)));
         EXPECT_EQ(shown(file->frame(0).optionalData()), row.at(1)) << row[0];

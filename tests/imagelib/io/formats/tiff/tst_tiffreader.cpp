@@ -241,6 +241,8 @@ TEST(TiffHeader, MayBeShortElsewhereOrAbsent)
     };
     EXPECT_EQ(*header("270 A abc").rawHeader(), "abc");
     EXPECT_EQ(shown(header("272 A Model\\0")), "description=Model;");
+    EXPECT_EQ(shown(header("272 A Large 6M, S/N 60-0114\\0")),
+              "description=Large 6M;detector_number=60-0114;");
     EXPECT_FALSE(header("270 A \\0\\0").rawHeader());
     EXPECT_FALSE(header("").rawHeader());
     EXPECT_EQ(shown(header("")), "");

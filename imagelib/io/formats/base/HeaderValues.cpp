@@ -56,7 +56,15 @@ DetectorText splitDetector(std::string_view text)
     return {description, number == "(nil)" ? std::string_view() : number};
 }
 
-/// What follows a key in its line; nothing where another word stands before a colon.
+/// Does a text begin with words and a colon, as the rest of a longer key does?
+bool goesOnAsKey(std::string_view text)
+{
+    const std::string_view words = trimmed(text.substr(0, text.find_first_of(":=")));
+    return words.size() < text.size() && !words.empty() && isLetter(words.back()) &&
+           !words.ends_with("S/N") && !words.ends_with("SN");
+}
+
+/// What follows a key in its line; nothing where the key is only the begin of another one.
 std::string_view textAfter(std::string_view line, std::string_view lastWord)
 {
     const char* end = lastWord.data() + lastWord.size();
@@ -65,9 +73,7 @@ std::string_view textAfter(std::string_view line, std::string_view lastWord)
         rest = trimmed(rest.substr(1));
     if (rest.starts_with(':') || rest.starts_with('='))
         rest = trimmed(rest.substr(1));
-    else if (const std::size_t mark = rest.find_first_of(":=");
-             mark != rest.npos && rest.substr(0, mark).find("S/N") == rest.npos &&
-             !beginsAsDate(rest))
+    else if (goesOnAsKey(rest))
         return {};
     return rest == "(nil)" ? std::string_view() : rest;
 }

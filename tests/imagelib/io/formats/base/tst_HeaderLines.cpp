@@ -117,6 +117,8 @@ X-ray wavelength: 1.5 Å                     | wavelength=1.5;
 wavelength 9.7e-11                                 | wavelength=0.97;
 DATE (scan begin): 2014-01-10 12:34:56             | data_collection_date=2014-01-10 12:34:56;
 Start time: 12:34:56                               | data_collection_date=12:34:56;
+Date Mon Jan 10 12:34:56 2014                      | data_collection_date=Mon Jan 10 12:34:56 2014;
+Detector Large 6M, S/N: 5                          | description=Large 6M;detector_number=5;
 Date of birth: unknown\nDetector temperature: 23   |
 Detector name: Large 6M SN: 60-0001                | description=Large 6M;detector_number=60-0001;
 Serial number: 60-0114                             | detector_number=60-0114;

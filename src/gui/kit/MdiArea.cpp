@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 MdiArea::MdiArea(QWidget* parent)
     : QWidget(parent)
@@ -70,7 +71,22 @@ void MdiArea::removeSubWindow(AbstractSubWindow* frame)
         frame->setParent(nullptr);
     }
     frame->deleteLater();
-    _rearrange();
+    _rearrangeSoon();
+}
+
+void MdiArea::_rearrangeSoon()
+{
+    // Once for all frames that go in a row, as of files that can't be shown: each time moves every
+    // frame that stays.
+    if (std::exchange(_rearrangeDue, true))
+        return;
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            _rearrangeDue = false;
+            _rearrange();
+        },
+        Qt::QueuedConnection);
 }
 
 void MdiArea::_closeActiveSubwindow()

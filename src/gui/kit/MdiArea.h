@@ -51,11 +51,13 @@ private slots:
 
 private:
     void _rearrange();
+    void _rearrangeSoon();
     void _shareOut(const std::vector<int>& heights);
     MdiSplitter* _column(int index) const;
 
     QList<AbstractSubWindow*> _subWindows;
     AbstractSubWindow* _activeSubWindow = nullptr;
+    bool _rearrangeDue = false;
     MdiSplitter* _mainSplitter;
     std::unique_ptr<QSvgRenderer> _logo;
 };

@@ -48,6 +48,31 @@ TEST(MdiTiling, FramesFillColumnsFromLeftToRightAndShareTheArea)
     }
 }
 
+TEST(MdiTiling, FramesThatGoTogetherMoveTheOthersOnce)
+{
+    struct MovedFrame : AbstractSubWindow {
+        int moves = 0;
+        bool event(QEvent* event) override
+        {
+            moves += event->type() == QEvent::ParentChange;
+            return AbstractSubWindow::event(event);
+        }
+    };
+    MdiArea area;
+    area.show();
+    auto* staying = new MovedFrame;
+    area.addSubWindow(staying);
+    for (int i = 0; i < 6; ++i)
+        area.addSubWindow(new AbstractSubWindow);
+    settle();
+    staying->moves = 0;
+    for (int i = 0; i < 5; ++i)
+        area.subWindowList().last()->close();
+    settle();
+    EXPECT_EQ(area.subWindowList().size(), 2);
+    EXPECT_LE(staying->moves, 2) << "out of its column and into one";
+}
+
 class MdiActivation : public testing::Test {
 protected:
     MdiActivation()

@@ -4,9 +4,9 @@
 // Path arithmetic on texts.
 #include "MFilesystemUtils.h"
 
+#include "imagelib/image/Assert.h"
 #include "imagelib/image/MException.h"
 
-#include <cassert>
 #include <cerrno>
 #include <string_view>
 #include <system_error>

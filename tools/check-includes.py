@@ -5,7 +5,7 @@
 
 A room may include itself and every room that it can reach over the arrows of ARROWS. Tests and
 benchmarks may include everything. imagelib and the path helpers know no Qt; nothing below the
-graphical rooms knows a widget.
+graphical rooms knows a widget. Assertions come from imagelib/image/Assert.h, which keeps them active.
 """
 
 import pathlib
@@ -65,7 +65,7 @@ ARROWS = {
     "hdf5": ["formatbase", "codec"],
     "ioprocess": ["formatbase", "ipc"],
     "io": ["cbf", "tiff", "edf", "hdf5", "ioprocess", "paths"],
-    "support": [],
+    "support": ["image"],
     "records": ["display", "support"],
     "analysis": ["records"],
     "preload": ["io", "ipc", "support"],
@@ -91,6 +91,10 @@ WIDGETS = re.compile(r"Q(Widget|Application|MainWindow|Dialog|MessageBox|Layout|
                      r"|ComboBox|CheckBox|ScrollArea|Action|Menu|Style.*)")
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
 
+ASSERT_HEADER = "imagelib/image/Assert.h"
+ASSERTS = {ASSERT_HEADER, "logic/support/Assert.h"}
+ASSERTION = re.compile(r"(?<![\w.:])(assert|Q_ASSERT(_X)?)\s*\(")
+
 root = pathlib.Path(__file__).resolve().parent.parent
 
 
@@ -111,12 +115,27 @@ def reachable(room):
     return found
 
 
+def assertion_faults(path, name):
+    if name == ASSERT_HEADER:
+        return
+    included = set()
+    for number, line in enumerate(path.read_text(errors="replace").splitlines(), 1):
+        if match := INCLUDE.match(line):
+            included.add(match.group(2))
+            if match.group(2) in {"cassert", "assert.h"}:
+                yield f"{name}:{number}: assertions come from {ASSERT_HEADER}"
+        elif match := ASSERTION.search(line.split("//")[0]):
+            if match.group(1) != "assert" or not included & ASSERTS:
+                yield f"{name}:{number}: {match.group(1)} without {ASSERT_HEADER}"
+
+
 def faults(path):
     name = str(path.relative_to(root))
     room = room_of(name)
     if room is None:
         yield f"{name}: belongs to no room; add its folder to tools/check-includes.py"
         return
+    yield from assertion_faults(path, name)
     allowed = reachable(room)
     for number, line in enumerate(path.read_text(errors="replace").splitlines(), 1):
         match = INCLUDE.match(line)

@@ -7,11 +7,11 @@
 #include "imagelib/codec/BitPlanes.h"
 #include "imagelib/codec/BlockStream.h"
 #include "imagelib/codec/Lz4Block.h"
+#include "imagelib/image/Assert.h"
 #include "imagelib/image/MException.h"
 #include "imagelib/image/StreamCopy.h"
 
 #include <algorithm>
-#include <cassert>
 #include <cstring>
 #include <memory>
 #include <string>

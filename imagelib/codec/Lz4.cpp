@@ -6,10 +6,10 @@
 
 #include "imagelib/codec/BlockStream.h"
 #include "imagelib/codec/Lz4Block.h"
+#include "imagelib/image/Assert.h"
 #include "imagelib/image/MException.h"
 
 #include <algorithm>
-#include <cassert>
 #include <cstring>
 
 namespace morvend::codec {

@@ -5,8 +5,8 @@
 #include "imagelib/codec/Shuffle.h"
 
 #include "imagelib/codec/ShuffleKernels.h"
+#include "imagelib/image/Assert.h"
 
-#include <cassert>
 #include <cstring>
 
 namespace morvend::codec {

@@ -6,11 +6,11 @@
 
 #include "imagelib/display/ColorKernel.h"
 #include "imagelib/display/DisplayValue.h"
+#include "imagelib/image/Assert.h"
 #include "imagelib/image/MImage.h"
 
 #include <algorithm>
 #include <array>
-#include <cassert>
 
 namespace morvend::imglib {
 

@@ -5,9 +5,9 @@
 #include "imagelib/display/ColorRule.h"
 
 #include "imagelib/display/MColorTable.h"
+#include "imagelib/image/Assert.h"
 
 #include <bit>
-#include <cassert>
 #include <cstring>
 
 namespace morvend::imglib {

@@ -5,9 +5,9 @@
 #include "imagelib/display/MColorTable.h"
 
 #include "imagelib/display/tables/ColorTableData.h"
+#include "imagelib/image/Assert.h"
 
 #include <bit>
-#include <cassert>
 
 namespace morvend::imglib {
 

@@ -8,8 +8,8 @@
 #include "imagelib/display/MDrawingLine.h"
 #include "imagelib/display/MDrawingPixel.h"
 #include "imagelib/display/MDrawingString.h"
+#include "imagelib/image/Assert.h"
 
-#include <cassert>
 #include <cstddef>
 #include <utility>
 #include <vector>

@@ -4,8 +4,9 @@
 // MImage: geometry, access to pixels and header.
 #include "imagelib/image/MImage.h"
 
+#include "imagelib/image/Assert.h"
+
 #include <algorithm>
-#include <cassert>
 #include <cstring>
 
 namespace morvend::imglib {

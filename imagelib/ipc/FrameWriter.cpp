@@ -4,10 +4,10 @@
 // sendmsg with descriptors, in as many pieces as the socket wants.
 #include "imagelib/ipc/FrameWriter.h"
 
+#include "imagelib/image/Assert.h"
 #include "imagelib/ipc/MPeerGoneException.h"
 
 #include <array>
-#include <cassert>
 #include <cerrno>
 #include <cstring>
 #include <system_error>

@@ -4,8 +4,9 @@
 // Sending and receiving; the thread's part stands in QueueThread.cpp.
 #include "imagelib/ipc/QueueEnd.h"
 
+#include "imagelib/image/Assert.h"
+
 #include <algorithm>
-#include <cassert>
 #include <map>
 #include <system_error>
 

@@ -8,6 +8,7 @@
 #include "imagelib/display/MDrawingList.h"
 #include "logic/HalvoService.h"
 #include "logic/TarvikService.h"
+#include "logic/support/Assert.h"
 
 #include <algorithm>
 

@@ -4,8 +4,9 @@
 // Interpolation in L*a*b* (CIE 15:2004; sRGB as in IEC 61966-2-1).
 #include "imagelib/display/tables/ColorRamp.h"
 
+#include "imagelib/image/Assert.h"
+
 #include <algorithm>
-#include <cassert>
 #include <cmath>
 
 namespace morvend::imglib {

@@ -5,9 +5,9 @@
 #include "gui/render/CircleGeometry.h"
 
 #include "imagelib/image/PixelTypes.h"
+#include "logic/support/Assert.h"
 
 #include <algorithm>
-#include <cassert>
 #include <cmath>
 
 namespace render {

@@ -1,10 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Assertions of programmer errors, active in the product.
+// The assertions of imagelib, for the rooms that stand on this one.
 #pragma once
 
-// A breach prints the source expression and the file and ends the process. A packager's flags must
-// not take the checks away, so NDEBUG has no say here.
-#undef NDEBUG
-#include <cassert>
+#include "imagelib/image/Assert.h"

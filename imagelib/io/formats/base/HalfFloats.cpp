@@ -4,8 +4,9 @@
 // Half precision by one product.
 #include "imagelib/io/formats/base/HalfFloats.h"
 
+#include "imagelib/image/Assert.h"
+
 #include <bit>
-#include <cassert>
 #include <cstdint>
 #include <cstring>
 

@@ -4,7 +4,7 @@
 // Byte order and the search for flags, with the best vector instructions of the processor.
 #include "imagelib/io/formats/base/RawPixels.h"
 
-#include <cassert>
+#include "imagelib/image/Assert.h"
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "imagelib/io/formats/base/RawPixels.cpp"

@@ -4,6 +4,7 @@
 // Byte-offset streams, 64 bytes a step with the best vector instructions of the processor.
 #include "imagelib/io/formats/cbf/ByteOffset.h"
 
+#include "imagelib/image/Assert.h"
 #include "imagelib/image/StreamCopy.h"
 #include "imagelib/io/formats/cbf/ByteOffsetPlain.h"
 #include "imagelib/io/formats/cbf/LaneTables.h"
@@ -11,7 +12,6 @@
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <cassert>
 #include <cstring>
 #include <type_traits>
 

@@ -4,10 +4,10 @@
 // Canonical codes of Moffat and Turpin, built from their lengths alone.
 #include "imagelib/io/formats/cbf/Canonical.h"
 
+#include "imagelib/image/Assert.h"
 #include "imagelib/io/formats/cbf/BitReader.h"
 
 #include <algorithm>
-#include <cassert>
 #include <cstring>
 #include <numeric>
 #include <vector>

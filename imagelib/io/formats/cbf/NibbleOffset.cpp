@@ -4,11 +4,11 @@
 // Codes that set the width of differences, and the differences.
 #include "imagelib/io/formats/cbf/NibbleOffset.h"
 
+#include "imagelib/image/Assert.h"
 #include "imagelib/image/MException.h"
 #include "imagelib/io/formats/cbf/BitReader.h"
 
 #include <array>
-#include <cassert>
 
 namespace morvend::imglib {
 

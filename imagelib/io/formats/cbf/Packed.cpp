@@ -4,10 +4,10 @@
 // Blocks of differences from the mean of the neighbours that came before.
 #include "imagelib/io/formats/cbf/Packed.h"
 
+#include "imagelib/image/Assert.h"
 #include "imagelib/io/formats/cbf/BitReader.h"
 
 #include <array>
-#include <cassert>
 #include <type_traits>
 
 namespace morvend::imglib {

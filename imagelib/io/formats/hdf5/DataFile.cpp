@@ -9,12 +9,11 @@
 #include "imagelib/codec/Deflate.h"
 #include "imagelib/codec/Lz4.h"
 #include "imagelib/codec/Shuffle.h"
+#include "imagelib/image/Assert.h"
 #include "imagelib/image/MException.h"
 #include "imagelib/image/PixelTypes.h"
 #include "imagelib/io/formats/hdf5/Hdf5Filters.h"
 #include "imagelib/io/formats/hdf5/TreeOutput.h"
-
-#include <cassert>
 
 namespace morvend::imglib::hdf5 {
 

@@ -4,9 +4,9 @@
 // Extents to and from the order of the file, and the limits of an image.
 #include "imagelib/io/formats/hdf5/FrameShape.h"
 
+#include "imagelib/image/Assert.h"
 #include "imagelib/image/MException.h"
 
-#include <cassert>
 #include <limits>
 
 namespace morvend::imglib::hdf5 {

@@ -4,6 +4,7 @@
 // Choice of the pixel type; odd types by the library.
 #include "imagelib/io/formats/hdf5/PixelFormat.h"
 
+#include "imagelib/image/Assert.h"
 #include "imagelib/image/MException.h"
 #include "imagelib/image/PixelBuffer.h"
 #include "imagelib/io/formats/base/HalfFloats.h"
@@ -11,7 +12,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <cassert>
 #include <cstdint>
 #include <cstring>
 

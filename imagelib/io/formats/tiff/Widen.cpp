@@ -4,7 +4,8 @@
 // Bit by bit.
 #include "imagelib/io/formats/tiff/Widen.h"
 
-#include <cassert>
+#include "imagelib/image/Assert.h"
+
 #include <cstdint>
 
 namespace morvend::imglib::tiff {

@@ -1,0 +1,11 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Assertions of programmer errors, active in the product.
+#pragma once
+
+// A breach prints the source expression and the file and ends the process. A packager's flags must
+// not take the checks away, so NDEBUG has no say here. tools/check-includes.py sees to it that no
+// assertion comes from elsewhere.
+#undef NDEBUG
+#include <cassert>

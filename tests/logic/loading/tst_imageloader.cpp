@@ -265,6 +265,11 @@ TEST_F(Loader, BurstOfUpdatesYieldsOneScanNowAndOneLater)
 {
     QElapsedTimer clock;
     clock.start();
+    // A new loader scans after 100 ms, so that a burst right after its making would be one scan.
+    ASSERT_TRUE(waitFor([&] {
+        loader.update();
+        return scans > 0;
+    }));
     for (int i = 0; i < 20; ++i) {
         loader.update();
         QTest::qWait(2);

@@ -109,6 +109,9 @@ void ErrorDialog::_add(const QString& message)
         _text->setText(QStringLiteral("%1 errors:").arg(_count));
         if (!_list->isHidden())
             return;
+        // The room is the list's now.
+        _area->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Maximum);
+        _area->updateGeometry();
         _list->show();
         resize(screen()->availableSize() * 3 / 5);
     } else {

@@ -86,6 +86,7 @@ TEST(ErrorDialogTest, ScrollsWhereTheScreenEnds)
         EXPECT_EQ(dialog.findChild<QLabel*>()->text(), "300 errors:");
         EXPECT_EQ(list->blockCount(), 300);
         EXPECT_GT(list->verticalScrollBar()->maximum(), 0);
+        EXPECT_GT(list->height(), dialog.height() / 2);
         EXPECT_EQ(list->horizontalScrollBar()->maximum(), 0);
         dialog.accept();
     });

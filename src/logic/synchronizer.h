@@ -6,6 +6,7 @@
 
 #include "logic/support/Assert.h"
 
+#include <memory>
 #include <set>
 #include <vector>
 
@@ -62,11 +63,17 @@ private:
     T _data;
 };
 
-/// The record of one group and its members. Thread: GUI only.
+/// The record of one group and its members. It may be destroyed by what a notified member does,
+/// such as leaving as the last one, which ends the pass. Thread: GUI only.
 template <class T>
 class Synchronizer {
 public:
     using Observer = AbstractObserver<T>;
+
+    Synchronizer() = default;
+    Synchronizer(const Synchronizer&) = delete;
+    Synchronizer& operator=(const Synchronizer&) = delete;
+    ~Synchronizer() { *_alive = false; }
 
     const T& data() const { return _data; }
     bool enabled() const { return _enabled; }
@@ -100,7 +107,10 @@ private:
     {
         // A notified view may bring others to join or leave, hence the copy.
         const std::vector<Observer*> members(_observers.begin(), _observers.end());
+        const std::shared_ptr<const bool> alive = _alive;
         for (Observer* member : members) {
+            if (!*alive)
+                return;
             if (_observers.contains(member))
                 member->notify();
         }
@@ -109,4 +119,5 @@ private:
     T _data;
     std::set<Observer*> _observers;
     bool _enabled = true;
+    const std::shared_ptr<bool> _alive = std::make_shared<bool>(true);
 };

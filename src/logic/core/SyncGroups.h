@@ -8,6 +8,7 @@
 
 #include <map>
 #include <string>
+#include <vector>
 
 /// All groups of one record T by their sync id. A group exists as long as it has a member; its
 /// record goes with the last one. Thread: GUI only.
@@ -42,8 +43,13 @@ public:
         if (enabled == _enabled)
             return false;
         _enabled = enabled;
-        for (auto& [syncId, group] : _groups)
-            group.setEnabled(enabled);
+        // A member that is notified may leave, and its group go with it.
+        std::vector<std::string> syncIds;
+        for (const auto& [syncId, group] : _groups)
+            syncIds.push_back(syncId);
+        for (const std::string& syncId : syncIds)
+            if (const auto group = _groups.find(syncId); group != _groups.end())
+                group->second.setEnabled(enabled);
         return true;
     }
 

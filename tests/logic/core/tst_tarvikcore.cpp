@@ -27,8 +27,14 @@ public:
         : _core(core)
     {}
     ~View() override { _core.detach(*this); }
-    void virtualNotify() override { ++notified; }
+    void virtualNotify() override
+    {
+        ++notified;
+        if (leaves)
+            _core.detach(*this);
+    }
     int notified = 0;
+    bool leaves = false;  // its group when it is notified
 
 private:
     TarvikCore& _core;
@@ -90,6 +96,26 @@ void expectSwitch(void (TarvikCore::*slot)(bool), void (TarvikCore::*signal)(boo
     EXPECT_EQ(b.data(), record);
     ASSERT_EQ(spy.size(), 2);
     EXPECT_TRUE(spy[1][0].toBool());
+}
+
+TEST(TarvikCore, GroupMayEndWhileItIsSwitchedOn)
+{
+    TarvikCore core;
+    View<PeakData> only(core), other(core);
+    core.synchronizePeaksSlot(false);
+    core.attach(only, "x");
+    core.attach(other, "y");
+    {
+        View<PeakData> former(core), formerOther(core);
+        core.attach(former, "x");
+        core.attach(formerOther, "y");
+        former.spread(peaks(5));
+        formerOther.spread(peaks(6));
+    }
+    only.leaves = true;
+    core.synchronizePeaksSlot(true);
+    EXPECT_EQ(only.notified, 1);
+    EXPECT_EQ(other.data().numberOfPeaks, 6) << "the groups after it are not left out";
 }
 
 TEST(TarvikCore, EachKindOfRecordHasItsSwitch)

@@ -9,6 +9,7 @@
 
 #include <functional>
 #include <limits>
+#include <optional>
 
 namespace {
 
@@ -104,6 +105,24 @@ TEST_F(Group, MemberThatLeavesDuringAPassIsLeftAlone)
     c.answer = [this] { group.detach(b); };
     a.spread(at(5));
     EXPECT_EQ(b.notified + c.notified, 1);
+}
+
+TEST(GroupThatEnds, NotifiesNobodyFurther)
+{
+    using Synchronizer = Synchronizer<ViewportData>;
+    View members[3];
+    // In the set's order: the second one's answer ends the group, and another one that takes its
+    // place in memory has the third one as a member.
+    std::optional<Synchronizer> group(std::in_place);
+    for (View& view : members)
+        view.join(*group);
+    members[1].answer = [&] {
+        group.emplace();
+        group->attach(members[2]);
+    };
+    members[0].spread(at(5));
+    EXPECT_EQ(members[1].notified, 1);
+    EXPECT_EQ(members[2].notified, 0);
 }
 
 TEST(Observer, WithoutGroupSpreadsNothing)

@@ -6,13 +6,12 @@
 
 #include "logic/TarvikService.h"
 
-#include <QElapsedTimer>
-
 #include <algorithm>
-#include <chrono>
+#include <utility>
 
-AutoLoader::AutoLoader(TarvikService* service)
+AutoLoader::AutoLoader(TarvikService* service, std::unique_ptr<MovieClock> clock)
     : _service(service)
+    , _clock(std::move(clock))
 {}
 
 AutoLoader::~AutoLoader()
@@ -138,10 +137,9 @@ void AutoLoader::_updateIndices(bool answered)
 void AutoLoader::run()
 {
     while (const std::optional<int> step = _awaitNext()) {
-        QElapsedTimer timer;
-        timer.start();
+        const MovieClock::Time asked = _clock->now();
         const bool movie = _request(*step);
-        if (!_awaitAnswer() || (movie && !_pause(timer.elapsed())))
+        if (!_awaitAnswer() || (movie && !_pause(asked)))
             return;
     }
 }
@@ -150,7 +148,7 @@ std::optional<int> AutoLoader::_awaitNext()
 {
     std::unique_lock lock(_mutex);
     while (!_stop && _currentIndex >= _lastIndex)
-        _condition.wait(lock);
+        _clock->sleep(_condition, lock, MovieClock::never);
     if (_stop)
         return {};
     return std::min(_lastIndex - _currentIndex, _stepSize);
@@ -174,16 +172,16 @@ bool AutoLoader::_awaitAnswer()
 {
     std::unique_lock lock(_mutex);
     while (!_stop && !_update)
-        _condition.wait(lock);
+        _clock->sleep(_condition, lock, MovieClock::never);
     _update = false;
     return !_stop;
 }
 
-bool AutoLoader::_pause(qint64 elapsed)
+bool AutoLoader::_pause(MovieClock::Time asked)
 {
     std::unique_lock lock(_mutex);
-    const qint64 pause = std::max<qint64>(framePeriod - elapsed, minimumPause);
-    if (!_stop)
-        _condition.wait_for(lock, std::chrono::milliseconds(pause));
+    const MovieClock::Time end = std::max(asked + framePeriod, _clock->now() + minimumPause);
+    while (!_stop && _clock->now() < end)
+        _clock->sleep(_condition, lock, end);
     return !_stop;
 }

@@ -4,11 +4,14 @@
 // Keeps a view moving through its series without a hand.
 #pragma once
 
+#include "logic/service/MovieClock.h"
+
 #include <QMetaObject>
 #include <QThread>
 
 #include <array>
 #include <condition_variable>
+#include <memory>
 #include <mutex>
 #include <optional>
 
@@ -18,15 +21,16 @@ class TarvikService;
 /// when the service is to load, and sleeps in between.
 ///
 /// A movie goes on when the image before has been shown, after 200 ms and with a pause of 10 ms at
-/// least; at the end of the series it sleeps until the series grows. A frame that fails to load
-/// raises no error; it is asked for again when the series has been scanned. Thread: public calls
-/// and slots on the service's thread.
+/// least, which scans of the series do not end; at the end of the series it sleeps until the series
+/// grows. A request that ends without an image raises no error; it is made again when the series
+/// has been scanned. Thread: public calls and slots on the service's thread.
 class AutoLoader : public QThread {
     Q_OBJECT
 public:
     enum Mode { Movie = 0, WatchSeries = 1 };
 
-    explicit AutoLoader(TarvikService* service);
+    explicit AutoLoader(TarvikService* service,
+                        std::unique_ptr<MovieClock> clock = std::make_unique<MovieClock>());
     /// Stops, and waits for the thread.
     ~AutoLoader() override;
 
@@ -64,13 +68,14 @@ private:
     bool _request(int step);
     /// Waits until the request is answered. @returns false to stop
     bool _awaitAnswer();
-    /// The rest of a picture's time. @returns false to stop
-    bool _pause(qint64 elapsed);
+    /// The rest of the time of a picture that was asked for then. @returns false to stop
+    bool _pause(MovieClock::Time asked);
 
-    static constexpr int minimumPause = 10;  // ms
-    static constexpr int framePeriod = 200;  // ms
+    static constexpr std::chrono::milliseconds minimumPause{10};
+    static constexpr std::chrono::milliseconds framePeriod{200};
 
     TarvikService* const _service;
+    const std::unique_ptr<MovieClock> _clock;  // the thread's own
     std::array<QMetaObject::Connection, 3> _connections;
     int _session = 0;  // counts starts and stops
 

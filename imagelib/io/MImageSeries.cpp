@@ -86,6 +86,9 @@ auto naming(Place&& place, Operation&& operation)
 MImageSeries::MImageSeries(std::size_t memorySize)
     : _d(std::make_unique<Private>(memorySize))
 {}
+MImageSeries::MImageSeries(std::unique_ptr<Private> d)
+    : _d(std::move(d))
+{}
 MImageSeries::MImageSeries(MImageSeries&& other) noexcept = default;
 MImageSeries& MImageSeries::operator=(MImageSeries&& other) noexcept = default;
 MImageSeries::~MImageSeries() = default;
@@ -126,6 +129,15 @@ void MImageSeries::open(int memorySize)
     _d->series = std::make_unique<MemorySeries>(static_cast<std::size_t>(memorySize));
 }
 
+MImageSeries MImageSeries::beside() const
+{
+    auto other = std::make_unique<Private>(1);
+    other->stop = _d->stop;
+    return MImageSeries(std::move(other));
+}
+
+void MImageSeries::exchange(MImageSeries& other) noexcept { _d->series.swap(other._d->series); }
+
 void MImageSeries::pushBack(const MImage& image) { _d->series->pushBack(image); }
 MImage MImageSeries::at(std::size_t number) const
 {
@@ -137,6 +149,7 @@ bool MImageSeries::empty() const { return _d->series->empty(); }
 int MImageSeries::first() const { return empty() ? -1 : _d->series->first(); }
 int MImageSeries::last() const { return empty() ? -1 : _d->series->last(); }
 int MImageSeries::next(int number) const { return empty() ? -1 : _d->series->next(number); }
+int MImageSeries::previous(int number) const { return empty() ? -1 : _d->series->previous(number); }
 void MImageSeries::update()
 {
     const CancelScope scope(_d->stop.get_token());

@@ -47,6 +47,11 @@ public:
     /// Becomes an empty series in memory that keeps up to `memorySize` images, at least one.
     /// @throws MBadParameterException when it is negative
     void open(int memorySize);
+    /// An empty series that cancel() reaches together with this one: for a series that is to take
+    /// the place of this one when it has shown its worth.
+    MImageSeries beside() const;
+    /// Becomes the series that another one is, which becomes what this one was.
+    void exchange(MImageSeries& other) noexcept;
     /// Appends an image to a series in memory.
     /// @throws MRuntimeException when the series was opened from a file
     void pushBack(const MImage& image);
@@ -63,8 +68,10 @@ public:
     /// Lowest and highest number; -1 for an empty series.
     int first() const;
     int last() const;
-    /// Lowest number of the series above the given one, -1 when there is none: the way over gaps.
+    /// Lowest number of the series above the given one, and highest below it, -1 when there is
+    /// none: the way over gaps.
     int next(int number) const;
+    int previous(int number) const;
     /// The file that holds the image of a number, as an absolute path.
     /// @throws MRuntimeException for a series in memory, MOutOfRangeException for a number that the
     /// series can't have
@@ -81,9 +88,10 @@ public:
     std::string formatName() const;
 
 private:
+    class Private;
+    explicit MImageSeries(std::unique_ptr<Private> d);
     int _open(const ImagePath& path);
 
-    class Private;
     std::unique_ptr<Private> _d;
 };
 

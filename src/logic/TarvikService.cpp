@@ -33,6 +33,7 @@ TarvikService::TarvikServicePrivate::TarvikServicePrivate(TarvikCore& core, Tarv
     connect(&_imageLoader, &ImageLoader::newImage, &service, &TarvikService::_newImageSlot);
     connect(&_imageLoader, &ImageLoader::loadError, &service, &TarvikService::imageLoadErrorSignal);
     connect(&_imageLoader, &ImageLoader::waitingSignal, &service, &TarvikService::waitingSignal);
+    connect(&_imageLoader, &ImageLoader::notice, &service, &TarvikService::noticeSignal);
     connect(&_imageLoader, &ImageLoader::imageContainerChangedSignal, &service,
             &TarvikService::imageContainerChangedSignal);
     const auto open = qOverload<MImage>(&TarvikService::openImage);

@@ -168,12 +168,17 @@ public slots:
     /// Opens the series that a file belongs to at that file's image. The name is in the encoding
     /// of the file system, as QFile::encodeName makes it.
     void openImage(const char* fileName);
-    /// Goes to an image of the open series; without image nothing happens.
+    /// Goes to an image of the open series; without image nothing happens. Of requests by number,
+    /// steps included, one that has not begun when the next one comes is never read.
     void openImage(int imageIndex);
     /// Appends an image to a series in memory and shows it.
     void openImage(morvend::imglib::MImage image);
-    /// Goes n images forward, or back when negative; without image nothing happens.
-    /// @param signalLoadError false keeps a failed load quiet
+    /// Goes n images forward, or back when negative, from the number that was asked for last, as
+    /// long as that has not come, else from the image; without image nothing happens. Missing and
+    /// unreadable images are gone over, which noticeSignal() says, and the ends of the series are
+    /// not left. 0 loads the image anew.
+    /// @param signalLoadError false for a request that is made again by itself: no end of the
+    /// series is announced, and no image that its writer may be at
     void nextImage(int n = 1, bool signalLoadError = true);
     /// Goes to the last image of the series; without image nothing happens.
     void openLast(bool signalLoadError = true);
@@ -219,6 +224,9 @@ signals:
     void imageLoadErrorSignal(QString message);
     /// What the view has been waiting for, in words; empty when it waits no more.
     void waitingSignal(const QString& text);
+    /// A sentence to show for a while without a question: what a step has left out, or why it ended
+    /// without an image.
+    void noticeSignal(QString message);
     void headerChangedSignal();
     void newViewportSignal(ViewportData data);
     void newContrastSignal(ContrastData data);

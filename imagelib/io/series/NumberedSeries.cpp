@@ -5,6 +5,7 @@
 #include "imagelib/io/series/NumberedSeries.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include <unistd.h>
@@ -68,6 +69,13 @@ int NumberedSeries::next(int number) const
     if (number >= last())
         return -1;
     return lowerBound(_members, number + 1)->number;
+}
+
+int NumberedSeries::previous(int number) const
+{
+    if (number <= first())
+        return -1;
+    return std::prev(lowerBound(_members, number))->number;
 }
 
 MImage NumberedSeries::at(int number) const

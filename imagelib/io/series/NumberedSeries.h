@@ -25,6 +25,7 @@ public:
     int first() const override { return _members.front().number; }
     int last() const override { return _members.back().number; }
     int next(int number) const override;
+    int previous(int number) const override;
     MImage at(int number) const override;
     std::string pathToImage(int number) const override;
     void update() override;

@@ -11,6 +11,11 @@ namespace morvend::imglib {
 
 int Series::next(int number) const { return number >= last() ? -1 : std::max(number + 1, first()); }
 
+int Series::previous(int number) const
+{
+    return number <= first() ? -1 : std::min(number - 1, last());
+}
+
 void Series::pushBack(const MImage&)
 {
     throw MRuntimeException("A series of files takes no image from memory");

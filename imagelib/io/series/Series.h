@@ -22,6 +22,7 @@ public:
     virtual int last() const = 0;
     /// Without gaps, unless a kind knows better.
     virtual int next(int number) const;
+    virtual int previous(int number) const;
     virtual MImage at(int number) const = 0;
     virtual std::string pathToImage(int number) const = 0;
     virtual void update() {}

@@ -6,6 +6,7 @@
 
 #include "gui/kit/ErrorDialog.h"
 #include "gui/kit/QuietLine.h"
+#include "gui/kit/NoticeLine.h"
 #include "gui/mainwindow.h"
 #include "gui/render/ImageDrawerMain.h"
 #include "gui/window/DroppedFiles.h"
@@ -34,6 +35,7 @@ SubWindow::SubWindow(MainWindow& mainWindow, TarvikService* service, bool useGls
     connect(service, &TarvikService::newImageSignal, this, &SubWindow::_newImageSlot);
     connect(service, &TarvikService::imageLoadErrorSignal, this, &SubWindow::_errorSlot);
     connect(service, &TarvikService::waitingSignal, new QuietLine(_imageDrawer), &QuietLine::say);
+    connect(service, &TarvikService::noticeSignal, new NoticeLine(_imageDrawer), &NoticeLine::say);
     connect(this, &AbstractSubWindow::windowStateChanged, this, &SubWindow::_activate);
 }
 

@@ -21,7 +21,8 @@ class TarvikService;
 /// the service of the view, but lives and dies with it.
 ///
 /// Its slots copy a record of the service, change a field and hand it back. A load that fails ends
-/// in an error dialog; the image before stays. Thread: GUI only.
+/// in an error dialog; the image before stays. What a step leaves out is said in a line over the
+/// image. Thread: GUI only.
 class SubWindow : public AbstractSubWindow {
     Q_OBJECT
 public:

@@ -5,6 +5,7 @@
 #include "logic/loading/ImageLoader.h"
 
 #include "logic/ImageLoaderThread.h"
+#include "logic/support/Assert.h"
 
 #include <QFile>
 
@@ -46,6 +47,7 @@ ImageLoader::ImageLoader(QObject* parent)
     // Answers end what is said at once.
     connect(this, &ImageLoader::newImage, this, &ImageLoader::_look, Qt::QueuedConnection);
     connect(this, &ImageLoader::loadError, this, &ImageLoader::_look, Qt::QueuedConnection);
+    connect(this, &ImageLoader::notice, this, &ImageLoader::_look, Qt::QueuedConnection);
 }
 
 ImageLoader::~ImageLoader()
@@ -83,6 +85,7 @@ void ImageLoader::_supersede()
     }
     _leaveBehind();
     _context = std::move(context);
+    _latest.reset();
     _strand = Strand::create(WorkerPool::process());
 }
 
@@ -95,29 +98,57 @@ void ImageLoader::open(Task task, const Data& data, bool signalLoadError)
             _supersede();
         _sinceOpening.clear();
         _openedPath = data.path;
-    } else if (!_sinceOpening.empty() && !_context->queued(_sinceOpening.front().number)) {
-        _sinceOpening.clear();
     }
-    const Asked asked{task, data, signalLoadError, 0};
-    _post(asked);
+    _ask({task, data, signalLoadError});
 }
 
-void ImageLoader::_post(Asked asked)
+void ImageLoader::step(int n, const Data& data, bool signalLoadError)
 {
-    asked.number = _context->enter({_nameOf(asked.task, asked.data), asked.task != TaskPushImage});
-    const auto job = std::make_shared<ImageLoaderThread>(_context, asked.number, asked.task,
-                                                         asked.data, asked.signalLoadError);
+    assert(n != 0);
+    if (!_emptying)
+        _ask({TaskOpenIndex, data, signalLoadError, {n}, true});
+}
+
+void ImageLoader::_ask(const Request& request)
+{
+    const bool byNumber = request.task == TaskOpenIndex;
+    if (byNumber && !_openingWaits())
+        _sinceOpening.clear();
+    const auto latest = _latest.lock();
+    if (!byNumber || !latest || !latest->join(request))
+        _post(request);
+}
+
+bool ImageLoader::_openingWaits() const
+{
+    const auto first = _sinceOpening.empty() ? nullptr : _sinceOpening.front().lock();
+    return first && _context->queued(first->number());
+}
+
+void ImageLoader::_post(const Request& request)
+{
+    const unsigned int number =
+        _context->enter({_nameOf(request), request.task != TaskPushImage});
+    const auto job = std::make_shared<ImageLoaderThread>(_context, number, request);
     _strand->post([job] { job->run(); });
-    if (asked.task != TaskOpenIndex || !_sinceOpening.empty())
-        _sinceOpening.push_back(std::move(asked));
+    const bool byNumber = request.task == TaskOpenIndex;
+    _latest.reset();
+    if (byNumber)
+        _latest = job;
+    if (!byNumber || !_sinceOpening.empty())
+        _sinceOpening.push_back(job);
     if (!_watch.isActive())
         _watch.start(quietTime);
 }
 
-std::string ImageLoader::_nameOf(Task task, const Data& data)
+std::string ImageLoader::_nameOf(const Request& request)
 {
     const std::string file = _openedPath.empty() ? "the image" : _openedPath;
-    return task == TaskOpenIndex ? "image " + std::to_string(data.index) + " of " + file : file;
+    if (request.fromAsked)
+        return "another image of " + file;
+    return request.task == TaskOpenIndex
+               ? "image " + std::to_string(request.data.index) + " of " + file
+               : file;
 }
 
 void ImageLoader::_look()
@@ -134,11 +165,13 @@ void ImageLoader::_look()
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time).count();
     _say(time < plainTime ? QStringLiteral("Loading %1 ...").arg(what)
                           : QStringLiteral("Waiting for %1 for %2 s ...").arg(what).arg(seconds));
-    if (!_sinceOpening.empty() && _context->queued(_sinceOpening.front().number) &&
-        _context->hangs(patience)) {
-        const std::vector<Asked> again = std::exchange(_sinceOpening, {});
+    if (_openingWaits() && _context->hangs(patience)) {
+        std::vector<Request> again;
+        for (const auto& each : std::exchange(_sinceOpening, {}))
+            if (const auto job = each.lock())
+                again.push_back(job->request());
         _supersede();
-        for (const Asked& each : again)
+        for (const Request& each : again)
             _post(each);
     }
     _watch.start(time < plainTime ? quietTime / 2 : 1000ms - time % 1000ms);
@@ -155,6 +188,7 @@ void ImageLoader::dropTaskQueue() { ++_context->generation; }
 void ImageLoader::emptyTaskQueue()
 {
     _emptying = true;
+    _latest.reset();
     _strand->drop();
     _strand->waitForDone();
     _emptying = false;

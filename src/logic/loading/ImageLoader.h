@@ -18,8 +18,14 @@
 #include <memory>
 #include <vector>
 
+class ImageLoaderThread;
+
 /// Runs requests one at a time, in order, on the threads that all views share; each ends in a
-/// finished record or in loadError().
+/// finished record, in loadError(), or, for steps that lead nowhere, in notice().
+///
+/// Of requests for images of the open series that follow one another only the last one counts: one
+/// that waits yet is overtaken by the next and never read. Steps count from the number that was
+/// asked for last; when nothing is under way that is the number of the last record.
 ///
 /// The series belongs to the running job, as does the way to the preloader, which may hold the
 /// wanted image in memory already: only jobs open, read and scan it. What they leave for others,
@@ -36,6 +42,14 @@ public:
         TaskPushImage = 2    ///< append the record's image to a series in memory
     };
     using Data = LoaderData;
+    /// What is asked for.
+    struct Request {
+        Task task;
+        Data data;
+        bool signalLoadError;
+        std::vector<int> steps{};  ///< of TaskOpenIndex, from the record's index on
+        bool fromAsked = false;    ///< or from the number that was asked for last
+    };
 
     explicit ImageLoader(QObject* parent = nullptr);
     /// Waits for nothing: what is queued is dropped, a running job ends by itself without a trace.
@@ -46,6 +60,11 @@ public:
     /// what was asked for before it is dropped.
     /// @param signalLoadError false keeps a failure quiet
     void open(Task task, const Data& data, bool signalLoadError);
+    /// Queues a step of n images, not 0, over all that can't be shown and not beyond the ends of
+    /// the series.
+    /// @param signalLoadError false for a step that is made again by itself: at the end of the
+    /// series it is quiet
+    void step(int n, const Data& data, bool signalLoadError);
     /// Drops what is queued and waits for a running job, whose result still comes.
     void emptyTaskQueue();
     /// Drops what is queued and returns at once: nothing that was asked for before begins any more.
@@ -71,26 +90,23 @@ signals:
     /// The series was scanned.
     void imageContainerChangedSignal();
     void loadError(QString message);
+    /// What a step has left out, or why it leads nowhere.
+    void notice(QString message);
     // From the GUI thread.
     /// What the view has been waiting for, in words, within half a second and anew each second;
     /// empty when it waits no more.
     void waitingSignal(const QString& text);
 
 private:
-    /// A request as it came.
-    struct Asked {
-        Task task;
-        Data data;
-        bool signalLoadError;
-        unsigned int number;  // in the context
-    };
-
-    void _post(Asked asked);
+    void _ask(const Request& request);
+    void _post(const Request& request);
     /// What a request is for, for users.
-    std::string _nameOf(Task task, const Data& data);
+    std::string _nameOf(const Request& request);
     /// Looks how long the view has been waiting, and leaves a job behind that keeps others waiting.
     void _look();
     void _say(const QString& text);
+    /// Is the request of the last opening still waiting?
+    bool _openingWaits() const;
     void _leaveBehind();
     /// Goes on with the requests from the last opening on, without the job that hangs.
     void _supersede();
@@ -98,7 +114,9 @@ private:
     const std::shared_ptr<LoaderDesk> _desk;
     std::shared_ptr<LoaderContext> _context;
     std::shared_ptr<Strand> _strand;
-    std::vector<Asked> _sinceOpening;  // the requests from the last one that needs no open series
+    std::weak_ptr<ImageLoaderThread> _latest;  // may be joined while it waits
+    // The requests from the last one that needs no open series.
+    std::vector<std::weak_ptr<ImageLoaderThread>> _sinceOpening;
     std::string _openedPath;           // of the last opening
     std::atomic<bool> _emptying = false;
     QElapsedTimer _updateClock;

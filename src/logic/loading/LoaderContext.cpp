@@ -14,7 +14,10 @@ LoaderContext::LoaderContext(std::shared_ptr<LoaderDesk> desk, std::string comeB
     : series(ImageLoaderThread::pushedImages)
     , _desk(std::move(desk))
     , _comeBackTo(std::move(comeBackTo))
-{}
+{
+    const std::lock_guard lock(_desk->mutex);
+    asked = delivered = _comeBackTo.empty() ? -1 : _desk->delivered;
+}
 
 void LoaderContext::abandon()
 {
@@ -43,6 +46,7 @@ void LoaderContext::deliver(const LoaderData& record, const std::function<void()
         return;
     _noteBounds();
     _desk->results.push_back(record);
+    _desk->delivered = record.index;
     _desk->openedAs = _openedAs;
     emit _desk->loader->newImage();
     print();
@@ -56,6 +60,13 @@ void LoaderContext::fail(const QString& message, bool silent)
     _noteBounds();
     if (!silent)
         emit _desk->loader->loadError(message);
+}
+
+void LoaderContext::notice(const QString& message)
+{
+    const std::lock_guard lock(_desk->mutex);
+    if (_desk->current == this)
+        emit _desk->loader->notice(message);
 }
 
 void LoaderContext::scan()
@@ -105,6 +116,20 @@ void LoaderContext::_change(unsigned int number, Change&& change)
 void LoaderContext::begin(unsigned int number)
 {
     _change(number, [](Entry& entry) { entry.begun = Clock::now(); });
+}
+
+void LoaderContext::setWay(unsigned int number, int way)
+{
+    _change(number, [=](Entry& entry) { entry.request.way = way; });
+}
+
+bool LoaderContext::overtaken(unsigned int number, int way) const
+{
+    const std::lock_guard lock(_mutex);
+    return std::ranges::any_of(_requests, [=](const Entry& entry) {
+        return entry.number > number && !entry.request.what.empty() &&
+               (way == 0 || entry.request.way != way);
+    });
 }
 
 void LoaderContext::answer(unsigned int number)

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "imagelib/io/MImageSeries.h"
+#include "logic/loading/AwaitedImage.h"
 #include "logic/loading/LoaderData.h"
 #include "logic/loading/MaskFixup.h"
 #include "logic/loading/MaskThumbnails.h"
@@ -34,6 +35,7 @@ struct LoaderDesk {
     std::string openedAs;  // the path that the series of the last result was opened by, if any
     int firstIndex = -1;
     int lastIndex = -1;
+    int delivered = -1;  // number of the last record
 };
 
 /// An open series with what belongs to it, and the requests that wait for it. Jobs share it with
@@ -46,6 +48,7 @@ public:
     struct Request {
         std::string what;    ///< what is loaded, for users; empty for a scan
         bool reads = false;  ///< from files, which may not answer
+        int way = 0;         ///< 1 or -1 for steps from the number asked for last, all that way
     };
     struct Waiting {
         std::string what;
@@ -70,6 +73,8 @@ public:
     void deliver(const LoaderData& record, const std::function<void()>& print);
     /// The same for a failure. @param silent  without a signal
     void fail(const QString& message, bool silent);
+    /// Sends a sentence to be shown for a while.
+    void notice(const QString& message);
     /// Looks for new images.
     void scan();
 
@@ -77,12 +82,18 @@ public:
     MaskFixup maskFixup;
     MaskThumbnails maskThumbnails;
     PreloaderClient preloader;
-    bool headerKnown = false;  // does the preloader's client have the header of the open series?
+    int asked;      // number of the request by number that began last
+    int delivered;  // number of the last record
+    AwaitedImage awaited;
 
     // Of any thread.
     /// Notes a request from its making to its end. @returns its number
     unsigned int enter(Request request);
     void begin(unsigned int number);
+    /// The steps of a request that waits have become others.
+    void setWay(unsigned int number, int way);
+    /// Has something been asked for after a request, other than steps of that way?
+    bool overtaken(unsigned int number, int way) const;
     /// The view knows the result, or that there is none.
     void answer(unsigned int number);
     void leave(unsigned int number);

@@ -4,36 +4,31 @@
 // Requests for images: open, next, last, scan and watch.
 #include "logic/service/TarvikServicePrivate.h"
 
-#include <QFile>
-
-#include <algorithm>
-#include <limits>
-
-void TarvikService::TarvikServicePrivate::open(ImageLoader::Task task, ImageLoader::Data request,
-                                               bool signalLoadError)
+ImageLoader::Data TarvikService::TarvikServicePrivate::request() const
 {
+    ImageLoader::Data request;
     request.contrastData = _contrast.value();
     request.viewportData = _viewport.value();
     request.statisticsData = _statisticsRecord.value();
     request.peakData = _peaks.value();
-    _imageLoader.open(task, request, signalLoadError);
+    return request;
 }
 
 void TarvikService::TarvikServicePrivate::openIndex(int index, bool signalLoadError)
 {
     if (_image.empty())
         return;
-    ImageLoader::Data request;
+    ImageLoader::Data request = this->request();
     request.index = index;
-    open(ImageLoader::TaskOpenIndex, request, signalLoadError);
+    _imageLoader.open(ImageLoader::TaskOpenIndex, request, signalLoadError);
 }
 
 void TarvikService::openImage(const char* fileName)
 {
     _d->_loadClock.restart();
-    ImageLoader::Data request;
+    ImageLoader::Data request = _d->request();
     request.path = fileName;
-    _d->open(ImageLoader::TaskOpenSeries, request, true);
+    _d->_imageLoader.open(ImageLoader::TaskOpenSeries, request, true);
 }
 
 void TarvikService::openImage(int imageIndex)
@@ -45,19 +40,18 @@ void TarvikService::openImage(int imageIndex)
 void TarvikService::openImage(morvend::imglib::MImage image)
 {
     _d->_loadClock.restart();
-    ImageLoader::Data request;
+    ImageLoader::Data request = _d->request();
     request.image = std::move(image);
-    _d->open(ImageLoader::TaskPushImage, request, true);
+    _d->_imageLoader.open(ImageLoader::TaskPushImage, request, true);
 }
 
 void TarvikService::nextImage(int n, bool signalLoadError)
 {
     _d->_loadClock.restart();
-    // Held within what a number can be: beyond the series it fails as any other.
-    using Limits = std::numeric_limits<int>;
-    const long long index = static_cast<long long>(_d->_imageIndex) + n;
-    _d->openIndex(static_cast<int>(std::clamp<long long>(index, Limits::min(), Limits::max())),
-                  signalLoadError);
+    if (n == 0)
+        return _d->openIndex(_d->_imageIndex, signalLoadError);
+    if (imageLoaded())
+        _d->_imageLoader.step(n, _d->request(), signalLoadError);
 }
 
 void TarvikService::openLast(bool signalLoadError)

@@ -22,8 +22,8 @@ public:
     /// Ends what works by itself. The first step of destruction, as long as the service is whole.
     void end();
 
-    /// Hands a request to the loader, with the view's records.
-    void open(ImageLoader::Task task, ImageLoader::Data request, bool signalLoadError);
+    /// A request with the view's records.
+    ImageLoader::Data request() const;
     /// Goes to an image of the open series; without image nothing happens.
     void openIndex(int index, bool signalLoadError);
 

@@ -4,6 +4,7 @@
 // What a view must show, as a simple model of it.
 #pragma once
 
+#include <algorithm>
 #include <deque>
 #include <functional>
 #include <map>
@@ -87,9 +88,21 @@ public:
         }
         return true;
     }
+    /// Goes n images on. @returns false when there is none
+    bool step(int n)
+    {
+        if (n == 0)
+            return show(index);
+        const auto& pictures = series.pictures;
+        const int wanted = std::clamp(index + n, pictures.begin()->first, series.last);
+        auto found = pictures.lower_bound(wanted);
+        if (n < 0 && (found == pictures.end() || found->first > wanted))
+            --found;  // the first one is not beyond
+        return found != pictures.end() && found->first != index && show(found->first);
+    }
     bool openFile(const SeriesModel& files, int number)
     {
-        if (!files.paths.contains(number))
+        if (!files.paths.contains(number) || !files.at(number))
             return false;
         series = files;
         return show(number);

@@ -4,11 +4,17 @@
 // Series that grow while other programs write them.
 #include "logic/service/ContainerWatch.h"
 #include "tests/logic/service/ServiceTest.h"
+#include "tests/support/EdfText.h"
 #include "tests/support/SourcePath.h"
 #include "tests/support/TempFolder.h"
 #include "tests/support/WaitFor.h"
 
 #include <QProcess>
+
+#include <fstream>
+#include <sstream>
+
+#include <sys/stat.h>
 
 namespace {
 
@@ -56,6 +62,35 @@ TEST_F(Growth, IsNoticedAndLocksNoWriterOut)
     writer.closeWriteChannel();
     EXPECT_TRUE(writer.waitForFinished(Patience) && writer.exitCode() == 0)
         << "the writer has failed";
+}
+
+/// Does the system notify this process of changes in a folder?
+bool isWatched(const TempFolder& folder)
+{
+    struct stat state {};
+    EXPECT_EQ(::stat(folder.path().c_str(), &state), 0);
+    const std::string wanted = (std::ostringstream() << " ino:" << std::hex << state.st_ino).str();
+    std::error_code gone;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fdinfo", gone)) {
+        std::ifstream file(entry.path());
+        for (std::string line; std::getline(file, line);)
+            if (line.starts_with("inotify") && line.find(wanted + ' ') != std::string::npos)
+                return true;
+    }
+    return false;
+}
+
+TEST_F(Growth, IsLookedForWhereTheImageIs)
+{
+    const TempFolder first, second;
+    const std::string frame = edfFrame({1});
+    TarvikService* view = newView();
+    view->openImage(first.write("a_1.edf", frame).c_str());
+    arrive(view);
+    view->watchImageContainer(true);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return isWatched(first); }, Patience));
+    view->openImage(second.write("b_1.edf", frame).c_str());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return isWatched(second) && !isWatched(first); }, Patience));
 }
 
 TEST(ContainerWatch, PollsWhereNobodyNotifies)

@@ -6,6 +6,8 @@
 #include "tests/support/EdfFile.h"
 #include "tests/support/WaitFor.h"
 
+#include <algorithm>
+#include <functional>
 #include <limits>
 
 namespace {
@@ -115,13 +117,37 @@ TEST_F(Opening, StepsThroughImagesInMemory)
     expectShown(1);
     view->nextImage(1);
     expectShown(2);
-    QSignalSpy errors(view, &TarvikService::imageLoadErrorSignal);
-    for (const int step : {1, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()}) {
-        errors.clear();
+    view->nextImage(0);
+    expectShown(2);
+    QSignalSpy notices(view, &TarvikService::noticeSignal);
+    for (const int step : {1, std::numeric_limits<int>::max()}) {
+        notices.clear();
         view->nextImage(step);
-        EXPECT_TRUE(errors.wait(Patience)) << step;
+        EXPECT_TRUE(notices.wait(Patience)) << step;
         EXPECT_EQ(view->imageIndex(), 2) << step;
     }
+    view->nextImage(std::numeric_limits<int>::min());
+    expectShown(0);
+}
+
+TEST_F(Opening, StepsInQuickSuccessionAllCount)
+{
+    const TempFolder folder;
+    for (int i = 1; i <= 30; ++i)
+        writeEdf(folder, "x_" + std::to_string(i) + ".edf", 1, {i});
+    view->openImage((folder / "x_2.edf").c_str());
+    arrive(view);
+    std::vector<int> shown;
+    QObject::connect(view, &TarvikService::newImageSignal, view,
+                     [&] { shown.push_back(view->imageIndex()); });
+    for (int i = 0; i < 20; ++i)
+        view->nextImage();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return view->imageIndex() == 22; }, Patience));
+    EXPECT_EQ(std::adjacent_find(shown.begin(), shown.end(), std::greater_equal()), shown.end())
+        << "no image came twice";
+    view->nextImage(-2);
+    arrive(view);
+    EXPECT_EQ(view->imageIndex(), 20);
 }
 
 TEST_F(Opening, StepOntoABrokenOrMissingFrameSaysWhichFileAndWhyAndSteppingGoesOn)

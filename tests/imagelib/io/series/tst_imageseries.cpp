@@ -6,6 +6,8 @@
 #include "tests/imagelib/io/FileCases.h"
 #include "tests/support/EdfText.h"
 
+#include <limits>
+
 namespace tarvik::tests {
 namespace {
 
@@ -17,6 +19,13 @@ int valueAt(const MImageSeries& series, std::size_t number)
 /// Each number with its value, as "1:7 2:8".
 std::string shown(const MImageSeries& series)
 {
+    std::vector<int> forward, backward;
+    for (int number = series.next(-1); number >= 0; number = series.next(number))
+        forward.push_back(number);
+    constexpr int most = std::numeric_limits<int>::max();
+    for (int number = series.previous(most); number >= 0; number = series.previous(number))
+        backward.insert(backward.begin(), number);
+    EXPECT_EQ(forward, backward);
     std::string all;
     for (int number = series.first(); number >= 0; number = series.next(number))
         all += (all.empty() ? "" : " ") + std::to_string(number) + ':' +

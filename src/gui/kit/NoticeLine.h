@@ -1,0 +1,35 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// A sentence over a view that goes by itself.
+#pragma once
+
+#include <QLabel>
+#include <QTimer>
+
+#include <chrono>
+
+/// Lies over the upper edge of its parent, as wide as that and as high as its text, while it has
+/// something to say. Takes neither focus nor mouse. Thread: GUI only.
+class NoticeLine : public QLabel {
+    Q_OBJECT
+public:
+    static constexpr std::chrono::milliseconds usualTime{6000};
+
+    explicit NoticeLine(QWidget* parent, std::chrono::milliseconds time = usualTime);
+    /// What was said last.
+    const QString& message() const { return _message; }
+
+public slots:
+    /// Shows a plain text for a while, in the place of the one before.
+    void say(const QString& message);
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void _place();
+
+    QString _message;
+    QTimer _end;
+};

@@ -7,6 +7,7 @@
 #include "logic/support/Console.h"
 
 #include <chrono>
+#include <utility>
 
 using morvend::imglib::MImage;
 using morvend::imglib::MMessageQueue;
@@ -68,6 +69,18 @@ void PreloaderService::_answer(Peer peer, const PreloaderCache::Key& key)
         _queue.sendTo(peer, preloader::pack(false));
         return;
     }
-    _queue.sendTo(peer, preloader::pack(true));
+    const bool sameTree = _leaveOutTree(peer, image);
+    _queue.sendTo(peer, sameTree ? preloader::packHitOfSameTree() : preloader::pack(true));
     _queue.sendTo(peer, image);
+}
+
+bool PreloaderService::_leaveOutTree(Peer peer, MImage& image)
+{
+    const auto& header = std::as_const(image).optionalData();
+    if (std::exchange(_treePeer, peer) == peer && header.sharesNexusTree(_tree)) {
+        image.optionalData().setNexusTree({});
+        return true;
+    }
+    _tree.shareNexusTree(header);
+    return false;
 }

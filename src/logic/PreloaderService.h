@@ -29,9 +29,13 @@ private:
 
     void _serve(Peer peer);
     void _answer(Peer peer, const PreloaderCache::Key& key);
+    /// Takes the metadata tree out of an image, if it is the one that the peer was sent last.
+    bool _leaveOutTree(Peer peer, morvend::imglib::MImage& image);
 
     morvend::imglib::MMessageQueue _queue;
     PreloaderCache _cache;
     Preloader _preloader;
+    Peer _treePeer = morvend::imglib::MMessageQueue::NoPeer;
+    morvend::imglib::MBasicImageOptionalData<> _tree;  // of the last image, nothing else
     std::atomic<bool> _stop = false;
 };

@@ -53,9 +53,7 @@ public:
         origin.path = _series.pathToImage(index);
         origin.stamp = FileStamp(origin.path);
         const morvend::image::PixelSource::Scope scope(*SegmentPool::process());
-        MImage image = _series[index];
-        image.optionalData().setNexusTree({});  // the client has it
-        return image;
+        return _series[index];
     }
 
     /// The number itself, or the next one of the series where its known images leave a gap.

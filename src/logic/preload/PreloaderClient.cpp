@@ -8,6 +8,7 @@
 #include "logic/preload/PreloaderMessages.h"
 #include "logic/support/Console.h"
 
+#include <algorithm>
 #include <mutex>
 
 #include <unistd.h>
@@ -34,6 +35,46 @@ MMessageQueue& queue()
 {
     static MMessageQueue& queue = *new MMessageQueue(PreloaderClient::messageQueueId().c_str());
     return queue;
+}
+
+bool equalTrees(const PreloaderClient::Header& left, const PreloaderClient::Header& right)
+{
+    const auto& a = left.nexusTree().nodes();
+    const auto& b = right.nexusTree().nodes();
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](const auto& x, const auto& y) {
+        return x.first == y.first && x.second.value == y.second.value &&
+               x.second.attributes == y.second.attributes;
+    });
+}
+
+/// The metadata tree of the last image that came, whoever asked: those that follow only tell when
+/// theirs is another one.
+class LastTree {
+public:
+    /// Gives an image its tree, by reference to that of `known` if it is equal.
+    void complete(MImage& image, MMessageQueue::Peer peer, bool same,
+                  const PreloaderClient::Header& known)
+    {
+        PreloaderClient::Header& header = image.optionalData();
+        if (same && peer != _peer)
+            throw morvend::MRuntimeException("it names a metadata tree that it has not sent");
+        _peer = peer;
+        if (!same)
+            _tree.shareNexusTree(header);
+        if (!_tree.sharesNexusTree(known) && equalTrees(_tree, known))
+            _tree.shareNexusTree(known);
+        header.shareNexusTree(_tree);
+    }
+
+private:
+    MMessageQueue::Peer _peer = MMessageQueue::NoPeer;
+    PreloaderClient::Header _tree;  // nothing else
+};
+
+LastTree& lastTree()
+{
+    static LastTree tree;
+    return tree;
 }
 
 }  // namespace
@@ -65,14 +106,11 @@ bool PreloaderClient::get(MImage& image, unsigned long index, const std::string&
     MImage received;
     if (!_receive(received, index))
         return false;
-    Header header = _defaultHeader;
-    std::as_const(received).optionalData().override(header);
-    received.setOptionalData(header);
     image = std::move(received);
     return true;
 }
 
-bool PreloaderClient::_receive(MImage& image, unsigned long index)
+bool PreloaderClient::_receive(MImage& image, unsigned long index) const
 {
     const std::lock_guard lock(traffic());
     const MMessageQueue::Peer peer = queue().peer();
@@ -80,10 +118,14 @@ bool PreloaderClient::_receive(MImage& image, unsigned long index)
         return false;
     try {
         queue().sendTo(peer, preloader::pack(preloader::GET, index, _path));
+        const std::string reply = queue().receiveFrom(peer, longestWait);
         bool hit = false;
-        preloader::unpack(preloader::checkedReply(queue().receiveFrom(peer, longestWait)), hit);
-        if (hit)
+        preloader::unpack(preloader::checkedReply(reply), hit);
+        const bool sameTree = preloader::hasSameTree(reply);
+        if (hit) {
             queue().receiveFrom(peer, image, longestWait);
+            lastTree().complete(image, peer, sameTree, _defaultHeader);
+        }
         return hit;
     } catch (const morvend::MPeerGoneException&) {
         // Killed; its successor is asked next time.

@@ -25,20 +25,21 @@ public:
     /// Lets the preloader read ahead behind an image of the series that `path` leads to; from now
     /// on get() asks for images of that series.
     void put(unsigned long index, const std::string& path);
-    /// The image of a number if it has been read ahead; its header is the default one with the
-    /// image's own fields laid over. The preloader goes on behind it.
+    /// The image of a number if it has been read ahead, with exactly the header that its file
+    /// gives. The preloader goes on behind it.
     /// @param path another series from now on, unless empty
     /// @returns false on a miss, which leaves `image` as it is
     bool get(MImage& image, unsigned long index, const std::string& path = {});
 
-    /// What all images of the series share, such as the tree of metadata, which does not travel.
+    /// A header of the series that is at hand: its tree of metadata serves all images that have an
+    /// equal one.
     void setDefaultOptData(const Header& header) { _defaultHeader = header; }
     const Header& defaultOptData() const { return _defaultHeader; }
     /// Off, get() asks nobody, and the default header is cleared.
     void setEnabled(bool enabled);
 
 private:
-    bool _receive(MImage& image, unsigned long index);
+    bool _receive(MImage& image, unsigned long index) const;
 
     std::string _path;  // of the latest put(); empty before the first and when it failed
     bool _enabled = false;

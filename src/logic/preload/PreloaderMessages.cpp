@@ -40,6 +40,10 @@ void unpack(const std::string& data, Method& method, unsigned long& index, std::
 
 std::string pack(bool hit) { return std::string(1, hit ? '\1' : '\0'); }
 
+std::string packHitOfSameTree() { return std::string(1, '\2'); }
+
+bool hasSameTree(const std::string& data) { return data[0] == '\2'; }
+
 const std::string& checkedReply(const std::string& data)
 {
     if (data.empty())

@@ -15,7 +15,9 @@
 /// | 4 | 8 | index |
 /// | 12 | rest | bytes of the path |
 ///
-/// A GET is answered by one byte, 1 for a hit or 0 for a miss, and after a hit by an image.
+/// A GET is answered by one byte, 0 for a miss, 1 for a hit, and after a hit by an image. A hit may
+/// be 2 instead: the image comes without its metadata tree, which is that of the last image on this
+/// connection.
 namespace preloader {
 
 enum Method : std::uint32_t {
@@ -30,6 +32,9 @@ const std::string& checkedRequest(const std::string& data);
 void unpack(const std::string& data, Method& method, unsigned long& index, std::string& path);
 
 std::string pack(bool hit);
+/// A hit whose image has the tree of the one before.
+std::string packHitOfSameTree();
+bool hasSameTree(const std::string& data);
 /// As checkedRequest().
 const std::string& checkedReply(const std::string& data);
 /// Asserts that the byte is there.

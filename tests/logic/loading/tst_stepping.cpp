@@ -6,9 +6,9 @@
 #include "logic/ImageLoaderThread.h"
 #include "logic/loading/Steps.h"
 #include "tests/support/EdfFile.h"
+#include "tests/support/WaitFor.h"
 
 #include <QSemaphore>
-#include <QTest>
 
 #include <gmock/gmock.h>
 
@@ -155,7 +155,7 @@ protected:
     /// Waits until nothing is under way and returns the numbers that came.
     std::vector<int> numbers()
     {
-        EXPECT_TRUE(QTest::qWaitFor([&] { return !loader.loading(); }, 60'000));
+        EXPECT_TRUE(waitFor([&] { return !loader.loading(); }));
         QCoreApplication::processEvents();
         std::list<ImageLoader::Data> records;
         loader.results(records);
@@ -328,6 +328,24 @@ TEST_F(Stepping, ImageThatIsNotThereYetIsAskedForAgainInSilence)
     write(3);
     step(1, false);
     EXPECT_THAT(numbers(), ElementsAre(3));
+    EXPECT_THAT(errors, IsEmpty());
+}
+
+TEST_F(Stepping, ImageThatStaysUnreadableIsSaidOnce)
+{
+    writeAll(1, 2);
+    cut(3);
+    open(path(2));
+    const auto saidAfterAStep = [&] {
+        step(1, false);
+        numbers();
+        return !notices.empty();
+    };
+    EXPECT_TRUE(waitFor(saidAfterAStep));
+    for (int i = 0; i < 3; ++i)
+        saidAfterAStep();
+    EXPECT_THAT(notices, ElementsAre(testing::StartsWith("There is nothing to show after image 2: "
+                                                         "image 3 can't be read: ")));
     EXPECT_THAT(errors, IsEmpty());
 }
 

@@ -106,9 +106,12 @@ TEST(PreloaderMessages, AreBytesInTheOrderOfTheMachine)
     EXPECT_EQ(path, "/a b");
     EXPECT_EQ(preloader::pack(true), std::string("\1"));
     EXPECT_EQ(preloader::pack(false), std::string("\0", 1));
-    bool hit = false;
-    preloader::unpack(std::string("\1x", 2), hit);
-    EXPECT_TRUE(hit);
+    for (const std::string& reply : {std::string("\1x", 2), preloader::packHitOfSameTree()}) {
+        bool hit = false;
+        preloader::unpack(reply, hit);
+        EXPECT_TRUE(hit);
+        EXPECT_EQ(preloader::hasSameTree(reply), reply[0] == 2);
+    }
     EXPECT_EQ(preloader::checkedRequest(put.substr(0, 12)).size(), 12U);
     EXPECT_THROW(preloader::checkedRequest(put.substr(0, 11)), morvend::MException);
     EXPECT_THROW(preloader::checkedReply(""), morvend::MException);

@@ -7,7 +7,6 @@
 #include "logic/preload/PreloaderClient.h"
 #include "logic/preload/PreloaderProcess.h"
 #include "tests/support/EdfFile.h"
-#include "tests/support/EdfText.h"
 #include "tests/support/WaitFor.h"
 
 #include <gmock/gmock.h>
@@ -102,20 +101,12 @@ TEST_F(WithProcess, HandsOverWhatItHasReadAhead)
     client.put(1, folder / name(1));
     PreloaderClient::Header header;
     header.set_wavelength(0.9F);
-    header.set_imageDescription("default");
-    morvend::nexus::MBasicNeXusTree tree;
-    tree.setText("/entry/title", "kept");
-    header.setNexusTree(tree);
     client.setDefaultOptData(header);
     ASSERT_TRUE(connected());
     ASSERT_TRUE(hits(2));
     EXPECT_TRUE(shows(image, 2));
     EXPECT_TRUE(image.imageData().buffer()->readOnly()) << "the pixels are the preloader's";
-    const auto& merged = std::as_const(image).optionalData();
-    EXPECT_EQ(merged.wavelength().get_value_or(0), 0.9F);
-    EXPECT_EQ(merged.imageDescription().get_value_or(""), name(2))
-        << "the image's own fields count";
-    EXPECT_TRUE(merged.nexusTree().find("/entry/title"));
+    EXPECT_FALSE(std::as_const(image).optionalData().wavelength()) << "no other header counts";
     EXPECT_TRUE(hits(3));
 
     const MImage before = image;
@@ -243,34 +234,6 @@ TEST_F(WithLoader, StepsThroughKillsWithTheRightPixels)
         }
     }
     EXPECT_GE(StepTimes::now().hits, cached.hits + 4) << "read-ahead has come back";
-}
-
-TEST_F(WithLoader, HeaderOfTheSeriesBeforeDoesNotCount)
-{
-    const auto wavelength = [&] {
-        EXPECT_EQ(records.size(), 1U);
-        return std::as_const(records.front().image).optionalData().wavelength();
-    };
-    const std::string frame = tarvik::tests::edfFrame({1, 2});
-    std::string withWavelength = frame;
-    withWavelength.insert(2, "WaveLength = 1e-10 ;\n").erase(1022, 21);  // as many blanks
-    const std::string known = folder.write("known_1.edf", withWavelength);
-    const std::string broken = folder.write("y_1.edf", frame.substr(0, frame.size() - 4));
-    for (const char* file : {"y_2.edf", "y_3.edf", "y_4.edf", "y_5.edf"})
-        writeEdf(folder, file, side, std::vector<std::int32_t>(side * side, 1));
-    ASSERT_TRUE(connected());
-    load(ImageLoader::TaskOpenSeries, known, 1);
-    EXPECT_TRUE(wavelength());
-    load(ImageLoader::TaskOpenSeries, broken, 1);
-    ASSERT_EQ(errors, 1);
-    EXPECT_TRUE(readAhead(4)) << "the preloader reads ahead all the same";
-    const auto before = StepTimes::now();
-    for (const int index : {2, 3, 4}) {
-        load(ImageLoader::TaskOpenIndex, {}, index);
-        EXPECT_FALSE(wavelength()) << index;
-        EXPECT_EQ(records.front().path, folder / ("y_" + std::to_string(index) + ".edf"));
-    }
-    EXPECT_EQ(StepTimes::now().hits - before.hits, 2U);
 }
 
 TEST(WithoutProcess, EveryQuestionIsAMissAtOnce)

@@ -95,8 +95,7 @@ protected:
     /// Waits until an image is shown and the thread sleeps for a time.
     bool shows(int number)
     {
-        return QTest::qWaitFor([&] { return view->imageIndex() == number && clock->left(); },
-                               60'000);
+        return waitFor([&] { return view->imageIndex() == number && clock->left(); });
     }
 
     const TempFolder folder;

@@ -88,7 +88,7 @@ TEST_F(Growth, IsLookedForWhereTheImageIs)
     view->openImage(first.write("a_1.edf", frame).c_str());
     arrive(view);
     view->watchImageContainer(true);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return isWatched(first); }, Patience));
+    EXPECT_TRUE(waitFor([&] { return isWatched(first); }));
     view->openImage(second.write("b_1.edf", frame).c_str());
     EXPECT_TRUE(QTest::qWaitFor([&] { return isWatched(second) && !isWatched(first); }, Patience));
 }

@@ -142,7 +142,7 @@ TEST_F(Opening, StepsInQuickSuccessionAllCount)
                      [&] { shown.push_back(view->imageIndex()); });
     for (int i = 0; i < 20; ++i)
         view->nextImage();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return view->imageIndex() == 22; }, Patience));
+    EXPECT_TRUE(waitFor([&] { return view->imageIndex() == 22; }));
     EXPECT_EQ(std::adjacent_find(shown.begin(), shown.end(), std::greater_equal()), shown.end())
         << "no image came twice";
     view->nextImage(-2);

@@ -244,8 +244,7 @@ bool ImageLoaderThread::_search(Steps& steps)
             return false;
     }
     for (auto each = steps.beyond(first, reason); each; each = steps.beyond(*each, reason)) {
-        if (_context->abandoned() || _dropped() ||
-            _context->overtaken(_number, _way()))
+        if (_context->abandoned() || _dropped() || _context->overtaken(_number, _way()))
             return false;
         if (_canRead(*each, false, reason))
             return true;

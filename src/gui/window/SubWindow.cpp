@@ -5,8 +5,8 @@
 #include "gui/window/SubWindow.h"
 
 #include "gui/kit/ErrorDialog.h"
-#include "gui/kit/QuietLine.h"
 #include "gui/kit/NoticeLine.h"
+#include "gui/kit/QuietLine.h"
 #include "gui/mainwindow.h"
 #include "gui/render/ImageDrawerMain.h"
 #include "gui/window/DroppedFiles.h"

@@ -127,8 +127,7 @@ bool ImageLoader::_openingWaits() const
 
 void ImageLoader::_post(const Request& request)
 {
-    const unsigned int number =
-        _context->enter({_nameOf(request), request.task != TaskPushImage});
+    const unsigned int number = _context->enter({_nameOf(request), request.task != TaskPushImage});
     const auto job = std::make_shared<ImageLoaderThread>(_context, number, request);
     _strand->post([job] { job->run(); });
     const bool byNumber = request.task == TaskOpenIndex;

@@ -117,7 +117,7 @@ private:
     std::weak_ptr<ImageLoaderThread> _latest;  // may be joined while it waits
     // The requests from the last one that needs no open series.
     std::vector<std::weak_ptr<ImageLoaderThread>> _sinceOpening;
-    std::string _openedPath;           // of the last opening
+    std::string _openedPath;  // of the last opening
     std::atomic<bool> _emptying = false;
     QElapsedTimer _updateClock;
     QTimer _updateTimer;

@@ -112,6 +112,16 @@ private:
     std::span<const std::byte> _bytes;
 };
 
+/// Does another image begin after the first one of a compressed file, which has so many bytes?
+bool anotherFollows(const ByteSource& file, Packing packing, std::uint64_t first,
+                    const ByteSource::ImageNeed& need)
+{
+    const std::string packed = file.head(static_cast<std::size_t>(file.size()));
+    const std::string head = unpackHead(std::as_bytes(std::span(packed)), packing,
+                                        static_cast<std::size_t>(first) + ByteSource::HeadBytes);
+    return head.size() > first && need(std::string_view(head).substr(first)) != 0;
+}
+
 }  // namespace
 
 std::shared_ptr<const ByteSource> ByteSource::open(const std::string& path, const ImageNeed& need)
@@ -135,7 +145,15 @@ std::shared_ptr<const ByteSource> ByteSource::open(const std::string& path, cons
     }
     const std::uint64_t packed = std::min(file->size(), MostUnpacked);
     const std::uint64_t most = std::min(std::max(packed * BestRatio, needed), MostUnpacked);
-    Unpacked unpacked = unpack(*file, packing, most);
+    Unpacked unpacked = [&] {
+        try {
+            return unpack(*file, packing, most);
+        } catch (const MRuntimeException&) {
+            if (most >= AnyImage || !anotherFollows(*file, packing, needed, need))
+                throw;
+            return unpack(*file, packing, AnyImage);  // a series of images that are nearly empty
+        }
+    }();
     return fromMemory(path, std::move(unpacked.buffer), unpacked.size);
 }
 

@@ -24,7 +24,8 @@ namespace morvend::imglib {
 class ByteSource {
 public:
     /// Largest size of an unpacked file; one that unpacks to so many times its own size is a trap,
-    /// unless it stays below the size that its image needs.
+    /// unless it stays below the size that its image needs, or below AnyImage where a second image
+    /// follows the first one.
     static constexpr std::uint64_t MostUnpacked = std::uint64_t(4) << 30;
     static constexpr std::uint64_t BestRatio = 64;
     /// What an image needs whose size the head of its file does not tell.

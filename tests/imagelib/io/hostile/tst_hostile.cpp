@@ -4,6 +4,7 @@
 // Files that want to fill the memory, never end or lead astray; what CBF, TIFF and EDF say of
 // damage is in the tests of the formats.
 #include "imagelib/io/MImageSeries.h"
+#include "imagelib/io/formats/base/ByteSource.h"
 #include "tests/imagelib/io/FileCases.h"
 #include "tests/imagelib/io/formats/tiff/TiffBuilder.h"
 #include "tests/support/Packed.h"
@@ -95,7 +96,12 @@ TEST(Hostile, FilesThatUnpackToMoreThanTheMachineHas)
                        &gzipPacked),
                   "unpack to more than 13", 400);
 
-    // An image may really be that empty.
+    // An image may really be that empty, and so may be each one of a series.
+    std::string frame = "{\nDim_1 = 1000 ;\nDim_2 = 500 ;\nDataType = Unsigned64 ;\n";
+    frame += std::string(510 - frame.size(), ' ') + "}\n" + std::string(4'000'000, '\0');
+    const std::string frames = gzipPacked(frame + frame + frame);
+    ASSERT_LT(frames.size() * ByteSource::BestRatio, frame.size());
+    expectReadable(folder.write("frames.edf.gz", frames));
     const std::string empty = "{\nDim_1 = 5000 ;\nDim_2 = 5400 ;\nDataType = Unsigned64 ;\n}\n" +
                               std::string(std::size_t(216'000'000), '\0');
     expectReadable(folder.write("empty.edf.gz", gzipPacked(empty)));

@@ -89,8 +89,10 @@ private:
         const Paths members = _browser.members(entry);
         Paths groups = {entry + "/data"};
         for (const std::string& name : members)
-            if (blockNumber(name) >= 0 || _browser.classOf(entry + "/" + name) == "NXdata")
-                groups.push_back(entry + "/" + name);
+            if (const std::string path = entry + "/" + name;
+                !isAuxiliary(path + "/data") &&
+                (blockNumber(name) >= 0 || _browser.classOf(path) == "NXdata"))
+                groups.push_back(path);
         groups.push_back(entry + "/measurement");
         for (const std::string& path : groups)
             if (_inDataGroup(entry, path, Claim::Guessed))

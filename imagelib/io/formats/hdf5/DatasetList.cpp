@@ -31,8 +31,10 @@ std::string typeOf(hid_t dataset)
         return "enum" + bits;
     case H5T_BITFIELD:
         return "bits" + bits;
-    default:
+    case H5T_INTEGER:
         return (H5Tget_sign(type.id()) == H5T_SGN_2 ? "int" : "uint") + bits;
+    default:
+        return {};
     }
 }
 
@@ -141,8 +143,9 @@ private:
         try {
             const auto found = _files.find(_browser.file(), dataset);
             if (found && found->isDataset()) {
-                const auto extents = datasetExtents(found->object.id());
-                row.shape.assign(extents->begin(), extents->end());
+                // A block may be empty, or no numbers at all.
+                if (const auto extents = datasetExtents(found->object.id()))
+                    row.shape.assign(extents->begin(), extents->end());
                 row.type = typeOf(found->object.id());
                 if (found->file->path() != here)
                     row.leadsTo = found->file->path() + "::" + found->path;

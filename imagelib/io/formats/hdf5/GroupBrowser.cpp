@@ -13,6 +13,7 @@
 #include <array>
 #include <cctype>
 #include <string_view>
+#include <utility>
 
 namespace morvend::imglib::hdf5 {
 
@@ -30,6 +31,14 @@ std::string lowerCase(std::string text)
     std::transform(text.begin(), text.end(), text.begin(),
                    [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
     return text;
+}
+
+/// The last two names of a path.
+std::pair<std::string_view, std::string_view> lastNames(std::string_view path)
+{
+    const std::size_t end = std::min(path.rfind('/'), path.size());
+    const std::string_view parents = path.substr(0, end);
+    return {parents.substr(parents.rfind('/') + 1), path.substr(std::min(end + 1, path.size()))};
 }
 
 }  // namespace
@@ -70,15 +79,23 @@ bool isAuxiliary(const std::string& path)
 {
     static constexpr std::array<std::string_view, 2> Groups{"/detectorspecific/",
                                                             "/detectormodule_"};
+    static constexpr std::array<std::string_view, 12> Fields{
+        "mask", "masks", "flat",      "flats",      "flatfield",   "flat_field",
+        "dark", "darks", "darkfield", "dark_field", "darkcurrent", "dark_current"};
     static constexpr std::array<std::string_view, 13> Names{
         "mask",   "flat",  "dark", "error",      "weight",   "lookup",    "table",
         "offset", "angle", "gain", "efficiency", "distance", "correction"};
     const std::string lower = lowerCase(path);
-    const std::string_view name = std::string_view(lower).substr(lower.rfind('/') + 1);
+    const auto [group, name] = lastNames(lower);
     const auto within = [](std::string_view text) {
         return [text](std::string_view part) { return text.find(part) != text.npos; };
     };
-    return std::ranges::any_of(Groups, within(lower)) || std::ranges::any_of(Names, within(name));
+    const auto atEnd = [](std::string_view text) {
+        return [text](std::string_view part) { return text.ends_with(part); };
+    };
+    // A group of a name such as "pixel_mask" holds it as "data".
+    return std::ranges::any_of(Groups, within(lower)) || std::ranges::any_of(Names, within(name)) ||
+           std::ranges::any_of(Fields, atEnd(group));
 }
 
 std::optional<Found> GroupBrowser::find(const std::string& path) const

@@ -335,6 +335,9 @@ def lost():
     put("lost_detector", {DETECTOR[:-1]: external("gone.h5", "detector")}, entry_of({}))
     del left["entry/data/positions"]
     put("mask_alone", left, entry_of({"instrument/detector": "NXdetector"}))
+    put("empty_blocks", {f"entry/data/data_{i:06}": h5py.Empty("f4") for i in (1, 2)})
+    put("mask_group", {"entry/pixel_mask/data": pattern(1)[0], "flatfield/data": pattern(2)},
+        [("entry", "NX_class", "NXentry"), ("entry/pixel_mask", "NX_class", "NXdata")])
     put("circle", {**left, DATA: h5py.SoftLink("/entry/data/x"),
                    "entry/data/x": h5py.SoftLink("/" + DATA)}, entry_of({}))
 

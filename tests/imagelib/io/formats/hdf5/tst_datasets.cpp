@@ -39,6 +39,7 @@ lost_group    | gone.h5 does not exist, to which the link /entry/plot leads
 lost_default  | gone.h5 does not exist, to which the link /entry/plot/eye leads
 lost_detector | gone.h5 does not exist, to which the link /entry/instrument/detector leads
 mask_alone    | no images, only tables such as /entry/instrument/detector/detectorSpecific/flatfield
+mask_group    | no images, only tables such as /entry/pixel_mask/data
 circle        | the links from /entry/data/data go in a circle
 )")) {
         const std::string failure = failureOf([&] { open(row.at(0) + ".h5"); });
@@ -121,6 +122,7 @@ TEST_F(Hdf5Datasets, TheListTellsWhatCanBeShown)
               " /entry/instrument/mca/data 9 512 float64 NXdetector\n"
               " /entry/mca/counts 9 512 float64 NXdata -> /entry/instrument/mca/data\n");
     EXPECT_EQ(listed("block_in_file.h5"), "*/entry/data 3 23 37 uint16  blocks 2\n");
+    EXPECT_EQ(listed("empty_blocks.h5"), " /entry/data float32  blocks 2\n");
     EXPECT_THAT(listed("lost_data.h5"), HasSubstr("*/entry/data/data  NXdata missing 1 -> one.h5::"
                                                   "/entry/data/data\n"));
     const TempFolder folder;

@@ -83,7 +83,9 @@ std::optional<double> NexusAxes::_width(const Axis& axis, std::size_t frame) con
         const std::vector<double> ends = numbersOf(end->value);
         const std::string units = textAttribute(*end, "units");
         const double endFactor = unitFactor(Quantity::Angle, units).value_or(factor);
-        return endFactor * *ofFrame(ends, frame) - factor * *ofFrame(values, frame);
+        // One end for all images is that of the scan.
+        if (ends.size() == values.size())
+            return endFactor * *ofFrame(ends, frame) - factor * *ofFrame(values, frame);
     }
     for (const char* suffix : {"_increment_set", "_range_average", "_increment"})
         if (const Node* width = _values.firstNumbers({axis.path + suffix})) {

@@ -145,6 +145,8 @@ TEST(NexusHeaderRotation, TheFirstAxisOfTheChainWhoseValuesDifferTurns)
     EXPECT_EQ(shown(headerOf(tree, 1)), "rotation_angle=11;rotation_angle_step=0.25;");
     put(tree, axes + "omega_end", {10.5, 11.5, 12.75});
     EXPECT_EQ(shown(headerOf(tree, 2)), "rotation_angle=12;rotation_angle_step=0.75;");
+    put(tree, axes + "omega_end", {12.75});
+    EXPECT_EQ(shown(headerOf(tree, 2)), "rotation_angle=12;rotation_angle_step=0.25;");
     // A chain that goes in a circle ends.
     tree.node(axes + "omega").attributes["depends_on"] = std::string("phi");
     EXPECT_EQ(*headerOf(tree, 1).rotation_angle(), 11);

@@ -78,6 +78,14 @@ std::string_view textAfter(std::string_view line, std::string_view lastWord)
     return rest == "(nil)" ? std::string_view() : rest;
 }
 
+/// Is a text a time with its unit, as in "Time: 0.5 s", and so no date?
+bool isDuration(std::string_view text)
+{
+    const Words words = wordsOf(text);
+    const auto time = quantityAt(words, 0, keyNamed("exposuretime").units);
+    return time && time->factor && time->words == words.size();
+}
+
 bool isBeam(const HeaderKey& key)
 {
     return key.item == HeaderItem::BeamX || key.item == HeaderItem::BeamY;
@@ -342,6 +350,8 @@ void HeaderValues::_addText(const HeaderKey& key, std::string_view text)
             _keep(key, HeaderItem::Detector, {.text = std::string(description)});
         if (!number.empty())
             _keep(key, HeaderItem::DetectorNumber, {.text = std::string(number)});
+    } else if (key.item == HeaderItem::Date && isDuration(text)) {
+        return;
     } else if (!text.empty() && text != "(nil)") {
         _keep(key, key.item, {.text = std::string(text)});
     }

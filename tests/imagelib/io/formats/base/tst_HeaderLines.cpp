@@ -116,6 +116,7 @@ Energy 12398.42\nthreshold energy = 6keV           | wavelength=1;threshold_ener
 X-ray wavelength: 1.5 Å                     | wavelength=1.5;
 wavelength 9.7e-11                                 | wavelength=0.97;
 DATE (scan begin): 2014-01-10 12:34:56             | data_collection_date=2014-01-10 12:34:56;
+Time: 0.5 s                                        |
 Start time: 12:34:56                               | data_collection_date=12:34:56;
 Date Mon Jan 10 12:34:56 2014                      | data_collection_date=Mon Jan 10 12:34:56 2014;
 Detector Large 6M, S/N: 5                          | description=Large 6M;detector_number=5;

@@ -14,14 +14,13 @@ namespace morvend::imglib {
 
 /// Which values of a pixel type are marks (docs/display.md): -1 gap and -2 defective, if no other
 /// value of the image is negative; as unsigned numbers of 32 and 64 bits these are the two largest;
-/// and the largest value of types that it does not fit as a count. The types bool and char have
-/// none.
+/// and the largest value of types that it does not fit as a count, beyond which floating ones have
+/// infinity, as of a division by a flat field of 0. The types bool and char have none.
 template <class T>
 struct GapRule {
     static constexpr bool plain = std::is_same_v<T, bool> || std::is_same_v<T, char>;
     static constexpr bool negatives = !plain && std::is_signed_v<T>;
-    static constexpr bool top =
-        !plain && std::is_integral_v<T> && (std::is_unsigned_v<T> || sizeof(T) >= 4);
+    static constexpr bool top = !plain && (std::is_unsigned_v<T> || sizeof(T) >= 4);
     static constexpr T largest = std::numeric_limits<T>::max();
     /// From here on values are marks.
     static constexpr T firstTop =

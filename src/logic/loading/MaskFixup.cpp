@@ -34,7 +34,7 @@ bool mayHoldMarks(const MImage& image, const ImageStatistics& statistics)
             if (upTo(negative) != 0)
                 return true;
         }
-        if constexpr (Rule::top && sizeof(T) == 8)
+        if constexpr (Rule::top && (sizeof(T) == 8 || !std::is_integral_v<T>))
             return statistics.maximum >= static_cast<double>(Rule::firstTop);
         else if constexpr (Rule::top)
             return upTo(Rule::firstTop - 1.0) != upTo(Rule::largest);

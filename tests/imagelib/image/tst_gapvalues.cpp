@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 #include <string>
 #include <vector>
@@ -48,6 +49,7 @@ TEST(GapMask, MarksValuesThatAreNoCounts)
     EXPECT_EQ(marksOf<unsigned long long>({0, ~0ULL - 1, ~0ULL}), "031");
     EXPECT_EQ(marksOf<float>({-1, 0.5F, -2, std::numeric_limits<float>::quiet_NaN()}), "1030");
     EXPECT_EQ(marksOf<double>({-1, -0.5, -2}), "");
+    EXPECT_EQ(marksOf<float>({-5, Max<float>, 1e38F, HUGE_VALF}), "0103");
     EXPECT_EQ(marksOf<char>({-1, 127}), "");
     EXPECT_EQ(marksOf<int>({0, 1, 2}), "");
 }

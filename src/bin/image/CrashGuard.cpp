@@ -32,13 +32,15 @@ void forward(int signal) { ::kill(static_cast<pid_t>(child), signal); }
 /// These end a program on purpose: the shell is to see that they did.
 constexpr int Deliberate[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE};
 
+constexpr int Forwarded[] = {SIGTERM, SIGHUP};
+
 /// A key that is pressed reaches the child by itself, a signal to this process alone does not.
 void leaveSignalsTo(pid_t pid)
 {
     child = pid;
     for (const int signal : {SIGINT, SIGQUIT, SIGPIPE})
         std::signal(signal, SIG_IGN);
-    for (const int signal : {SIGTERM, SIGHUP}) {
+    for (const int signal : Forwarded) {
         struct sigaction action = {};
         action.sa_handler = forward;
         action.sa_flags = SA_RESTART;
@@ -85,7 +87,16 @@ int CrashGuard::run(const std::function<int()>& work,
     sharedNote = memory == MAP_FAILED ? nullptr : static_cast<Note*>(memory);
     std::signal(SIGCHLD, SIG_DFL);
     const pid_t parent = ::getpid();
+    // A signal that comes when the child works already must find its way to it.
+    sigset_t forwarded, before;
+    sigemptyset(&forwarded);
+    for (const int signal : Forwarded)
+        sigaddset(&forwarded, signal);
+    ::sigprocmask(SIG_BLOCK, &forwarded, &before);
     const pid_t pid = ::fork();
+    if (pid > 0)
+        leaveSignalsTo(pid);
+    ::sigprocmask(SIG_SETMASK, &before, nullptr);
     if (pid < 0)
         return work();
     if (pid == 0) {
@@ -95,7 +106,6 @@ int CrashGuard::run(const std::function<int()>& work,
             std::_Exit(1);
         std::exit(work());
     }
-    leaveSignalsTo(pid);
     int status = 0;
     while (::waitpid(pid, &status, 0) < 0 && errno == EINTR) {
     }

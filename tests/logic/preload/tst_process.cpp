@@ -109,8 +109,9 @@ TEST_F(WithProcess, HandsOverWhatItHasReadAhead)
     EXPECT_FALSE(std::as_const(image).optionalData().wavelength()) << "no other header counts";
     EXPECT_TRUE(hits(3));
 
+    EXPECT_TRUE(waitFor([&] { return !client.get(image, 3); })) << "what was handed over goes";
     const MImage before = image;
-    EXPECT_FALSE(client.get(image, 3)) << "it has been handed over";
+    EXPECT_FALSE(client.get(image, 3));
     EXPECT_EQ(image.identity(), before.identity()) << "a miss leaves the image";
     EXPECT_FALSE(client.get(image, frames + 1));
     EXPECT_FALSE(client.get(image, 1, folder / "nothing.edf"));

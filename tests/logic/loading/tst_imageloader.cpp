@@ -16,6 +16,7 @@
 
 #include <gmock/gmock.h>
 
+#include <cmath>
 #include <csignal>
 #include <thread>
 
@@ -182,6 +183,13 @@ TEST_F(Loader, ValuesOfGapsAreMaskedWhereThereIsNoMask)
     static_cast<int*>(negative.data())[0] = -5;
     push(negative);
     EXPECT_TRUE(samePixels(finishOne().mask, MImage(300, 100, 0U))) << "counts, not marks";
+
+    MImage infinite(300, 100, 7.0F);
+    static_cast<float*>(infinite.data())[500] = HUGE_VALF;
+    push(infinite);
+    const auto finite = finishOne();
+    EXPECT_EQ(finite.mask.pixel<int>(200, 1, 0), 3);
+    EXPECT_EQ(finite.statistics->mean, 7);
 }
 
 TEST_F(Loader, KeepsTheOrderOfRequestsAndTheBoundsOfTheSeries)

@@ -7,13 +7,16 @@
 
 uniform Sampler textureImg;
 uniform usampler2D textureMask;
-// Screen pixel n of the quad shows pixel firstPixel + (remainder + n * pixelStep) / divisor of the
-// texture, in whole numbers that floats hold exactly: interpolated coordinates would leave it to
-// chance which pixel is shown where a centre lies on a border.
-uniform ivec2 firstPixel;
-uniform vec2 remainder;
+// Screen pixel n of the quad shows pixel floor((start + n * pixelStep) / divisor) after the first
+// one, in numbers that floats hold exactly; interpolated coordinates would leave it to chance which
+// pixel is shown where a centre lies on a border. The start ends in a half, which keeps quotients
+// farther from whole numbers than they can be off. The texture is read at the pixel's centre:
+// software renderers are slower at texelFetch.
+uniform vec2 firstCentre;
+uniform vec2 start;
 uniform float pixelStep;
 uniform float inverseDivisor;
+uniform vec2 inverseSize;
 uniform sampler1D linData;
 uniform sampler1D logData;
 uniform int logDataSize;
@@ -58,11 +61,10 @@ float tableCoordinate(Value i, out bool logarithmic)
 // worth saving: one into each, and none below a condition.
 void main()
 {
-    // The half keeps the quotient farther from whole numbers than it can be off.
-    vec2 steps = remainder + pixelStep * floor(f_texcoord) + 0.5;
-    ivec2 pixel = firstPixel + ivec2(steps * inverseDivisor);
-    Value i = texelFetch(textureImg, pixel, 0).r;
-    uint m = texelFetch(textureMask, pixel, 0).r;
+    vec2 pixel = floor((start + pixelStep * floor(f_texcoord)) * inverseDivisor);
+    vec2 centre = (firstCentre + pixel) * inverseSize;
+    Value i = texture(textureImg, centre).r;
+    uint m = texture(textureMask, centre).r;
 
     bool logarithmic;
     float x = tableCoordinate(i, logarithmic);

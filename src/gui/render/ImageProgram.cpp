@@ -8,8 +8,6 @@
 #include "logic/support/Assert.h"
 
 #include <QColor>
-#include <QOpenGLContext>
-#include <QOpenGLFunctions>
 
 namespace render {
 
@@ -78,13 +76,14 @@ void ImageProgram::setScene(const QMatrix4x4& transformation, const QMatrix4x4& 
     _program->setUniformValue(_glslSelectRegionMatrix, selectRegion);
 }
 
-void ImageProgram::setPixels(const ScreenPixels& screen, const QRect& target, QPoint origin)
+void ImageProgram::setPixels(const ScreenPixels& screen, const QRect& target, const QRect& tile)
 {
-    // Qt would set it as floats.
-    QOpenGLContext::currentContext()->functions()->glUniform2i(
-        _glslFirstPixel, screen.column(target.x()) - origin.x(),
-        screen.row(target.y()) - origin.y());
-    _program->setUniformValue(_glslRemainder, screen.remainder(target.topLeft()));
+    constexpr QPointF half(0.5, 0.5);
+    const QPoint first(screen.column(target.x()), screen.row(target.y()));
+    _program->setUniformValue(_glslFirstCentre, first - tile.topLeft() + half);
+    _program->setUniformValue(_glslStart, screen.remainder(target.topLeft()) + half);
+    _program->setUniformValue(_glslInverseSize, 1 / GLfloat(tile.width()),
+                              1 / GLfloat(tile.height()));
     _program->setUniformValue(_glslPixelStep, GLfloat(screen.step()));
     _program->setUniformValue(_glslInverseDivisor, 1 / GLfloat(screen.divisor()));
 }
@@ -96,10 +95,11 @@ void ImageProgram::_locate()
     _glslSelectRegionMatrix = _program->uniformLocation("selectRegionMatrix");
     _glslTextureImg = _program->uniformLocation("textureImg");
     _glslTextureMask = _program->uniformLocation("textureMask");
-    _glslFirstPixel = _program->uniformLocation("firstPixel");
-    _glslRemainder = _program->uniformLocation("remainder");
+    _glslFirstCentre = _program->uniformLocation("firstCentre");
+    _glslStart = _program->uniformLocation("start");
     _glslPixelStep = _program->uniformLocation("pixelStep");
     _glslInverseDivisor = _program->uniformLocation("inverseDivisor");
+    _glslInverseSize = _program->uniformLocation("inverseSize");
     _glslLogForeground = _program->uniformLocation("logForeground");
     _glslForeground = _program->uniformLocation("foreground");
     _glslBackground = _program->uniformLocation("background");
@@ -128,10 +128,11 @@ void ImageProgram::_locate()
 void ImageProgram::_assertFlatLocations() const
 {
     assert(_glslTextureMask != -1);
-    assert(_glslFirstPixel != -1);
-    assert(_glslRemainder != -1);
+    assert(_glslFirstCentre != -1);
+    assert(_glslStart != -1);
     assert(_glslPixelStep != -1);
     assert(_glslInverseDivisor != -1);
+    assert(_glslInverseSize != -1);
     assert(_glslLinData != -1);
     assert(_glslLogData != -1);
     assert(_glslLogDataSize != -1);

@@ -35,8 +35,8 @@ public:
     void setScene(const QMatrix4x4& transformation, const QMatrix4x4& selectRegion);
     /// Which pixels of the tile that is bound stand where, for the flat image.
     /// @param target  the screen pixels of the quad
-    /// @param origin  first pixel of the tile
-    void setPixels(const ScreenPixels& screen, const QRect& target, QPoint origin);
+    /// @param tile  in pixels of the image
+    void setPixels(const ScreenPixels& screen, const QRect& target, const QRect& tile);
     /// The attribute that takes the vertices, two floats each.
     int coord2d() const { return _glslCoord2d; }
 
@@ -52,10 +52,11 @@ private:
     int _glslSelectRegionMatrix = -1;
     int _glslTextureImg = -1;
     int _glslTextureMask = -1;
-    int _glslFirstPixel = -1;
-    int _glslRemainder = -1;
+    int _glslFirstCentre = -1;
+    int _glslStart = -1;
     int _glslPixelStep = -1;
     int _glslInverseDivisor = -1;
+    int _glslInverseSize = -1;
     int _glslLogForeground = -1;
     int _glslForeground = -1;
     int _glslBackground = -1;

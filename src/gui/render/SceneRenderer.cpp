@@ -102,7 +102,7 @@ void SceneRenderer::_drawFlat(ImageProgram& program, const ScreenPixels& screen)
         QMatrix4x4 quadToTarget;
         quadToTarget.scale(float(target.width()), float(target.height()));
         program.setScene(targetToClip, quadToTarget);
-        program.setPixels(screen, target, tile.topLeft());
+        program.setPixels(screen, target, tile);
         _drawElements(program, GL_TRIANGLES, static_cast<int>(quadIndices.size()), _quadVertices,
                       _quadIndices);
     }

@@ -4,13 +4,18 @@
 // The thread that reads ahead.
 #include "logic/preload/Preloader.h"
 
+#include "imagelib/image/PixelBuffer.h"
 #include "imagelib/io/MImageSeries.h"
 #include "imagelib/io/formats/base/ImagePath.h"
 #include "imagelib/ipc/SegmentPool.h"
 #include "logic/support/Console.h"
 #include "logic/support/FailureSummary.h"
 
+#include <algorithm>
+#include <limits>
 #include <system_error>
+
+#include <malloc.h>
 
 using morvend::imglib::FileStamp;
 using morvend::imglib::MImage;
@@ -22,6 +27,13 @@ namespace {
 void warn(const std::string& place, const std::exception& error)
 {
     console::warn("Preloader: Error opening " + place + "\n          " + error.what() + '\n');
+}
+
+void giveBack()
+{
+    SegmentPool::process()->trim();
+    morvend::image::PixelBuffer::trimPool();
+    ::malloc_trim(0);
 }
 
 }  // namespace
@@ -63,6 +75,15 @@ public:
         if (index == 0 || last < 0 || index > static_cast<unsigned long>(last))
             return index;
         return static_cast<unsigned long>(_series.next(static_cast<int>(index - 1)));
+    }
+
+    /// The number of the image in front, -1 at the beginning.
+    int before(int index) const { return _series.previous(index); }
+
+    void close()
+    {
+        _series.open(0);
+        _path.clear();
     }
 
     /// The series had no further image: it may have grown when it is asked for again.
@@ -108,8 +129,20 @@ Preloader::~Preloader()
 void Preloader::run(const Key& key)
 {
     const std::lock_guard lock(_mutex);
-    if (key == _wanted)
-        return;
+    if (key != _wanted)
+        _wish(key);
+}
+
+void Preloader::forget(const std::string& path)
+{
+    const std::lock_guard lock(_mutex);
+    if (path == std::get<0>(_wanted))
+        _wish({});
+}
+
+void Preloader::_wish(const Key& key)
+{
+    _back = std::get<0>(key) == std::get<0>(_wanted) && key < _wanted;
     _wanted = key;
     _request = true;
     _condition.notify_all();
@@ -121,7 +154,7 @@ void Preloader::waitUntilIdle()
     _condition.wait(lock, [this] { return _idle && !_request; });
 }
 
-bool Preloader::_nextRequest(Key& key)
+bool Preloader::_nextRequest(Key& key, bool& back)
 {
     std::unique_lock lock(_mutex);
     _idle = true;
@@ -129,6 +162,7 @@ bool Preloader::_nextRequest(Key& key)
     _condition.wait(lock, [this] { return _stop || _request; });
     _idle = false;
     key = _wanted;
+    back = _back;
     _request = false;
     return !_stop;
 }
@@ -144,8 +178,15 @@ void Preloader::_threadMethod()
 {
     Series series;
     Key key;
-    while (_nextRequest(key)) {
+    bool back = false;
+    while (_nextRequest(key, back)) {
         const std::string& path = std::get<0>(key);
+        if (path.empty()) {
+            series.close();
+            _cache.eraseIfLessEqual(key);
+            giveBack();
+            continue;
+        }
         try {
             series.select(path);
         } catch (const std::exception& error) {
@@ -153,9 +194,24 @@ void Preloader::_threadMethod()
             _forget();
             continue;  // the series before stays open
         }
-        _cache.eraseIfLessEqual(key);
+        if (back) {
+            _cache.eraseFarBehind(key, _mostBytes / 4);
+            _readBack(key, series);
+        } else {
+            _cache.eraseIfLessEqual(key);
+        }
         _readAhead(key, series);
     }
+}
+
+void Preloader::_readBack(const Key& key, Series& series)
+{
+    const auto& [path, index] = key;
+    const std::uint64_t most = _mostBytes / 4 * 3;
+    constexpr unsigned long Largest = std::numeric_limits<int>::max();
+    for (int i = series.before(static_cast<int>(std::min(index, Largest)));
+         i >= 0 && !_interrupted() && _cache.fill() <= most; i = series.before(i))
+        _read({path, static_cast<unsigned long>(i)}, series);
 }
 
 void Preloader::_readAhead(const Key& key, Series& series)
@@ -163,19 +219,27 @@ void Preloader::_readAhead(const Key& key, Series& series)
     const auto& [path, index] = key;
     for (unsigned long i = index + 1; !_interrupted() && _cache.fill() <= _mostBytes; ++i) {
         i = series.overGap(i);
-        const Key next(path, i);
-        _cache.eraseIfStale(next);
-        if (_cache.count(next))
-            continue;
-        try {
-            PreloaderCache::Origin origin{};
-            const MImage image = series.read(i, origin);
-            _cache.add(next, image, origin);
-        } catch (const morvend::MOutOfRangeException&) {
+        if (!_read({path, i}, series)) {
             series.ended();
             return;
-        } catch (const std::exception& error) {
-            series.failed(i, error);
         }
     }
+}
+
+bool Preloader::_read(const Key& key, Series& series)
+{
+    const unsigned long index = std::get<1>(key);
+    _cache.eraseIfStale(key);
+    if (_cache.count(key))
+        return true;
+    try {
+        PreloaderCache::Origin origin{};
+        const MImage image = series.read(index, origin);
+        _cache.add(key, image, origin);
+    } catch (const morvend::MOutOfRangeException&) {
+        return false;
+    } catch (const std::exception& error) {
+        series.failed(index, error);
+    }
+    return true;
 }

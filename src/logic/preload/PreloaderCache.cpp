@@ -34,20 +34,47 @@ MImage PreloaderCache::operator[](const Key& key) const
     return place->second.image;
 }
 
-void PreloaderCache::eraseIfLessEqual(const Key& key)
+template <class Condition>
+void PreloaderCache::_eraseWhere(Condition&& condition)
 {
     std::vector<MImage> erased;  // freed after the lock
     const std::lock_guard lock(_mutex);
-    for (auto each = _entries.begin(); each != _entries.end();) {
-        const bool otherPath = std::get<0>(each->first) != std::get<0>(key);
-        if (otherPath || std::get<1>(each->first) <= std::get<1>(key)) {
-            _fill -= _bytes(each->second);
-            erased.push_back(std::move(each->second.image));
-            each = _entries.erase(each);
-        } else {
-            ++each;
-        }
+    for (auto each = _entries.end(); each != _entries.begin();) {
+        --each;
+        if (!condition(*each))
+            continue;
+        _fill -= _bytes(each->second);
+        erased.push_back(std::move(each->second.image));
+        each = _entries.erase(each);
     }
+}
+
+void PreloaderCache::eraseIfLessEqual(const Key& key)
+{
+    _eraseWhere([&](const Entries::value_type& entry) {
+        return std::get<0>(entry.first) != std::get<0>(key) ||
+               std::get<1>(entry.first) <= std::get<1>(key);
+    });
+}
+
+void PreloaderCache::eraseFarBehind(const Key& key, std::uint64_t most)
+{
+    const std::string& path = std::get<0>(key);
+    std::uint64_t behind = 0;
+    {
+        const std::lock_guard lock(_mutex);
+        for (auto each = _entries.upper_bound(key);
+             each != _entries.end() && std::get<0>(each->first) == path; ++each)
+            behind += _bytes(each->second);
+    }
+    _eraseWhere([&](const Entries::value_type& entry) {
+        if (std::get<0>(entry.first) != path || entry.first == key)
+            return true;
+        if (entry.first < key || behind <= most)
+            return false;
+        behind -= _bytes(entry.second);
+        return true;
+    });
 }
 
 void PreloaderCache::eraseIfStale(const Key& key)

@@ -35,6 +35,9 @@ public:
     MImage operator[](const Key& key) const;
     /// Erases the images of other paths, and those of this path up to and with this number.
     void eraseIfLessEqual(const Key& key);
+    /// Erases the images of other paths, that of this number, and those behind it which lie
+    /// farthest until the rest of them has no more than so many bytes.
+    void eraseFarBehind(const Key& key, std::uint64_t most);
     /// Erases an image whose file shows something else by now. One that has no file any more
     /// stays. Looks at the file, without the lock.
     void eraseIfStale(const Key& key);
@@ -49,6 +52,9 @@ private:
     using Entries = std::map<Key, Entry>;
 
     static std::uint64_t _bytes(const Entry& entry);
+    /// Erases what a condition on key and entry holds for, in falling order.
+    template <class Condition>
+    void _eraseWhere(Condition&& condition);
 
     mutable std::mutex _mutex;
     Entries _entries;

@@ -9,7 +9,9 @@
 #include "logic/support/Console.h"
 
 #include <algorithm>
+#include <map>
 #include <mutex>
+#include <utility>
 
 #include <unistd.h>
 
@@ -77,7 +79,35 @@ LastTree& lastTree()
     return tree;
 }
 
+/// How many clients have a series.
+std::map<std::string, int>& users()
+{
+    static auto& map = *new std::map<std::string, int>;  // guarded by traffic()
+    return map;
+}
+
 }  // namespace
+
+PreloaderClient::~PreloaderClient() { _setPath({}); }
+
+void PreloaderClient::_setPath(const std::string& path)
+{
+    const std::lock_guard lock(traffic());
+    if (path == _path)
+        return;
+    if (!path.empty())
+        ++users()[path];
+    const std::string before = std::exchange(_path, path);
+    if (before.empty() || --users()[before] > 0)
+        return;
+    users().erase(before);
+    try {
+        if (const MMessageQueue::Peer peer = queue().peer(); peer != MMessageQueue::NoPeer)
+            queue().sendTo(peer, preloader::pack(preloader::FORGET, 0, before));
+    } catch (const std::exception&) {
+        // A preloader that has gone has forgotten all.
+    }
+}
 
 std::string PreloaderClient::messageQueueId() { return "PRELOADER_" + std::to_string(getpid()); }
 
@@ -85,16 +115,17 @@ void PreloaderClient::put(unsigned long index, const std::string& path)
 {
     // The images of the series before are none of this one, whatever fails here.
     _enabled = false;
-    _path.clear();
+    std::string wanted;
     try {
         const std::lock_guard lock(traffic());
         queue().send(preloader::pack(preloader::PUT, index, path));
-        _path = path;
+        wanted = path;
         _enabled = true;
     } catch (const morvend::MException& error) {
         // Without a queue all images come from their files.
         console::warn(std::string("WARNING: ") + error.what() + '\n');
     }
+    _setPath(wanted);
 }
 
 bool PreloaderClient::get(MImage& image, unsigned long index, const std::string& path)
@@ -102,7 +133,7 @@ bool PreloaderClient::get(MImage& image, unsigned long index, const std::string&
     if (!_enabled)
         return false;
     if (!path.empty())
-        _path = path;
+        _setPath(path);
     MImage received;
     if (!_receive(received, index))
         return false;

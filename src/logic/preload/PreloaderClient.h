@@ -22,6 +22,12 @@ public:
     /// Name of the queue between this process and its preloader: private to this process.
     static std::string messageQueueId();
 
+    PreloaderClient() = default;
+    /// When no other client of the process has the series any more, the preloader forgets it.
+    ~PreloaderClient();
+    PreloaderClient(const PreloaderClient&) = delete;
+    PreloaderClient& operator=(const PreloaderClient&) = delete;
+
     /// Lets the preloader read ahead behind an image of the series that `path` leads to; from now
     /// on get() asks for images of that series.
     void put(unsigned long index, const std::string& path);
@@ -40,6 +46,7 @@ public:
 
 private:
     bool _receive(MImage& image, unsigned long index) const;
+    void _setPath(const std::string& path);
 
     std::string _path;  // of the latest put(); empty before the first and when it failed
     bool _enabled = false;

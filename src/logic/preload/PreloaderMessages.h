@@ -21,8 +21,9 @@
 namespace preloader {
 
 enum Method : std::uint32_t {
-    GET = 0,  ///< hand over an image, and read ahead from it
-    PUT = 1   ///< read ahead from this image
+    GET = 0,    ///< hand over an image, and read ahead from it
+    PUT = 1,    ///< read ahead from this image
+    FORGET = 2  ///< no view looks at this series any more
 };
 
 std::string pack(Method method, unsigned long index, const std::string& path);

@@ -66,9 +66,40 @@ TEST_F(ReadAhead, FollowsThePositionToTheEnd)
     EXPECT_TRUE(holds(preloader, path, {7, 8, 9}));
     EXPECT_EQ(cache.fill(), 3 * 16U);
     preloader.run({path, 5});
-    EXPECT_TRUE(holds(preloader, path, {6, 7, 8, 9})) << "those that were erased are read again";
+    EXPECT_TRUE(holds(preloader, path, {1, 2, 3, 4, 6, 7, 8, 9}))
+        << "those that were erased are read again, and those in front, where a step back leads";
     preloader.run({path, 40});
     EXPECT_TRUE(holds(preloader, path, {})) << "a number behind the end";
+}
+
+TEST_F(ReadAhead, GoesBackWithStepsBack)
+{
+    writeAll(1, 19);
+    const std::string path = folder / name(10);
+    Preloader preloader(cache, 8 * 16 - 1);
+    preloader.run({path, 10});
+    EXPECT_TRUE(holds(preloader, path, {11, 12, 13, 14, 15, 16, 17, 18}));
+    preloader.run({path, 9});
+    EXPECT_TRUE(holds(preloader, path, {4, 5, 6, 7, 8, 10, 11, 12}));
+    preloader.run({path, 8});
+    EXPECT_TRUE(holds(preloader, path, {3, 4, 5, 6, 7, 9, 10, 11}));
+    preloader.run({path, 9});
+    EXPECT_TRUE(holds(preloader, path, {10, 11, 12, 13, 14, 15, 16, 17}));
+}
+
+TEST_F(ReadAhead, ForgetsTheSeriesThatIsWanted)
+{
+    writeAll(1, 3);
+    const std::string path = folder / name(1);
+    Preloader preloader(cache);
+    preloader.run({path, 1});
+    preloader.forget(folder / name(2));
+    EXPECT_TRUE(holds(preloader, path, {2, 3})) << "not for another one";
+    preloader.forget(path);
+    EXPECT_TRUE(holds(preloader, path, {}));
+    EXPECT_EQ(cache.fill(), 0U);
+    preloader.run({path, 1});
+    EXPECT_TRUE(holds(preloader, path, {2, 3}));
 }
 
 TEST_F(ReadAhead, GoesOnWhenTheSeriesGrows)

@@ -25,6 +25,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -95,11 +96,19 @@ void MainWindow::setOpenDirectory(const QString& path) { OpenDirectory::set(path
 
 void MainWindow::openFiles(const QStringList& files, SubWindow* first)
 {
+    // All views first, since each tiling moves all that are there.
+    QList<AbstractSubWindow*> views;
+    for (qsizetype i = first ? 1 : 0; i < files.size(); ++i)
+        views.append(_makeSubWindow());
+    _mdiArea->addSubWindows(views);
+    for (AbstractSubWindow* view : std::as_const(views))
+        emit newSubWindowSignal(qobject_cast<SubWindow*>(view));
+    qsizetype next = 0;
     for (const QString& file : files) {
         if (first)
             first->loadFile(file);
         else
-            newSubWindow()->loadFileOrClose(file);
+            qobject_cast<SubWindow*>(views[next++])->loadFileOrClose(file);
         first = nullptr;
     }
 }
@@ -118,7 +127,7 @@ void MainWindow::enableNonActiveSubWindows(bool enabled)
     }
 }
 
-SubWindow* MainWindow::newSubWindow(SubWindow** subwindow)
+SubWindow* MainWindow::_makeSubWindow()
 {
     // Views of one main window synchronise with each other: its address is their key.
     const QString key = QString::number(reinterpret_cast<quintptr>(this));
@@ -126,8 +135,13 @@ SubWindow* MainWindow::newSubWindow(SubWindow** subwindow)
     auto* window = new SubWindow(*this, service, _useGlsl);
     _subFrames.insert({window, service});
     connect(window, &QObject::destroyed, this, &MainWindow::_handleCloseEvent);
+    return window;
+}
+
+SubWindow* MainWindow::newSubWindow(SubWindow** subwindow)
+{
+    SubWindow* const window = _makeSubWindow();
     _mdiArea->addSubWindow(window);
-    window->show();
     if (subwindow)
         *subwindow = window;
     emit newSubWindowSignal(window);

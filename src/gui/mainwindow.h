@@ -82,6 +82,7 @@ private:
         bool operator<(const SubFrame& other) const { return subWindow < other.subWindow; }
     };
 
+    SubWindow* _makeSubWindow();
     void _createMenus();
     void _createLayout();
 

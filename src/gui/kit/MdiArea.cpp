@@ -46,13 +46,17 @@ std::vector<int> MdiArea::columnHeights(int frames)
     return heights;
 }
 
-void MdiArea::addSubWindow(AbstractSubWindow* frame)
+void MdiArea::addSubWindows(const QList<AbstractSubWindow*>& frames)
 {
-    _subWindows.append(frame);
-    connect(frame, &AbstractSubWindow::gotActivated, this, &MdiArea::_processGotActivated);
-    connect(frame, &AbstractSubWindow::terminated, this, &MdiArea::_removeSlot);
+    if (frames.isEmpty())
+        return;
+    for (AbstractSubWindow* frame : frames) {
+        _subWindows.append(frame);
+        connect(frame, &AbstractSubWindow::gotActivated, this, &MdiArea::_processGotActivated);
+        connect(frame, &AbstractSubWindow::terminated, this, &MdiArea::_removeSlot);
+    }
     _rearrange();
-    frame->setActivated(true);
+    frames.last()->setActivated(true);
 }
 
 void MdiArea::removeSubWindow(AbstractSubWindow* frame)

@@ -27,7 +27,9 @@ public:
     static std::vector<int> columnHeights(int frames);
 
     /// Takes a frame over, tiles anew and makes it the active one.
-    void addSubWindow(AbstractSubWindow* frame);
+    void addSubWindow(AbstractSubWindow* frame) { addSubWindows({frame}); }
+    /// The same for several, tiled once; the last one becomes active.
+    void addSubWindows(const QList<AbstractSubWindow*>& frames);
     /// Hides a frame and deletes it from the event loop; ignores frames that are not here. When it
     /// was the active one, the first of the others becomes active.
     void removeSubWindow(AbstractSubWindow* frame);

@@ -10,6 +10,9 @@
 #include "logic/support/Console.h"
 
 #include <limits>
+#include <mutex>
+#include <utility>
+#include <vector>
 
 using morvend::imglib::GapRule;
 using morvend::imglib::MImage;
@@ -19,6 +22,45 @@ namespace {
 bool sameSize(const MImage& left, const MImage& right)
 {
     return left.width() == right.width() && left.height() == right.height();
+}
+
+/// The masks of one kind that objects of the process have, so that hundreds of views of images of
+/// one size need no mask each. Thread: any.
+class SharedMasks {
+public:
+    using Mask = std::shared_ptr<const MImage>;
+
+    /// The mask that `isWanted`, or else what `make` returns.
+    template <class IsWanted, class Make>
+    Mask find(IsWanted&& isWanted, Make&& make)
+    {
+        const std::lock_guard lock(_mutex);
+        std::erase_if(_masks, [](const auto& each) { return each.expired(); });
+        for (const auto& each : _masks)
+            if (Mask mask = each.lock(); mask && isWanted(*mask))
+                return mask;
+        auto made = std::make_shared<const MImage>(make());
+        _masks.push_back(made);
+        return made;
+    }
+
+private:
+    std::mutex _mutex;
+    std::vector<std::weak_ptr<const MImage>> _masks;
+};
+
+SharedMasks::Mask sharedGoodPixels(const MImage& image)
+{
+    static auto& masks = *new SharedMasks;  // threads that were left behind outlive statics
+    return masks.find([&](const MImage& mask) { return sameSize(mask, image); },
+                      [&] { return MImage(image, 0U); });
+}
+
+SharedMasks::Mask sharedGaps(MImage gaps)
+{
+    static auto& masks = *new SharedMasks;
+    return masks.find([&](const MImage& mask) { return samePixels(mask, gaps); },
+                      [&] { return std::move(gaps); });
 }
 
 /// May there be a value among the good pixels that is a mark?
@@ -54,18 +96,22 @@ MImage MaskFixup::operator()(MImage& image)
     }
     if (!mask.empty())
         console::warn("WARNING: Size of pixel mask does not match size of image\n");
-    if (_given.empty() || !sameSize(_given, image)) {
-        if (!sameSize(_goodPixels, image))
-            _goodPixels = MImage(image, 0U);
-        _given = _goodPixels;
-    }
+    if (_given.empty() || !sameSize(_given, image))
+        _giveGoodPixels(image);
     image.optionalData().set_pixel_mask(_given);
     return _given;
 }
 
+void MaskFixup::_giveGoodPixels(const MImage& image)
+{
+    if (!_goodPixels || !sameSize(*_goodPixels, image))
+        _goodPixels = sharedGoodPixels(image);
+    _given = *_goodPixels;
+}
+
 bool MaskFixup::_fits(const MImage& image, const ImageStatistics& statistics) const
 {
-    const bool marked = _given.identity() != _goodPixels.identity();
+    const bool marked = !_goodPixels || _given.identity() != _goodPixels->identity();
     return !mayHoldMarks(image, statistics) &&
            (!marked || morvend::imglib::marksAreIn(_given, image));
 }
@@ -76,13 +122,11 @@ bool MaskFixup::replaces(MImage& image, const ImageStatistics& statistics)
         return false;
     const MImage before = _given;
     if (MImage gaps = morvend::imglib::gapMask(image); gaps.empty()) {
-        if (!sameSize(_goodPixels, image))
-            _goodPixels = MImage(image, 0U);
-        _given = _goodPixels;
+        _giveGoodPixels(image);
     } else {
-        if (_gaps.empty() || !samePixels(_gaps, gaps))
-            _gaps = std::move(gaps);
-        _given = _gaps;
+        if (!_gaps || !samePixels(*_gaps, gaps))
+            _gaps = sharedGaps(std::move(gaps));
+        _given = *_gaps;
     }
     if (_given.identity() == before.identity())
         return false;

@@ -6,13 +6,16 @@
 
 #include "imagelib/image/MImage.h"
 
+#include <memory>
+
 struct ImageStatistics;
 
 /// Images without a mask, or with one of another size, get a mask that marks their gap values (see
 /// docs/display.md). Which ones these are is known without a look at all pixels once there are
 /// statistics: so the image is first given the mask that fitted the one before, and another one
-/// where that turns out wrong. All images of a series with the same gaps share one mask.
-/// Thread: one at a time.
+/// where that turns out wrong. All images of the process with the same gaps share one mask, as long
+/// as some object has it.
+/// Thread: one at a time; several objects may work on several threads.
 class MaskFixup {
 public:
     using MImage = morvend::imglib::MImage;
@@ -28,8 +31,9 @@ public:
 
 private:
     bool _fits(const MImage& image, const ImageStatistics& statistics) const;
+    void _giveGoodPixels(const MImage& image);
 
-    MImage _goodPixels;
-    MImage _gaps;   // the mask with marks that was made last
+    std::shared_ptr<const MImage> _goodPixels;
+    std::shared_ptr<const MImage> _gaps;  // the mask with marks that was made last
     MImage _given;  // one of the two, or empty where the image has a mask of its own
 };

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Sizes, means and marks of thumbnails.
+#include "logic/analysis/statistics/ImageStatistics.h"
 #include "logic/loading/MaskFixup.h"
 #include "logic/loading/MaskThumbnails.h"
 #include "logic/loading/Thumbnail.h"
@@ -224,6 +225,31 @@ TEST(MaskFixup, KeepsAMaskOfTheRightSizeAndReplacesOthers)
     EXPECT_EQ(fixed(200, 200, MImage(100, 100, 1U), false).identity(), first.identity())
         << "images of a series share one";
     EXPECT_TRUE(samePixels(fixed(200, 100, MImage(100, 200, 1U), false), MImage(200, 100, 0U)));
+}
+
+TEST(MaskFixup, SeveralShareTheirMasks)
+{
+    MaskFixup fixups[2];
+    MImage images[2];
+    ImageStatistics statistics;
+    statistics.maximum = 2e19;  // so there are marks
+    const auto identities = [&] {
+        return std::pair(images[0].optionalData().pixel_mask()->identity(),
+                         images[1].optionalData().pixel_mask()->identity());
+    };
+    for (int i : {0, 1}) {
+        images[i] = MImage(20, 10, 1ULL);
+        fixups[i](images[i]);
+    }
+    const auto [good, alsoGood] = identities();
+    EXPECT_EQ(good, alsoGood);
+    for (int i : {0, 1}) {
+        pixels<unsigned long long>(images[i])[7] = std::numeric_limits<unsigned long long>::max();
+        EXPECT_TRUE(fixups[i].replaces(images[i], statistics));
+    }
+    const auto [gaps, sameGaps] = identities();
+    EXPECT_NE(gaps, good);
+    EXPECT_EQ(gaps, sameGaps);
 }
 
 }  // namespace

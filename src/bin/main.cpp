@@ -26,10 +26,12 @@
 
 namespace {
 
-/// Ends the process where a job was left behind, which would meet the end of static objects.
+/// Ends the process where a job was left behind or waits for a thread, such as one that closes the
+/// files of a view: it would meet the end of static objects.
 int leave(int result)
 {
-    if (WorkerPool::process().usage().busy == 0)
+    const WorkerPool::Usage usage = WorkerPool::process().usage();
+    if (usage.busy == 0 && usage.queued == 0)
         return result;
     std::fflush(nullptr);
     std::_Exit(result);

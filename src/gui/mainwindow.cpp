@@ -198,7 +198,12 @@ void MainWindow::dropEvent(QDropEvent* event)
     openFiles(droppedFiles(*event->mimeData()));
 }
 
-void MainWindow::_open() { openFiles(OpenFileDialog(this).choose(), activeSubWindow()); }
+void MainWindow::_open()
+{
+    // First, as the view that is active now may be gone when the dialog closes.
+    const QStringList files = OpenFileDialog(this).choose();
+    openFiles(files, activeSubWindow());
+}
 
 void MainWindow::_handleCloseEvent(QObject* window)
 {

@@ -182,7 +182,11 @@ void ImageLoader::_say(const QString& text)
         emit waitingSignal(text);
 }
 
-void ImageLoader::dropTaskQueue() { ++_context->generation; }
+void ImageLoader::dropTaskQueue()
+{
+    ++_context->generation;
+    _sinceOpening.clear();  // not to be asked for again where a job hangs
+}
 
 void ImageLoader::emptyTaskQueue()
 {

@@ -426,8 +426,11 @@ TEST_F(MainWindowTest, ActionsAndShortcutsOpenViewsUnlessTheToolBarIsHidden)
 TEST_F(MainWindowTest, TheOpenDialogOpensAllMarkedFilesTheFirstInTheActiveView)
 {
     OpenDirectory::set(QString::fromStdString(_folder.path()));
-    const auto choose = [this](const QList<int>& numbers) {
-        QTimer::singleShot(0, _window.get(), [this, numbers] {
+    const auto choose = [this](const QList<int>& numbers, bool closing = false) {
+        QTimer::singleShot(0, _window.get(), [this, numbers, closing] {
+            if (closing)
+                _window->activeSubWindow()->close();
+            settle();
             auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
             ASSERT_TRUE(dialog);
             QStringList names;
@@ -442,6 +445,9 @@ TEST_F(MainWindowTest, TheOpenDialogOpensAllMarkedFilesTheFirstInTheActiveView)
     choose({3});
     ASSERT_EQ(_window->subWindows().size(), 1);
     EXPECT_TRUE(waitForImage(_window->subWindows()[0], 3));
+    choose({4}, true);
+    ASSERT_EQ(_window->subWindows().size(), 1) << "not in the view that has gone meanwhile";
+    EXPECT_TRUE(waitForImage(_window->subWindows()[0], 4));
     choose({6, 7, 8});
     ASSERT_EQ(_window->subWindows().size(), 3);
     for (int i = 0; i < 3; ++i)

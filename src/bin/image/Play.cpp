@@ -27,7 +27,7 @@ namespace tarvik::tool {
 
 namespace {
 
-constexpr std::chrono::seconds startOfPreloader{3};
+constexpr std::chrono::seconds startOfPreloader{60};
 
 /// The viewer's program, which stands beside this one.
 QString viewerProgram()

@@ -111,13 +111,14 @@ TEST(GroupThatEnds, NotifiesNobodyFurther)
 {
     using Synchronizer = Synchronizer<ViewportData>;
     View members[3];
-    // In the set's order: the second one's answer ends the group, and another one that takes its
-    // place in memory has the third one as a member.
+    // In the set's order: the second one's answer ends the group, and another one with a record of
+    // its own, which takes its place in memory, has the third one as a member.
     std::optional<Synchronizer> group(std::in_place);
     for (View& view : members)
         view.join(*group);
     members[1].answer = [&] {
         group.emplace();
+        group->setData(at(7));
         group->attach(members[2]);
     };
     members[0].spread(at(5));

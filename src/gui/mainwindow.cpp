@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// The top-level window: control bar, ribbon and the tiled image views.
 #include "gui/mainwindow.h"
 
 #include "gui/kit/MdiArea.h"
@@ -132,7 +130,10 @@ SubWindow* MainWindow::_makeSubWindow()
     // Views of one main window synchronise with each other: its address is their key.
     const QString key = QString::number(reinterpret_cast<quintptr>(this));
     TarvikService* service = _core.newService(key);
-    auto* window = new SubWindow(*this, service, _useGlsl);
+    auto* window = new SubWindow(
+        {[this](const QStringList& files, SubWindow* first) { openFiles(files, first); },
+         [this](const QString& file) { setOpenDirectory(file); }},
+        service, _useGlsl);
     _subFrames.insert({window, service});
     connect(window, &QObject::destroyed, this, &MainWindow::_handleCloseEvent);
     return window;

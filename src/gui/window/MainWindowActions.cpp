@@ -1,12 +1,8 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// The actions of the main window: texts, tool tips and shortcuts.
 #include "gui/window/MainWindowActions.h"
 
-#include "gui/mainwindow.h"
-
-MainWindowActions::MainWindowActions(MainWindow& window, const Slots& receivers)
+MainWindowActions::MainWindowActions(QWidget& window, const Slots& receivers)
     : _newWindowAction(_add(window, QStringLiteral("New Window"),
                             QStringLiteral("Open new window (Ctrl N)"), QKeySequence::New,
                             receivers.newWindow))
@@ -20,7 +16,7 @@ void MainWindowActions::silenceShortcuts(bool silent)
         shortcut->blockSignals(silent);
 }
 
-QAction* MainWindowActions::_add(MainWindow& window, const QString& text, const QString& tip,
+QAction* MainWindowActions::_add(QWidget& window, const QString& text, const QString& tip,
                                  const QKeySequence& key, const std::function<void()>& slot)
 {
     auto* action = new QAction(text, &window);

@@ -7,10 +7,9 @@
 #include <QAction>
 #include <QList>
 #include <QShortcut>
+#include <QWidget>
 
 #include <functional>
-
-class MainWindow;
 
 /// Actions and the window's shortcuts for them; both call the same slot.
 class MainWindowActions {
@@ -21,7 +20,7 @@ public:
         std::function<void()> open;
     };
 
-    MainWindowActions(MainWindow& window, const Slots& receivers);
+    MainWindowActions(QWidget& window, const Slots& receivers);
 
     QAction* newWindowAction() const { return _newWindowAction; }
     QAction* openAction() const { return _openAction; }
@@ -30,8 +29,8 @@ public:
     void silenceShortcuts(bool silent);
 
 private:
-    QAction* _add(MainWindow& window, const QString& text, const QString& tip,
-                  const QKeySequence& key, const std::function<void()>& slot);
+    QAction* _add(QWidget& window, const QString& text, const QString& tip, const QKeySequence& key,
+                  const std::function<void()>& slot);
 
     QList<QShortcut*> _shortcuts;  // filled along with the actions, hence first
     QAction* _newWindowAction;

@@ -1,16 +1,14 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// What a main window learns of all events of the program.
 #include "gui/window/MainWindowEventControl.h"
 
 #include "gui/kit/PressedKeys.h"
-#include "gui/mainwindow.h"
 
 #include <QApplication>
 #include <QKeyEvent>
+#include <QWidget>
 
-MainWindowEventControl::MainWindowEventControl(MainWindow& window)
+MainWindowEventControl::MainWindowEventControl(const QWidget& window)
     : _window(window)
 {
     QCoreApplication::instance()->installEventFilter(this);

@@ -6,7 +6,7 @@
 
 #include <QObject>
 
-class MainWindow;
+class QWidget;
 
 /// Records which keys are held down while its main window is the active one. Thread: GUI only,
 /// apart from keyPressed().
@@ -14,7 +14,7 @@ class MainWindowEventControl : public QObject {
     Q_OBJECT
 public:
     /// Watches from now on until its end.
-    explicit MainWindowEventControl(MainWindow& window);
+    explicit MainWindowEventControl(const QWidget& window);
 
     /// Is a key down? Thread: any.
     static bool keyPressed(int key);
@@ -22,5 +22,5 @@ public:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    MainWindow& _window;
+    const QWidget& _window;
 };

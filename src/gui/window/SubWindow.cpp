@@ -1,13 +1,10 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// One image view of the main window.
 #include "gui/window/SubWindow.h"
 
 #include "gui/kit/ErrorDialog.h"
 #include "gui/kit/NoticeLine.h"
 #include "gui/kit/QuietLine.h"
-#include "gui/mainwindow.h"
 #include "gui/render/ImageDrawerMain.h"
 #include "gui/window/DroppedFiles.h"
 #include "gui/window/SubWindowTitleBar.h"
@@ -20,8 +17,8 @@
 
 #include <utility>
 
-SubWindow::SubWindow(MainWindow& mainWindow, TarvikService* service, bool useGlsl)
-    : _mainWindow(mainWindow)
+SubWindow::SubWindow(Slots receivers, TarvikService* service, bool useGlsl)
+    : _slots(std::move(receivers))
     , _service(service)
     , _imageDrawer(new ImageDrawerMain(service, useGlsl))
     , _controls(new SubWindowTitleBar(*this))
@@ -177,13 +174,13 @@ void SubWindow::dragMoveEvent(QDragMoveEvent* event) { acceptCopy(*event); }
 void SubWindow::dropEvent(QDropEvent* event)
 {
     acceptCopy(*event);
-    _mainWindow.openFiles(droppedFiles(*event->mimeData()), this);
+    _slots.openFiles(droppedFiles(*event->mimeData()), this);
 }
 
 void SubWindow::_noteFolder()
 {
     if (!_asked.isEmpty())
-        _mainWindow.setOpenDirectory(std::exchange(_asked, {}));
+        _slots.setOpenDirectory(std::exchange(_asked, {}));
 }
 
 void SubWindow::_newImageSlot()

@@ -11,9 +11,11 @@
 #include <QRectF>
 #include <QSize>
 #include <QString>
+#include <QStringList>
+
+#include <functional>
 
 class ImageDrawerMain;
-class MainWindow;
 class SubWindowTitleBar;
 class TarvikService;
 
@@ -29,7 +31,15 @@ public:
     using MDrawingList = morvend::imglib::MDrawingList<>;
     using MImage = morvend::imglib::MImage;
 
-    SubWindow(MainWindow& mainWindow, TarvikService* service, bool useGlsl);
+    /// What the view asks of its window.
+    struct Slots {
+        /// Opens files that were dropped on the view, the first one in the view itself.
+        std::function<void(const QStringList& files, SubWindow* first)> openFiles;
+        /// Makes the folder of a file the one where the next file is looked for.
+        std::function<void(const QString& file)> setOpenDirectory;
+    };
+
+    SubWindow(Slots receivers, TarvikService* service, bool useGlsl);
     ~SubWindow() override;
 
     TarvikService* service() const { return _service; }
@@ -96,7 +106,7 @@ private:
     /// look at it would wait as long as the file does.
     void _noteFolder();
 
-    MainWindow& _mainWindow;
+    const Slots _slots;
     TarvikService* _service;
     Qt::WindowStates _windowState;
     ImageDrawerMain* _imageDrawer;

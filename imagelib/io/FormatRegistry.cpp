@@ -28,12 +28,12 @@ const std::string& readerProgram()
     static const std::string none;
     if (!hdf5Apart)
         return none;
-    const std::string& program = ReaderProcess::programBeside();
+    const std::string& program = ReaderProcess::installedProgram();
     static std::once_flag warned;
     if (program.empty())
         std::call_once(warned, [] {
             std::fputs("WARNING: HDF5 files are read in this process: the program tarvik-reader is "
-                       "not beside it\n",
+                       "neither beside it nor in ../libexec/tarvik\n",
                        stderr);
         });
     return program;

@@ -110,13 +110,16 @@ std::string secondsOf(std::chrono::milliseconds time)
 
 }  // namespace
 
-const std::string& ReaderProcess::programBeside()
+const std::string& ReaderProcess::installedProgram()
 {
     static const std::string program = [] {
         std::error_code error;
-        const auto self = std::filesystem::read_symlink("/proc/self/exe", error);
-        const std::string path = error ? "" : (self.parent_path() / "tarvik-reader").string();
-        return !path.empty() && ::access(path.c_str(), X_OK) == 0 ? path : std::string();
+        const auto folder = std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
+        if (!error)
+            for (const char* place : {"tarvik-reader", "../libexec/tarvik/tarvik-reader"})
+                if (const auto path = folder / place; ::access(path.c_str(), X_OK) == 0)
+                    return path.string();
+        return std::string();
     }();
     return program;
 }

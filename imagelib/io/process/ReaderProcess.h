@@ -34,8 +34,9 @@ public:
     /// What both ends say in their hello.
     static constexpr const char* Greeting = "tarvik-reader 2";
 
-    /// The program beside this one's; empty when there is none.
-    static const std::string& programBeside();
+    /// The reader that came with this program: beside it, as built, or in ../libexec/tarvik, as
+    /// installed; empty when there is none.
+    static const std::string& installedProgram();
 
     /// @throws MRuntimeException when the process can't be started
     explicit ReaderProcess(const Options& options);

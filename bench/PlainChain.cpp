@@ -5,7 +5,7 @@
 #include "bench/PlainChain.h"
 
 #include "imagelib/image/MException.h"
-#include "imagelib/io/formats/hdf5/Hdf5Handles.h"
+#include "imagelib/io/formats/hdf5/library/Hdf5Handles.h"
 
 #include <benchmark/benchmark.h>
 

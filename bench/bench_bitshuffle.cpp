@@ -10,8 +10,8 @@
 #include "imagelib/codec/Lz4.h"
 #include "imagelib/codec/Shuffle.h"
 #include "imagelib/image/MImage.h"
-#include "imagelib/io/formats/hdf5/Hdf5Filters.h"
-#include "imagelib/io/formats/hdf5/Hdf5Handles.h"
+#include "imagelib/io/formats/hdf5/library/Hdf5Filters.h"
+#include "imagelib/io/formats/hdf5/library/Hdf5Handles.h"
 #include "tests/support/SourcePath.h"
 #include "tests/support/TempFolder.h"
 

@@ -4,7 +4,7 @@
 // First image of an HDF5 series of one block and of 1,000 blocks; plain frames against bare reads
 // of as many bytes.
 #include "imagelib/image/PixelBuffer.h"
-#include "imagelib/io/formats/hdf5/NexusReader.h"
+#include "imagelib/io/formats/hdf5/nexus/NexusReader.h"
 #include "tests/support/SourcePath.h"
 #include "tests/support/TempFolder.h"
 

@@ -8,7 +8,7 @@
 #include "demo/FrameMaker.h"
 #include "imagelib/image/MException.h"
 #include "imagelib/io/formats/cbf/CbfWriter.h"
-#include "imagelib/io/formats/hdf5/NexusWriter.h"
+#include "imagelib/io/formats/hdf5/write/NexusWriter.h"
 #include "imagelib/io/formats/tiff/TiffWriter.h"
 
 #include <algorithm>

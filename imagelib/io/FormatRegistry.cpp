@@ -7,7 +7,7 @@
 #include "imagelib/image/MException.h"
 #include "imagelib/io/formats/cbf/CbfReader.h"
 #include "imagelib/io/formats/edf/EdfReader.h"
-#include "imagelib/io/formats/hdf5/NexusReader.h"
+#include "imagelib/io/formats/hdf5/nexus/NexusReader.h"
 #include "imagelib/io/formats/tiff/TiffReader.h"
 #include "imagelib/io/process/RemoteFile.h"
 

@@ -4,7 +4,7 @@
 // MHdf5Writer over the writer of the HDF5 room.
 #include "imagelib/io/MHdf5Writer.h"
 
-#include "imagelib/io/formats/hdf5/NexusWriter.h"
+#include "imagelib/io/formats/hdf5/write/NexusWriter.h"
 
 namespace morvend::imglib {
 

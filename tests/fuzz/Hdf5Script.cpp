@@ -5,8 +5,8 @@
 #include "tests/fuzz/Hdf5Script.h"
 
 #include "imagelib/codec/ChunkDecoder.h"
-#include "imagelib/io/formats/hdf5/Hdf5Filters.h"
-#include "imagelib/io/formats/hdf5/Hdf5Handles.h"
+#include "imagelib/io/formats/hdf5/library/Hdf5Filters.h"
+#include "imagelib/io/formats/hdf5/library/Hdf5Handles.h"
 
 #include <array>
 #include <cstring>

@@ -4,7 +4,7 @@
 // tarvik-reader: reads HDF5 files for its parent, so that a crash of the library is not the
 // viewer's.
 #include "imagelib/image/MException.h"
-#include "imagelib/io/formats/hdf5/NexusReader.h"
+#include "imagelib/io/formats/hdf5/nexus/NexusReader.h"
 #include "imagelib/io/process/ReaderProcess.h"
 #include "imagelib/io/process/ReaderServer.h"
 

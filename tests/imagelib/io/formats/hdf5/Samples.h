@@ -4,7 +4,7 @@
 // The files that make_samples.py makes, and the pixels that are in them.
 #pragma once
 
-#include "imagelib/io/formats/hdf5/NexusReader.h"
+#include "imagelib/io/formats/hdf5/nexus/NexusReader.h"
 #include "tests/imagelib/io/FileCases.h"
 
 #include <hdf5.h>

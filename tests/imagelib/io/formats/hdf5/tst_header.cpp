@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The image header and the mask of NeXus files: from files, and from trees in many dialects.
-#include "imagelib/io/formats/hdf5/NexusHeader.h"
+#include "imagelib/io/formats/hdf5/nexus/NexusHeader.h"
 #include "tests/imagelib/io/formats/hdf5/Samples.h"
 
 namespace tarvik::tests {

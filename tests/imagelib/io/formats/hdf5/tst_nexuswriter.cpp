@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 //
 // h5py with the plug-ins reads every pixel, every header value and every link of what is written.
-#include "imagelib/io/formats/hdf5/NexusReader.h"
-#include "imagelib/io/formats/hdf5/NexusWriter.h"
+#include "imagelib/io/formats/hdf5/nexus/NexusReader.h"
+#include "imagelib/io/formats/hdf5/write/NexusWriter.h"
 #include "tests/imagelib/io/FileCases.h"
 #include "tests/support/SourcePath.h"
 

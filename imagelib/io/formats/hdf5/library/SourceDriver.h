@@ -1,0 +1,19 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The driver through which the HDF5 library reads files: positioned reads of a ByteSource.
+#pragma once
+
+#include "imagelib/io/formats/hdf5/library/Hdf5Handles.h"
+
+namespace morvend::imglib::hdf5 {
+
+/// File access properties for reading. Against the library's own driver this one
+/// - takes no locks, ever, and refuses what is no regular file instead of waiting for it;
+/// - keeps each opening apart: the library would otherwise share one cache between all openings of
+///   a file in the process, which then show its state at the first of them;
+/// - reads plain chunks without the library's chunk cache, which trusts sizes in the file;
+/// - reports bytes that a shortened file no longer has as an error instead of as zeros.
+Properties sourceAccess();
+
+}  // namespace morvend::imglib::hdf5

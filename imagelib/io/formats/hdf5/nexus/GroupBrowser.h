@@ -1,0 +1,74 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Looks at the groups and data sets of a file by their paths.
+#pragma once
+
+#include "imagelib/io/formats/hdf5/library/Hdf5Files.h"
+
+#include <string>
+#include <vector>
+
+namespace morvend::imglib::hdf5 {
+
+/// One link of a group.
+struct GroupLink {
+    std::string name;
+    H5L_type_t type;
+};
+
+/// The links of a group by name, at most so many of them.
+std::vector<GroupLink> linksOf(hid_t group, std::size_t most);
+
+/// What a data set is by its extents and elements.
+enum class ArrayKind {
+    None,   ///< no numbers, or fewer than two or more than four extents
+    Table,  ///< frames that are narrower than 16 pixels one way: spectra, positions, matrices
+    Image
+};
+ArrayKind arrayKind(hid_t dataset);
+
+/// Is what lies at a path made for images but none itself: a mask, a flat or dark field, a table of
+/// corrections, or anything among a detector's settings?
+bool isAuxiliary(const std::string& path);
+
+/// A file seen by paths; "" is the root. A link that leads nowhere is like none but to isDead().
+/// Thread: callers take turns.
+class GroupBrowser {
+public:
+    static constexpr std::size_t MostMembers = 100'000;
+
+    GroupBrowser(Hdf5Files& files, Hdf5FilePtr file)
+        : _files(files)
+        , _file(std::move(file))
+    {}
+
+    const Hdf5FilePtr& file() const { return _file; }
+    Hdf5Files& files() const { return _files; }
+
+    std::optional<Found> find(const std::string& path) const;
+    std::optional<Found> findGroup(const std::string& path) const;
+    /// Is there a link that leads nowhere, on the way or at its end?
+    bool isDead(const std::string& path) const;
+    /// Is there a link that leads to a file which is not there?
+    bool isLost(const std::string& path) const;
+    /// A text attribute of a group; empty when there is none. Of several texts the first.
+    std::string attribute(const std::string& path, const char* name) const;
+    std::string classOf(const std::string& path) const { return attribute(path, "NX_class"); }
+    /// Names of the links of a group.
+    std::vector<std::string> members(const std::string& path) const;
+    /// Groups of an entry's instruments that are detectors by class or name.
+    std::vector<std::string> detectors(const std::string& entry) const;
+
+    /// The object that a name in an attribute of a group means; it may be a path of its own.
+    static std::string below(const std::string& path, const std::string& name);
+    /// The members "data_<number>" of a group, by number.
+    static std::vector<std::string> numbered(const std::string& path,
+                                             const std::vector<std::string>& members);
+
+private:
+    Hdf5Files& _files;
+    Hdf5FilePtr _file;
+};
+
+}  // namespace morvend::imglib::hdf5

@@ -1,0 +1,61 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Look-ups in a metadata tree: the first of several paths, in a known unit, of one frame.
+#pragma once
+
+#include "imagelib/image/MBasicNeXusTree.h"
+#include "imagelib/io/formats/hdf5/nexus/NexusUnits.h"
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace morvend::imglib::hdf5 {
+
+using Paths = std::vector<std::string>;
+
+/// Numbers of a value, empty for a text or a group.
+std::vector<double> numbersOf(const nexus::Value& value);
+/// The text of a value: a string, the first of several, or a number printed; empty for a group.
+std::string textOf(const nexus::Value& value);
+/// An attribute as text or as numbers; empty when there is none.
+std::string textAttribute(const nexus::Node& node, const std::string& name);
+std::vector<double> numbersAttribute(const nexus::Node& node, const std::string& name);
+
+/// Which element of a value belongs to a frame: its own if there is one for each frame, else the
+/// first. Nothing for no elements.
+std::optional<double> ofFrame(const std::vector<double>& values, std::size_t frame);
+
+/// A tree with look-ups. The tree must outlive it.
+class NexusValues {
+public:
+    explicit NexusValues(const nexus::MBasicNeXusTree& tree)
+        : _tree(tree)
+    {}
+
+    const nexus::MBasicNeXusTree& tree() const { return _tree; }
+    /// The first of the paths that holds numbers; null when none does.
+    const nexus::Node* firstNumbers(const Paths& paths) const;
+
+    /// The number of a frame at the first of the paths that has one, as it stands.
+    std::optional<double> number(const Paths& paths, std::size_t frame = 0) const;
+    /// The same in the unit of the header. Without a known unit the value is taken to be in it.
+    std::optional<double> quantity(Quantity quantity, const Paths& paths,
+                                   std::size_t frame = 0) const;
+    /// A small length, whose unit is told from its magnitude when none is given.
+    std::optional<double> smallLength(const Paths& paths) const;
+    /// The first text that is not empty.
+    std::optional<std::string> text(const Paths& paths) const;
+
+    /// Paths of the groups right below a group whose class is `nxClass` or whose name begins with
+    /// `prefix`, sorted.
+    Paths groups(const std::string& parent, const std::string& nxClass,
+                 const std::string& prefix) const;
+
+private:
+    const nexus::MBasicNeXusTree& _tree;
+};
+
+}  // namespace morvend::imglib::hdf5

@@ -1,0 +1,36 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// A new HDF5 file that stays hidden until it is worth reading.
+#pragma once
+
+#include "imagelib/io/formats/hdf5/library/Hdf5Handles.h"
+
+#include <string>
+
+namespace morvend::imglib::hdf5 {
+
+/// Creates the file beside its final place under a hidden name. Once published it stays open and
+/// may grow under its final name; never published, it is removed.
+class PendingFile {
+public:
+    /// @throws MNoFileAccessException when the file can't be created
+    explicit PendingFile(const std::string& path);
+    ~PendingFile();
+    PendingFile(const PendingFile&) = delete;
+    PendingFile& operator=(const PendingFile&) = delete;
+
+    hid_t id() const { return _file.id(); }
+    const std::string& path() const { return _path; }
+    /// Writes all that the library still holds. @throws MRuntimeException
+    void flush();
+    /// Flushes and, the first time, renames to the final name. @throws MRuntimeException
+    void publish();
+
+private:
+    std::string _path;
+    std::string _temporary;  // empty once published
+    File _file;
+};
+
+}  // namespace morvend::imglib::hdf5

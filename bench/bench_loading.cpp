@@ -98,9 +98,9 @@ void fromFile(benchmark::State& state, int megapixels)
 void fromFileApart(benchmark::State& state, int megapixels)
 {
     using morvend::imglib::FormatRegistry;
-    FormatRegistry::readHdf5Apart(true);
+    FormatRegistry::readHdf5OutOfProcess(true);
     fromFile(state, megapixels);
-    FormatRegistry::readHdf5Apart(false);
+    FormatRegistry::readHdf5OutOfProcess(false);
 }
 
 void fromCache(benchmark::State& state, int megapixels)

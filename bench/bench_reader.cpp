@@ -39,32 +39,32 @@ const std::string& master(int side)
 void open(benchmark::State& state)
 {
     const std::string& path = master(static_cast<int>(state.range(0)));
-    FormatRegistry::readHdf5Apart(state.range(1) != 0);
+    FormatRegistry::readHdf5OutOfProcess(state.range(1) != 0);
     for (auto _ : state) {
         MImageSeries series(0);
         benchmark::DoNotOptimize(series.open(path));
     }
-    FormatRegistry::readHdf5Apart(false);
+    FormatRegistry::readHdf5OutOfProcess(false);
 }
 
 /// The first image of each of its series: new segments of shared memory.
 void firstImage(benchmark::State& state)
 {
     const std::string& path = master(static_cast<int>(state.range(0)));
-    FormatRegistry::readHdf5Apart(state.range(1) != 0);
+    FormatRegistry::readHdf5OutOfProcess(state.range(1) != 0);
     for (auto _ : state) {
         MImageSeries series(0);
         series.open(path);
         benchmark::DoNotOptimize(series.at(1));
     }
-    FormatRegistry::readHdf5Apart(false);
+    FormatRegistry::readHdf5OutOfProcess(false);
 }
 
 /// Images forth and back, segments and pool warm.
 void nextImage(benchmark::State& state)
 {
     const std::string& path = master(static_cast<int>(state.range(0)));
-    FormatRegistry::readHdf5Apart(state.range(1) != 0);
+    FormatRegistry::readHdf5OutOfProcess(state.range(1) != 0);
     MImageSeries series(0);
     series.open(path);
     MImage image;
@@ -73,7 +73,7 @@ void nextImage(benchmark::State& state)
         image = series.at(1 + number++ % 4);
     for (auto _ : state)
         image = series.at(1 + number++ % 4);
-    FormatRegistry::readHdf5Apart(false);
+    FormatRegistry::readHdf5OutOfProcess(false);
 }
 
 }  // namespace

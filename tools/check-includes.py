@@ -22,7 +22,10 @@ ROOMS = {
     "imagelib/io/formats/cbf": "cbf",
     "imagelib/io/formats/tiff": "tiff",
     "imagelib/io/formats/edf": "edf",
-    "imagelib/io/formats/hdf5": "hdf5",
+    "imagelib/io/formats/hdf5/library": "hdf5library",
+    "imagelib/io/formats/hdf5/frames": "hdf5frames",
+    "imagelib/io/formats/hdf5/nexus": "hdf5nexus",
+    "imagelib/io/formats/hdf5/write": "hdf5write",
     "imagelib/io/process": "ioprocess",
     "imagelib/io": "io",
     "src/MFilesystemUtils": "paths",
@@ -62,9 +65,12 @@ ARROWS = {
     "cbf": ["formatbase", "codec"],
     "tiff": ["formatbase", "codec"],
     "edf": ["formatbase", "codec"],
-    "hdf5": ["formatbase", "codec"],
+    "hdf5library": ["formatbase", "codec"],
+    "hdf5frames": ["hdf5library"],
+    "hdf5nexus": ["hdf5frames"],
+    "hdf5write": ["hdf5library"],
     "ioprocess": ["formatbase", "ipc"],
-    "io": ["cbf", "tiff", "edf", "hdf5", "ioprocess", "paths"],
+    "io": ["cbf", "tiff", "edf", "hdf5nexus", "hdf5write", "ioprocess", "paths"],
     "support": ["image"],
     "records": ["display", "support"],
     "analysis": ["records"],
@@ -78,13 +84,13 @@ ARROWS = {
     "render": ["logic", "guikit"],
     "gui": ["render"],
     "tool": ["io", "display", "logic"],
-    "reader": ["hdf5", "ioprocess"],
+    "reader": ["hdf5nexus", "ioprocess"],
     "bin": ["gui"],
     "demo": ["io"],
 }
 
 WITHOUT_QT = {"image", "paths", "codec", "display", "ipc", "formatbase", "cbf", "tiff", "edf",
-              "hdf5", "ioprocess", "io", "reader", "demo"}
+              "hdf5library", "hdf5frames", "hdf5nexus", "hdf5write", "ioprocess", "io", "reader", "demo"}
 WITH_WIDGETS = {"guikit", "render", "gui", "bin"}
 WIDGETS = re.compile(r"Q(Widget|Application|MainWindow|Dialog|MessageBox|Layout|[HV]BoxLayout"
                      r"|Label|PushButton|ToolButton|ToolBar|Splitter|OpenGLWidget|FileDialog"

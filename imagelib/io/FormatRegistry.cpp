@@ -20,13 +20,13 @@ namespace morvend::imglib {
 
 namespace {
 
-std::atomic<bool> hdf5Apart = false;
+std::atomic<bool> hdf5OutOfProcess = false;
 
-/// The program that reads apart; empty where it is not wanted or not installed.
+/// The program that reads out of process; empty where it is not wanted or not installed.
 const std::string& readerProgram()
 {
     static const std::string none;
-    if (!hdf5Apart)
+    if (!hdf5OutOfProcess)
         return none;
     const std::string& program = ReaderProcess::installedProgram();
     static std::once_flag warned;
@@ -94,7 +94,7 @@ std::uint64_t imageNeed(std::string_view head)
 
 }  // namespace
 
-void FormatRegistry::readHdf5Apart(bool apart) { hdf5Apart = apart; }
+void FormatRegistry::readHdf5OutOfProcess(bool outOfProcess) { hdf5OutOfProcess = outOfProcess; }
 
 std::unique_ptr<ImageFile> FormatRegistry::open(const ImagePath& image, const std::stop_token& stop)
 {

@@ -20,7 +20,7 @@ public:
     /// crash of the HDF5 library fails one request, or in place, as at the start. Without the
     /// program tarvik-reader beside this one they are read in place all the same, and a line on
     /// standard error says so. Files that are open stay where they are.
-    static void readHdf5Apart(bool apart);
+    static void readHdf5OutOfProcess(bool outOfProcess);
 
     /// Opens a file by its content; the name plays no part. Of an HDF5 file one data set may be
     /// meant; other files have none.

@@ -129,7 +129,7 @@ int main(int argc, char** argv)
         return *line.exitCode;
     const auto checkParent = watchParent(line);
     // Not in the preloader, which reads in place: it is a process apart already.
-    morvend::imglib::FormatRegistry::readHdf5Apart(true);
+    morvend::imglib::FormatRegistry::readHdf5OutOfProcess(true);
     switch (line.role) {
     case CommandLine::Role::Viewer:
         return leave(runViewer(application, line));

@@ -433,7 +433,7 @@ private:
 
 void writeHdf5Files(const std::string& folder, Input& script)
 {
-    quiet();
+    silenceErrors();
     registerFilters();
     Script(folder, script).run();
 }

@@ -3,6 +3,7 @@
 //
 // A script that makes HDF5 files, which are read as a series from the master and as a data file.
 #include "imagelib/image/MException.h"
+#include "imagelib/io/formats/hdf5/nexus/DatasetList.h"
 #include "imagelib/io/formats/hdf5/nexus/NexusReader.h"
 #include "tests/fuzz/Demand.h"
 #include "tests/fuzz/Hdf5Script.h"

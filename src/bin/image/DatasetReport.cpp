@@ -7,7 +7,7 @@
 #include "bin/image/CrashGuard.h"
 #include "bin/image/JsonText.h"
 #include "imagelib/io/formats/base/ImagePath.h"
-#include "imagelib/io/formats/hdf5/nexus/NexusReader.h"
+#include "imagelib/io/formats/hdf5/nexus/DatasetList.h"
 
 #include <algorithm>
 #include <array>

@@ -340,12 +340,12 @@ TEST_F(FileLoader, EndsWhileItsReaderHangs)
     const std::string path = folder / "x_master.h5";
     morvend::imglib::MHdf5Writer(path, 1, {}, morvend::imglib::MCompression::NONE)
         .write(MImage(8, 8, 1));
-    FormatRegistry::readHdf5Apart(true);
+    FormatRegistry::readHdf5OutOfProcess(true);
     auto hanging = std::make_unique<ImageLoader>();
     hanging->open(ImageLoader::TaskOpenSeries, request(path), true);
     EXPECT_TRUE(waitFor([&] { return !hanging->loading(); }));
     const std::vector<pid_t> readers = tarvik::tests::children();
-    FormatRegistry::readHdf5Apart(false);
+    FormatRegistry::readHdf5OutOfProcess(false);
     ASSERT_EQ(readers.size(), 1U);
     ASSERT_EQ(::kill(readers.front(), SIGSTOP), 0);
     for (int i = 0; i < 3; ++i)

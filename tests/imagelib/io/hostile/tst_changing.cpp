@@ -123,8 +123,8 @@ Counts readDuring(const std::string& path, int enough)
 class Changing : public testing::TestWithParam<const char*> {
 public:
     // As in the viewer: the HDF5 library may not survive what is done here.
-    void SetUp() override { FormatRegistry::readHdf5Apart(true); }
-    void TearDown() override { FormatRegistry::readHdf5Apart(false); }
+    void SetUp() override { FormatRegistry::readHdf5OutOfProcess(true); }
+    void TearDown() override { FormatRegistry::readHdf5OutOfProcess(false); }
 
     const TempFolder folder;
     const std::string extension = GetParam();
@@ -137,11 +137,11 @@ public:
     void SetUp() override
     {
         letSignalsEndPrograms();
-        FormatRegistry::readHdf5Apart(true);
+        FormatRegistry::readHdf5OutOfProcess(true);
         for (int i = 0; i < 5; ++i)
             write();
     }
-    void TearDown() override { FormatRegistry::readHdf5Apart(false); }
+    void TearDown() override { FormatRegistry::readHdf5OutOfProcess(false); }
 
     /// Lets the series grow by an image with header and mask.
     void write()
@@ -227,7 +227,7 @@ TEST_F(Apart, ImagesAndHeadersAreThoseReadInPlace)
     MImageSeries apart(0);
     EXPECT_EQ(apart.open(path), 1);
     EXPECT_EQ(children().size(), 1u);
-    FormatRegistry::readHdf5Apart(false);
+    FormatRegistry::readHdf5OutOfProcess(false);
     MImageSeries here(0);
     EXPECT_EQ(here.open(path), 1);
     EXPECT_EQ(apart.formatName(), here.formatName());

@@ -5,7 +5,6 @@
 #include "imagelib/io/formats/hdf5/frames/ChunkReader.h"
 
 #include "imagelib/image/MException.h"
-#include "imagelib/io/formats/hdf5/frames/FrameSet.h"
 
 #include <algorithm>
 #include <atomic>
@@ -58,16 +57,17 @@ hsize_t chunksIn(hsize_t extent, hsize_t chunk) { return (extent + chunk - 1) / 
 
 }  // namespace
 
-std::unique_ptr<ChunkReader> ChunkReader::make(const FrameSet& set)
+std::unique_ptr<ChunkReader> ChunkReader::make(const FrameSource& source)
 {
-    std::vector<hsize_t> extents(set.shape().rank);
-    const int rank = H5Pget_chunk(set.creation(), static_cast<int>(extents.size()), extents.data());
-    auto filters = filtersOf(set.creation());
+    std::vector<hsize_t> extents(source.shape().rank);
+    const int rank =
+        H5Pget_chunk(source.creation(), static_cast<int>(extents.size()), extents.data());
+    auto filters = filtersOf(source.creation());
     if (rank != static_cast<int>(extents.size()) || !filters || filters->empty())
         return nullptr;
     codec::ChunkPipeline pipeline;
     pipeline.filters = std::move(*filters);
-    pipeline.elementSize = set.format().storedBytes();
+    pipeline.elementSize = source.format().storedBytes();
     // The library holds chunks below 4 GiB, in which the product can't overflow.
     hsize_t bytes = pipeline.elementSize;
     for (const hsize_t extent : extents)
@@ -76,11 +76,11 @@ std::unique_ptr<ChunkReader> ChunkReader::make(const FrameSet& set)
     if (!codec::canDecode(pipeline))
         return nullptr;
     return std::unique_ptr<ChunkReader>(
-        new ChunkReader(set, FrameShape(extents), std::move(pipeline)));
+        new ChunkReader(source, FrameShape(extents), std::move(pipeline)));
 }
 
-ChunkReader::ChunkReader(const FrameSet& set, FrameShape chunk, codec::ChunkPipeline pipeline)
-    : _set(set)
+ChunkReader::ChunkReader(const FrameSource& source, FrameShape chunk, codec::ChunkPipeline pipeline)
+    : _source(source)
     , _chunk(chunk)
     , _pipeline(std::move(pipeline))
     , _serial(nextSerial())
@@ -88,7 +88,7 @@ ChunkReader::ChunkReader(const FrameSet& set, FrameShape chunk, codec::ChunkPipe
 
 bool ChunkReader::_chunkIsFrame() const
 {
-    const FrameShape& shape = _set.shape();
+    const FrameShape& shape = _source.shape();
     return _chunk.frames == 1 && _chunk.modules == shape.modules && _chunk.rows == shape.rows &&
            _chunk.columns == shape.columns;
 }
@@ -99,34 +99,34 @@ void ChunkReader::read(std::size_t frame, std::byte* pixels, ChunkCache& cache) 
         _gather(frame, pixels, cache);
         return;
     }
-    const Offset offset = _set.shape().coordinates(frame, 0, 0, 0);
+    const Offset offset = _source.shape().coordinates(frame, 0, 0, 0);
     const std::size_t stored = _storedSize(frame, offset);
     if (stored == 0) {
-        _set.fill(pixels, _set.shape().framePixels());
+        _source.fill(pixels, _source.shape().framePixels());
         return;
     }
-    if (_set.format().inPlace()) {
+    if (_source.format().inPlace()) {
         _decode(frame, offset, stored, pixels);
-        _set.format().convert({pixels, _pipeline.chunkBytes}, pixels);
+        _source.format().convert({pixels, _pipeline.chunkBytes}, pixels);
     } else {
         const PixelBufferPtr decoded = PixelBuffer::allocate(_pipeline.chunkBytes);
         _decode(frame, offset, stored, decoded->data());
-        _set.format().convert({decoded->cdata(), _pipeline.chunkBytes}, pixels);
+        _source.format().convert({decoded->cdata(), _pipeline.chunkBytes}, pixels);
     }
 }
 
 std::size_t ChunkReader::_storedSize(std::size_t frame, const Offset& offset) const
 {
     hsize_t stored = 0;
-    if (H5Dget_chunk_storage_size(_set.id(), offset.data(), &stored) < 0) {
+    if (H5Dget_chunk_storage_size(_source.id(), offset.data(), &stored) < 0) {
         const std::string reason = takeErrorText();
         if (!_wasWritten(offset))
             return 0;
-        _set.fail(frame, "can't be found: " + reason);
+        _source.fail(frame, "can't be found: " + reason);
     }
-    if (stored > _set.file()->size())
-        _set.fail(frame, "is damaged: it claims " + std::to_string(stored) +
-                             " bytes of a file of " + std::to_string(_set.file()->size()));
+    if (stored > _source.file()->size())
+        _source.fail(frame, "is damaged: it claims " + std::to_string(stored) +
+                                " bytes of a file of " + std::to_string(_source.file()->size()));
     return static_cast<std::size_t>(stored);
 }
 
@@ -137,7 +137,7 @@ bool ChunkReader::_wasWritten(const Offset& offset) const
     hsize_t size = 0;
     unsigned mask = 0;
     const herr_t status =
-        H5Dget_chunk_info_by_coord(_set.id(), offset.data(), &mask, &address, &size);
+        H5Dget_chunk_info_by_coord(_source.id(), offset.data(), &mask, &address, &size);
     takeErrorText();
     return status < 0 || address != HADDR_UNDEF;
 }
@@ -147,20 +147,20 @@ void ChunkReader::_decode(std::size_t frame, const Offset& offset, std::size_t s
 {
     const PixelBufferPtr raw = PixelBuffer::allocate(stored);
     std::uint32_t filterMask = 0;
-    if (H5Dread_chunk(_set.id(), H5P_DEFAULT, offset.data(), &filterMask, raw->data()) < 0)
-        _set.fail(frame, "can't be read");
+    if (H5Dread_chunk(_source.id(), H5P_DEFAULT, offset.data(), &filterMask, raw->data()) < 0)
+        _source.fail(frame, "can't be read");
     try {
         codec::decodeChunk(_pipeline, {raw->cdata(), stored}, filterMask,
                            {decoded, _pipeline.chunkBytes});
     } catch (const MException& error) {
         takeErrorText();
-        _set.fail(frame, std::string("is damaged: ") + error.what());
+        _source.fail(frame, std::string("is damaged: ") + error.what());
     }
 }
 
 void ChunkReader::_gather(std::size_t frame, std::byte* pixels, ChunkCache& cache) const
 {
-    const FrameShape& shape = _set.shape();
+    const FrameShape& shape = _source.shape();
     FrameShape at = shape;
     at.frames = frame / _chunk.frames * _chunk.frames;
     for (at.modules = 0; at.modules < shape.modules; at.modules += _chunk.modules)
@@ -175,7 +175,7 @@ void ChunkReader::_gather(std::size_t frame, std::byte* pixels, ChunkCache& cach
 
 PixelBufferPtr ChunkReader::_tile(std::size_t frame, const FrameShape& at, ChunkCache& cache) const
 {
-    const FrameShape& shape = _set.shape();
+    const FrameShape& shape = _source.shape();
     const hsize_t number = ((at.frames / _chunk.frames * chunksIn(shape.modules, _chunk.modules) +
                              at.modules / _chunk.modules) *
                                 chunksIn(shape.rows, _chunk.rows) +
@@ -186,15 +186,16 @@ PixelBufferPtr ChunkReader::_tile(std::size_t frame, const FrameShape& at, Chunk
     if (keep)
         if (PixelBufferPtr kept = cache.find({_serial, number}))
             return kept;
-    const PixelFormat& format = _set.format();
+    const PixelFormat& format = _source.format();
     const std::size_t count = _pipeline.chunkBytes / _pipeline.elementSize;
     const Offset offset = shape.coordinates(at.frames, at.modules, at.rows, at.columns);
     const std::size_t stored = _storedSize(frame, offset);
     if (stored == 0)
         return {};
     if (_pipeline.chunkBytes > LargeChunk && _pipeline.chunkBytes / BestRatio > stored)
-        _set.fail(frame, "is damaged: " + std::to_string(stored) + " bytes can't hold a chunk of " +
-                             std::to_string(_pipeline.chunkBytes));
+        _source.fail(frame, "is damaged: " + std::to_string(stored) +
+                                " bytes can't hold a chunk of " +
+                                std::to_string(_pipeline.chunkBytes));
     PixelBufferPtr tile = PixelBuffer::allocate(count * format.pixelBytes());
     if (format.inPlace()) {
         _decode(frame, offset, stored, tile->data());
@@ -212,8 +213,8 @@ PixelBufferPtr ChunkReader::_tile(std::size_t frame, const FrameShape& at, Chunk
 void ChunkReader::_copyTile(std::size_t frame, const FrameShape& at, const std::byte* decoded,
                             std::byte* pixels) const
 {
-    const FrameShape& shape = _set.shape();
-    const std::size_t size = _set.format().pixelBytes();
+    const FrameShape& shape = _source.shape();
+    const std::size_t size = _source.format().pixelBytes();
     const hsize_t modules = std::min(_chunk.modules, shape.modules - at.modules);
     const hsize_t rows = std::min(_chunk.rows, shape.rows - at.rows);
     const hsize_t columns = std::min(_chunk.columns, shape.columns - at.columns);
@@ -229,8 +230,8 @@ void ChunkReader::_copyTile(std::size_t frame, const FrameShape& at, const std::
 
 void ChunkReader::_fillTile(const FrameShape& at, std::byte* pixels) const
 {
-    const FrameShape& shape = _set.shape();
-    const std::size_t size = _set.format().pixelBytes();
+    const FrameShape& shape = _source.shape();
+    const std::size_t size = _source.format().pixelBytes();
     const hsize_t modules = std::min(_chunk.modules, shape.modules - at.modules);
     const hsize_t rows = std::min(_chunk.rows, shape.rows - at.rows);
     const hsize_t columns = std::min(_chunk.columns, shape.columns - at.columns);
@@ -244,7 +245,7 @@ void ChunkReader::_fillTile(const FrameShape& at, std::byte* pixels) const
             if (first)
                 std::memcpy(to, first, columns * size);
             else
-                _set.fill(to, columns);
+                _source.fill(to, columns);
             first = first ? first : to;
         }
 }

@@ -6,14 +6,12 @@
 
 #include "imagelib/codec/ChunkDecoder.h"
 #include "imagelib/io/formats/hdf5/frames/ChunkCache.h"
-#include "imagelib/io/formats/hdf5/frames/FrameShape.h"
+#include "imagelib/io/formats/hdf5/frames/FrameSource.h"
 
 #include <array>
 #include <memory>
 
 namespace morvend::imglib::hdf5 {
-
-class FrameSet;
 
 /// Reads frames from raw chunks. A chunk that is one frame is decoded straight into the image;
 /// chunks of several frames, or tiles of a frame, are gathered. Only chunks of several frames are
@@ -23,7 +21,7 @@ public:
     /// A reader for the chunks of a data set; null when its filters are not ours to decode. Also
     /// null when it has none: the library then tells the size that a chunk should have, but reads
     /// as many bytes as the file claims, past the end of any memory.
-    static std::unique_ptr<ChunkReader> make(const FrameSet& set);
+    static std::unique_ptr<ChunkReader> make(const FrameSource& source);
 
     /// Fills the pixels of a frame. @throws MRuntimeException naming frame, data set and file
     void read(std::size_t frame, std::byte* pixels, ChunkCache& cache) const;
@@ -31,7 +29,7 @@ public:
 private:
     using Offset = std::array<hsize_t, FrameShape::LargestRank>;
 
-    ChunkReader(const FrameSet& set, FrameShape chunk, codec::ChunkPipeline pipeline);
+    ChunkReader(const FrameSource& source, FrameShape chunk, codec::ChunkPipeline pipeline);
     bool _chunkIsFrame() const;
     void _gather(std::size_t frame, std::byte* pixels, ChunkCache& cache) const;
     void _copyTile(std::size_t frame, const FrameShape& at, const std::byte* decoded,
@@ -46,7 +44,7 @@ private:
     /// The pixels of a chunk, null when it was never written.
     image::PixelBufferPtr _tile(std::size_t frame, const FrameShape& at, ChunkCache& cache) const;
 
-    const FrameSet& _set;
+    const FrameSource& _source;
     FrameShape _chunk;
     codec::ChunkPipeline _pipeline;
     std::uint64_t _serial;

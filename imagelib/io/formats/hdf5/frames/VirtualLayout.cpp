@@ -1,21 +1,92 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// From a frame to the parts of its sources, and the copying of those parts.
+// From a frame to the rectangles of its sources, and the copying of those rectangles.
 #include "imagelib/io/formats/hdf5/frames/VirtualLayout.h"
 
 #include "imagelib/image/MException.h"
-#include "imagelib/io/formats/hdf5/frames/FrameSets.h"
 #include "imagelib/io/formats/hdf5/library/ExternalFiles.h"
-#include "imagelib/io/formats/hdf5/nexus/DataFileNames.h"
+#include "imagelib/io/formats/hdf5/library/SmallValues.h"
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 #include <map>
+#include <tuple>
 
 namespace morvend::imglib::hdf5 {
 
 namespace {
+
+/// The points start + i * stride + j with i < count and j < block, in this order.
+struct HyperslabRange {
+    static constexpr hsize_t Endless = std::numeric_limits<hsize_t>::max();
+
+    hsize_t start = 0;
+    hsize_t stride = 1;
+    hsize_t count = 1;
+    hsize_t block = 1;
+
+    /// Number of points; Endless for a selection that grows with its data set.
+    hsize_t points() const
+    {
+        const bool overflow = block != 0 && count > Endless / block;
+        return overflow ? Endless : count * block;
+    }
+    /// The number of a coordinate among the points; nothing when it is none of them.
+    std::optional<hsize_t> ordinal(hsize_t coordinate) const
+    {
+        if (coordinate < start || stride == 0)
+            return std::nullopt;
+        const hsize_t along = coordinate - start;
+        if (count == 1)
+            return along < block ? std::optional(along) : std::nullopt;
+        if (along / stride >= count || along % stride >= block)
+            return std::nullopt;
+        return along / stride * block + along % stride;
+    }
+    /// The coordinate of a point. Endless when there is no such coordinate.
+    hsize_t at(hsize_t ordinal) const
+    {
+        if (block == 0 || ordinal >= points())
+            return Endless;
+        const hsize_t step = ordinal / block;
+        if (stride != 0 && step > (Endless - start - block) / stride)
+            return Endless;
+        return start + step * stride + ordinal % block;
+    }
+    /// No gaps between the points?
+    bool contiguous() const { return count == 1 || stride == block; }
+
+    /// The selection of a data space, one range a dimension; nothing when it is not regular.
+    static std::optional<std::vector<HyperslabRange>> of(hid_t space);
+};
+
+static_assert(H5S_UNLIMITED == HyperslabRange::Endless);
+
+std::optional<std::vector<HyperslabRange>> HyperslabRange::of(hid_t space)
+{
+    const auto shape = extents(space);
+    if (!shape || shape->empty())
+        return std::nullopt;
+    const std::size_t rank = shape->size();
+    std::vector<HyperslabRange> ranges(rank);
+    const H5S_sel_type kind = H5Sget_select_type(space);
+    if (kind == H5S_SEL_ALL) {
+        for (std::size_t i = 0; i < rank; ++i)
+            ranges[i].block = (*shape)[i];
+        return ranges;
+    }
+    if (kind != H5S_SEL_HYPERSLABS || H5Sis_regular_hyperslab(space) <= 0)
+        return std::nullopt;
+    std::vector<hsize_t> start(rank), stride(rank), count(rank), block(rank);
+    if (H5Sget_regular_hyperslab(space, start.data(), stride.data(), count.data(), block.data()) <
+        0)
+        return std::nullopt;
+    for (std::size_t i = 0; i < rank; ++i)
+        ranges[i] = {start[i], stride[i], count[i], block[i]};
+    return ranges;
+}
 
 constexpr std::size_t MostMappings = 1'000'000;
 constexpr hsize_t MostNamedBlocks = 1'000'000;
@@ -63,7 +134,25 @@ std::vector<hsize_t> leadingPoints(const std::vector<HyperslabRange>& ranges, bo
 
 }  // namespace
 
-VirtualLayout::VirtualLayout(const FrameSet& set)
+/// A box of the virtual data set and the equally large one of a source.
+struct VirtualLayout::Mapping {
+    std::string file;  // may hold "%b", the number of the block of an endless selection
+    std::string path;
+    std::vector<HyperslabRange> target;
+    std::vector<HyperslabRange> source;  // empty: the whole data set, whatever its extents
+};
+/// A rectangle of a source frame, and where in the image it goes.
+struct VirtualLayout::SourceRectangle {
+    ObjectPath source;
+    bool ofWhole = false;  // then `frame` counts modules too, until the source is known
+    hsize_t frame = 0;
+    hsize_t module = 0;
+    hsize_t fromRow = 0, fromColumn = 0;
+    hsize_t toRow = 0, toColumn = 0;
+    hsize_t rows = 0, columns = 0;
+};
+
+VirtualLayout::VirtualLayout(const FrameSource& set)
     : _set(set)
 {
     std::size_t count = 0;
@@ -72,6 +161,8 @@ VirtualLayout::VirtualLayout(const FrameSet& set)
     for (std::size_t i = 0; i < count; ++i)
         _addMapping(i);
 }
+
+VirtualLayout::~VirtualLayout() = default;
 
 void VirtualLayout::_addMapping(std::size_t index)
 {
@@ -121,26 +212,26 @@ bool VirtualLayout::_followable(const Mapping& mapping)
     return whole || leadingPoints(target, perBlock) == leadingPoints(source, false);
 }
 
-void VirtualLayout::_setSource(Part& part, const Mapping& mapping, hsize_t index)
+void VirtualLayout::_setOrigin(SourceRectangle& rectangle, const Mapping& mapping, hsize_t index)
 {
     const auto& source = mapping.source;
-    part.ofWhole = source.empty();
-    if (part.ofWhole) {
-        part.frame = index;
+    rectangle.ofWhole = source.empty();
+    if (rectangle.ofWhole) {
+        rectangle.frame = index;
         return;
     }
     if (source.size() > 3) {
         const hsize_t points = std::max<hsize_t>(source[1].points(), 1);
-        part.module = source[1].at(index % points);
+        rectangle.module = source[1].at(index % points);
         index /= points;
     }
     if (source.size() > 2)
-        part.frame = source[0].at(index);
-    part.fromRow = source[source.size() - 2].start;
-    part.fromColumn = source[source.size() - 1].start;
+        rectangle.frame = source[0].at(index);
+    rectangle.fromRow = source[source.size() - 2].start;
+    rectangle.fromColumn = source[source.size() - 1].start;
 }
 
-Place VirtualLayout::_sourceOf(const Mapping& mapping, hsize_t block) const
+ObjectPath VirtualLayout::_sourceOf(const Mapping& mapping, hsize_t block) const
 {
     const std::string& own = _set.file()->path();
     std::string path = numbered(mapping.path, block);
@@ -149,7 +240,7 @@ Place VirtualLayout::_sourceOf(const Mapping& mapping, hsize_t block) const
     const std::string file = numbered(mapping.file, block);
     if (file == ".")
         return {own, path};
-    const std::string located = Hdf5Files::locate(own, file);
+    const std::string located = OpenFiles::locate(own, file);
     // Some writers store their own file's name, which a renamed file no longer has.
     if (!FileState::of(located).exists() && path != _set.path() &&
         H5Lexists(_set.file()->id(), path.c_str(), H5P_DEFAULT) > 0)
@@ -158,8 +249,8 @@ Place VirtualLayout::_sourceOf(const Mapping& mapping, hsize_t block) const
     return {located, path};
 }
 
-void VirtualLayout::_addParts(const Mapping& mapping, std::size_t frame,
-                              std::vector<Part>& parts) const
+void VirtualLayout::_addRectangles(const Mapping& mapping, std::size_t frame,
+                                   std::vector<SourceRectangle>& rectangles) const
 {
     const auto& target = mapping.target;
     hsize_t ordinal = 0;
@@ -179,54 +270,54 @@ void VirtualLayout::_addParts(const Mapping& mapping, std::size_t frame,
     const HyperslabRange& toColumns = target[target.size() - 1];
     const hsize_t modules = std::min(module.points(), _set.shape().modules);
     for (hsize_t each = 0; each < modules; ++each) {
-        Part part;
-        part.place = _sourceOf(mapping, block);
-        _setSource(part, mapping, ordinal * module.points() + each);
-        part.toRow = module.at(each) * _set.shape().rows + toRows.start;
-        part.toColumn = toColumns.start;
-        part.rows = toRows.points();
-        part.columns = toColumns.points();
-        parts.push_back(std::move(part));
+        SourceRectangle rectangle;
+        rectangle.source = _sourceOf(mapping, block);
+        _setOrigin(rectangle, mapping, ordinal * module.points() + each);
+        rectangle.toRow = module.at(each) * _set.shape().rows + toRows.start;
+        rectangle.toColumn = toColumns.start;
+        rectangle.rows = toRows.points();
+        rectangle.columns = toColumns.points();
+        rectangles.push_back(std::move(rectangle));
     }
 }
 
-std::vector<VirtualLayout::Part> VirtualLayout::_parts(std::size_t frame) const
+std::vector<VirtualLayout::SourceRectangle> VirtualLayout::_rectanglesOf(std::size_t frame) const
 {
-    std::vector<Part> parts;
+    std::vector<SourceRectangle> rectangles;
     for (const Mapping& mapping : _mappings)
-        _addParts(mapping, frame, parts);
-    return parts;
+        _addRectangles(mapping, frame, rectangles);
+    return rectangles;
 }
 
-std::optional<MImage> VirtualLayout::read(std::size_t frame, FrameSets& sets) const
+std::optional<MImage> VirtualLayout::read(std::size_t frame, SourceOpener& sources) const
 {
-    const FrameSets::Level level(sets, _set.file()->path());
+    const SourceOpener::Level level(sources, _set.file()->path());
     if (!_regular) {
-        _openAllSources(sets);
+        _openAllSources(sources);
         return std::nullopt;
     }
-    std::vector<Part> parts = _parts(frame);
+    std::vector<SourceRectangle> rectangles = _rectanglesOf(frame);
     // Parts of one source frame often follow each other: the chips of a module with their gaps.
     std::map<std::tuple<std::string, std::string, hsize_t>, MImage> read;
     MImage image;
-    for (Part& part : parts) {
-        const FrameSetPtr source = sets.at(part.place);
-        if (part.ofWhole) {
-            part.module = part.frame % source->shape().modules;
-            part.frame /= source->shape().modules;
+    for (SourceRectangle& rectangle : rectangles) {
+        const FrameSourcePtr source = sources.at(rectangle.source);
+        if (rectangle.ofWhole) {
+            rectangle.module = rectangle.frame % source->shape().modules;
+            rectangle.frame /= source->shape().modules;
         }
-        _checkPart(part, *source);
-        MImage& from = read[{part.place.file, part.place.path, part.frame}];
+        _checkFits(rectangle, *source);
+        MImage& from = read[{rectangle.source.file, rectangle.source.path, rectangle.frame}];
         if (from.empty())
-            from = source->read(static_cast<std::size_t>(part.frame), sets);
-        if (parts.size() == 1 && _isWholeFrame(part, *source))
+            from = source->read(static_cast<std::size_t>(rectangle.frame), sources);
+        if (rectangles.size() == 1 && _isWholeFrame(rectangle, *source))
             return from;
         if (image.empty()) {
             image = MImage(_set.shape().width(), _set.shape().height(), _set.format().type(),
                            _set.format().bits());
             _set.fill(static_cast<std::byte*>(image.data()), image.size());
         }
-        _copy(part, *source, from, static_cast<std::byte*>(image.data()));
+        _copy(rectangle, *source, from, static_cast<std::byte*>(image.data()));
     }
     if (image.empty()) {
         image = MImage(_set.shape().width(), _set.shape().height(), _set.format().type(),
@@ -236,51 +327,51 @@ std::optional<MImage> VirtualLayout::read(std::size_t frame, FrameSets& sets) co
     return image;
 }
 
-bool VirtualLayout::_isWholeFrame(const Part& part, const FrameSet& source) const
+bool VirtualLayout::_isWholeFrame(const SourceRectangle& rectangle, const FrameSource& source) const
 {
     const FrameShape& mine = _set.shape();
     const FrameShape& theirs = source.shape();
-    return mine.modules == 1 && theirs.modules == 1 && part.rows == mine.rows &&
-           part.columns == mine.columns && theirs.rows == mine.rows &&
+    return mine.modules == 1 && theirs.modules == 1 && rectangle.rows == mine.rows &&
+           rectangle.columns == mine.columns && theirs.rows == mine.rows &&
            theirs.columns == mine.columns && source.format().sameAs(_set.format());
 }
 
-void VirtualLayout::_checkPart(const Part& part, const FrameSet& source) const
+void VirtualLayout::_checkFits(const SourceRectangle& rectangle, const FrameSource& source) const
 {
     const FrameShape& from = source.shape();
     const FrameShape& to = _set.shape();
     const auto within = [](hsize_t start, hsize_t count, hsize_t extent) {
         return start <= extent && count <= extent - start;
     };
-    if (part.frame >= from.frames)
+    if (rectangle.frame >= from.frames)
         throw MRuntimeException("HDF5: " + source.path() + " has " + std::to_string(from.frames) +
                                 " frames, " + _set.path() + " of " + _set.file()->path() +
                                 " asks it for more: " + source.file()->path());
-    if (part.module >= from.modules || !within(part.fromRow, part.rows, from.rows) ||
-        !within(part.fromColumn, part.columns, from.columns) ||
-        !within(part.toRow, part.rows, to.modules * to.rows) ||
-        !within(part.toColumn, part.columns, to.columns))
+    if (rectangle.module >= from.modules || !within(rectangle.fromRow, rectangle.rows, from.rows) ||
+        !within(rectangle.fromColumn, rectangle.columns, from.columns) ||
+        !within(rectangle.toRow, rectangle.rows, to.modules * to.rows) ||
+        !within(rectangle.toColumn, rectangle.columns, to.columns))
         throw MRuntimeException("HDF5: " + _set.path() + " of " + _set.file()->path() +
                                 " does not fit the frames of " + source.path() + ": " +
                                 source.file()->path());
 }
 
-void VirtualLayout::_copy(const Part& part, const FrameSet& source, const MImage& from,
-                          std::byte* pixels) const
+void VirtualLayout::_copy(const SourceRectangle& rectangle, const FrameSource& source,
+                          const MImage& from, std::byte* pixels) const
 {
     const PixelFormat& to = _set.format();
     const bool same = source.format().sameAs(to);
-    const std::size_t columns = static_cast<std::size_t>(part.columns);
+    const std::size_t columns = static_cast<std::size_t>(rectangle.columns);
     const std::size_t fromSize = source.format().pixelBytes();
     const std::size_t toSize = to.pixelBytes();
     std::vector<std::byte> row(columns * std::max(fromSize, toSize));
     const auto* stored = static_cast<const std::byte*>(from.cdata());
-    for (hsize_t y = 0; y < part.rows; ++y) {
-        const hsize_t fromRow = part.module * source.shape().rows + part.fromRow + y;
+    for (hsize_t y = 0; y < rectangle.rows; ++y) {
+        const hsize_t fromRow = rectangle.module * source.shape().rows + rectangle.fromRow + y;
         const std::byte* begin =
-            stored + (fromRow * source.shape().columns + part.fromColumn) * fromSize;
+            stored + (fromRow * source.shape().columns + rectangle.fromColumn) * fromSize;
         std::byte* end =
-            pixels + ((part.toRow + y) * _set.shape().columns + part.toColumn) * toSize;
+            pixels + ((rectangle.toRow + y) * _set.shape().columns + rectangle.toColumn) * toSize;
         if (same) {
             std::memcpy(end, begin, columns * toSize);
             continue;
@@ -293,32 +384,33 @@ void VirtualLayout::_copy(const Part& part, const FrameSet& source, const MImage
     }
 }
 
-void VirtualLayout::_openAllSources(FrameSets& sets) const
+void VirtualLayout::_openAllSources(SourceOpener& sources) const
 {
     const std::string who = _set.path() + " of " + _set.file()->path();
     for (const Mapping& mapping : _mappings) {
         if (isNumbered(mapping.file) || isNumbered(mapping.path))
             throw MRuntimeException("HDF5: the numbered sources of " + who +
                                     " are selected in a way that can't be followed");
-        const Place place = _sourceOf(mapping, 0);
-        const auto found = sets.files().find(sets.files().file(place.file), place.path);
+        const ObjectPath source = _sourceOf(mapping, 0);
+        const auto found = sources.files().find(sources.files().file(source.file), source.path);
         if (!found || !found->isDataset())
-            throw MRuntimeException("HDF5: there is no data set " + place.path +
-                                    ", of which frames are made: " + place.file);
+            throw MRuntimeException("HDF5: there is no data set " + source.path +
+                                    ", of which frames are made: " + source.file);
         // The library would follow virtual sources without end if they refer to each other.
         const Properties creation(H5Dget_create_plist(found->object.id()));
         if (H5Pget_layout(creation.id()) == H5D_VIRTUAL)
             throw MRuntimeException("HDF5: virtual sources are selected by " + who +
-                                    " in a way that can't be followed: " + place.file);
-        checkExternalFiles(creation.id(), place.path, place.file);
+                                    " in a way that can't be followed: " + source.file);
+        checkExternalFiles(creation.id(), source.path, source.file);
     }
 }
 
 std::string VirtualLayout::holder(std::size_t frame) const
 {
     if (_regular)
-        if (const std::vector<Part> parts = _parts(frame); !parts.empty())
-            return parts.front().place.file;
+        if (const std::vector<SourceRectangle> rectangles = _rectanglesOf(frame);
+            !rectangles.empty())
+            return rectangles.front().source.file;
     return _set.file()->path();
 }
 

@@ -4,10 +4,7 @@
 // Frames of a virtual data set, read from its sources.
 #pragma once
 
-#include "imagelib/image/MImage.h"
-#include "imagelib/io/formats/hdf5/frames/HyperslabRange.h"
-#include "imagelib/io/formats/hdf5/library/Hdf5Files.h"
-#include "imagelib/io/formats/hdf5/library/PixelFormat.h"
+#include "imagelib/io/formats/hdf5/frames/FrameSource.h"
 
 #include <optional>
 #include <string>
@@ -15,57 +12,46 @@
 
 namespace morvend::imglib::hdf5 {
 
-class FrameSet;
-class FrameSets;
-
 /// The mappings of a virtual data set. The library reads a source that it can't open as the fill
 /// value, without an error, and can't hand out its raw chunks; so we look up which source holds
-/// which part of a frame and read it there. Parts that no source has show the fill value.
+/// which rectangle of a frame and read it there. Pixels that no source has show the fill value.
 class VirtualLayout {
 public:
     /// Reads the mappings of a data set, which must outlive this.
-    explicit VirtualLayout(const FrameSet& set);
+    explicit VirtualLayout(const FrameSource& set);
+    ~VirtualLayout();
 
     /// A frame; nothing when the mappings are too irregular to follow: then the library can read
     /// it, as all sources have been found to open.
     /// @throws MException naming the source that can't be opened or has too few frames
-    std::optional<MImage> read(std::size_t frame, FrameSets& sets) const;
+    std::optional<MImage> read(std::size_t frame, SourceOpener& sources) const;
 
     std::string holder(std::size_t frame) const;
     std::optional<std::size_t> firstFrameIn(const std::string& file) const;
 
 private:
-    /// A box of the virtual data set and the equally large one of a source.
-    struct Mapping {
-        std::string file;  // may hold "%b", the number of the block of an endless selection
-        std::string path;
-        std::vector<HyperslabRange> target;
-        std::vector<HyperslabRange> source;  // empty: the whole data set, whatever its extents
-    };
-    /// A rectangle of a source frame that goes to a place of the image.
-    struct Part {
-        Place place;
-        bool ofWhole = false;  // then `frame` counts modules too, until the source is known
-        hsize_t frame = 0;
-        hsize_t module = 0;
-        hsize_t fromRow = 0, fromColumn = 0;
-        hsize_t toRow = 0, toColumn = 0;
-        hsize_t rows = 0, columns = 0;
-    };
+    struct Mapping;          // a box of this data set and the box of the source that fills it
+    struct SourceRectangle;  // of a source frame, and where in the image it goes
 
+    /// Reads one mapping as the library has it; one that can't be followed makes all irregular.
     void _addMapping(std::size_t index);
     static bool _followable(const Mapping& mapping);
-    static void _setSource(Part& part, const Mapping& mapping, hsize_t index);
-    void _addParts(const Mapping& mapping, std::size_t frame, std::vector<Part>& parts) const;
-    std::vector<Part> _parts(std::size_t frame) const;
-    Place _sourceOf(const Mapping& mapping, hsize_t block) const;
-    bool _isWholeFrame(const Part& part, const FrameSet& source) const;
-    void _checkPart(const Part& part, const FrameSet& source) const;
-    void _copy(const Part& part, const FrameSet& source, const MImage& from,
+    /// Where in the source the rectangle lies that is the `index`th of its mapping.
+    static void _setOrigin(SourceRectangle& rectangle, const Mapping& mapping, hsize_t index);
+    void _addRectangles(const Mapping& mapping, std::size_t frame,
+                        std::vector<SourceRectangle>& rectangles) const;
+    std::vector<SourceRectangle> _rectanglesOf(std::size_t frame) const;
+    /// The data set that a mapping names, of a numbered one that of a block.
+    ObjectPath _sourceOf(const Mapping& mapping, hsize_t block) const;
+    bool _isWholeFrame(const SourceRectangle& rectangle, const FrameSource& source) const;
+    void _checkFits(const SourceRectangle& rectangle, const FrameSource& source) const;
+    void _copy(const SourceRectangle& rectangle, const FrameSource& source, const MImage& from,
                std::byte* pixels) const;
-    void _openAllSources(FrameSets& sets) const;
+    /// Finds each source, for the library reads one that it can't open as the fill value.
+    /// @throws MException naming the source
+    void _openAllSources(SourceOpener& sources) const;
 
-    const FrameSet& _set;
+    const FrameSource& _set;
     std::vector<Mapping> _mappings;
     bool _regular = true;
 };

@@ -20,7 +20,7 @@ herr_t keepFirst(unsigned, const H5E_error2_t* error, void* target)
 
 }  // namespace
 
-void quiet()
+void silenceErrors()
 {
     thread_local const bool done = H5Eset_auto2(H5E_DEFAULT, nullptr, nullptr) >= 0;
     static_cast<void>(done);

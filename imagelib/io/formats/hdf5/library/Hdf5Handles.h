@@ -12,8 +12,8 @@
 namespace morvend::imglib::hdf5 {
 
 /// Stops the library from printing errors on standard error, for the calling thread. Every entry
-/// into this room calls it first: the switch belongs to the thread, not to the process.
-void quiet();
+/// into the reader calls it first: the switch belongs to the thread, not to the process.
+void silenceErrors();
 
 /// The innermost reason on the calling thread's error stack, empty when there is none. Clears it.
 std::string takeErrorText();

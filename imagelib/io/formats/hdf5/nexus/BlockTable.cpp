@@ -21,12 +21,12 @@ constexpr std::size_t Samples = 6;
 constexpr std::size_t MostFrames = std::size_t(1) << 32;
 
 /// The frames that a block counts for.
-std::size_t countable(const FrameSet& set) { return std::min(set.frames(), MostFrames); }
+std::size_t countable(const FrameSource& set) { return std::min(set.frames(), MostFrames); }
 
 }  // namespace
 
-BlockTable::BlockTable(FrameSets& sets, std::string master, const std::vector<std::string>& links,
-                       std::size_t planned)
+BlockTable::BlockTable(OpenFrameSets& sets, std::string master,
+                       const std::vector<std::string>& links, std::size_t planned)
     : _sets(&sets)
     , _master(std::move(master))
     , _planned(planned)
@@ -34,43 +34,43 @@ BlockTable::BlockTable(FrameSets& sets, std::string master, const std::vector<st
     for (const std::string& link : links)
         _blocks.push_back({link, std::nullopt, std::nullopt});
     _findEnd();
-    _settle();
+    _countBlocks();
 }
 
-BlockTable::BlockTable(FrameSets& sets, std::vector<Place> places)
+BlockTable::BlockTable(OpenFrameSets& sets, std::vector<ObjectPath> datasets)
     : _sets(&sets)
 {
-    for (Place& place : places)
-        _blocks.push_back({place.path, std::move(place), std::nullopt});
+    for (ObjectPath& dataset : datasets)
+        _blocks.push_back({dataset.path, std::move(dataset), std::nullopt});
     _findEnd();
-    _settle();
+    _countBlocks();
 }
 
-const Place& BlockTable::_place(Block& block)
+const ObjectPath& BlockTable::_target(Block& block)
 {
-    if (!block.place)
-        block.place = _sets->files().target(_sets->files().file(_master), block.link);
-    return *block.place;
+    if (!block.target)
+        block.target = _sets->files().target(_sets->files().file(_master), block.link);
+    return *block.target;
 }
 
-FrameSetPtr BlockTable::_setOf(Block& block)
+FrameSourcePtr BlockTable::_setOf(Block& block)
 {
-    return fromLink(block.link, _master, [&] { return _sets->at(_place(block)); });
+    return fromLink(block.link, _master, [&] { return _sets->at(_target(block)); });
 }
 
-bool BlockTable::_exists(Block& block)
+bool BlockTable::_fileExists(Block& block)
 {
     try {
-        return FileState::of(_place(block).file).exists();
+        return FileState::of(_target(block).file).exists();
     } catch (const MException&) {
         return false;  // a damaged link leads to nothing that exists
     }
 }
 
-bool BlockTable::_leadsTo(Block& block, const std::string& name)
+bool BlockTable::_leadsToFile(Block& block, const std::string& name)
 {
     try {
-        return baseName(_place(block).file) == name;
+        return baseName(_target(block).file) == name;
     } catch (const MException&) {
         return false;  // a damaged link leads nowhere
     }
@@ -79,7 +79,7 @@ bool BlockTable::_leadsTo(Block& block, const std::string& name)
 void BlockTable::_findEnd()
 {
     std::size_t end = _blocks.size();
-    while (end > _end && !_exists(_blocks[end - 1]))
+    while (end > _end && !_fileExists(_blocks[end - 1]))
         --end;
     _end = std::max(_end, end);
     if (_end == 0)
@@ -88,7 +88,7 @@ void BlockTable::_findEnd()
 
 void BlockTable::_failWithoutBlocks()
 {
-    const Place& first = _place(_blocks.front());  // throws when its link is what is wrong
+    const ObjectPath& first = _target(_blocks.front());  // throws when its link is what is wrong
     const std::string link = ", to which the link " + _blocks.front().link + " leads: ";
     if (_blocks.size() == 1)
         throw MNoFileAccessException("HDF5: the data file " + first.file + " does not exist" +
@@ -97,7 +97,7 @@ void BlockTable::_failWithoutBlocks()
                                  " data files exists, the first is " + first.file + link + _master);
 }
 
-bool BlockTable::_open(std::size_t block)
+bool BlockTable::_countBlock(std::size_t block)
 {
     Block& mine = _blocks[block];
     if (mine.frames)
@@ -113,41 +113,41 @@ bool BlockTable::_open(std::size_t block)
     }
 }
 
-void BlockTable::_settle()
+void BlockTable::_countBlocks()
 {
     std::size_t first = 0;
-    while (first < _end && !_open(first))
+    while (first < _end && !_countBlock(first))
         ++first;
     if (first == _end)
         std::rethrow_exception(_firstFailure);
     _common = *_blocks[first].frames;
-    _open(_end - 1);
-    _sum();
-    if (_end <= 3 || _common == 0 || _middleDiffers()) {
-        _countAll();
-    } else if (_proved(_frames)) {
+    _countBlock(_end - 1);
+    _updateStarts();
+    if (_end <= 3 || _common == 0 || _anyDiffersFromFirst()) {
+        _countAllBlocks();
+    } else if (_isProved(_frames)) {
         _certainty = Certainty::Proved;
     } else if (_end > AlwaysCounted && _samplesAgree()) {
         _certainty = Certainty::Estimated;
     } else {
-        _countAll();
+        _countAllBlocks();
     }
 }
 
-bool BlockTable::_proved(std::size_t total)
+bool BlockTable::_isProved(std::size_t total)
 {
     if (total == _planned)
         return true;
-    const auto first = _imageNumber(0);
-    const auto last = _imageNumber(_end - 1);
+    const auto first = _firstImageNumber(0);
+    const auto last = _firstImageNumber(_end - 1);
     return first && last && *last >= *first &&
-           static_cast<unsigned long long>(*last - *first) == total - _size(_end - 1);
+           static_cast<unsigned long long>(*last - *first) == total - _framesOf(_end - 1);
 }
 
-std::optional<long long> BlockTable::_imageNumber(std::size_t block)
+std::optional<long long> BlockTable::_firstImageNumber(std::size_t block)
 {
     try {
-        const FrameSetPtr set = _sets->at(_place(_blocks[block]));
+        const FrameSourcePtr set = _sets->at(_target(_blocks[block]));
         const auto value = readAttribute(set->id(), "image_nr_low");
         const auto* number = value ? std::get_if<std::int64_t>(&*value) : nullptr;
         return number ? std::optional<long long>(*number) : std::nullopt;
@@ -159,64 +159,64 @@ std::optional<long long> BlockTable::_imageNumber(std::size_t block)
 bool BlockTable::_samplesAgree()
 {
     for (std::size_t i = 1; i <= Samples; ++i)
-        _open(i * (_end - 1) / (Samples + 1));
-    return !_middleDiffers();
+        _countBlock(i * (_end - 1) / (Samples + 1));
+    return !_anyDiffersFromFirst();
 }
 
-std::size_t BlockTable::_size(std::size_t block) const
+std::size_t BlockTable::_framesOf(std::size_t block) const
 {
     return _blocks[block].frames.value_or(_common);
 }
 
-bool BlockTable::_middleDiffers() const
+bool BlockTable::_anyDiffersFromFirst() const
 {
     return std::any_of(_blocks.begin(), _blocks.begin() + static_cast<std::ptrdiff_t>(_end) - 1,
                        [&](const Block& each) { return each.frames.value_or(_common) != _common; });
 }
 
-void BlockTable::_countAll()
+void BlockTable::_countAllBlocks()
 {
     for (std::size_t i = 0; i < _end; ++i)
-        _open(i);
+        _countBlock(i);
     _certainty = Certainty::Counted;
-    _sum();
+    _updateStarts();
 }
 
-void BlockTable::_sum()
+void BlockTable::_updateStarts()
 {
     _starts.assign(1, 0);
     for (std::size_t i = 0; i < _end; ++i)
-        _starts.push_back(_starts.back() + _size(i));
+        _starts.push_back(_starts.back() + _framesOf(i));
     _frames = _starts.back();
 }
 
-std::optional<BlockTable::Position> BlockTable::_position(std::size_t position) const
+std::optional<BlockTable::BlockFrame> BlockTable::_blockOf(std::size_t position) const
 {
     if (position >= _frames)
         return std::nullopt;
     const auto after = std::upper_bound(_starts.begin(), _starts.end(), position);
     const auto block = static_cast<std::size_t>(after - _starts.begin()) - 1;
-    return Position{block, position - _starts[block]};
+    return BlockFrame{block, position - _starts[block]};
 }
 
-BlockTable::Spot BlockTable::spot(std::size_t position)
+FrameLocation BlockTable::locate(std::size_t position)
 {
     // Each round makes more blocks known, hence there are few.
     for (;;) {
-        const auto at = _position(position);
+        const auto at = _blockOf(position);
         if (!at)
             throw MOutOfRangeException("HDF5: there is no image " + std::to_string(position + 1) +
                                        ", the series has " + std::to_string(_frames) + ": " +
-                                       (_master.empty() ? _blocks.front().place->file : _master));
+                                       (_master.empty() ? _blocks.front().target->file : _master));
         if (_certainty == Certainty::Estimated && (at->block > 0 || _asked)) {
-            _countAll();
+            _countAllBlocks();
             continue;
         }
         _asked = true;
-        FrameSetPtr set = _setOf(_blocks[at->block]);
+        FrameSourcePtr set = _setOf(_blocks[at->block]);
         _blocks[at->block].frames = _blocks[at->block].frames.value_or(countable(*set));
         if (*_blocks[at->block].frames != _starts[at->block + 1] - _starts[at->block]) {
-            _countAll();
+            _countAllBlocks();
             continue;
         }
         return {std::move(set), at->frame, _blocks[at->block].link};
@@ -225,17 +225,18 @@ BlockTable::Spot BlockTable::spot(std::size_t position)
 
 std::string BlockTable::path(std::size_t position)
 {
-    const auto at = _position(position);
+    const auto at = _blockOf(position);
     if (!at)
         return _master;
     try {
         Block& block = _blocks[at->block];
-        const std::string file = _place(block).file;
-        const FrameSetPtr set = FileState::of(file).exists() ? _sets->at(*block.place) : nullptr;
+        const std::string file = _target(block).file;
+        const FrameSourcePtr set =
+            FileState::of(file).exists() ? _sets->at(*block.target) : nullptr;
         return set && at->frame < set->frames() ? set->holder(at->frame) : file;
     } catch (const MException&) {
         const Block& block = _blocks[at->block];
-        return block.place ? block.place->file : _master;
+        return block.target ? block.target->file : _master;
     }
 }
 
@@ -243,14 +244,14 @@ std::optional<std::size_t> BlockTable::firstFrameIn(const std::string& file)
 {
     const std::string wanted = baseName(file);
     for (std::size_t i = 0; i < _end; ++i) {
-        if (!_leadsTo(_blocks[i], wanted))
+        if (!_leadsToFile(_blocks[i], wanted))
             continue;
         if (_certainty == Certainty::Estimated && i > 0)
-            _countAll();
+            _countAllBlocks();
         return _starts[i];
     }
     if (_end == 1)
-        return _sets->at(_place(_blocks.front()))->firstFrameIn(file);
+        return _sets->at(_target(_blocks.front()))->firstFrameIn(file);
     return std::nullopt;
 }
 
@@ -261,7 +262,7 @@ void BlockTable::update()
         _blocks[i].frames.reset();
     _firstFailure = nullptr;
     _findEnd();
-    _settle();
+    _countBlocks();
 }
 
 }  // namespace morvend::imglib::hdf5

@@ -4,7 +4,7 @@
 // Which frame of a series lies in which block, found with as few files opened as possible.
 #pragma once
 
-#include "imagelib/io/formats/hdf5/frames/FrameSets.h"
+#include "imagelib/io/formats/hdf5/frames/OpenFrameSets.h"
 
 #include <exception>
 #include <optional>
@@ -12,6 +12,13 @@
 #include <vector>
 
 namespace morvend::imglib::hdf5 {
+
+/// Where a frame of a series lies.
+struct FrameLocation {
+    FrameSourcePtr set;
+    std::size_t frame = 0;
+    std::string link;  // path of its block in the master
+};
 
 /// The blocks of a series, of which more may be planned than exist: the series ends with the last
 /// whose file exists.
@@ -22,8 +29,7 @@ namespace morvend::imglib::hdf5 {
 ///   the planned number of images agree with it;
 /// - never, in short series without such a proof: all blocks are counted;
 /// - for the time being, in longer ones where six more blocks agree: the first block shows its
-/// first
-///   image at once, and all are counted when the next image is asked for.
+///   first image at once, and all are counted when the next image is asked for.
 /// A block that turns out different has all of them counted. A block that can't be opened counts
 /// as one of the common size, so that its neighbours keep their numbers.
 /// Thread: callers take turns.
@@ -33,63 +39,68 @@ public:
     /// @param links    paths of the blocks in it; may be empty
     /// @param planned  images that the metadata announce, 0 when they don't
     /// @throws MException when no block exists or none can be opened
-    BlockTable(FrameSets& sets, std::string master, const std::vector<std::string>& links,
+    BlockTable(OpenFrameSets& sets, std::string master, const std::vector<std::string>& links,
                std::size_t planned);
     /// Blocks in data files of their own, without a master.
-    BlockTable(FrameSets& sets, std::vector<Place> places);
+    BlockTable(OpenFrameSets& sets, std::vector<ObjectPath> datasets);
 
     /// Frames of the series.
     std::size_t frames() const { return _frames; }
     std::size_t blocks() const { return _end; }
 
-    struct Spot {
-        FrameSetPtr set;
-        std::size_t frame = 0;
-        std::string link;  // path of its block in the master
-    };
     /// The data set and the frame in it. May correct frames().
     /// @throws MException naming master, link and file when the block can't be opened
-    Spot spot(std::size_t position);
+    FrameLocation locate(std::size_t position);
     /// The file that holds a frame, also of a block that can't be opened.
     std::string path(std::size_t position);
     /// The first frame whose pixels lie in a file, by its base name.
     std::optional<std::size_t> firstFrameIn(const std::string& file);
 
-    /// Looks for new blocks and counts the last ones anew. A table that threw is of no more use:
-    /// update a copy.
+    /// Looks for new blocks and counts the last ones anew. A table that threw can't be
+    /// used any more: update a copy.
     void update();
 
 private:
     enum class Certainty { Estimated, Proved, Counted };
     struct Block {
         std::string link;
-        std::optional<Place> place;
+        std::optional<ObjectPath> target;   // where the link leads, once looked at
         std::optional<std::size_t> frames;  // once opened
     };
-    struct Position {
+    struct BlockFrame {
         std::size_t block = 0;
         std::size_t frame = 0;
     };
 
-    const Place& _place(Block& block);
+    /// Where the block's link leads. @throws MException when the link is damaged
+    const ObjectPath& _target(Block& block);
     /// The block's data set, opened. @throws MException naming master, link and file
-    FrameSetPtr _setOf(Block& block);
-    bool _exists(Block& block);
-    bool _leadsTo(Block& block, const std::string& name);
+    FrameSourcePtr _setOf(Block& block);
+    bool _fileExists(Block& block);
+    bool _leadsToFile(Block& block, const std::string& name);
+    /// Sets the end after the last block whose file exists; it never moves back.
     void _findEnd();
     [[noreturn]] void _failWithoutBlocks();
-    void _settle();
-    bool _open(std::size_t block);
-    void _countAll();
-    bool _proved(std::size_t total);
+    /// Opens as few blocks as give the number of frames with the certainty that they allow.
+    void _countBlocks();
+    /// Opens a block unless it is known, and notes its frames; false when it can't be opened.
+    bool _countBlock(std::size_t block);
+    void _countAllBlocks();
+    /// Does the planned number of images, or the image number of the last block, agree?
+    bool _isProved(std::size_t total);
+    /// Opens some blocks spread over the series: are they as long as the first?
     bool _samplesAgree();
-    std::optional<long long> _imageNumber(std::size_t block);
-    std::size_t _size(std::size_t block) const;
-    bool _middleDiffers() const;
-    void _sum();
-    std::optional<Position> _position(std::size_t position) const;
+    /// The number of its first image that a block carries.
+    std::optional<long long> _firstImageNumber(std::size_t block);
+    /// Frames of a block: counted, else those of the first one.
+    std::size_t _framesOf(std::size_t block) const;
+    /// Is a counted block before the last one longer or shorter than the first?
+    bool _anyDiffersFromFirst() const;
+    /// Sets the first frame of each block, and their sum.
+    void _updateStarts();
+    std::optional<BlockFrame> _blockOf(std::size_t position) const;
 
-    FrameSets* _sets;  // never null; a pointer, so that tables can be assigned
+    OpenFrameSets* _sets;  // never null; a pointer, so that tables can be assigned
     std::string _master;
     std::size_t _planned = 0;
     std::vector<Block> _blocks;

@@ -4,6 +4,8 @@
 // File names taken apart, and their folder looked through.
 #include "imagelib/io/formats/hdf5/nexus/DataFileNames.h"
 
+#include "imagelib/io/formats/hdf5/library/OpenFiles.h"
+
 #include <algorithm>
 #include <filesystem>
 #include <optional>
@@ -41,8 +43,6 @@ std::optional<Name> parse(const std::string& fileName)
 }
 
 }  // namespace
-
-std::string baseName(const std::string& path) { return fs::path(path).filename().string(); }
 
 bool isDataFile(const std::string& path) { return parse(baseName(path)).has_value(); }
 
@@ -86,6 +86,18 @@ std::vector<std::string> dataFilesBeside(const std::string& dataFile)
     if (paths.empty())
         paths.push_back(dataFile);
     return paths;
+}
+
+long long blockNumber(const std::string& name)
+{
+    if (name == "data")
+        return -1;
+    const std::string prefix = "data_";
+    if (!name.starts_with(prefix) || name.size() == prefix.size() ||
+        name.size() > prefix.size() + MostDigits ||
+        name.find_first_not_of("0123456789", prefix.size()) != std::string::npos)
+        return -2;
+    return std::stoll(name.substr(prefix.size()));
 }
 
 }  // namespace morvend::imglib::hdf5

@@ -6,6 +6,7 @@
 
 #include "imagelib/image/MException.h"
 #include "imagelib/io/formats/hdf5/library/SmallValues.h"
+#include "imagelib/io/formats/hdf5/nexus/DataFileNames.h"
 #include "imagelib/io/formats/hdf5/nexus/GroupBrowser.h"
 #include "imagelib/io/formats/hdf5/nexus/ImageDetector.h"
 #include "imagelib/io/formats/hdf5/nexus/MetadataTree.h"
@@ -31,7 +32,7 @@ enum class Claim {
 
 class Search {
 public:
-    Search(Hdf5Files& files, const Hdf5FilePtr& file)
+    Search(OpenFiles& files, const Hdf5FilePtr& file)
         : _browser(files, file)
     {}
 
@@ -290,17 +291,17 @@ private:
     std::string _auxiliary;
 };
 
-ImageLinks withDetector(Hdf5Files& files, const Hdf5FilePtr& file, ImageLinks images)
+ImageLinks withDetector(OpenFiles& files, const Hdf5FilePtr& file, ImageLinks images)
 {
-    images.detector = detectorOf(files, file, images);
+    images.detector = detectorOf(files, file, images.entry, images.blocks.front());
     return images;
 }
 
 }  // namespace
 
-ImageLinks findImages(Hdf5Files& files, const Hdf5FilePtr& file)
+ImageLinks findImages(OpenFiles& files, const Hdf5FilePtr& file)
 {
-    quiet();
+    silenceErrors();
     Search search(files, file);
     if (search.inFile())
         return withDetector(files, file, search.found());
@@ -311,9 +312,9 @@ ImageLinks findImages(Hdf5Files& files, const Hdf5FilePtr& file)
     throw MRuntimeException("HDF5: the file holds no images" + aside + ": " + file->path());
 }
 
-ImageLinks findImagesAt(Hdf5Files& files, const Hdf5FilePtr& file, const std::string& path)
+ImageLinks findImagesAt(OpenFiles& files, const Hdf5FilePtr& file, const std::string& path)
 {
-    quiet();
+    silenceErrors();
     Search search(files, file);
     std::string entry;
     std::string fallback;

@@ -4,7 +4,7 @@
 // Where the images of an HDF5 file lie: NeXus in its generations, and other layouts in use.
 #pragma once
 
-#include "imagelib/io/formats/hdf5/library/Hdf5Files.h"
+#include "imagelib/io/formats/hdf5/library/OpenFiles.h"
 
 #include <string>
 #include <vector>
@@ -24,10 +24,10 @@ struct ImageLinks {
 /// else is made for images are none. A block whose link is dead may be planned or lost: where the
 /// file says that it holds the images it is the answer, elsewhere if there is no better one.
 /// @throws MRuntimeException when there are no images
-ImageLinks findImages(Hdf5Files& files, const Hdf5FilePtr& file);
+ImageLinks findImages(OpenFiles& files, const Hdf5FilePtr& file);
 
 /// The images at a path: a data set of any kind, or what a group holds.
 /// @throws MRuntimeException when the file has no such path, or the group holds no images
-ImageLinks findImagesAt(Hdf5Files& files, const Hdf5FilePtr& file, const std::string& path);
+ImageLinks findImagesAt(OpenFiles& files, const Hdf5FilePtr& file, const std::string& path);
 
 }  // namespace morvend::imglib::hdf5

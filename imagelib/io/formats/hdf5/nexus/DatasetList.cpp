@@ -6,13 +6,15 @@
 
 #include "imagelib/image/MException.h"
 #include "imagelib/io/formats/hdf5/library/SmallValues.h"
+#include "imagelib/io/formats/hdf5/nexus/DataFileNames.h"
 #include "imagelib/io/formats/hdf5/nexus/DataFinder.h"
 #include "imagelib/io/formats/hdf5/nexus/GroupBrowser.h"
-#include "imagelib/io/formats/hdf5/nexus/MetadataTree.h"
+#include "imagelib/io/formats/hdf5/nexus/NexusReader.h"
 
 #include <algorithm>
 
-namespace morvend::imglib::hdf5 {
+namespace morvend::imglib {
+namespace hdf5 {
 
 namespace {
 
@@ -38,9 +40,9 @@ std::string typeOf(hid_t dataset)
     }
 }
 
-class Walk {
+class DatasetWalk {
 public:
-    explicit Walk(const std::string& path)
+    explicit DatasetWalk(const std::string& path)
         : _browser(_files, _files.file(path))
     {}
 
@@ -54,7 +56,7 @@ public:
     }
 
 private:
-    void _group(const std::string& path, const Found& found, std::size_t level)
+    void _group(const std::string& path, const OpenedObject& found, std::size_t level)
     {
         if (level >= MostLevels || !_entered(found, level))
             return;
@@ -85,7 +87,7 @@ private:
     }
 
     /// Notes a group on the way down; false when the way has come to it before, in a circle.
-    bool _entered(const Found& found, std::size_t level)
+    bool _entered(const OpenedObject& found, std::size_t level)
     {
         H5O_info_t info = {};
         if (H5Oget_info2(found.object.id(), &info, H5O_INFO_BASIC) < 0)
@@ -101,7 +103,7 @@ private:
     void _member(const std::string& path, const std::string& groupClass, H5L_type_t link,
                  std::size_t level)
     {
-        const std::optional<Found> found = _browser.find(path);
+        const std::optional<OpenedObject> found = _browser.find(path);
         if (found && found->isGroup())
             return _group(path, *found, level + 1);
         // What a dead link among the metadata would lead to is no image, as a rule.
@@ -163,8 +165,8 @@ private:
     std::string _targetOf(const std::string& dataset)
     {
         try {
-            const Place place = _files.target(_browser.file(), dataset);
-            return place.file + "::" + place.path;
+            const ObjectPath target = _files.target(_browser.file(), dataset);
+            return target.file + "::" + target.path;
         } catch (const MException&) {
             return {};
         }
@@ -184,7 +186,7 @@ private:
         }
     }
 
-    Hdf5Files _files;
+    OpenFiles _files;
     GroupBrowser _browser;
     std::vector<Hdf5Dataset> _list;
     std::vector<std::pair<std::string, haddr_t>> _way;
@@ -194,10 +196,14 @@ private:
 
 }  // namespace
 
-std::vector<Hdf5Dataset> listDatasets(const std::string& path)
+}  // namespace hdf5
+
+std::vector<Hdf5Dataset> listHdf5(const std::string& path)
 {
-    quiet();
-    return Walk(path).run();
+    if (!isHdf5(*ByteSource::open(path)))
+        throw MUnknownFormatException("This is no HDF5 file, which alone has data sets: " + path);
+    hdf5::silenceErrors();
+    return hdf5::DatasetWalk(path).run();
 }
 
-}  // namespace morvend::imglib::hdf5
+}  // namespace morvend::imglib

@@ -7,7 +7,7 @@
 #include "imagelib/image/MException.h"
 #include "imagelib/io/formats/hdf5/frames/FrameShape.h"
 #include "imagelib/io/formats/hdf5/library/SmallValues.h"
-#include "imagelib/io/formats/hdf5/nexus/MetadataTree.h"
+#include "imagelib/io/formats/hdf5/nexus/DataFileNames.h"
 
 #include <algorithm>
 #include <array>
@@ -98,7 +98,7 @@ bool isAuxiliary(const std::string& path)
            std::ranges::any_of(Fields, atEnd(group));
 }
 
-std::optional<Found> GroupBrowser::find(const std::string& path) const
+std::optional<OpenedObject> GroupBrowser::find(const std::string& path) const
 {
     try {
         return _files.find(_file, path.empty() ? "/" : path);
@@ -107,9 +107,9 @@ std::optional<Found> GroupBrowser::find(const std::string& path) const
     }
 }
 
-std::optional<Found> GroupBrowser::findGroup(const std::string& path) const
+std::optional<OpenedObject> GroupBrowser::findGroup(const std::string& path) const
 {
-    std::optional<Found> found = find(path);
+    std::optional<OpenedObject> found = find(path);
     return found && found->isGroup() ? std::move(found) : std::nullopt;
 }
 

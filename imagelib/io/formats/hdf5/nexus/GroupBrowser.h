@@ -4,7 +4,7 @@
 // Looks at the groups and data sets of a file by their paths.
 #pragma once
 
-#include "imagelib/io/formats/hdf5/library/Hdf5Files.h"
+#include "imagelib/io/formats/hdf5/library/OpenFiles.h"
 
 #include <string>
 #include <vector>
@@ -38,16 +38,16 @@ class GroupBrowser {
 public:
     static constexpr std::size_t MostMembers = 100'000;
 
-    GroupBrowser(Hdf5Files& files, Hdf5FilePtr file)
+    GroupBrowser(OpenFiles& files, Hdf5FilePtr file)
         : _files(files)
         , _file(std::move(file))
     {}
 
     const Hdf5FilePtr& file() const { return _file; }
-    Hdf5Files& files() const { return _files; }
+    OpenFiles& files() const { return _files; }
 
-    std::optional<Found> find(const std::string& path) const;
-    std::optional<Found> findGroup(const std::string& path) const;
+    std::optional<OpenedObject> find(const std::string& path) const;
+    std::optional<OpenedObject> findGroup(const std::string& path) const;
     /// Is there a link that leads nowhere, on the way or at its end?
     bool isDead(const std::string& path) const;
     /// Is there a link that leads to a file which is not there?
@@ -67,7 +67,7 @@ public:
                                              const std::vector<std::string>& members);
 
 private:
-    Hdf5Files& _files;
+    OpenFiles& _files;
     Hdf5FilePtr _file;
 };
 

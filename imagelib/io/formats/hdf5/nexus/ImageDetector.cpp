@@ -6,8 +6,8 @@
 
 #include "imagelib/image/MException.h"
 #include "imagelib/io/formats/hdf5/library/SmallValues.h"
+#include "imagelib/io/formats/hdf5/nexus/DataFileNames.h"
 #include "imagelib/io/formats/hdf5/nexus/GroupBrowser.h"
-#include "imagelib/io/formats/hdf5/nexus/MetadataTree.h"
 
 #include <algorithm>
 
@@ -27,8 +27,8 @@ std::string identityOf(const GroupBrowser& browser, const std::string& path)
                    ? std::string()
                    : found->file->path() + '@' + std::to_string(info.addr);
     try {
-        const Place place = browser.files().target(browser.file(), path);
-        return place.file + ':' + place.path;
+        const ObjectPath target = browser.files().target(browser.file(), path);
+        return target.file + ':' + target.path;
     } catch (const MException&) {
         return {};
     }
@@ -44,13 +44,13 @@ bool holds(const GroupBrowser& browser, const std::string& detector, const std::
 
 }  // namespace
 
-std::string detectorOf(Hdf5Files& files, const Hdf5FilePtr& file, const ImageLinks& images)
+std::string detectorOf(OpenFiles& files, const Hdf5FilePtr& file, const std::string& entry,
+                       const std::string& image)
 {
     const GroupBrowser browser(files, file);
-    const std::vector<std::string> detectors = browser.detectors(images.entry);
+    const std::vector<std::string> detectors = browser.detectors(entry);
     if (detectors.size() < 2 || detectors.size() > MostDetectors)
         return {};
-    const std::string& image = images.blocks.front();
     const auto found = browser.find(image);
     const bool here = found && found->file->path() == file->path();
     std::string target;

@@ -31,7 +31,7 @@ MImage turned(const MImage& mask)
 }
 
 /// The masks of all modules, below each other.
-MImage stacked(const FrameSet& set, FrameSets& sets)
+MImage stacked(const FrameSource& set, OpenFrameSets& sets)
 {
     const FrameShape& shape = set.shape();
     MImage result(shape.width(), static_cast<int>(shape.frames) * shape.height(), datatypes::UINT,
@@ -47,7 +47,7 @@ MImage stacked(const FrameSet& set, FrameSets& sets)
 /// Reads the masks of one frame and adds them up.
 class Gatherer {
 public:
-    Gatherer(FrameSets& sets, const std::string& file, const MaskedFrame& frame)
+    Gatherer(OpenFrameSets& sets, const std::string& file, const MaskedFrame& frame)
         : _sets(sets)
         , _file(file)
         , _frame(frame)
@@ -80,7 +80,7 @@ public:
     }
 
 private:
-    MImage _read(const FrameSet& set)
+    MImage _read(const FrameSource& set)
     {
         const FrameShape& shape = set.shape();
         const bool fits = shape.width() == _frame.width && shape.height() == _frame.height;
@@ -101,7 +101,7 @@ private:
     }
 
     /// Which of the masks of a data set belongs to the frame.
-    std::size_t _plane(const FrameSet& set)
+    std::size_t _plane(const FrameSource& set)
     {
         if (set.frames() <= 1)
             return 0;
@@ -140,7 +140,7 @@ private:
             _mask.remark = "HDF5: the pixel mask " + path + " is " + what + ": " + _file;
     }
 
-    FrameSets& _sets;
+    OpenFrameSets& _sets;
     const std::string& _file;
     const MaskedFrame& _frame;
     Mask _mask;
@@ -148,7 +148,7 @@ private:
 
 }  // namespace
 
-Mask readMask(FrameSets& sets, const std::string& file, const std::vector<std::string>& paths,
+Mask readMask(OpenFrameSets& sets, const std::string& file, const std::vector<std::string>& paths,
               const MaskedFrame& frame)
 {
     Gatherer gatherer(sets, file, frame);

@@ -4,7 +4,7 @@
 // The pixel mask of a NeXus file.
 #pragma once
 
-#include "imagelib/io/formats/hdf5/frames/FrameSets.h"
+#include "imagelib/io/formats/hdf5/frames/OpenFrameSets.h"
 
 #include <string>
 #include <vector>
@@ -34,7 +34,7 @@ struct MaskedFrame {
 /// an image without its mask is worth more than none. Bits 5 to 15 mark bad pixels too, such as a
 /// user's mask, while our statistics test bits 0 to 4: they become bit 4 where bits 0 to 4 are
 /// clear.
-Mask readMask(FrameSets& sets, const std::string& file, const std::vector<std::string>& paths,
+Mask readMask(OpenFrameSets& sets, const std::string& file, const std::vector<std::string>& paths,
               const MaskedFrame& frame);
 
 }  // namespace morvend::imglib::hdf5

@@ -6,6 +6,7 @@
 
 #include "imagelib/image/MException.h"
 #include "imagelib/io/formats/hdf5/library/SmallValues.h"
+#include "imagelib/io/formats/hdf5/nexus/DataFileNames.h"
 
 #include <algorithm>
 
@@ -16,7 +17,6 @@ namespace {
 constexpr std::size_t MostNodes = 10'000;
 constexpr std::size_t MostLevels = 24;
 constexpr std::size_t MostExternal = 64;
-constexpr std::size_t MostDigits = 12;
 /// One-dimensional arrays hold a value for each frame, such as the angles of a long series: they
 /// may be larger than others, within this sum of elements.
 constexpr std::size_t MostLongElements = std::size_t(4) << 20;
@@ -28,13 +28,13 @@ struct Link {
 
 class Gatherer {
 public:
-    Gatherer(Hdf5Files& files, const ArrayVisitor& visitArray)
+    Gatherer(OpenFiles& files, const ArrayVisitor& visitArray)
         : _files(files)
         , _visitArray(visitArray)
     {}
 
     /// `path` is where the group is reached, `found` the group itself.
-    void group(const std::string& path, const Found& found, std::size_t level)
+    void group(const std::string& path, const OpenedObject& found, std::size_t level)
     {
         nexus::Node& node = _tree.node(path.empty() ? "/" : path);
         node.attributes = readAttributes(found.object.id());
@@ -73,13 +73,15 @@ private:
         return links;
     }
 
-    void _member(const std::string& path, const Found& parent, const Link& link, std::size_t level)
+    void _member(const std::string& path, const OpenedObject& parent, const Link& link,
+                 std::size_t level)
     {
-        std::optional<Found> found;
+        std::optional<OpenedObject> found;
         try {
             if (link.type == H5L_TYPE_HARD)
-                found = Found{parent.file, _below(parent.path, link.name),
-                              Object(H5Oopen(parent.object.id(), link.name.c_str(), H5P_DEFAULT))};
+                found = OpenedObject{
+                    parent.file, _below(parent.path, link.name),
+                    Object(H5Oopen(parent.object.id(), link.name.c_str(), H5P_DEFAULT))};
             else
                 found = _files.find(parent.file, _below(parent.path, link.name));
         } catch (const MException&) {
@@ -101,7 +103,7 @@ private:
     }
 
     /// Notes a group on the way down; false when the way has come to it before, in a circle.
-    bool _entered(const Found& found, std::size_t level)
+    bool _entered(const OpenedObject& found, std::size_t level)
     {
         H5O_info_t info = {};
         if (H5Oget_info2(found.object.id(), &info, H5O_INFO_BASIC) < 0)
@@ -155,7 +157,7 @@ private:
                H5Pget_external_count(creation.id()) > 0;
     }
 
-    Hdf5Files& _files;
+    OpenFiles& _files;
     const ArrayVisitor& _visitArray;
     nexus::MBasicNeXusTree _tree;
     std::vector<std::pair<std::string, haddr_t>> _way;
@@ -165,26 +167,14 @@ private:
 
 }  // namespace
 
-nexus::MBasicNeXusTree readMetadata(Hdf5Files& files, const Hdf5FilePtr& file,
+nexus::MBasicNeXusTree readMetadata(OpenFiles& files, const Hdf5FilePtr& file,
                                     const ArrayVisitor& visitArray)
 {
-    quiet();
+    silenceErrors();
     Gatherer gatherer(files, visitArray);
     if (const auto root = files.find(file, "/"))
         gatherer.group("", *root, 0);
     return gatherer.take();
-}
-
-long long blockNumber(const std::string& name)
-{
-    if (name == "data")
-        return -1;
-    const std::string prefix = "data_";
-    if (!name.starts_with(prefix) || name.size() == prefix.size() ||
-        name.size() > prefix.size() + MostDigits ||
-        name.find_first_not_of("0123456789", prefix.size()) != std::string::npos)
-        return -2;
-    return std::stoll(name.substr(prefix.size()));
 }
 
 }  // namespace morvend::imglib::hdf5

@@ -5,7 +5,7 @@
 #pragma once
 
 #include "imagelib/image/MBasicNeXusTree.h"
-#include "imagelib/io/formats/hdf5/library/Hdf5Files.h"
+#include "imagelib/io/formats/hdf5/library/OpenFiles.h"
 
 #include <functional>
 
@@ -23,11 +23,7 @@ using ArrayVisitor =
 ///
 /// Bounds, so that no file can make it endless: 10,000 nodes, 24 levels, 64 external links, 4,096
 /// elements of a data set, and 4 million of all longer one-dimensional ones together.
-nexus::MBasicNeXusTree readMetadata(Hdf5Files& files, const Hdf5FilePtr& file,
+nexus::MBasicNeXusTree readMetadata(OpenFiles& files, const Hdf5FilePtr& file,
                                     const ArrayVisitor& visitArray = {});
-
-/// Is this the name of a block of images, "data" or "data_" and digits? @returns the number of the
-/// block, -1 for "data" and -2 for any other name
-long long blockNumber(const std::string& name);
 
 }  // namespace morvend::imglib::hdf5

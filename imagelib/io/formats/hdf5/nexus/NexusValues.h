@@ -1,11 +1,11 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Look-ups in a metadata tree: the first of several paths, in a known unit, of one frame.
+// Look-ups in a metadata tree: the first of several paths, in the unit of the image header, of one
+// frame.
 #pragma once
 
 #include "imagelib/image/MBasicNeXusTree.h"
-#include "imagelib/io/formats/hdf5/nexus/NexusUnits.h"
 
 #include <cstddef>
 #include <optional>
@@ -13,6 +13,24 @@
 #include <vector>
 
 namespace morvend::imglib::hdf5 {
+
+/// What a value measures, with the unit of the image header.
+enum class Quantity {
+    Length,      ///< m
+    Wavelength,  ///< Angstrom
+    Energy,      ///< eV
+    Time,        ///< s
+    Angle,       ///< degrees
+    Pixels       ///< pixels
+};
+
+/// The factor to the unit of the header. Units are compared without case; "micron", "um",
+/// "micrometre" and the like are one. Nothing for an empty or unknown unit.
+std::optional<double> unitFactor(Quantity quantity, const std::string& unit);
+
+/// The factor for a small length (pixel size, thickness) that carries no unit, by its magnitude:
+/// from 1 on micrometres, from 0.01 on millimetres, metres below.
+double factorByMagnitude(double length);
 
 using Paths = std::vector<std::string>;
 

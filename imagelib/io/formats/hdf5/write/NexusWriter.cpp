@@ -117,7 +117,7 @@ void NexusWriter::write(const image::MBasicImage<>& pixels)
 void NexusWriter::_append(const FrameLayout& layout, const void* pixels,
                           const MBasicImageOptionalData<>& header)
 {
-    quiet();
+    silenceErrors();
     if (_frames == 0)
         _begin(layout, header);
     else if (layout != _layout)
@@ -217,7 +217,7 @@ void NexusWriter::flush()
 {
     if (_frames == 0)
         return;
-    quiet();
+    silenceErrors();
     _data->publish();
     _writeAngles();
     _master->publish();

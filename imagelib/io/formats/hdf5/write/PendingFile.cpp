@@ -19,7 +19,7 @@ PendingFile::PendingFile(const std::string& path)
     : _path(path)
     , _temporary(temporaryName(path))
 {
-    quiet();
+    silenceErrors();
     const Properties access = unlockedAccess();
     _file = File(H5Fcreate(_temporary.c_str(), H5F_ACC_TRUNC, H5P_DEFAULT, access.id()));
     if (!_file)

@@ -1,20 +1,48 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Open files by last use; links followed one step at a time.
-#include "imagelib/io/formats/hdf5/library/Hdf5Files.h"
+// Opening, also of a file that is being written; open files by last use; links followed one step at
+// a time.
+#include "imagelib/io/formats/hdf5/library/OpenFiles.h"
 
 #include "imagelib/image/MException.h"
+#include "imagelib/io/formats/hdf5/library/Hdf5Filters.h"
+#include "imagelib/io/formats/hdf5/library/SourceDriver.h"
 
 #include <algorithm>
 #include <deque>
 #include <filesystem>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace morvend::imglib::hdf5 {
 
 namespace fs = std::filesystem;
 
 namespace {
+
+/// Has a writer opened the file in SWMR mode (single writer, multiple readers)? Its mark stands in
+/// the superblock, after the user block if there is one. Opened without that mode, what was
+/// appended since would be refused as lying beyond the end.
+bool hasSwmrWriter(const std::string& path, hid_t file)
+{
+    hsize_t userBlock = 0;
+    const Handle<H5Pclose> creation(H5Fget_create_plist(file));
+    if (!creation || H5Pget_userblock(creation.id(), &userBlock) < 0)
+        return false;
+    unsigned char start[12] = {};
+    const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (descriptor < 0)
+        return false;
+    const ssize_t got = ::pread(descriptor, start, sizeof start, static_cast<off_t>(userBlock));
+    ::close(descriptor);
+    constexpr int VersionAt = 8;
+    constexpr int MarksAt = 11;
+    constexpr int SwmrWriter = 4;
+    return got == sizeof start && start[VersionAt] >= 3 && (start[MarksAt] & SwmrWriter);
+}
 
 constexpr std::size_t LongestLink = 64 << 10;
 
@@ -43,20 +71,20 @@ std::vector<char> linkValue(hid_t group, const std::string& name, const H5L_info
     return value;
 }
 
-Place externalTarget(const std::vector<char>& value, const std::string& name,
-                     const std::string& from)
+ObjectPath externalTarget(const std::vector<char>& value, const std::string& name,
+                          const std::string& from)
 {
     const char* file = nullptr;
     const char* path = nullptr;
     check(H5Lunpack_elink_val(value.data(), value.size() - 1, nullptr, &file, &path),
           "the link " + name + " is damaged", from);
-    return {Hdf5Files::locate(from, file), path};
+    return {OpenFiles::locate(from, file), path};
 }
 
 /// A walk from name to name: the group reached so far and the names still to go.
-class Walk {
+class LinkWalk {
 public:
-    Walk(Hdf5Files& files, Hdf5FilePtr file, const std::string& path)
+    LinkWalk(OpenFiles& files, Hdf5FilePtr file, const std::string& path)
         : _files(files)
         , _file(std::move(file))
         , _wanted(path)
@@ -66,16 +94,16 @@ public:
         _toRoot();
     }
 
-    std::optional<Found> toObject()
+    std::optional<OpenedObject> toObject()
     {
         while (!_rest.empty())
             if (!_step())
                 return std::nullopt;
-        return Found{_file, _path.empty() ? "/" : _path, std::move(_here)};
+        return OpenedObject{_file, _path.empty() ? "/" : _path, std::move(_here)};
     }
 
     /// Stops in front of the file that an external link names.
-    Place toTarget()
+    ObjectPath toTarget()
     {
         while (!_rest.empty()) {
             if (_rest.size() == 1) {
@@ -129,7 +157,7 @@ private:
             _path += "/" + name;
             return true;
         }
-        if (++_links > Hdf5Files::MostLinks)
+        if (++_links > OpenFiles::MostLinks)
             throw MRuntimeException("HDF5: the links from " + _wanted +
                                     " go in a circle: " + _origin);
         _follow(name, *info);
@@ -141,9 +169,9 @@ private:
         const std::vector<char> value = linkValue(_here.id(), name, info, _file->path());
         std::string path = value.data();
         if (info.type == H5L_TYPE_EXTERNAL) {
-            const Place place = externalTarget(value, name, _file->path());
-            _file = _files.file(place.file);
-            path = place.path;
+            const ObjectPath target = externalTarget(value, name, _file->path());
+            _file = _files.file(target.file);
+            path = target.path;
             _toRoot();
         } else if (info.type != H5L_TYPE_SOFT) {
             throw MRuntimeException("HDF5: the link " + name +
@@ -156,7 +184,7 @@ private:
         _namesOfLink += names.size();
     }
 
-    Hdf5Files& _files;
+    OpenFiles& _files;
     Hdf5FilePtr _file;
     std::string _wanted;
     std::string _origin;
@@ -169,9 +197,40 @@ private:
 
 }  // namespace
 
-Hdf5FilePtr Hdf5Files::file(const std::string& path)
+FileState FileState::of(const std::string& path)
 {
-    quiet();
+    struct stat status = {};
+    if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode))
+        return {};
+    return {static_cast<std::uint64_t>(status.st_dev), static_cast<std::uint64_t>(status.st_ino),
+            static_cast<std::uint64_t>(status.st_size),
+            std::int64_t(status.st_mtim.tv_sec) * 1'000'000'000 + status.st_mtim.tv_nsec};
+}
+
+Hdf5File::Hdf5File(const std::string& path)
+    : _path(path)
+    , _state(FileState::of(path))
+{
+    silenceErrors();
+    registerFilters();
+    if (!_state.exists())
+        throw MNoFileAccessException("HDF5: there is no such file: " + path);
+    const Properties access = sourceAccess();
+    _file = File(H5Fopen(path.c_str(), H5F_ACC_RDONLY, access.id()));
+    if (_file && !hasSwmrWriter(path, _file.id()))
+        return;
+    const std::string reason = takeErrorText();
+    File swmr(H5Fopen(path.c_str(), H5F_ACC_RDONLY | H5F_ACC_SWMR_READ, access.id()));
+    if (swmr)
+        _file = std::move(swmr);
+    takeErrorText();
+    if (!_file)
+        throw MRuntimeException("HDF5: the file can't be opened (" + reason + "): " + path);
+}
+
+Hdf5FilePtr OpenFiles::file(const std::string& path)
+{
+    silenceErrors();
     const auto known = std::find_if(_open.begin(), _open.end(),
                                     [&](const Hdf5FilePtr& each) { return each->path() == path; });
     if (known != _open.end()) {
@@ -187,19 +246,21 @@ Hdf5FilePtr Hdf5Files::file(const std::string& path)
     return _open.front();
 }
 
-std::optional<Found> Hdf5Files::find(const Hdf5FilePtr& file, const std::string& path)
+std::optional<OpenedObject> OpenFiles::find(const Hdf5FilePtr& file, const std::string& path)
 {
-    quiet();
-    return Walk(*this, file, path).toObject();
+    silenceErrors();
+    return LinkWalk(*this, file, path).toObject();
 }
 
-Place Hdf5Files::target(const Hdf5FilePtr& file, const std::string& path)
+ObjectPath OpenFiles::target(const Hdf5FilePtr& file, const std::string& path)
 {
-    quiet();
-    return Walk(*this, file, path).toTarget();
+    silenceErrors();
+    return LinkWalk(*this, file, path).toTarget();
 }
 
-std::string Hdf5Files::locate(const std::string& from, const std::string& name)
+std::string baseName(const std::string& path) { return fs::path(path).filename().string(); }
+
+std::string OpenFiles::locate(const std::string& from, const std::string& name)
 {
     const fs::path named(name);
     const fs::path folder = fs::path(from).parent_path();

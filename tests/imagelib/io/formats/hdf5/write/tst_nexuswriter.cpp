@@ -25,9 +25,9 @@ json readByH5py(const std::string& path)
     static const TempFolder folder;
     static FILE* const peer = [] {
         const std::string answer = folder / "answer";
-        const std::string command = TARVIK_PYTHON " " +
-                                    sourcePath("/tests/imagelib/io/formats/hdf5/dump_nexus.py ") +
-                                    answer;
+        const std::string command =
+            TARVIK_PYTHON " " + sourcePath("/tests/imagelib/io/formats/hdf5/write/dump_nexus.py ") +
+            answer;
         return ::mkfifo(answer.c_str(), 0600) == 0 ? ::popen(command.c_str(), "w") : nullptr;
     }();
     std::fputs((path + '\n').c_str(), peer);

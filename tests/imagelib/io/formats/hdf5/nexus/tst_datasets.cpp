@@ -3,6 +3,7 @@
 //
 // Which data set of a file is shown, by itself or by path, and the list of all of them.
 #include "imagelib/io/formats/base/ImagePath.h"
+#include "imagelib/io/formats/hdf5/nexus/DatasetList.h"
 #include "tests/imagelib/io/formats/hdf5/Samples.h"
 
 #include <filesystem>

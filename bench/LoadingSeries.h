@@ -6,7 +6,7 @@
 
 #include "bench/LoadingFrame.h"
 #include "imagelib/io/MHdf5Writer.h"
-#include "logic/ImageLoaderThread.h"
+#include "logic/loading/ImageLoader.h"
 #include "tests/support/TempFolder.h"
 
 #include <QSemaphore>

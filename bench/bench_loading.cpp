@@ -10,6 +10,7 @@
 #include "imagelib/io/FormatRegistry.h"
 #include "imagelib/ipc/MMessageQueue.h"
 #include "logic/PreloaderService.h"
+#include "logic/loading/StepTimes.h"
 #include "logic/preload/PreloaderProcess.h"
 #include "logic/support/Console.h"
 

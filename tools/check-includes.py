@@ -37,7 +37,6 @@ ROOMS = {
     "src/logic/IntegratedHistogram": "analysis",
     "src/logic/RoiComputer": "analysis",
     "src/logic/loading": "loading",
-    "src/logic/ImageLoaderThread": "loading",
     "src/logic/preload": "preload",
     "src/logic/PreloaderService": "preload",
     "src/logic/geometry": "geometry",

@@ -4,7 +4,7 @@
 // Queueing of requests and re-scans, and the watch over those that take long.
 #include "logic/loading/ImageLoader.h"
 
-#include "logic/ImageLoaderThread.h"
+#include "logic/loading/ImageLoaderThread.h"
 #include "logic/support/Assert.h"
 
 #include <QFile>
@@ -24,7 +24,7 @@ constexpr auto plainTime = 2s;
 /// A job that has been at its files longer keeps no other file waiting.
 constexpr auto patience = 500ms;
 
-std::chrono::milliseconds inMilliseconds(LoaderContext::Clock::duration time)
+std::chrono::milliseconds inMilliseconds(RequestList::Clock::duration time)
 {
     return std::chrono::duration_cast<std::chrono::milliseconds>(time);
 }
@@ -33,12 +33,14 @@ std::chrono::milliseconds inMilliseconds(LoaderContext::Clock::duration time)
 
 ImageLoader::ImageLoader(QObject* parent)
     : QObject(parent)
-    , _desk(std::make_shared<LoaderDesk>())
+    , _desk(std::make_shared<LoaderDesk>(LoaderDesk::Signals{
+          [this] { emit newImage(); }, [this] { emit imageContainerChangedSignal(); },
+          [this](const QString& message) { emit loadError(message); },
+          [this](const QString& message) { emit notice(message); }}))
     , _context(std::make_shared<LoaderContext>(_desk))
     , _strand(Strand::create(WorkerPool::process()))
 {
-    _desk->loader = this;
-    _desk->current = _context.get();
+    _desk->serve(_context.get());
     _updateTimer.setSingleShot(true);
     connect(&_updateTimer, &QTimer::timeout, this, &ImageLoader::update);
     _updateClock.start();
@@ -52,11 +54,7 @@ ImageLoader::ImageLoader(QObject* parent)
 
 ImageLoader::~ImageLoader()
 {
-    {
-        const std::lock_guard lock(_desk->mutex);
-        _desk->loader = nullptr;
-        _desk->current = nullptr;
-    }
+    _desk->serve(nullptr);
     _leaveBehind();
 }
 
@@ -73,16 +71,8 @@ void ImageLoader::_leaveBehind()
 
 void ImageLoader::_supersede()
 {
-    std::string shown;
-    {
-        const std::lock_guard lock(_desk->mutex);
-        shown = _desk->openedAs;
-    }
-    auto context = std::make_shared<LoaderContext>(_desk, std::move(shown));
-    {
-        const std::lock_guard lock(_desk->mutex);
-        _desk->current = context.get();
-    }
+    auto context = std::make_shared<LoaderContext>(_desk);
+    _desk->serve(context.get());
     _leaveBehind();
     _context = std::move(context);
     _latest.reset();
@@ -94,7 +84,7 @@ void ImageLoader::open(Task task, const Data& data, bool signalLoadError)
     if (_emptying)
         return;
     if (task != TaskOpenIndex) {
-        if (_context->hangs(patience))
+        if (_context->requests.hangs(patience))
             _supersede();
         _sinceOpening.clear();
         _openedPath = data.path;
@@ -122,12 +112,13 @@ void ImageLoader::_ask(const Request& request)
 bool ImageLoader::_openingWaits() const
 {
     const auto first = _sinceOpening.empty() ? nullptr : _sinceOpening.front().lock();
-    return first && _context->queued(first->number());
+    return first && _context->requests.queued(first->number());
 }
 
 void ImageLoader::_post(const Request& request)
 {
-    const unsigned int number = _context->enter({_nameOf(request), request.task != TaskPushImage});
+    const unsigned int number =
+        _context->requests.enter({_nameOf(request), request.task != TaskPushImage, request.way()});
     const auto job = std::make_shared<ImageLoaderThread>(_context, number, request);
     _strand->post([job] { job->run(); });
     const bool byNumber = request.task == TaskOpenIndex;
@@ -152,7 +143,7 @@ std::string ImageLoader::_nameOf(const Request& request)
 
 void ImageLoader::_look()
 {
-    const auto oldest = _context->oldest();
+    const auto oldest = _context->requests.oldest();
     if (!oldest)
         return _say({});
     const auto time = inMilliseconds(oldest->time);
@@ -164,7 +155,7 @@ void ImageLoader::_look()
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time).count();
     _say(time < plainTime ? QStringLiteral("Loading %1 ...").arg(what)
                           : QStringLiteral("Waiting for %1 for %2 s ...").arg(what).arg(seconds));
-    if (_openingWaits() && _context->hangs(patience)) {
+    if (_openingWaits() && _context->requests.hangs(patience)) {
         std::vector<Request> again;
         for (const auto& each : std::exchange(_sinceOpening, {}))
             if (const auto job = each.lock())
@@ -184,7 +175,7 @@ void ImageLoader::_say(const QString& text)
 
 void ImageLoader::dropTaskQueue()
 {
-    ++_context->generation;
+    _context->requests.drop();
     _sinceOpening.clear();  // not to be asked for again where a job hangs
 }
 
@@ -199,23 +190,11 @@ void ImageLoader::emptyTaskQueue()
         _updateTimer.start(static_cast<int>(scanPeriod));  // a scan was dropped: later, then
 }
 
-void ImageLoader::results(std::list<Data>& out)
-{
-    const std::lock_guard lock(_desk->mutex);
-    out.splice(out.end(), _desk->results);
-}
+void ImageLoader::results(std::list<Data>& out) { _desk->take(out); }
 
-int ImageLoader::firstIndex() const
-{
-    const std::lock_guard lock(_desk->mutex);
-    return _desk->firstIndex;
-}
+int ImageLoader::firstIndex() const { return _desk->bounds().first; }
 
-int ImageLoader::lastIndex() const
-{
-    const std::lock_guard lock(_desk->mutex);
-    return _desk->lastIndex;
-}
+int ImageLoader::lastIndex() const { return _desk->bounds().last; }
 
 void ImageLoader::update()
 {

@@ -5,7 +5,7 @@
 #pragma once
 
 #include "logic/loading/LoaderContext.h"
-#include "logic/loading/LoaderData.h"
+#include "logic/loading/LoaderRequest.h"
 #include "logic/loading/Strand.h"
 
 #include <QElapsedTimer>
@@ -36,20 +36,10 @@ class ImageLoaderThread;
 class ImageLoader : public QObject {
     Q_OBJECT
 public:
-    enum Task {
-        TaskOpenSeries = 0,  ///< open the series of the record's path at the image it names
-        TaskOpenIndex = 1,   ///< go to the record's index in the open series
-        TaskPushImage = 2    ///< append the record's image to a series in memory
-    };
     using Data = LoaderData;
-    /// What is asked for.
-    struct Request {
-        Task task;
-        Data data;
-        bool signalLoadError;
-        std::vector<int> steps{};  ///< of TaskOpenIndex, from the record's index on
-        bool fromAsked = false;    ///< or from the number that was asked for last
-    };
+    using Request = LoaderRequest;
+    using Task = LoaderRequest::Task;
+    using enum LoaderRequest::Task;
 
     explicit ImageLoader(QObject* parent = nullptr);
     /// Waits for nothing: what is queued is dropped, a running job ends by itself without a trace.
@@ -71,7 +61,7 @@ public:
     /// A running job goes on as with emptyTaskQueue(), and its result comes the same way.
     void dropTaskQueue();
     /// Is a request queued or running? Scans do not count.
-    bool loading() const { return _context->loading(); }
+    bool loading() const { return _context->requests.loading(); }
     /// Moves all waiting records to the end of a list, in the order they were finished.
     void results(std::list<Data>& out);
     /// Lowest and highest number of the series as the last finished job left it, -1 for an empty

@@ -4,10 +4,10 @@
 // The state of one image view.
 #pragma once
 
-#include "logic/ImageLoaderThread.h"
 #include "logic/TarvikService.h"
 #include "logic/analysis/roi/RegionWorker.h"
 #include "logic/detector/HalvoClient.h"
+#include "logic/loading/ImageLoader.h"
 #include "logic/service/AutoModes.h"
 #include "logic/service/ContainerWatch.h"
 #include "logic/service/HeaderEdits.h"

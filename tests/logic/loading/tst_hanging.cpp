@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Views whose files do not answer: nobody waits for them, and nothing of them stays.
-#include "logic/ImageLoaderThread.h"
+#include "logic/loading/ImageLoader.h"
 #include "tests/support/EdfFile.h"
 #include "tests/support/HangingReads.h"
 #include "tests/support/Processes.h"

@@ -4,7 +4,7 @@
 // Requests, results, failures and re-scans of a view's loader.
 #include "imagelib/io/FormatRegistry.h"
 #include "imagelib/io/MHdf5Writer.h"
-#include "logic/ImageLoaderThread.h"
+#include "logic/loading/ImageLoader.h"
 #include "tests/support/EdfFile.h"
 #include "tests/support/Processes.h"
 #include "tests/support/Regions.h"

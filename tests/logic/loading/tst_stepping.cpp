@@ -3,7 +3,7 @@
 //
 // Steps through a series: what they count from, go over and say.
 #include "imagelib/io/MImageSeries.h"
-#include "logic/ImageLoaderThread.h"
+#include "logic/loading/ImageLoader.h"
 #include "logic/loading/Steps.h"
 #include "tests/support/EdfFile.h"
 #include "tests/support/WaitFor.h"

@@ -6,7 +6,7 @@
 #include "imagelib/io/MImageSeries.h"
 #include "imagelib/io/MImageWriter.h"
 #include "imagelib/ipc/MMessageQueue.h"
-#include "logic/ImageLoaderThread.h"
+#include "logic/loading/ImageLoader.h"
 #include "logic/preload/PreloaderClient.h"
 #include "logic/preload/PreloaderProcess.h"
 #include "tests/support/EdfFile.h"

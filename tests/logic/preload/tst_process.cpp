@@ -3,7 +3,8 @@
 //
 // A view's questions to a real preloader process, and what becomes of them when it dies.
 #include "imagelib/ipc/MMessageQueue.h"
-#include "logic/ImageLoaderThread.h"
+#include "logic/loading/ImageLoader.h"
+#include "logic/loading/StepTimes.h"
 #include "logic/preload/PreloaderClient.h"
 #include "logic/preload/PreloaderProcess.h"
 #include "tests/support/EdfFile.h"

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The steps from a request to a finished record.
-#include "logic/ImageLoaderThread.h"
+#include "logic/loading/ImageLoaderThread.h"
 
 #include "imagelib/image/MException.h"
 #include "logic/RoiComputer.h"
@@ -17,97 +17,47 @@
 #include <new>
 #include <utility>
 
-using morvend::imglib::FileStamp;
-using morvend::imglib::MImage;
-using morvend::imglib::MImageSeries;
-
-namespace {
-
-/// The path as another process finds it, wherever that one stands.
-std::string absolute(const std::string& path)
-{
-    std::error_code error;
-    const auto result = std::filesystem::absolute(path, error);
-    return error ? path : result.string();
-}
-
-std::string rangeText(const MImageSeries& series)
-{
-    if (series.empty())
-        return ": the series is empty";
-    return " in the series, which goes from " + std::to_string(series.first()) + " to " +
-           std::to_string(series.last());
-}
-
-/// The file of an image as it is now.
-FileStamp stampOf(const MImageSeries& series, int number)
-{
-    try {
-        return FileStamp(series.pathToImage(static_cast<std::size_t>(number)));
-    } catch (const morvend::MException&) {
-        return {};
-    }
-}
-
-}  // namespace
-
 ImageLoaderThread::ImageLoaderThread(std::shared_ptr<LoaderContext> context, unsigned int number,
-                                     const ImageLoader::Request& request)
+                                     const LoaderRequest& request)
     : _context(std::move(context))
+    , _session(_context->session)
     , _number(number)
     , _request(request)
-    , _generation(_context->generation)
-{
-    _context->setWay(_number, _way());
-}
+{}
 
-ImageLoaderThread::~ImageLoaderThread() { _context->leave(_number); }
+ImageLoaderThread::~ImageLoaderThread() { _context->requests.leave(_number); }
 
-ImageLoader::Request ImageLoaderThread::request() const
+LoaderRequest ImageLoaderThread::request() const
 {
     const std::lock_guard lock(_mutex);
     return _request;
 }
 
-bool ImageLoaderThread::join(const ImageLoader::Request& newer)
+bool ImageLoaderThread::join(const LoaderRequest& newer)
 {
     const std::lock_guard lock(_mutex);
     if (_begun || _dropped())
         return false;
-    if (newer.steps.empty()) {
-        _request = newer;
-    } else {
-        const int from = _request.data.index;
-        _request.data = newer.data;
-        _request.data.index = from;
-        _request.signalLoadError = _request.signalLoadError || newer.signalLoadError;
-        _request.steps.insert(_request.steps.end(), newer.steps.begin(), newer.steps.end());
-    }
-    _context->setWay(_number, _way());
+    _request.join(newer);
+    _context->requests.setWay(_number, _request.way());
     return true;
 }
 
-int ImageLoaderThread::_way() const
+bool ImageLoaderThread::_overtaken() const
 {
-    const auto& steps = _request.steps;
-    if (!_request.fromAsked)
-        return 0;
-    const bool forward = steps.back() > 0;
-    const bool same =
-        std::all_of(steps.begin(), steps.end(), [=](int n) { return (n > 0) == forward; });
-    return !same ? 0 : forward ? 1 : -1;
+    return _context->abandoned() || _dropped() ||
+           _context->requests.overtaken(_number, _request.way());
 }
 
 void ImageLoaderThread::run()
 {
     {
         const std::lock_guard lock(_mutex);
-        if (_dropped())
+        if (!_context->requests.begin(_number))
             return;
         _begun = true;
         _data = _request.data;
     }
-    _context->begin(_number);
     _total.start();
     _step.start();
     try {
@@ -118,7 +68,7 @@ void ImageLoaderThread::run()
             _analyse();
             _deliver();
         } else {
-            _endWithoutImage({}, true);
+            _endWithoutImage({});
         }
     } catch (const std::bad_alloc&) {
         _fail(QStringLiteral("Not enough memory to load the image"));
@@ -127,24 +77,22 @@ void ImageLoaderThread::run()
     } catch (...) {
         _fail(QStringLiteral("The image can't be loaded, for a reason that is not known"));
     }
-    _opened.reset();  // here, since closing files may take long
+    _session.closeOther();
 }
-
-MImageSeries& ImageLoaderThread::_series() { return _opened ? *_opened : _context->series; }
 
 bool ImageLoaderThread::_load()
 {
     switch (_request.task) {
-    case ImageLoader::TaskOpenSeries:
+    case LoaderRequest::TaskOpenSeries:
         _openSeries();
         break;
-    case ImageLoader::TaskOpenIndex:
-        _context->comeBack();
+    case LoaderRequest::TaskOpenIndex:
+        _session.comeBack();
         if (!_request.steps.empty())
             return _openStep();
         _openIndex();
         break;
-    case ImageLoader::TaskPushImage:
+    case LoaderRequest::TaskPushImage:
         _pushImage();
         break;
     }
@@ -155,11 +103,7 @@ bool ImageLoaderThread::_load()
 void ImageLoaderThread::_complete()
 {
     _checkPixels();
-    try {
-        _data.path = _series().pathToImage(static_cast<std::size_t>(_data.index));
-    } catch (const morvend::MRuntimeException&) {
-        _data.path.clear();  // a series in memory
-    }
+    _data.path = _session.pathTo(_data.index);
 }
 
 void ImageLoaderThread::_checkPixels() const
@@ -171,28 +115,26 @@ void ImageLoaderThread::_checkPixels() const
 void ImageLoaderThread::_openSeries()
 {
     _step.restart();
-    _opened.emplace(_context->series.beside());
-    _requestedPath = _data.path;
-    _data.index = _opened->open(_data.path);
+    _data.index = _session.open(_data.path);
     _endStep(StepTimes::Open, "\nTIME OPENING SERIES: ");
     _step.restart();
-    _data.image = _opened->at(static_cast<std::size_t>(_data.index));
+    _data.image = _session.read(_data.index);
     _endStep(StepTimes::Source, "TIME LOADING IMAGE: ");
 }
 
 void ImageLoaderThread::_openIndex()
 {
-    _context->asked = _data.index;
+    _session.setAsked(_data.index);
     if (_data.index < 0)
         throw morvend::MOutOfRangeException("There is no image " + std::to_string(_data.index) +
-                                            rangeText(_series()));
+                                            _session.rangeText());
     _readFromCacheOrSource();
 }
 
 bool ImageLoaderThread::_openStep()
 {
-    Steps steps(_series());
-    const int from = _request.fromAsked ? _context->asked : _data.index;
+    Steps steps = _session.steps();
+    const int from = _request.fromAsked ? _session.asked() : _data.index;
     int number = from;
     bool ended = false;
     for (const int n : _request.steps) {
@@ -201,7 +143,7 @@ bool ImageLoaderThread::_openStep()
         number = next;
     }
     _data.index = number;
-    if (number == _context->delivered) {
+    if (number == _session.shown()) {
         if (ended && _request.signalLoadError)
             _context->notice(
                 QStringLiteral("Image %1 is the %2 of the series")
@@ -217,7 +159,7 @@ bool ImageLoaderThread::_openStep()
         _complete();
         return true;
     }
-    _context->asked = number;
+    _session.setAsked(number);
     if (!_search(steps))
         return false;
     if (!steps.leftOut().empty())
@@ -235,16 +177,16 @@ bool ImageLoaderThread::_search(Steps& steps)
     bool say = true;
     if (!_request.signalLoadError) {
         // Asked for again and again: all that follows only now and then.
-        AwaitedImage& awaited = _context->awaited;
+        AwaitedImage& awaited = _session.awaited();
         const bool again = awaited.is(first);
-        say = awaited.isOverdue(first, stampOf(_series(), first), std::chrono::steady_clock::now());
-        const int end = steps.forward() ? _series().last() : _series().first();
+        say = awaited.isOverdue(first, _session.stampOf(first), std::chrono::steady_clock::now());
+        const int end = _session.end(steps.forward());
         std::string ignored;
         if (again && !say && (end == first || !_canRead(end, false, ignored)))
             return false;
     }
     for (auto each = steps.beyond(first, reason); each; each = steps.beyond(*each, reason)) {
-        if (_context->abandoned() || _dropped() || _context->overtaken(_number, _way()))
+        if (_overtaken())
             return false;
         if (_canRead(*each, false, reason))
             return true;
@@ -253,7 +195,7 @@ bool ImageLoaderThread::_search(Steps& steps)
         _context->notice(
             QStringLiteral("There is nothing to show %1 image %2: %3")
                 .arg(steps.forward() ? QStringLiteral("after") : QStringLiteral("before"))
-                .arg(_context->delivered)
+                .arg(_session.shown())
                 .arg(QString::fromStdString(steps.leftOut().text())));
     return false;
 }
@@ -280,15 +222,12 @@ bool ImageLoaderThread::_canRead(int number, bool cached, std::string& reason)
 
 void ImageLoaderThread::_readFromCacheOrSource()
 {
-    MImageSeries& series = _series();
     _step.restart();
-    const bool hit =
-        _context->preloader.get(_data.image, static_cast<unsigned long>(_data.index), "");
+    const bool hit = _session.readAhead(_data.index, _data.image);
     _endStep(StepTimes::Cache, "\nTIME LOADING IMAGE FROM CACHE: ");
     // The preloader may know images that have come since the last look; without a hit too the
     // series may have grown.
-    if (_data.index > series.last())
-        series.update();
+    _session.catchUp(_data.index);
     if (hit)
         StepTimes::addHit();
     else
@@ -298,7 +237,7 @@ void ImageLoaderThread::_readFromCacheOrSource()
 void ImageLoaderThread::_readFromSource()
 {
     _step.restart();
-    _data.image = _series().at(static_cast<std::size_t>(_data.index));
+    _data.image = _session.read(_data.index);
     _endStep(StepTimes::Source, "TIME LOADING IMAGE FROM SOURCE: ");
 }
 
@@ -306,22 +245,14 @@ void ImageLoaderThread::_pushImage()
 {
     if (_data.image.empty())
         return;  // refused by the caller, before the series takes it
-    try {
-        _series().pushBack(_data.image);
-    } catch (const morvend::MRuntimeException&) {
-        // The open series comes from a file: begin one in memory.
-        _opened.emplace(_context->series.beside());
-        _opened->open(pushedImages);
-        _opened->pushBack(_data.image);
-    }
-    _data.index = _series().last();
+    _data.index = _session.push(_data.image);
 }
 
 void ImageLoaderThread::_analyse()
 {
-    _data.mask = _context->maskFixup(_data.image);
+    _data.mask = _session.maskFixup()(_data.image);
     _step.restart();
-    _data.thumbnailMask = _context->maskThumbnails.of(_data.mask);
+    _data.thumbnailMask = _session.maskThumbnails().of(_data.mask);
     _endStep(StepTimes::Mask, "TIME COMPUTING MASK: ");
     _printSubtotal();
 
@@ -331,9 +262,9 @@ void ImageLoaderThread::_analyse()
     thumbnail::Builder thumbnail(_data.image);
     ComputeStatistics(_data.statistics.data())
         .compute(_data.image, _data.mask, [&](std::size_t pixel) { thumbnail.upTo(pixel); });
-    if (_context->maskFixup.replaces(_data.image, *_data.statistics)) {
+    if (_session.maskFixup().replaces(_data.image, *_data.statistics)) {
         _data.mask = *std::as_const(_data.image).optionalData().pixel_mask();
-        _data.thumbnailMask = _context->maskThumbnails.of(_data.mask);
+        _data.thumbnailMask = _session.maskThumbnails().of(_data.mask);
         ComputeStatistics(_data.statistics.data()).computeAgain(_data.image, _data.mask);
     }
     StepTimes::add(StepTimes::Statistics, std::chrono::nanoseconds(_step.nsecsElapsed()));
@@ -354,44 +285,27 @@ void ImageLoaderThread::_analyse()
 
 void ImageLoaderThread::_deliver()
 {
-    if (_opened)
-        _adoptSeries();
-    else if (_request.task == ImageLoader::TaskPushImage)
-        _context->opened({});
-    _context->asked = _context->delivered = _data.index;
-    _context->awaited.clear();
+    _session.keep(_data);
     StepTimes::addImage();
-    _context->answer(_number);
-    _context->deliver(_data, [this] { _printSubtotal(); });
+    _context->requests.answer(_number);
+    _context->deliver(_data);
+    _printSubtotal();
     if (!_leftOut.empty())
         _context->notice(QString::fromStdString(_leftOut));
 }
 
-void ImageLoaderThread::_adoptSeries()
-{
-    _context->series.exchange(*_opened);
-    _context->opened(_requestedPath);
-    PreloaderClient& preloader = _context->preloader;
-    if (_request.task == ImageLoader::TaskPushImage) {
-        preloader.setEnabled(false);  // there is no file to read ahead
-        return;
-    }
-    preloader.put(static_cast<unsigned long>(_data.index), absolute(_requestedPath));
-    preloader.setDefaultOptData(std::as_const(_data.image).optionalData());
-}
-
-void ImageLoaderThread::_endWithoutImage(const QString& message, bool silent)
+void ImageLoaderThread::_endWithoutImage(const QString& message)
 {
     // Steps that wait already count from its number.
-    if (!_context->overtaken(_number, 0))
-        _context->asked = _context->delivered;
-    _context->answer(_number);
-    _context->fail(message, silent);
+    if (!_context->requests.overtaken(_number, 0))
+        _session.setAsked(_session.shown());
+    _context->requests.answer(_number);
+    _context->fail(message);
 }
 
 void ImageLoaderThread::_fail(const QString& message)
 {
-    _endWithoutImage(message, !_request.signalLoadError);
+    _endWithoutImage(_request.signalLoadError ? message : QString());
 }
 
 void ImageLoaderThread::_endStep(StepTimes::Step step, const char* label) const

@@ -4,48 +4,40 @@
 // One job of a view's loader.
 #pragma once
 
-#include "imagelib/io/MImageSeries.h"
-#include "logic/loading/ImageLoader.h"
+#include "logic/loading/LoaderContext.h"
+#include "logic/loading/LoaderRequest.h"
 #include "logic/loading/StepTimes.h"
-#include "logic/loading/Steps.h"
 
 #include <QElapsedTimer>
 #include <QRunnable>
 
 #include <memory>
 #include <mutex>
-#include <optional>
 #include <string>
 
 /// Turns one request into a finished record. A request by number may take up others as long as it
 /// waits. Thread: run() on any, the rest GUI only.
 class ImageLoaderThread : public QRunnable {
 public:
-    /// Pushed images that a series in memory keeps.
-    static constexpr int pushedImages = 25;
-
     /// @param number  of the request in the context
     ImageLoaderThread(std::shared_ptr<LoaderContext> context, unsigned int number,
-                      const ImageLoader::Request& request);
+                      const LoaderRequest& request);
     ~ImageLoaderThread() override;
 
     unsigned int number() const { return _number; }
     /// As it is by now.
-    ImageLoader::Request request() const;
+    LoaderRequest request() const;
     /// Takes up another request by number, which it becomes or whose steps it goes on with.
     /// @returns false when it has begun or was dropped
-    bool join(const ImageLoader::Request& newer);
+    bool join(const LoaderRequest& newer);
 
     /// The whole job. Any failure ends in ImageLoader::loadError().
     void run() override;
 
 private:
-    /// Has the queue been dropped since?
-    bool _dropped() const { return _generation != _context->generation; }
-    /// 1 or -1 when it only makes steps from the number that was asked for last, all that way.
-    int _way() const;
-    /// The open series, or the one that this job has opened beside it.
-    morvend::imglib::MImageSeries& _series();
+    bool _dropped() const { return _context->requests.dropped(_number); }
+    /// Does nobody wait for this job any more, or for what it looks for?
+    bool _overtaken() const;
     /// @returns false for a step that ends without an image
     bool _load();
     /// Adds what belongs to the image that was read.
@@ -64,23 +56,20 @@ private:
     void _pushImage();
     void _analyse();
     void _deliver();
-    /// Makes the series that was opened beside the loader's the open one.
-    void _adoptSeries();
-    void _endWithoutImage(const QString& message, bool silent);
+    /// @param message  an empty one is not signalled
+    void _endWithoutImage(const QString& message);
     void _fail(const QString& message);
     /// Prints a timing line with the time of the step that ends here.
     void _endStep(StepTimes::Step step, const char* label) const;
     void _printSubtotal() const;
 
     const std::shared_ptr<LoaderContext> _context;
+    SeriesSession& _session;  // the context's, from run() on
     const unsigned int _number;
     mutable std::mutex _mutex;  // over the next two until it begins
-    ImageLoader::Request _request;
+    LoaderRequest _request;
     bool _begun = false;
-    const unsigned int _generation;
-    ImageLoader::Data _data;
-    std::optional<morvend::imglib::MImageSeries> _opened;
-    std::string _requestedPath;  // that _opened was opened by, empty for one in memory
+    LoaderData _data;
     std::string _leftOut;
     QElapsedTimer _total;
     QElapsedTimer _step;

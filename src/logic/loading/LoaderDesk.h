@@ -1,0 +1,68 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// Where the jobs of a view leave what they have for it.
+#pragma once
+
+#include "logic/loading/LoaderData.h"
+#include "logic/loading/SeriesSession.h"
+
+#include <QString>
+
+#include <functional>
+#include <list>
+#include <mutex>
+#include <optional>
+
+class LoaderContext;
+
+/// Finished records and the bounds of the series, and the way of signals to the view. Only the jobs
+/// of one context count: what others say is dropped without a word.
+/// Thread: any. The mutex is held for moments, and while a signal is emitted.
+class LoaderDesk {
+public:
+    using Bounds = SeriesSession::Bounds;
+    /// What the view is told, from the thread of the job that tells it.
+    struct Signals {
+        std::function<void()> newImage;
+        std::function<void()> scanned;
+        std::function<void(const QString&)> loadError;
+        std::function<void(const QString&)> notice;
+    };
+
+    explicit LoaderDesk(Signals signals_)
+        : _signals(std::move(signals_))
+    {}
+
+    // Of the view.
+    /// Whose jobs count from now on; with null, nothing is signalled any more once this returns.
+    void serve(const LoaderContext* context);
+    /// Moves all records to the end of a list, in the order they came.
+    void take(std::list<LoaderData>& out);
+    /// As the last job that counts has left them.
+    Bounds bounds() const;
+    /// The series and the image that the view shows by now.
+    SeriesSession::Shown shown() const;
+
+    // Of jobs. Without bounds, those that are known stay.
+    /// @param openedAs  the path that the record's series was opened by, empty for one in memory
+    void deliver(const LoaderContext& from, const std::optional<Bounds>& bounds,
+                 const LoaderData& record, const std::string& openedAs);
+    /// @param message  an empty one is not signalled
+    void fail(const LoaderContext& from, const std::optional<Bounds>& bounds,
+              const QString& message);
+    void notice(const LoaderContext& from, const QString& message);
+    void scanned(const LoaderContext& from, const std::optional<Bounds>& bounds);
+
+private:
+    /// Calls an action, unless another context counts.
+    template <class Action>
+    void _from(const LoaderContext& context, Action&& action);
+
+    const Signals _signals;
+    mutable std::recursive_mutex _mutex;  // who is signalled may take the results at once
+    const LoaderContext* _current = nullptr;
+    std::list<LoaderData> _results;
+    Bounds _bounds;
+    SeriesSession::Shown _shown;
+};

@@ -1,0 +1,72 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The requests of a view that are under way.
+#pragma once
+
+#include <chrono>
+#include <list>
+#include <mutex>
+#include <optional>
+#include <string>
+
+/// Knows each request from its making to its end: whether it waits or runs, since when, and whether
+/// the view has its answer. Thread: any; the mutex is held for moments.
+class RequestList {
+public:
+    using Clock = std::chrono::steady_clock;
+    struct Request {
+        std::string what;    ///< what is loaded, for users; empty for a scan
+        bool reads = false;  ///< from files, which may not answer
+        int way = 0;         ///< see LoaderRequest::way()
+    };
+    struct Waiting {
+        std::string what;
+        Clock::duration time;
+    };
+
+    /// Adds a request at the end. @returns its number, which rises from request to request
+    unsigned int enter(Request request);
+    /// Its job starts. @returns false for a request that was dropped, which must not run
+    bool begin(unsigned int number);
+    /// Steps have been added to a request that waits.
+    void setWay(unsigned int number, int way);
+    /// The view knows the result, or that there is none.
+    void answer(unsigned int number);
+    /// Its job has ended, or never starts.
+    void leave(unsigned int number);
+    /// Drops all that has not begun; what has begun is no longer wanted, but runs on.
+    void drop();
+
+    /// True after drop().
+    bool dropped(unsigned int number) const;
+    /// True once there is a newer request, other than steps of that way.
+    bool overtaken(unsigned int number, int way) const;
+    /// Is a request queued or running? Scans do not count.
+    bool loading() const;
+    /// Has a request not begun yet?
+    bool queued(unsigned int number) const;
+    /// The oldest request without answer, and for how long it has been waiting.
+    std::optional<Waiting> oldest() const;
+    /// Has a job been at its files for so long?
+    bool hangs(Clock::duration patience) const;
+
+private:
+    struct Entry {
+        unsigned int number = 0;
+        Request request;
+        Clock::time_point entered;
+        std::optional<Clock::time_point> begun{};
+        bool answered = false;
+        bool unwanted = false;
+    };
+    using Entries = std::list<Entry>;
+
+    /// The entry of a number or the end; the mutex is held.
+    Entries::iterator _find(unsigned int number);
+    Entries::const_iterator _find(unsigned int number) const;
+
+    mutable std::mutex _mutex;
+    Entries _entries;  // by rising number
+    unsigned int _lastNumber = 0;
+};

@@ -5,7 +5,8 @@
 #include "bench/AnalysisFrame.h"
 #include "bench/Peer.h"
 #include "logic/RoiComputer.h"
-#include "tests/logic/analysis/roi/ReferenceRoi.h"
+#include "logic/analysis/roi/ConnectedComponentLabelling.h"
+#include "tests/logic/analysis/roi/PlainRegions.h"
 
 #include <benchmark/benchmark.h>
 
@@ -43,12 +44,38 @@ RoiStatistics compute(const AnalysisFrame& frame, const StatisticsData& data)
     return computer.compute();
 }
 
-double plainSeconds(const AnalysisFrame& frame, const StatisticsData& data)
+template <class Work>
+double secondsOf(const Work& work)
 {
     const auto start = std::chrono::steady_clock::now();
-    benchmark::DoNotOptimize(reference::compute({frame.image, frame.mask}, data).integral);
+    work();
     const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
     return taken.count();
+}
+
+double plainSeconds(const AnalysisFrame& frame, const StatisticsData& data)
+{
+    const reference::Pixels pixels{frame.image, frame.mask};
+    return secondsOf([&] {
+        benchmark::DoNotOptimize(data.roiType == StatisticsData::Box
+                                     ? reference::box(pixels, data).integral
+                                     : reference::ring(pixels, data).integral);
+    });
+}
+
+/// Labelling all of the box around a line, where the product follows the line alone.
+double labellingSeconds(const AnalysisFrame& frame)
+{
+    const auto* pixels = frame.image.pixels<int>();
+    return secondsOf([&] {
+        std::vector<bool> field(frame.image.size());
+        for (std::size_t i = 0; i < field.size(); ++i)
+            field[i] = pixels[i] > 20;
+        std::vector<int> labels;
+        ConnectedComponentLabelling::label(field, labels, frame.image.width(),
+                                           frame.image.height());
+        benchmark::DoNotOptimize(labels.data());
+    });
 }
 
 /// A ring whose centre moves with every step, as in a drag.
@@ -68,10 +95,10 @@ void powder(benchmark::State& state)
     }
 }
 
-void others(benchmark::State& state, int side, const StatisticsData& data, double pixels)
+void others(benchmark::State& state, const AnalysisFrame& frame, const StatisticsData& data,
+            double peerSeconds, double pixels)
 {
-    const AnalysisFrame frame(side);
-    Stopwatch watch(state, plainSeconds(frame, data));
+    Stopwatch watch(state, peerSeconds);
     for (auto _ : state)
         watch.time([&] { benchmark::DoNotOptimize(compute(frame, data).integral); });
     state.counters["Mpx_per_s"] = benchmark::Counter(
@@ -83,7 +110,8 @@ void wholeBox(benchmark::State& state)
     const int side = static_cast<int>(state.range(0));
     StatisticsData data = region(StatisticsData::Box);
     data.endX = data.endY = side;
-    others(state, side, data, double(side) * side);
+    const AnalysisFrame frame(side);
+    others(state, frame, data, plainSeconds(frame, data), double(side) * side);
 }
 
 void circle(benchmark::State& state)
@@ -93,7 +121,7 @@ void circle(benchmark::State& state)
     data.circleX = data.circleY = side / 2;
     data.radius = 500;
     data.theta = 0.3;
-    others(state, side, data, std::numbers::pi * 600 * 600);
+    others(state, AnalysisFrame(side), data, 0, std::numbers::pi * 600 * 600);
 }
 
 void diagonal(benchmark::State& state)
@@ -102,7 +130,8 @@ void diagonal(benchmark::State& state)
     StatisticsData data = region(StatisticsData::Line);
     data.endX = side - 1;
     data.endY = side - 2;
-    others(state, side, data, 2.0 * side);
+    const AnalysisFrame frame(side);
+    others(state, frame, data, labellingSeconds(frame), 2.0 * side);
 }
 
 BENCHMARK(powder)

@@ -145,15 +145,33 @@ TEST(Statistics, HoldADefaultContrastWhatsoeverThePixels)
     }
 }
 
-TEST(Statistics, OfEveryPixelTypeAreThoseOfItsValues)
+TEST(Statistics, OfLargestSquaresAreExact)
 {
-    const auto check = []<class T>(T) {
-        const auto result = statistics(row<T>({T(1), T(0), T(1)}));
-        EXPECT_EQ(result->sum, 2);
-        EXPECT_EQ(result->zeros, 1U);
-        EXPECT_EQ(result->maximum, 1);
-    };
-    std::apply([&](auto... types) { (check(types), ...); }, morvend::datatypes::PixelTypes());
+    // 5000 times (2^32 - 1) needs more than 64 bits for the squares.
+    MImage image(5000, 1, 0xffffffffU);
+    ImageStatistics found;
+    ComputeStatistics(&found).computeNumbers(image, MImage(image, 0U));
+    EXPECT_EQ(found.sum, 5000 * 4294967295.0);
+    EXPECT_EQ(found.mean, 4294967295.0);
+    EXPECT_EQ(found.sigma, 0);
+}
+
+TEST(GoodPixels, AMaskThatIsChangedIsReadAgain)
+{
+    MImage image(100, 3, 5);
+    MImage mask(image, 0U);
+    ImageStatistics found;
+    const ComputeStatistics compute(&found);
+    for (unsigned int bad = 0; bad < 4; ++bad) {
+        compute.computeNumbers(image, mask);
+        EXPECT_EQ(found.sum, 1500 - 5 * bad);
+        EXPECT_EQ(found.defective, bad);
+        static_cast<unsigned int*>(mask.data())[70 * bad] = 2;
+    }
+    // The same memory as another type is another mask.
+    const MImage rough(300, 1, {mask.imageData().buffer(), morvend::datatypes::UINT, 8, 300});
+    compute.computeNumbers(image, rough);
+    EXPECT_EQ(found.defective, 2U) << "bytes 0 and 280";
 }
 
 }  // namespace

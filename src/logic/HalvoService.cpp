@@ -1,10 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// Addresses and rights of the detector.
 #include "logic/HalvoService.h"
 
-#include "logic/detector/HalvoClient.h"
 #include "logic/detector/HalvoMonitor.h"
 
 HalvoService::HalvoService(QObject* parent, const QString& machineSettings)
@@ -12,7 +9,6 @@ HalvoService::HalvoService(QObject* parent, const QString& machineSettings)
     , _machineSettings(machineSettings)
 {
     qRegisterMetaType<MImage>("morvend::imglib::MImage");
-    qRegisterMetaType<HalvoClient*>("HalvoClient*");
 }
 
 QString HalvoService::defaultHost() { return HalvoMonitor::defaultHost(); }

@@ -13,18 +13,22 @@
 
 using morvend::imglib::MImage;
 
-TarvikService::TarvikServicePrivate::TarvikServicePrivate(TarvikCore& core, TarvikService& owner)
+TarvikService::TarvikServicePrivate::TarvikServicePrivate(RecordGroups& groups,
+                                                          std::shared_ptr<HalvoService> detector,
+                                                          TarvikService& owner)
     : service(owner)
-    , _contrast(core, [this] { emit service.newContrastSignal(_contrast.value()); })
-    , _viewport(core, [this] { emit service.newViewportSignal(_viewport.value()); })
-    , _statisticsRecord(core,
+    , _contrast(groups.of<ContrastData>(),
+                [this] { emit service.newContrastSignal(_contrast.value()); })
+    , _viewport(groups.of<ViewportData>(),
+                [this] { emit service.newViewportSignal(_viewport.value()); })
+    , _statisticsRecord(groups.of<StatisticsData>(),
                         [this] {
                             applyPowderCentreToBeamCentre();
                             emit service.newStatisticsSignal(_statisticsRecord.value());
                         })
-    , _peaks(core, [this] { emit service.newPeakSignal(_peaks.value()); })
+    , _peaks(groups.of<PeakData>(), [this] { emit service.newPeakSignal(_peaks.value()); })
     , _modes(owner, _imageLoader)
-    , _halvoClient(std::make_unique<HalvoClient>(core.halvoService()))
+    , _halvoClient(std::make_unique<HalvoClient>(std::move(detector)))
     , _regionWorker([&owner] {
         QMetaObject::invokeMethod(&owner, &TarvikService::_regionComputedSlot,
                                   Qt::QueuedConnection);
@@ -49,9 +53,10 @@ void TarvikService::TarvikServicePrivate::end()
     _modes.end();
 }
 
-TarvikService::TarvikService(TarvikCore& core)
-    : QObject(&core)
-    , _d(std::make_unique<TarvikServicePrivate>(core, *this))
+TarvikService::TarvikService(RecordGroups& groups, std::shared_ptr<HalvoService> detector,
+                             QObject* parent)
+    : QObject(parent)
+    , _d(std::make_unique<TarvikServicePrivate>(groups, std::move(detector), *this))
 {}
 
 TarvikService::~TarvikService() { _d->end(); }
@@ -264,11 +269,7 @@ double TarvikService::resolution(int x, int y) const
 
 QString TarvikService::intensityString(int x, int y) const
 {
-    if (!imageLoaded())
-        return {};
-    if (image().type() == morvend::datatypes::FLOAT)
-        return QStringLiteral("%1").arg(image().pixel<double>(x, y, 0), 0, 'g', 6, u'0');
-    return QString::number(image().pixel<long long>(x, y, 0));
+    return CursorInfo::intensityOf(image(), x, y);
 }
 
 void TarvikService::recommendResolutionRadius(int n, double& centreX, double& centreY,
@@ -285,8 +286,12 @@ void TarvikService::recommendResolutionRadius(int n, double& centreX, double& ce
 
 void TarvikService::setCursorCoordinates(double imgX, double imgY)
 {
-    emit cursorInfoSignal(CursorInfo(this, imgX, imgY));
+    emit cursorInfoSignal(CursorInfo::of(image(), imgX, imgY));
 }
+
+CursorInfo::CursorInfo(const TarvikService* service, double imgX, double imgY)
+    : CursorInfo(of(service->image(), imgX, imgY))
+{}
 
 void TarvikService::resetHeader()
 {

@@ -27,7 +27,8 @@
 #include <vector>
 
 class HalvoClient;
-class TarvikCore;
+class HalvoService;
+class RecordGroups;
 class WriteHeaderToFilesThread;
 
 /// The model of one image view, and the only object that its widgets talk to: they copy a record,
@@ -44,7 +45,8 @@ public:
     using Header = morvend::imglib::MBasicImageOptionalData<>;
 
     /// Services are made by TarvikCore::newService.
-    explicit TarvikService(TarvikCore& core);
+    /// @param groups  those of all views; outlive the service
+    TarvikService(RecordGroups& groups, std::shared_ptr<HalvoService> detector, QObject* parent);
     ~TarvikService() override;
 
     // The records that the views of a group share.

@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// Wiring of services, groups and colour tables.
 #include "logic/tarvikcore.h"
 
 #include "imagelib/display/MColorTable.h"
@@ -36,7 +34,7 @@ TarvikCore::~TarvikCore()
 
 TarvikService* TarvikCore::newService(const QString& additionalSyncID)
 {
-    auto service = std::make_unique<TarvikService>(*this);
+    auto service = std::make_unique<TarvikService>(_groups, _halvoService, this);
     service->setAdditionalSyncID(additionalSyncID);
     service->setDefaultColorTable(_defaultColorTable);
     service->setColorTables(_colorTables);
@@ -63,26 +61,24 @@ void TarvikCore::setDefaultColorTable(const QString& name)
 
 void TarvikCore::synchronizeViewportSlot(bool flag)
 {
-    if (std::get<SyncGroups<ViewportData>>(_groups).setEnabled(flag))
+    if (_groups.of<ViewportData>().setEnabled(flag))
         emit synchronizeViewportSignal(flag);
 }
 
 void TarvikCore::synchronizeContrastSlot(bool flag)
 {
-    if (std::get<SyncGroups<ContrastData>>(_groups).setEnabled(flag))
+    if (_groups.of<ContrastData>().setEnabled(flag))
         emit synchronizeContrastSignal(flag);
 }
 
 void TarvikCore::synchronizeStatisticsSlot(bool flag)
 {
-    if (std::get<SyncGroups<StatisticsData>>(_groups).setEnabled(flag))
+    if (_groups.of<StatisticsData>().setEnabled(flag))
         emit synchronizeStatisticsSignal(flag);
 }
 
 void TarvikCore::synchronizePeaksSlot(bool flag)
 {
-    if (std::get<SyncGroups<PeakData>>(_groups).setEnabled(flag))
+    if (_groups.of<PeakData>().setEnabled(flag))
         emit synchronizePeaksSignal(flag);
 }
-
-void TarvikCore::generateObjectSlot(ObjectGenerator* generator) { generator->make(); }

@@ -4,12 +4,7 @@
 // The centre of a viewer or daemon process: services of views, their groups, colour tables.
 #pragma once
 
-#include "logic/core/ObjectGenerator.h"
-#include "logic/core/SyncGroups.h"
-#include "logic/records/ContrastData.h"
-#include "logic/records/PeakData.h"
-#include "logic/records/StatisticsData.h"
-#include "logic/records/ViewportData.h"
+#include "logic/core/RecordGroups.h"
 
 #include <QObject>
 #include <QString>
@@ -17,13 +12,12 @@
 #include <list>
 #include <memory>
 #include <set>
-#include <tuple>
 
 class HalvoService;
 class TarvikService;
 
 /// Creates and deletes the services of all views, ties views of one sync id together and holds the
-/// colour tables. Thread: GUI only, except what ObjectGenerator brings here.
+/// colour tables. Thread: GUI only.
 class TarvikCore : public QObject {
     Q_OBJECT
 public:
@@ -45,13 +39,13 @@ public:
     template <class T>
     void attach(AbstractObserver<T>& observer, const char* syncID)
     {
-        std::get<SyncGroups<T>>(_groups).attach(observer, syncID);
+        _groups.of<T>().attach(observer, syncID);
     }
     /// Takes an observer out of its group; without one nothing happens.
     template <class T>
     void detach(AbstractObserver<T>& observer)
     {
-        std::get<SyncGroups<T>>(_groups).detach(observer);
+        _groups.of<T>().detach(observer);
     }
 
     /// Makes the table of this identifier the default; it must be one of the tables (asserted).
@@ -68,8 +62,6 @@ public slots:
     void synchronizeStatisticsSlot(bool flag);
     void synchronizePeaksSlot(bool flag);
 
-    void generateObjectSlot(ObjectGenerator* generator);
-
 signals:
     void synchronizeViewportSignal(bool flag);
     void synchronizeContrastSignal(bool flag);
@@ -78,9 +70,7 @@ signals:
 
 private:
     std::set<TarvikService*> _services;
-    std::tuple<SyncGroups<ContrastData>, SyncGroups<ViewportData>, SyncGroups<StatisticsData>,
-               SyncGroups<PeakData>>
-        _groups;
+    RecordGroups _groups;
     std::list<const MColorTable*> _colorTables;
     const MColorTable* _defaultColorTable = nullptr;
     std::shared_ptr<HalvoService> _halvoService;

@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// The hand-over of a request for an object to the GUI thread.
 #include "logic/core/ObjectGenerator.h"
 
 #include "logic/tarvikcore.h"
@@ -10,16 +8,14 @@
 
 ObjectGenerator::ObjectGenerator(TarvikCore* core)
     : _core(core)
-{
-    connect(this, &ObjectGenerator::generateSignal, core, &TarvikCore::generateObjectSlot,
-            Qt::BlockingQueuedConnection);
-}
+{}
 
 void* ObjectGenerator::make()
 {
+    const auto makeHere = [this] { _object = virtualmake(); };
     if (QThread::currentThread() == _core->thread())
-        _object = virtualmake();
+        makeHere();
     else
-        emit generateSignal(this);
+        QMetaObject::invokeMethod(_core, makeHere, Qt::BlockingQueuedConnection);
     return _object;
 }

@@ -23,10 +23,6 @@ public:
     /// The object made last, null before.
     void* object() const { return _object; }
 
-signals:
-    /// Asks the core, on its own thread, for make().
-    void generateSignal(ObjectGenerator* generator);
-
 protected:
     /// Makes the object. Runs on the GUI thread.
     virtual void* virtualmake() = 0;

@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// Picking a view's own pictures.
 #include "logic/detector/HalvoClient.h"
 
 #include "logic/HalvoService.h"
@@ -12,6 +10,7 @@ HalvoClient::HalvoClient(std::shared_ptr<HalvoService> service, QObject* parent)
     : QObject(parent)
     , _service(std::move(service))
 {
+    qRegisterMetaType<HalvoClient*>("HalvoClient*");
     connect(_service.get(), &HalvoService::monitorSignal, this,
             [this](const HalvoClient* client, const morvend::imglib::MImage& image) {
                 if (client == this)

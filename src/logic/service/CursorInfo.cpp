@@ -1,10 +1,8 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// Which texts are shown for a position.
 #include "logic/service/CursorInfo.h"
 
-#include "logic/TarvikService.h"
+#include "logic/geometry/Geometry.h"
 
 QString CursorInfo::imgXKey() { return QStringLiteral("Image X"); }
 QString CursorInfo::imgYKey() { return QStringLiteral("Image Y"); }
@@ -19,25 +17,40 @@ int toPixel(double coordinate) { return morvend::datatypes::convertPixel<int>(co
 
 }  // namespace
 
-CursorInfo::CursorInfo(const TarvikService* service, double imgX, double imgY)
+CursorInfo CursorInfo::of(const morvend::imglib::MImage& image, double imgX, double imgY)
 {
+    CursorInfo info;
+    QMap<QString, QString>& texts = info._texts;
     for (const QString& key : {imgXKey(), imgYKey(), intensityKey()})
-        _texts.insert(key, QLatin1String(""));
-    if (!service->imageLoaded())
-        return;
-    if (service->distanceDefined())
-        _texts.insert(distanceKey(), QLatin1String(""));
-    if (service->resolutionDefined())
-        _texts.insert(resolutionKey(), QLatin1String(""));
+        texts.insert(key, QLatin1String(""));
+    if (image.empty())
+        return info;
+    const geometry::Header& header = image.optionalData();
+    const bool distance = geometry::distanceDefined(header);
+    const bool resolution = geometry::resolutionDefined(header);
+    if (distance)
+        texts.insert(distanceKey(), QLatin1String(""));
+    if (resolution)
+        texts.insert(resolutionKey(), QLatin1String(""));
     if (!(imgX >= 0 && imgY >= 0))
-        return;
+        return info;
     const int x = toPixel(imgX);
     const int y = toPixel(imgY);
-    _texts[imgXKey()] = QString::number(x);
-    _texts[imgYKey()] = QString::number(y);
-    _texts[intensityKey()] = service->intensityString(x, y);
-    if (service->distanceDefined())
-        _texts[distanceKey()] = QString::number(service->distance(x, y) * 1000.0, 'f', 1);
-    if (service->resolutionDefined())
-        _texts[resolutionKey()] = QString::number(service->resolution(x, y), 'f', 3);
+    texts[imgXKey()] = QString::number(x);
+    texts[imgYKey()] = QString::number(y);
+    texts[intensityKey()] = intensityOf(image, x, y);
+    if (distance)
+        texts[distanceKey()] = QString::number(geometry::distance(header, x, y) * 1000.0, 'f', 1);
+    if (resolution)
+        texts[resolutionKey()] = QString::number(geometry::resolution(header, x, y), 'f', 3);
+    return info;
+}
+
+QString CursorInfo::intensityOf(const morvend::imglib::MImage& image, int x, int y)
+{
+    if (image.empty())
+        return {};
+    if (image.type() == morvend::datatypes::FLOAT)
+        return QStringLiteral("%1").arg(image.pixel<double>(x, y, 0), 0, 'g', 6, u'0');
+    return QString::number(image.pixel<long long>(x, y, 0));
 }

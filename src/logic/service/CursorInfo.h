@@ -4,6 +4,8 @@
 // The texts about the pixel under the cursor.
 #pragma once
 
+#include "imagelib/image/MImage.h"
+
 #include <QMap>
 #include <QString>
 #include <QStringList>
@@ -16,9 +18,15 @@ class CursorInfo {
 public:
     /// No keys.
     CursorInfo() = default;
-    /// The texts for a position in the service's image. Outside the image (negative or NaN) and
-    /// without image the keys stay, with empty texts, so that panels keep their lines.
+    /// The texts for a position in an image, whose header says which there are. Outside the image
+    /// (negative or NaN) and without one the keys stay, with empty texts, so that panels keep their
+    /// lines.
+    static CursorInfo of(const morvend::imglib::MImage& image, double imgX, double imgY);
+    /// The same for the service's image; defined with the service.
     CursorInfo(const TarvikService* service, double imgX, double imgY);
+
+    /// Text of a pixel's value, "0" outside the image, empty without image.
+    static QString intensityOf(const morvend::imglib::MImage& image, int x, int y);
 
     static QString imgXKey();
     static QString imgYKey();

@@ -6,6 +6,7 @@
 
 #include "logic/TarvikService.h"
 #include "logic/analysis/roi/RegionWorker.h"
+#include "logic/core/RecordGroups.h"
 #include "logic/detector/HalvoClient.h"
 #include "logic/loading/ImageLoader.h"
 #include "logic/service/AutoModes.h"
@@ -18,7 +19,8 @@
 /// What a service holds, and the work behind its operations; signals go out through the service.
 class TarvikService::TarvikServicePrivate {
 public:
-    TarvikServicePrivate(TarvikCore& core, TarvikService& owner);
+    TarvikServicePrivate(RecordGroups& groups, std::shared_ptr<HalvoService> detector,
+                         TarvikService& owner);
     /// Ends what works by itself. The first step of destruction, as long as the service is whole.
     void end();
 

@@ -4,8 +4,7 @@
 // A view's own record of one kind and its place in a group.
 #pragma once
 
-#include "logic/synchronizer.h"
-#include "logic/tarvikcore.h"
+#include "logic/core/SyncGroups.h"
 
 #include <functional>
 #include <string>
@@ -17,11 +16,11 @@ template <class T>
 class ViewRecord : public AbstractObserver<T> {
 public:
     /// @param arrived called when the group has brought a new value
-    ViewRecord(TarvikCore& core, std::function<void()> arrived)
-        : _core(core)
+    ViewRecord(SyncGroups<T>& groups, std::function<void()> arrived)
+        : _groups(groups)
         , _arrived(std::move(arrived))
     {}
-    ~ViewRecord() override { _core.detach(*this); }
+    ~ViewRecord() override { _groups.detach(*this); }
 
     const T& value() const { return _value; }
     /// Stores a value for this view alone; spreadValue() hands it to the group.
@@ -31,8 +30,8 @@ public:
     /// Leaves the group and becomes a member of another one, whose record data() then is.
     void changeGroup(const std::string& syncId)
     {
-        _core.detach(*this);
-        _core.attach(*this, syncId.c_str());
+        _groups.detach(*this);
+        _groups.attach(*this, syncId);
     }
 
     void virtualNotify() override
@@ -42,7 +41,7 @@ public:
     }
 
 private:
-    TarvikCore& _core;
+    SyncGroups<T>& _groups;
     const std::function<void()> _arrived;
     T _value;
 };

@@ -1,92 +1,54 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// The view service: wiring, and access to what the view holds.
 #include "logic/TarvikService.h"
 
 #include "logic/geometry/RingAdvice.h"
+#include "logic/service/HeaderFiles.h"
 #include "logic/service/TarvikServicePrivate.h"
+#include "logic/support/Console.h"
 
 #include <QFile>
 
 #include <limits>
+#include <utility>
 
 using morvend::imglib::MImage;
-
-TarvikService::TarvikServicePrivate::TarvikServicePrivate(RecordGroups& groups,
-                                                          std::shared_ptr<HalvoService> detector,
-                                                          TarvikService& owner)
-    : service(owner)
-    , _contrast(groups.of<ContrastData>(),
-                [this] { emit service.newContrastSignal(_contrast.value()); })
-    , _viewport(groups.of<ViewportData>(),
-                [this] { emit service.newViewportSignal(_viewport.value()); })
-    , _statisticsRecord(groups.of<StatisticsData>(),
-                        [this] {
-                            applyPowderCentreToBeamCentre();
-                            emit service.newStatisticsSignal(_statisticsRecord.value());
-                        })
-    , _peaks(groups.of<PeakData>(), [this] { emit service.newPeakSignal(_peaks.value()); })
-    , _modes(owner, _imageLoader)
-    , _halvoClient(std::make_unique<HalvoClient>(std::move(detector)))
-    , _regionWorker([&owner] {
-        QMetaObject::invokeMethod(&owner, &TarvikService::_regionComputedSlot,
-                                  Qt::QueuedConnection);
-    })
-{
-    connect(&_imageLoader, &ImageLoader::newImage, &service, &TarvikService::_newImageSlot);
-    connect(&_imageLoader, &ImageLoader::loadError, &service, &TarvikService::imageLoadErrorSignal);
-    connect(&_imageLoader, &ImageLoader::waitingSignal, &service, &TarvikService::waitingSignal);
-    connect(&_imageLoader, &ImageLoader::notice, &service, &TarvikService::noticeSignal);
-    connect(&_imageLoader, &ImageLoader::imageContainerChangedSignal, &service,
-            &TarvikService::imageContainerChangedSignal);
-    const auto open = qOverload<MImage>(&TarvikService::openImage);
-    connect(&_modes.monitor(), &HalvoMonitor::newImage, &service, open);
-    connect(&service, &TarvikService::newImageSignal, &_modes.monitor(),
-            &HalvoMonitor::newImageSlot);
-    connect(_halvoClient.get(), &HalvoClient::monitorSignal, &service, open);
-}
-
-void TarvikService::TarvikServicePrivate::end()
-{
-    _halvoClient.reset();
-    _modes.end();
-}
 
 TarvikService::TarvikService(RecordGroups& groups, std::shared_ptr<HalvoService> detector,
                              QObject* parent)
     : QObject(parent)
-    , _d(std::make_unique<TarvikServicePrivate>(groups, std::move(detector), *this))
+    , _d(std::make_unique<TarvikServicePrivate>(*this, groups, std::move(detector)))
 {}
 
 TarvikService::~TarvikService() { _d->end(); }
 
-void TarvikService::_newImageSlot() { _d->newImage(); }
-void TarvikService::_regionComputedSlot() { _d->regionComputed(); }
+// Records.
 
-ContrastData TarvikService::contrastData() const { return _d->_contrast.value(); }
-ViewportData TarvikService::viewportData() const { return _d->_viewport.value(); }
-StatisticsData TarvikService::statisticsData() const { return _d->_statisticsRecord.value(); }
-PeakData TarvikService::peakData() const { return _d->_peaks.value(); }
+ContrastData TarvikService::contrastData() const { return _d->records.contrast(); }
+ViewportData TarvikService::viewportData() const { return _d->records.viewport(); }
+StatisticsData TarvikService::statisticsData() const { return _d->records.statistics(); }
+PeakData TarvikService::peakData() const { return _d->records.peaks(); }
 
-const MImage& TarvikService::image() const { return _d->_image; }
-const MImage& TarvikService::thumbnail() const { return _d->_thumbnail; }
-const MImage& TarvikService::mask() const { return _d->_mask; }
-const MImage& TarvikService::thumbnailMask() const { return _d->_thumbnailMask; }
-bool TarvikService::imageLoaded() const { return !_d->_image.empty(); }
+// The image.
+
+const MImage& TarvikService::image() const { return _d->shown.image; }
+const MImage& TarvikService::thumbnail() const { return _d->shown.thumbnail; }
+const MImage& TarvikService::mask() const { return _d->shown.mask; }
+const MImage& TarvikService::thumbnailMask() const { return _d->shown.thumbnailMask; }
+bool TarvikService::imageLoaded() const { return _d->shown.loaded(); }
 
 QSize TarvikService::imageSize() const
 {
-    return imageLoaded() ? QSize(_d->_image.width(), _d->_image.height()) : QSize(-1, -1);
+    return imageLoaded() ? QSize(image().width(), image().height()) : QSize(-1, -1);
 }
 
-int TarvikService::imageIndex() const { return _d->_imageIndex; }
-int TarvikService::firstIndex() const { return imageLoaded() ? _d->_imageLoader.firstIndex() : -1; }
-int TarvikService::lastIndex() const { return imageLoaded() ? _d->_imageLoader.lastIndex() : -1; }
+int TarvikService::imageIndex() const { return _d->shown.index; }
+int TarvikService::firstIndex() const { return _d->opening.firstIndex(); }
+int TarvikService::lastIndex() const { return _d->opening.lastIndex(); }
 
 QString TarvikService::imagePath() const
 {
-    return QFile::decodeName(QByteArray::fromStdString(_d->_imagePath));
+    return QFile::decodeName(QByteArray::fromStdString(_d->shown.path));
 }
 
 QString TarvikService::imageDescription() const
@@ -94,142 +56,90 @@ QString TarvikService::imageDescription() const
     return QString::fromStdString(optionalData().imageDescription().get_value_or(std::string()));
 }
 
-QSharedPointer<const ImageStatistics> TarvikService::statistics() const { return _d->_statistics; }
+QSharedPointer<const ImageStatistics> TarvikService::statistics() const
+{
+    return _d->shown.statistics;
+}
 
 const RoiStatistics& TarvikService::roiStatistics() const
 {
-    _d->awaitRegion();
-    return _d->_region.numbers;
+    return _d->records.region().awaitNumbers();
 }
 
-bool TarvikService::regionPending() const { return _d->_regionWorker.pending(); }
-const TarvikService::ComputedRegion& TarvikService::computedRegion() const { return _d->_region; }
+bool TarvikService::regionPending() const { return _d->records.region().pending(); }
+const ComputedRegion& TarvikService::computedRegion() const
+{
+    return _d->records.region().computed();
+}
 
 ImagePeaks TarvikService::imagePeaks()
 {
-    if (_d->_imagePeaksDirty && imageLoaded()) {
-        _d->_imagePeaks.setImage(_d->_image, _d->_mask);
-        _d->_imagePeaksDirty = false;
-    }
-    return _d->_imagePeaks;
+    if (!imageLoaded())
+        return {};
+    std::optional<ImagePeaks>& peaks = _d->shown.peaks;
+    if (!peaks)
+        peaks.emplace().setImage(image(), mask());
+    return *peaks;
 }
 
 const TarvikService::Header& TarvikService::optionalData() const { return image().optionalData(); }
+const TarvikService::Header& TarvikService::globalHeader() const { return _d->headerEdits.edits(); }
 
-const TarvikService::Header& TarvikService::globalHeader() const
-{
-    return _d->_headerEdits.edits();
-}
+// How it is shown.
 
-PlottingMode TarvikService::plottingMode() const { return _d->_plottingMode; }
-bool TarvikService::showResolutionRings() const { return _d->_showResolutionRings; }
-bool TarvikService::highlightDefective() const { return _d->_highlightDefective; }
-bool TarvikService::highlightSaturated() const { return _d->_highlightSaturated; }
-
-void TarvikService::setPlottingMode(PlottingMode mode)
-{
-    _d->_plottingMode = mode;
-    emit plottingModeSignal(mode);
-}
-
-void TarvikService::toggleShowResolutionRings(bool show)
-{
-    if (std::exchange(_d->_showResolutionRings, show) != show)
-        emit resolutionRingsSignal(show);
-}
-
-void TarvikService::toggleHighlightDefective(bool highlight)
-{
-    if (std::exchange(_d->_highlightDefective, highlight) != highlight)
-        emit defectiveSignal(highlight);
-}
-
-void TarvikService::toggleHighlightSaturated(bool highlight)
-{
-    if (std::exchange(_d->_highlightSaturated, highlight) != highlight)
-        emit saturatedSignal(highlight);
-}
+PlottingMode TarvikService::plottingMode() const { return _d->plottingMode; }
+bool TarvikService::showResolutionRings() const { return _d->showResolutionRings; }
+bool TarvikService::highlightDefective() const { return _d->highlightDefective; }
+bool TarvikService::highlightSaturated() const { return _d->highlightSaturated; }
 
 const TarvikService::MColorTable* TarvikService::defaultColorTable() const
 {
-    return _d->_defaultColorTable;
+    return _d->records.defaultColorTable();
 }
 
 void TarvikService::setDefaultColorTable(const MColorTable* colorTable)
 {
-    if (std::exchange(_d->_defaultColorTable, colorTable) == colorTable)
-        return;
-    // A view whose contrast names no table shows this one.
-    ContrastData recoloured = contrastData();
-    if (recoloured.colorTable || !recoloured.defined)
-        return;
-    recoloured.dragUpdate = false;
-    emit newContrastSignal(recoloured);
+    _d->records.setDefaultColorTable(colorTable);
 }
 
 const std::list<const TarvikService::MColorTable*>& TarvikService::colorTables() const
 {
-    return _d->_colorTables;
+    return _d->colorTables;
 }
 
 void TarvikService::setColorTables(const std::list<const MColorTable*>& colorTables)
 {
-    _d->_colorTables = colorTables;
+    _d->colorTables = colorTables;
 }
 
-void TarvikService::setMovieMode(bool on) { _d->_modes.setMovie(on); }
-bool TarvikService::movieMode() const { return _d->_modes.movie(); }
-void TarvikService::setMovieModeStep(int step) { _d->_modes.autoLoader().setStepSize(step); }
-int TarvikService::movieModeStep() const { return _d->_modes.autoLoader().stepSize(); }
-void TarvikService::setWatchSeriesMode(bool on) { _d->_modes.setWatchSeries(on); }
-bool TarvikService::watchSeriesMode() const { return _d->_modes.watchSeries(); }
-void TarvikService::setHalvoMonitorMode(bool on) { _d->_modes.setHalvoMonitor(on); }
-bool TarvikService::halvoMonitorMode() const { return _d->_modes.halvoMonitor(); }
+// Modes and the detector.
 
-void TarvikService::setHalvoMonitorHost(QString host, int port, double minPause)
+bool TarvikService::movieMode() const { return _d->modes.on(ViewDriver::Mode::Movie); }
+bool TarvikService::watchSeriesMode() const { return _d->modes.on(ViewDriver::Mode::WatchSeries); }
+bool TarvikService::halvoMonitorMode() const { return _d->modes.on(ViewDriver::Mode::Monitor); }
+int TarvikService::movieModeStep() const { return _d->modes.autoLoader().stepSize(); }
+QString TarvikService::halvoMonitorHost() const { return _d->modes.host(); }
+int TarvikService::halvoMonitorPort() const { return _d->modes.port(); }
+double TarvikService::halvoMonitorMinPause() const { return _d->modes.minPause(); }
+HalvoClient* TarvikService::halvoClient() const { return _d->halvoClient.get(); }
+bool TarvikService::loading() const { return _d->opening.loading(); }
+
+std::unique_ptr<WriteHeaderToFilesThread>
+TarvikService::writeHeaderToFilesThread(const Header& header) const
 {
-    _d->_modes.setHalvoMonitorHost(host, port, minPause);
+    return headerFilesBatch(_d->shown.path, header);
 }
 
-QString TarvikService::halvoMonitorHost() const { return _d->_modes.host(); }
-int TarvikService::halvoMonitorPort() const { return _d->_modes.port(); }
-double TarvikService::halvoMonitorMinPause() const { return _d->_modes.minPause(); }
-HalvoClient* TarvikService::halvoClient() const { return _d->_halvoClient.get(); }
-bool TarvikService::loading() const { return _d->_imageLoader.loading(); }
+const TarvikService::MDrawingList& TarvikService::paintList() const { return _d->paintList; }
 
-const TarvikService::MDrawingList& TarvikService::paintList() const { return _d->_paintList; }
-
-void TarvikService::addToPaintList(const MDrawingList& list)
-{
-    for (std::size_t i = 0; i < list.size(); ++i)
-        _d->_paintList.pushBack(list[i]);
-    emit paintListSignal();
-}
-
-void TarvikService::setPaintList(MDrawingList list)
-{
-    _d->_paintList.swap(list);
-    emit paintListSignal();
-}
-
-void TarvikService::clearPaintList()
-{
-    _d->_paintList.clear();
-    emit paintListSignal();
-}
-
-std::string TarvikService::syncID() const
-{
-    if (!imageLoaded())
-        return {};
-    return std::to_string(_d->_image.width()) + '_' + std::to_string(_d->_image.height()) + '_' +
-           _d->_additionalSyncID.toStdString();
-}
+std::string TarvikService::syncID() const { return _d->records.syncId(); }
 
 void TarvikService::setAdditionalSyncID(const QString& additionalSyncID)
 {
-    _d->_additionalSyncID = additionalSyncID;
+    _d->records.setAdditionalSyncId(additionalSyncID);
 }
+
+// Geometry from the header.
 
 bool TarvikService::resolutionDefined() const
 {
@@ -284,29 +194,130 @@ void TarvikService::recommendResolutionRadius(int n, double& centreX, double& ce
         beamCentre(centreX, centreY);
 }
 
+// Setters of records.
+
+void TarvikService::setContrastData(ContrastData data) { _d->records.setContrast(data); }
+void TarvikService::setViewportData(ViewportData data) { _d->records.setViewport(data); }
+void TarvikService::setStatisticsData(StatisticsData data) { _d->records.region().set(data); }
+void TarvikService::setPeakData(PeakData data) { _d->records.setPeaks(data); }
+
+// Opening.
+
+void TarvikService::openImage(const char* fileName) { _d->opening.openImage(fileName); }
+void TarvikService::openImage(int imageIndex) { _d->opening.openImage(imageIndex); }
+void TarvikService::openImage(MImage image) { _d->opening.openImage(image); }
+
+void TarvikService::nextImage(int n, bool signalLoadError)
+{
+    _d->opening.nextImage(n, signalLoadError);
+}
+
+void TarvikService::openLast(bool signalLoadError) { _d->opening.openLast(signalLoadError); }
+void TarvikService::scanImageContainer() { _d->opening.scan(); }
+void TarvikService::watchImageContainer(bool watch) { _d->opening.watch(watch); }
+
+// Switching modes.
+
+void TarvikService::setMovieMode(bool on) { _d->modes.setMovie(on); }
+void TarvikService::setMovieModeStep(int step) { _d->modes.autoLoader().setStepSize(step); }
+void TarvikService::setWatchSeriesMode(bool on) { _d->modes.setWatchSeries(on); }
+void TarvikService::setHalvoMonitorMode(bool on) { _d->modes.setHalvoMonitor(on); }
+
+void TarvikService::setHalvoMonitorHost(QString host, int port, double minPause)
+{
+    _d->modes.setHalvoMonitorHost(host, port, minPause);
+}
+
+// Switching what is shown.
+
+void TarvikService::setPlottingMode(PlottingMode mode)
+{
+    _d->plottingMode = mode;
+    emit plottingModeSignal(mode);
+}
+
+void TarvikService::toggleShowResolutionRings(bool show)
+{
+    if (std::exchange(_d->showResolutionRings, show) != show)
+        emit resolutionRingsSignal(show);
+}
+
+void TarvikService::toggleHighlightDefective(bool highlight)
+{
+    if (std::exchange(_d->highlightDefective, highlight) != highlight)
+        emit defectiveSignal(highlight);
+}
+
+void TarvikService::toggleHighlightSaturated(bool highlight)
+{
+    if (std::exchange(_d->highlightSaturated, highlight) != highlight)
+        emit saturatedSignal(highlight);
+}
+
+void TarvikService::addToPaintList(const MDrawingList& list)
+{
+    for (std::size_t i = 0; i < list.size(); ++i)
+        _d->paintList.pushBack(list[i]);
+    emit paintListSignal();
+}
+
+void TarvikService::setPaintList(MDrawingList list)
+{
+    _d->paintList.swap(list);
+    emit paintListSignal();
+}
+
+void TarvikService::clearPaintList()
+{
+    _d->paintList.clear();
+    emit paintListSignal();
+}
+
 void TarvikService::setCursorCoordinates(double imgX, double imgY)
 {
     emit cursorInfoSignal(CursorInfo::of(image(), imgX, imgY));
 }
 
+// Not with the class, which knows no service.
 CursorInfo::CursorInfo(const TarvikService* service, double imgX, double imgY)
     : CursorInfo(of(service->image(), imgX, imgY))
 {}
+
+// Header edits.
 
 void TarvikService::resetHeader()
 {
     if (!imageLoaded())
         return;
-    _d->_headerEdits.reset(_d->_image);
+    _d->headerEdits.reset(_d->shown.image);
     emit headerChangedSignal();
-    _d->applyBeamCentreToPowderCentre();
+    _d->records.region().followBeamCentre();
 }
 
 void TarvikService::applyHeaderToSeries(const Header& header)
 {
     if (!imageLoaded())
         return;
-    _d->_headerEdits.apply(header, _d->_image, _d->_imageIndex);
+    _d->headerEdits.apply(header, _d->shown.image, _d->shown.index);
     emit headerChangedSignal();
-    _d->applyBeamCentreToPowderCentre();
+    _d->records.region().followBeamCentre();
 }
+
+// What comes from the parts.
+
+void TarvikService::_newImageSlot()
+{
+    const std::optional<LoaderData> load = _d->opening.takeFinished();
+    if (!load)
+        return;
+    _d->arrival.show(*load);
+    _d->opening.watchShownImage();
+    emit newImageSignal();
+    emit newStatisticsSignal(statisticsData());
+    emit newPeakSignal(peakData());
+    emit resolutionDefinedSignal(resolutionDefined());
+    emit powderPlotDefinedSignal(powderPlotDefined());
+    console::printTime("               TOTAL TIME LOADING IMAGE: ", _d->opening.elapsed());
+}
+
+void TarvikService::_scanImageContainterSlot(const QString&) { scanImageContainer(); }

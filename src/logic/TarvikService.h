@@ -7,13 +7,13 @@
 #include "imagelib/display/MDrawingList.h"
 #include "imagelib/image/MImage.h"
 #include "logic/analysis/peaks/ImagePeaks.h"
-#include "logic/analysis/roi/RoiStatistics.h"
 #include "logic/analysis/statistics/ImageStatistics.h"
 #include "logic/records/ContrastData.h"
 #include "logic/records/PeakData.h"
 #include "logic/records/PlottingMode.h"
 #include "logic/records/StatisticsData.h"
 #include "logic/records/ViewportData.h"
+#include "logic/service/ComputedRegion.h"
 #include "logic/service/CursorInfo.h"
 
 #include <QObject>
@@ -43,6 +43,7 @@ public:
     using MDrawingList = morvend::imglib::MDrawingList<>;
     using MImage = morvend::imglib::MImage;
     using Header = morvend::imglib::MBasicImageOptionalData<>;
+    using ComputedRegion = ::ComputedRegion;
 
     /// Services are made by TarvikCore::newService.
     /// @param groups  those of all views; outlive the service
@@ -80,11 +81,6 @@ public:
     const RoiStatistics& roiStatistics() const;
     /// Are the numbers being computed? regionComputedSignal() follows.
     bool regionPending() const;
-    /// Numbers of a region of the present image.
-    struct ComputedRegion {
-        StatisticsData region;
-        RoiStatistics numbers;
-    };
     /// The numbers that are there, without waiting, and which region they are of: an older one
     /// while regionPending().
     const ComputedRegion& computedRegion() const;
@@ -253,7 +249,6 @@ signals:
 
 private slots:
     void _newImageSlot();
-    void _regionComputedSlot();
     void _scanImageContainterSlot(const QString& path);  // the spelling is part of the interface
 
 private:

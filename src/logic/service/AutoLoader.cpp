@@ -1,16 +1,12 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// The pace of movies and of series that grow.
 #include "logic/service/AutoLoader.h"
-
-#include "logic/TarvikService.h"
 
 #include <algorithm>
 #include <utility>
 
-AutoLoader::AutoLoader(TarvikService* service, std::unique_ptr<MovieClock> clock)
-    : _service(service)
+AutoLoader::AutoLoader(ViewDriver& view, std::unique_ptr<MovieClock> clock)
+    : _view(view)
     , _clock(std::move(clock))
 {}
 
@@ -34,56 +30,49 @@ int AutoLoader::stepSize() const
 
 void AutoLoader::startLoading(Mode mode)
 {
-    _service->watchImageContainer(true);
-    _service->scanImageContainer();
-    _disconnectService();
-    _connections[0] = connect(_service, &TarvikService::imageContainerChangedSignal, this,
-                              &AutoLoader::_directoryChangedSlot, Qt::DirectConnection);
-    _connections[1] = connect(_service, &TarvikService::newImageSignal, this,
-                              &AutoLoader::_newImageSlot, Qt::DirectConnection);
+    _view.watch([this] { _newImageSlot(); }, [this] { _directoryChangedSlot(); });
+    _view.scan();
+    _disconnectRequests();
     _connectRequests(mode);
-    const int imageIndex = _service->imageIndex();
-    const int lastIndex = _service->lastIndex();
+    const int index = _view.index();
+    const int lastIndex = _view.lastIndex();
 
     std::unique_lock lock(_mutex);
     _mode = mode;
-    _currentIndex = imageIndex;
+    _currentIndex = index;
     _lastIndex = lastIndex;
-    if (isRunning() && !_stop) {
-        // A request of the former session does not arrive any more: nothing else would answer it.
-        _underWay = false;
-        _update = true;
-        _condition.notify_one();
-        return;
+    if (_state == State::Stopped) {
+        lock.unlock();
+        wait();  // for a thread that is about to end
+        lock.lock();
+        start(QThread::LowPriority);
     }
-    lock.unlock();
-    wait();  // a thread that was told to stop is about to end
-    lock.lock();
-    _stop = _update = _underWay = false;
-    start(QThread::LowPriority);
+    // A request of the former run does not arrive any more: nothing else would answer it.
+    _state = State::Idle;
+    _condition.notify_one();
 }
 
 void AutoLoader::_connectRequests(Mode mode)
 {
-    // The number of the session keeps out what a former thread left in the event queue.
-    const auto whenCurrent = [this, session = _session](auto&& request) {
-        if (session != _session)
+    // The number of the run keeps out what a former thread left in the event queue.
+    const auto whenCurrent = [this, run = _run](auto&& request) {
+        if (run != _run)
             return;
         _noteArrival();
         request();
     };
     if (mode == Movie)
-        _connections[2] = connect(
-            this, &AutoLoader::nextImageSignal, _service,
+        _requests = connect(
+            this, &AutoLoader::nextImageSignal, this,
             [=, this](int n, bool signalLoadError) {
-                whenCurrent([&] { _service->nextImage(n, signalLoadError); });
+                whenCurrent([&] { _view.nextImage(n, signalLoadError); });
             },
             Qt::QueuedConnection);
     else
-        _connections[2] = connect(
-            this, &AutoLoader::lastImageSignal, _service,
+        _requests = connect(
+            this, &AutoLoader::lastImageSignal, this,
             [=, this](bool signalLoadError) {
-                whenCurrent([&] { _service->openLast(signalLoadError); });
+                whenCurrent([&] { _view.openLast(signalLoadError); });
             },
             Qt::QueuedConnection);
 }
@@ -91,25 +80,23 @@ void AutoLoader::_connectRequests(Mode mode)
 void AutoLoader::_noteArrival()
 {
     const std::lock_guard lock(_mutex);
-    _underWay = false;
+    if (_state == State::Asked)
+        _state = State::Loading;
 }
 
 void AutoLoader::stopLoading()
 {
-    _disconnectService();
-    _service->watchImageContainer(false);
-    if (!isRunning())
-        return;
+    _disconnectRequests();
+    _view.unwatch();
     const std::lock_guard lock(_mutex);
-    _stop = true;
+    _state = State::Stopped;
     _condition.notify_one();
 }
 
-void AutoLoader::_disconnectService()
+void AutoLoader::_disconnectRequests()
 {
-    ++_session;
-    for (QMetaObject::Connection& connection : _connections)
-        disconnect(connection);
+    ++_run;
+    disconnect(_requests);
 }
 
 void AutoLoader::_directoryChangedSlot()
@@ -123,14 +110,15 @@ void AutoLoader::_newImageSlot() { _updateIndices(true); }
 
 void AutoLoader::_updateIndices(bool answered)
 {
-    const int imageIndex = _service->imageIndex();
-    const int lastIndex = _service->lastIndex();
-    const bool loading = _service->loading();
+    const int index = _view.index();
+    const int lastIndex = _view.lastIndex();
+    const bool loading = _view.loading();
     const std::lock_guard lock(_mutex);
-    _currentIndex = imageIndex;
+    _currentIndex = index;
     _lastIndex = lastIndex;
-    if (answered || !(loading || _underWay))
-        _update = true;
+    const bool failed = _state == State::Loading && !loading;
+    if (_state != State::Stopped && (answered || failed))
+        _state = State::Idle;
     _condition.notify_one();
 }
 
@@ -147,9 +135,9 @@ void AutoLoader::run()
 std::optional<int> AutoLoader::_awaitNext()
 {
     std::unique_lock lock(_mutex);
-    while (!_stop && _currentIndex >= _lastIndex)
+    while (_state != State::Stopped && _currentIndex >= _lastIndex)
         _clock->sleep(_condition, lock, MovieClock::never);
-    if (_stop)
+    if (_state == State::Stopped)
         return {};
     return std::min(_lastIndex - _currentIndex, _stepSize);
 }
@@ -158,8 +146,9 @@ bool AutoLoader::_request(int step)
 {
     std::unique_lock lock(_mutex);
     const bool movie = _mode == Movie;
-    _underWay = true;
-    _update = false;
+    if (_state == State::Stopped)
+        return movie;
+    _state = State::Asked;
     lock.unlock();
     if (movie)
         emit nextImageSignal(step, false);
@@ -171,17 +160,16 @@ bool AutoLoader::_request(int step)
 bool AutoLoader::_awaitAnswer()
 {
     std::unique_lock lock(_mutex);
-    while (!_stop && !_update)
+    while (_state == State::Asked || _state == State::Loading)
         _clock->sleep(_condition, lock, MovieClock::never);
-    _update = false;
-    return !_stop;
+    return _state != State::Stopped;
 }
 
 bool AutoLoader::_pause(MovieClock::Time asked)
 {
     std::unique_lock lock(_mutex);
     const MovieClock::Time end = std::max(asked + framePeriod, _clock->now() + minimumPause);
-    while (!_stop && _clock->now() < end)
+    while (_state != State::Stopped && _clock->now() < end)
         _clock->sleep(_condition, lock, end);
-    return !_stop;
+    return _state != State::Stopped;
 }

@@ -1,10 +1,6 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// How the modes exclude each other.
 #include "logic/service/AutoModes.h"
-
-#include <utility>
 
 namespace {
 
@@ -13,77 +9,77 @@ constexpr unsigned long longestWait = 200;  // ms
 
 }  // namespace
 
-const AutoModes::Kind AutoModes::movieKind = {AutoLoader::Movie, &AutoModes::_movie,
-                                              &TarvikService::movieModeSignal};
-const AutoModes::Kind AutoModes::watchKind = {AutoLoader::WatchSeries, &AutoModes::_watchSeries,
-                                              &TarvikService::watchSeriesModeSignal};
-
-AutoModes::AutoModes(TarvikService& service, ImageLoader& loader)
-    : _service(service)
-    , _loader(loader)
-    , _autoLoader(&service)
+AutoModes::AutoModes(ViewDriver& view)
+    : _view(view)
+    , _autoLoader(view)
     , _host(HalvoMonitor::defaultHost())
     , _port(HalvoMonitor::defaultPort())
     , _minPause(HalvoMonitor::defaultMinPause())
 {}
 
-void AutoModes::setMovie(bool on) { _setAuto(movieKind, watchKind, on); }
-void AutoModes::setWatchSeries(bool on) { _setAuto(watchKind, movieKind, on); }
-
-void AutoModes::_setAuto(const Kind& kind, const Kind& other, bool on)
+void AutoModes::_setAuto(Mode mode, Mode other, bool on)
 {
-    if (!_service.imageLoaded())
+    if (!_view.imageLoaded())
         return;
     if (on) {
         _monitor.stop();
-        _loader.dropTaskQueue();
-        _halvoMonitor = false;
-        if (this->*other.on) {
+        _view.dropRequests();
+        _clear(Mode::Monitor);
+        if (this->on(other)) {
             _leave(other);
             _autoLoader.wait();
         }
-        _autoLoader.startLoading(kind.mode);
-        this->*kind.on = true;
+        _autoLoader.startLoading(mode == Mode::Movie ? AutoLoader::Movie : AutoLoader::WatchSeries);
+        _mode = mode;
     } else {
-        if (!(this->*other.on))
+        if (!this->on(other))
             _autoLoader.stopLoading();
-        _loader.dropTaskQueue();
-        if (std::exchange(this->*kind.on, false))
+        _view.dropRequests();
+        if (_clear(mode))
             _autoLoader.wait(longestWait);
     }
-    emit(_service.*kind.signal)(on);
+    _view.modeChanged(mode, on);
 }
 
-void AutoModes::_leave(const Kind& kind)
+void AutoModes::_leave(Mode mode)
 {
     _autoLoader.stopLoading();
-    _loader.dropTaskQueue();
-    this->*kind.on = false;
+    _view.dropRequests();
+    _clear(mode);
     _autoLoader.wait(longestWait);
-    emit(_service.*kind.signal)(false);
+    _view.modeChanged(mode, false);
+}
+
+bool AutoModes::_clear(Mode mode)
+{
+    const bool was = on(mode);
+    if (was)
+        _mode.reset();
+    return was;
 }
 
 void AutoModes::setHalvoMonitor(bool on)
 {
-    const bool before = _halvoMonitor;
+    const bool before = this->on(Mode::Monitor);
     _switchMonitor(on);
     if (on != before)
-        emit _service.halvoMonitorModeSignal(on);
+        _view.modeChanged(Mode::Monitor, on);
 }
 
 void AutoModes::_switchMonitor(bool on)
 {
     if (on) {
-        if (_service.imageLoaded()) {
-            _leave(watchKind);
-            _leave(movieKind);
+        if (_view.imageLoaded()) {
+            _leave(Mode::WatchSeries);
+            _leave(Mode::Movie);
         }
         _monitor.start(_host.toStdString(), _port, _minPause);
+        _mode = Mode::Monitor;
     } else {
         _monitor.stop();
-        _loader.dropTaskQueue();
+        _view.dropRequests();
+        _clear(Mode::Monitor);
     }
-    _halvoMonitor = on;
 }
 
 void AutoModes::setHalvoMonitorHost(const QString& host, int port, double minPause)
@@ -94,12 +90,12 @@ void AutoModes::setHalvoMonitorHost(const QString& host, int port, double minPau
     _minPause = minPause;
     if (!differs)
         return;
-    if (_halvoMonitor)
+    if (on(Mode::Monitor))
         _switchMonitor(true);
     HalvoMonitor::setDefaultHost(host);
     HalvoMonitor::setDefaultPort(port);
     HalvoMonitor::setDefaultMinPause(minPause);
-    emit _service.halvoMonitorHostSignal(host, port, minPause);
+    _view.monitorHostChanged(host, port, minPause);
 }
 
 void AutoModes::end()

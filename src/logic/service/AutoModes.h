@@ -4,30 +4,33 @@
 // The modes that keep a view moving by itself.
 #pragma once
 
-#include "logic/TarvikService.h"
 #include "logic/detector/HalvoMonitor.h"
-#include "logic/loading/ImageLoader.h"
 #include "logic/service/AutoLoader.h"
+#include "logic/service/ViewDriver.h"
+
+#include <QString>
+
+#include <optional>
 
 /// Playing a movie, watching a series that grows, showing pictures of a running detector: at most
 /// one of the three is on. Whoever leaves a mode drops what it has queued; a load that runs still
 /// arrives, after the signal that the mode has ended. No call waits for a load. Thread: GUI only.
 class AutoModes {
 public:
-    AutoModes(TarvikService& service, ImageLoader& loader);
+    using Mode = ViewDriver::Mode;
+
+    explicit AutoModes(ViewDriver& view);
 
     HalvoMonitor& monitor() { return _monitor; }
     AutoLoader& autoLoader() { return _autoLoader; }
-    bool movie() const { return _movie; }
-    bool watchSeries() const { return _watchSeries; }
-    bool halvoMonitor() const { return _halvoMonitor; }
+    bool on(Mode mode) const { return _mode == mode; }
     const QString& host() const { return _host; }
     int port() const { return _port; }
     double minPause() const { return _minPause; }
 
     /// Without image nothing happens.
-    void setMovie(bool on);
-    void setWatchSeries(bool on);
+    void setMovie(bool on) { _setAuto(Mode::Movie, Mode::WatchSeries, on); }
+    void setWatchSeries(bool on) { _setAuto(Mode::WatchSeries, Mode::Movie, on); }
     /// Works without image too, so that a view can begin empty.
     void setHalvoMonitor(bool on);
     /// Keeps an address for later starts, also of other views; a running monitor changes over.
@@ -36,29 +39,19 @@ public:
     void end();
 
 private:
-    using ModeSignal = void (TarvikService::*)(bool);
-    /// A movie or the watching of a series.
-    struct Kind {
-        AutoLoader::Mode mode;
-        bool AutoModes::*on;
-        ModeSignal signal;
-    };
-    static const Kind movieKind;
-    static const Kind watchKind;
-
-    void _setAuto(const Kind& kind, const Kind& other, bool on);
-    /// Stops the auto loader's work for a mode and signals its end.
-    void _leave(const Kind& kind);
+    /// Begins or ends a movie or the watching of a series; the other of the two excludes it.
+    void _setAuto(Mode mode, Mode other, bool on);
+    /// Ends what the auto loader does for a mode, and signals that.
+    void _leave(Mode mode);
     void _switchMonitor(bool on);
+    /// @returns whether the mode was on
+    bool _clear(Mode mode);
 
-    TarvikService& _service;
-    ImageLoader& _loader;
+    ViewDriver& _view;
+    std::optional<Mode> _mode;
     AutoLoader _autoLoader;
     HalvoMonitor _monitor;
     QString _host;
     int _port;
     double _minPause;
-    bool _halvoMonitor = false;
-    bool _movie = false;
-    bool _watchSeries = false;
 };

@@ -1,18 +1,14 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// Setting up a batch over the files of a series.
-#include "logic/headerfiles/WriteHeaderToFilesThread.h"
-#include "logic/service/TarvikServicePrivate.h"
+#include "logic/service/HeaderFiles.h"
 
 #include "imagelib/image/MException.h"
 
 #include <charconv>
 
-std::unique_ptr<WriteHeaderToFilesThread>
-TarvikService::writeHeaderToFilesThread(const Header& header) const
+std::unique_ptr<WriteHeaderToFilesThread> headerFilesBatch(const std::string& path,
+                                                           const HeaderEdits::Header& header)
 {
-    const std::string& path = _d->_imagePath;
     const std::size_t slash = path.rfind('/');
     const std::size_t name = slash == std::string::npos ? 0 : slash + 1;
     const std::size_t dot = path.rfind('.');

@@ -1,75 +1,98 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// Requests for images: open, next, last, scan and watch.
-#include "logic/service/TarvikServicePrivate.h"
+#include "logic/service/Opening.h"
 
-ImageLoader::Data TarvikService::TarvikServicePrivate::request() const
+#include <QFile>
+
+#include <utility>
+
+namespace {
+
+QString fileOf(const ShownImage& shown)
 {
-    ImageLoader::Data request;
-    request.contrastData = _contrast.value();
-    request.viewportData = _viewport.value();
-    request.statisticsData = _statisticsRecord.value();
-    request.peakData = _peaks.value();
+    return QFile::decodeName(QByteArray::fromStdString(shown.path));
+}
+
+}  // namespace
+
+Opening::Opening(const ShownImage& shown, const Records& records)
+    : _shown(shown)
+    , _records(records)
+{}
+
+LoaderData Opening::_request() const
+{
+    LoaderData request;
+    request.contrastData = _records.contrast();
+    request.viewportData = _records.viewport();
+    request.statisticsData = _records.statistics();
+    request.peakData = _records.peaks();
     return request;
 }
 
-void TarvikService::TarvikServicePrivate::openIndex(int index, bool signalLoadError)
+void Opening::openImage(const char* fileName)
 {
-    if (_image.empty())
-        return;
-    ImageLoader::Data request = this->request();
-    request.index = index;
-    _imageLoader.open(ImageLoader::TaskOpenIndex, request, signalLoadError);
-}
-
-void TarvikService::openImage(const char* fileName)
-{
-    _d->_loadClock.restart();
-    ImageLoader::Data request = _d->request();
+    _clock.restart();
+    LoaderData request = _request();
     request.path = fileName;
-    _d->_imageLoader.open(ImageLoader::TaskOpenSeries, request, true);
+    _loader.open(ImageLoader::TaskOpenSeries, request, true);
 }
 
-void TarvikService::openImage(int imageIndex)
+void Opening::openImage(int imageIndex, bool signalLoadError)
 {
-    _d->_loadClock.restart();
-    _d->openIndex(imageIndex, true);
-}
-
-void TarvikService::openImage(morvend::imglib::MImage image)
-{
-    _d->_loadClock.restart();
-    ImageLoader::Data request = _d->request();
-    request.image = std::move(image);
-    _d->_imageLoader.open(ImageLoader::TaskPushImage, request, true);
-}
-
-void TarvikService::nextImage(int n, bool signalLoadError)
-{
-    _d->_loadClock.restart();
-    if (n == 0)
-        return _d->openIndex(_d->_imageIndex, signalLoadError);
-    if (imageLoaded())
-        _d->_imageLoader.step(n, _d->request(), signalLoadError);
-}
-
-void TarvikService::openLast(bool signalLoadError)
-{
-    _d->_loadClock.restart();
-    _d->openIndex(lastIndex(), signalLoadError);
-}
-
-void TarvikService::scanImageContainer() { _d->_imageLoader.update(); }
-
-void TarvikService::_scanImageContainterSlot(const QString&) { _d->_imageLoader.update(); }
-
-void TarvikService::watchImageContainer(bool watch)
-{
-    _d->_watch.reset();
-    if (!watch)
+    _clock.restart();
+    if (!_shown.loaded())
         return;
-    _d->_watch = std::make_unique<ContainerWatch>(imagePath());
-    connect(_d->_watch.get(), &ContainerWatch::changedSignal, this,
-            &TarvikService::_scanImageContainterSlot);
+    LoaderData request = _request();
+    request.index = imageIndex;
+    _loader.open(ImageLoader::TaskOpenIndex, request, signalLoadError);
+}
+
+void Opening::openImage(const MImage& image)
+{
+    _clock.restart();
+    LoaderData request = _request();
+    request.image = image;
+    _loader.open(ImageLoader::TaskPushImage, request, true);
+}
+
+void Opening::nextImage(int n, bool signalLoadError)
+{
+    if (n == 0)
+        return openImage(_shown.index, signalLoadError);
+    _clock.restart();
+    if (_shown.loaded())
+        _loader.step(n, _request(), signalLoadError);
+}
+
+void Opening::openLast(bool signalLoadError) { openImage(lastIndex(), signalLoadError); }
+
+int Opening::firstIndex() const { return _shown.loaded() ? _loader.firstIndex() : -1; }
+int Opening::lastIndex() const { return _shown.loaded() ? _loader.lastIndex() : -1; }
+
+std::optional<LoaderData> Opening::takeFinished()
+{
+    // Each record has a signal of its own. Where two were finished before the first was looked at,
+    // the second has its turn with the next one: the image that was asked for last is shown last.
+    _loader.results(_finished);
+    if (_finished.empty())
+        return {};
+    LoaderData load = std::move(_finished.front());
+    _finished.pop_front();
+    return load;
+}
+
+void Opening::watch(bool on)
+{
+    _watch.reset();
+    if (!on)
+        return;
+    _watch = std::make_unique<ContainerWatch>(fileOf(_shown));
+    connect(_watch.get(), &ContainerWatch::changedSignal, this, &Opening::folderChangedSignal);
+}
+
+void Opening::watchShownImage()
+{
+    if (_watch)
+        _watch->setFile(fileOf(_shown));
 }

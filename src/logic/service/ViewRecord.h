@@ -10,12 +10,12 @@
 #include <string>
 #include <utility>
 
-/// The record that a service holds, and the observer that keeps it equal across its group. Leaves
+/// The record that a view holds, and the observer that keeps it equal across its group. Leaves
 /// the group when it is destroyed. Thread: GUI only.
 template <class T>
 class ViewRecord : public AbstractObserver<T> {
 public:
-    /// @param arrived called when the group has brought a new value
+    /// @param arrived  called when the group has brought a new value
     ViewRecord(SyncGroups<T>& groups, std::function<void()> arrived)
         : _groups(groups)
         , _arrived(std::move(arrived))
@@ -27,11 +27,18 @@ public:
     void store(const T& value) { _value = value; }
     void spreadValue() { this->spread(_value); }
 
-    /// Leaves the group and becomes a member of another one, whose record data() then is.
-    void changeGroup(const std::string& syncId)
+    /// Leaves the group and becomes a member of another one. Takes that one's value over, unless
+    /// the user has changed this one since a request.
+    /// @returns whether the value is another one now
+    bool changeGroup(const std::string& syncId, const T& atRequest)
     {
         _groups.detach(*this);
         _groups.attach(*this, syncId);
+        if (_value != atRequest)
+            return false;
+        const bool differs = _value != this->data();
+        _value = this->data();
+        return differs;
     }
 
     void virtualNotify() override

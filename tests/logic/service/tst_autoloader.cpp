@@ -3,8 +3,10 @@
 //
 // The pace of movies and watched series, by a clock that is turned by hand.
 #include "logic/service/AutoLoader.h"
-#include "tests/logic/service/ServiceTest.h"
-#include "tests/support/EdfFile.h"
+#include "tests/logic/service/HandView.h"
+#include "tests/support/WaitFor.h"
+
+#include <gmock/gmock.h>
 
 #include <atomic>
 
@@ -12,6 +14,8 @@ namespace {
 
 using namespace tarvik::tests;
 using std::chrono::milliseconds;
+using testing::ElementsAre;
+using testing::IsEmpty;
 
 /// Stands still until it is turned on.
 class HandClock : public MovieClock {
@@ -60,21 +64,20 @@ private:
     std::mutex* _sleepers = nullptr;
 };
 
-class Pace : public ServiceTest {
+class Pace : public testing::Test {
 protected:
     Pace()
     {
-        for (int i = 0; i < 9; ++i)
-            writeEdf(folder, "p_" + std::to_string(i) + ".edf", 1, {i});
-        view->openImage((folder / "p_0.edf").c_str());
-        arrive(view);
-        const auto count = [this] { ++requests; };
+        view.last = 8;
+        const auto count = [this] {
+            sleepsAtRequest = clock->sleeps.load();
+            ++requests;
+        };
         QObject::connect(&loader, &AutoLoader::nextImageSignal, &loader, count,
                          Qt::DirectConnection);
         QObject::connect(&loader, &AutoLoader::lastImageSignal, &loader, count,
                          Qt::DirectConnection);
     }
-    ~Pace() override { loader.stopLoading(); }
 
     /// Waits for the other thread; meanwhile nothing reaches the view.
     template <class Condition>
@@ -85,30 +88,46 @@ protected:
             std::this_thread::yield();
         return condition();
     }
+    /// Waits until so many requests were signalled, and the thread sleeps until they are answered.
+    bool asked(int times)
+    {
+        return seen([&] { return requests == times; }) &&
+               seen([&] { return clock->sleeps > sleepsAtRequest; });
+    }
+    /// Lets what was signalled reach the view. @returns what the view was asked for
+    std::vector<std::string> arrived()
+    {
+        QCoreApplication::processEvents();
+        return view.take();
+    }
+    /// Shows an image, and waits until the thread sleeps for a time.
+    bool pausesAfter(int image)
+    {
+        const int sleeps = clock->sleeps;
+        view.show(image);
+        return seen([&] { return clock->sleeps > sleeps && clock->left(); });
+    }
     /// Announces a scan, and waits until the thread sleeps again or has made another request.
     void scan()
     {
         const int sleeps = clock->sleeps, before = requests;
-        emit view->imageContainerChangedSignal();
+        view.endScan(view.last);
         EXPECT_TRUE(seen([&] { return clock->sleeps > sleeps || requests > before; }));
     }
-    /// Waits until an image is shown and the thread sleeps for a time.
-    bool shows(int number)
-    {
-        return waitFor([&] { return view->imageIndex() == number && clock->left(); });
-    }
 
-    const TempFolder folder;
-    TarvikService* view = newView();
+    HandView view;
     HandClock* const clock = new HandClock;
     std::atomic<int> requests = 0;
+    std::atomic<int> sleepsAtRequest = 0;
     AutoLoader loader{view, std::unique_ptr<MovieClock>(clock)};
 };
 
 TEST_F(Pace, OfAMovieIsNotChangedByScans)
 {
     loader.startLoading(AutoLoader::Movie);
-    ASSERT_TRUE(shows(1));
+    ASSERT_TRUE(asked(1));
+    EXPECT_THAT(arrived(), ElementsAre("next 1"));
+    ASSERT_TRUE(pausesAfter(1));
     EXPECT_EQ(clock->left(), milliseconds(200));
     for (int i = 0; i < 3; ++i)
         scan();
@@ -117,37 +136,78 @@ TEST_F(Pace, OfAMovieIsNotChangedByScans)
     scan();
     EXPECT_EQ(requests, 1);
     clock->turn(milliseconds(1));
-    EXPECT_TRUE(seen([&] { return requests == 2; }));
+    EXPECT_TRUE(asked(2));
 }
 
 TEST_F(Pace, OfAMovieHasAPauseAfterASlowImage)
 {
     loader.startLoading(AutoLoader::Movie);
-    ASSERT_TRUE(shows(1));
-    clock->turn(milliseconds(200));
-    ASSERT_TRUE(seen([&] { return requests == 2 && !clock->left(); }));
+    ASSERT_TRUE(asked(1));
     clock->turn(milliseconds(500));
-    ASSERT_TRUE(shows(2));
+    ASSERT_TRUE(pausesAfter(1));
     EXPECT_EQ(clock->left(), milliseconds(10));
-    scan();
-    EXPECT_EQ(requests, 2);
     clock->turn(milliseconds(10));
-    EXPECT_TRUE(seen([&] { return requests == 3; }));
+    EXPECT_TRUE(asked(2));
 }
 
-TEST_F(Pace, ScanIsNoAnswerToARequestUnderWay)
+TEST_F(Pace, LastStepTakesWhatIsLeftAndTheMovieGoesOnWhenTheSeriesGrows)
+{
+    loader.setStepSize(5);
+    loader.startLoading(AutoLoader::Movie);
+    ASSERT_TRUE(asked(1));
+    EXPECT_THAT(arrived(), ElementsAre("next 5"));
+    ASSERT_TRUE(pausesAfter(5));
+    clock->turn(milliseconds(200));
+    ASSERT_TRUE(asked(2));
+    EXPECT_THAT(arrived(), ElementsAre("next 3"));
+    ASSERT_TRUE(pausesAfter(8));
+    clock->turn(milliseconds(200));
+    ASSERT_TRUE(seen([&] { return !clock->left(); }));
+    scan();
+    EXPECT_EQ(requests, 2) << "it sleeps at the end";
+    view.endScan(9);
+    ASSERT_TRUE(asked(3));
+    EXPECT_THAT(arrived(), ElementsAre("next 1"));
+}
+
+TEST_F(Pace, ScanAnswersARequestThatFailedOnly)
 {
     for (const auto mode : {AutoLoader::Movie, AutoLoader::WatchSeries}) {
         const int before = requests;
         loader.startLoading(mode);
-        ASSERT_TRUE(seen([&] { return requests == before + 1; }));
-        for (int i = 0; i < 3; ++i)
-            scan();
-        EXPECT_EQ(requests, before + 1) << mode;
+        ASSERT_TRUE(asked(before + 1));
+        scan();
+        EXPECT_EQ(requests, before + 1) << "it has not reached the view yet";
+        EXPECT_THAT(arrived(), ElementsAre(mode == AutoLoader::Movie ? "next 1" : "last"));
+        scan();
+        EXPECT_EQ(requests, before + 1) << "the view still loads";
         EXPECT_FALSE(clock->left()) << "it waits for the image";
+        view.busy = false;
+        scan();
+        if (mode == AutoLoader::Movie)
+            clock->turn(milliseconds(200));
+        EXPECT_TRUE(asked(before + 2));
         loader.stopLoading();
         EXPECT_TRUE(loader.wait());
+        EXPECT_FALSE(view.watched());
+        EXPECT_THAT(arrived(), IsEmpty()) << "nothing comes after a stop";
     }
+}
+
+TEST_F(Pace, RequestOfAnEarlierStartNeverArrivesAndNothingWaitsForIt)
+{
+    loader.startLoading(AutoLoader::Movie);
+    ASSERT_TRUE(asked(1));
+    loader.startLoading(AutoLoader::WatchSeries);
+    ASSERT_TRUE(seen([&] { return clock->left().has_value(); }))
+        << "it waits for nothing but the pace";
+    clock->turn(milliseconds(200));
+    ASSERT_TRUE(asked(2));
+    EXPECT_THAT(arrived(), ElementsAre("last"));
+    loader.stopLoading();
+    loader.startLoading(AutoLoader::Movie);
+    ASSERT_TRUE(asked(3));
+    EXPECT_THAT(arrived(), ElementsAre("next 1"));
 }
 
 }  // namespace

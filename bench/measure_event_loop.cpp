@@ -7,7 +7,7 @@
 //
 // Without --window only the view service works, as for a view whose widgets cost nothing.
 #include "gui/kit/Look.h"
-#include "gui/mainwindow.h"
+#include "gui/window/MainWindow.h"
 #include "gui/window/SubWindow.h"
 #include "logic/TarvikService.h"
 #include "logic/support/Console.h"

@@ -5,7 +5,7 @@
 #include "bin/MainApplication.h"
 
 #include "gui/kit/Look.h"
-#include "gui/mainwindow.h"
+#include "gui/window/MainWindow.h"
 #include "logic/support/GlobalStyle.h"
 
 #include <QFileOpenEvent>

@@ -8,7 +8,7 @@
 #include "bin/MainApplication.h"
 #include "bin/PreloaderThread.h"
 #include "gui/kit/Look.h"
-#include "gui/mainwindow.h"
+#include "gui/window/MainWindow.h"
 #include "imagelib/io/FormatRegistry.h"
 #include "logic/loading/WorkerPool.h"
 #include "logic/preload/PreloaderProcess.h"

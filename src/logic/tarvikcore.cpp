@@ -4,8 +4,8 @@
 
 #include "imagelib/display/MColorTable.h"
 #include "imagelib/display/MDrawingList.h"
-#include "logic/HalvoService.h"
 #include "logic/TarvikService.h"
+#include "logic/detector/HalvoService.h"
 #include "logic/support/Assert.h"
 
 #include <algorithm>

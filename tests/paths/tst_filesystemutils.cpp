@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Paths made tidy and taken apart.
-#include "MFilesystemUtils.h"
+#include "paths/MFilesystemUtils.h"
 
 #include "imagelib/image/MException.h"
 #include "tests/support/TempFolder.h"

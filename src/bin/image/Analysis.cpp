@@ -5,8 +5,8 @@
 #include "bin/image/Analysis.h"
 
 #include "bin/image/JsonText.h"
-#include "logic/RoiComputer.h"
 #include "logic/analysis/peaks/ImagePeaks.h"
+#include "logic/analysis/roi/RoiComputer.h"
 #include "logic/analysis/statistics/ComputeStatistics.h"
 #include "logic/support/Console.h"
 

@@ -5,7 +5,7 @@
 #include "gui/render/CpuColouring.h"
 
 #include "gui/render/ParallelRows.h"
-#include "gui/render/ViewGeometry.h"
+#include "gui/render/geometry/ViewGeometry.h"
 #include "imagelib/display/ColorMapper.h"
 #include "logic/support/Assert.h"
 

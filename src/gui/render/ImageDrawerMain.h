@@ -4,7 +4,7 @@
 // The large image view of a sub-window.
 #pragma once
 
-#include "gui/imagedrawer.h"
+#include "gui/render/ImageDrawer.h"
 #include "gui/render/gestures/NewRegion.h"
 #include "gui/render/gestures/RegionCursors.h"
 #include "gui/render/gestures/RegionDrag.h"

@@ -4,7 +4,7 @@
 // The small image view that steers a main view.
 #pragma once
 
-#include "gui/imagedrawer.h"
+#include "gui/render/ImageDrawer.h"
 #include "gui/render/overlays/ResolutionRings.h"
 
 class ImageDrawerMain;

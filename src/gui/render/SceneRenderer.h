@@ -7,7 +7,7 @@
 #include "gui/render/ImagePrograms.h"
 #include "gui/render/ImageTextures.h"
 #include "gui/render/OwnContext.h"
-#include "gui/render/ViewGeometry.h"
+#include "gui/render/geometry/ViewGeometry.h"
 #include "logic/records/PlottingMode.h"
 
 #include <QOpenGLBuffer>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "logic/detector/HalvoClient.h"
 
-#include "logic/HalvoService.h"
+#include "logic/detector/HalvoService.h"
 
 #include <utility>
 

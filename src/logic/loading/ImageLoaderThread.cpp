@@ -5,7 +5,7 @@
 #include "logic/loading/ImageLoaderThread.h"
 
 #include "imagelib/image/MException.h"
-#include "logic/RoiComputer.h"
+#include "logic/analysis/roi/RoiComputer.h"
 #include "logic/analysis/statistics/ComputeStatistics.h"
 #include "logic/loading/Thumbnail.h"
 #include "logic/support/Assert.h"

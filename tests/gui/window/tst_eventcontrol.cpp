@@ -4,7 +4,7 @@
 // Which keys a main window knows to be held down.
 #include "gui/window/MainWindowEventControl.h"
 
-#include "gui/mainwindow.h"
+#include "gui/window/MainWindow.h"
 #include "logic/tarvikcore.h"
 #include "tests/support/WaitFor.h"
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The main window and its image views, from files to pixels and errors.
-#include "gui/mainwindow.h"
+#include "gui/window/MainWindow.h"
 
 #include "gui/kit/ErrorDialog.h"
 #include "gui/kit/QuietLine.h"

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Who may drive the detector.
-#include "logic/HalvoService.h"
+#include "logic/detector/HalvoService.h"
 
 #include <QFile>
 #include <QSettings>

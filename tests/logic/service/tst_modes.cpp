@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 //
 // Movies, watching and monitoring: how they exclude each other and how they move.
-#include "logic/HalvoService.h"
 #include "logic/detector/HalvoClient.h"
+#include "logic/detector/HalvoService.h"
 #include "logic/service/AutoModes.h"
 #include "tests/logic/service/HandView.h"
 #include "tests/logic/service/ServiceTest.h"

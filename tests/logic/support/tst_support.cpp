@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 //
 // Printed lines, the checking mutex and the machine's settings.
-#include "logic/DebugMutex.h"
 #include "logic/support/ConfigFile.h"
 #include "logic/support/Console.h"
+#include "logic/support/DebugMutex.h"
 #include "logic/support/FailureSummary.h"
 #include "logic/support/GlobalSettings.h"
 

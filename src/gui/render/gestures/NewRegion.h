@@ -4,7 +4,7 @@
 // A new region of interest drawn with the mouse, as arithmetic on records.
 #pragma once
 
-#include "gui/render/ViewGeometry.h"
+#include "gui/render/geometry/ViewGeometry.h"
 #include "logic/records/StatisticsData.h"
 
 #include <QPoint>

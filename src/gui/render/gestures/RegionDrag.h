@@ -4,7 +4,7 @@
 // A drag of a region of interest, or of one of its handles, as arithmetic on records.
 #pragma once
 
-#include "gui/render/ViewGeometry.h"
+#include "gui/render/geometry/ViewGeometry.h"
 #include "gui/render/gestures/RegionHitTest.h"
 #include "logic/records/StatisticsData.h"
 

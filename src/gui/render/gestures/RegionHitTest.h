@@ -4,7 +4,7 @@
 // Which part of a region of interest lies under the cursor.
 #pragma once
 
-#include "gui/render/ViewGeometry.h"
+#include "gui/render/geometry/ViewGeometry.h"
 #include "logic/records/StatisticsData.h"
 
 #include <QPoint>

@@ -4,7 +4,7 @@
 // The mark of the beam centre.
 #pragma once
 
-#include "gui/render/ViewGeometry.h"
+#include "gui/render/geometry/ViewGeometry.h"
 
 class QPainter;
 

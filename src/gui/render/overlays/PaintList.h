@@ -4,7 +4,7 @@
 // The overlay of a scripting client.
 #pragma once
 
-#include "gui/render/ViewGeometry.h"
+#include "gui/render/geometry/ViewGeometry.h"
 #include "imagelib/display/MDrawingList.h"
 
 class QPainter;

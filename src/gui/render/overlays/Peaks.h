@@ -4,7 +4,7 @@
 // The marks of intensity maxima.
 #pragma once
 
-#include "gui/render/ViewGeometry.h"
+#include "gui/render/geometry/ViewGeometry.h"
 #include "logic/analysis/peaks/ImagePeaks.h"
 #include "logic/records/PeakData.h"
 

@@ -4,7 +4,7 @@
 // Pixel values as text over the pixels.
 #pragma once
 
-#include "gui/render/ViewGeometry.h"
+#include "gui/render/geometry/ViewGeometry.h"
 #include "imagelib/image/MImage.h"
 
 #include <QString>

@@ -4,7 +4,7 @@
 // The region of interest.
 #pragma once
 
-#include "gui/render/ViewGeometry.h"
+#include "gui/render/geometry/ViewGeometry.h"
 #include "logic/records/StatisticsData.h"
 
 class QPainter;

@@ -4,7 +4,7 @@
 // Circles of constant resolution round the beam centre.
 #include "gui/render/overlays/ResolutionRings.h"
 
-#include "gui/render/RingGeometry.h"
+#include "gui/render/geometry/RingGeometry.h"
 #include "gui/render/overlays/Marks.h"
 #include "logic/TarvikService.h"
 

@@ -4,7 +4,7 @@
 // Circles of constant resolution round the beam centre.
 #pragma once
 
-#include "gui/render/ViewGeometry.h"
+#include "gui/render/geometry/ViewGeometry.h"
 
 #include <QRect>
 #include <QSize>

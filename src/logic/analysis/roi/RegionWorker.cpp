@@ -4,7 +4,7 @@
 // The queue that all views share, and its thread.
 #include "logic/analysis/roi/RegionWorker.h"
 
-#include "logic/RoiComputer.h"
+#include "logic/analysis/roi/RoiComputer.h"
 #include "logic/support/Console.h"
 
 #include <condition_variable>

@@ -4,7 +4,7 @@
 // Numbers over a whole image.
 #pragma once
 
-#include "logic/IntegratedHistogram.h"
+#include "logic/analysis/statistics/IntegratedHistogram.h"
 
 /// What is known of all the pixels of one image under its mask. Filled once by ComputeStatistics
 /// on a loader's thread, then shared read-only by pointer: the histogram makes it neither copied

@@ -4,7 +4,7 @@
 // Zoom and pan as arithmetic on viewports.
 #include "gui/render/gestures/ZoomPan.h"
 
-#include "gui/render/ViewGeometry.h"
+#include "gui/render/geometry/ViewGeometry.h"
 
 #include <gtest/gtest.h>
 

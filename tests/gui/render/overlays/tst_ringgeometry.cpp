@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 //
 // Circles against rectangles and lines, and where rings and their labels stand.
-#include "gui/render/CircleGeometry.h"
-#include "gui/render/RingGeometry.h"
+#include "gui/render/geometry/CircleGeometry.h"
+#include "gui/render/geometry/RingGeometry.h"
 
 #include <gtest/gtest.h>
 

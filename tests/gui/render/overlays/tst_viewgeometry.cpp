@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Where image pixels stand in a view.
-#include "gui/render/ViewGeometry.h"
+#include "gui/render/geometry/ViewGeometry.h"
 
 #include <gtest/gtest.h>
 

@@ -4,7 +4,7 @@
 // Regions computed off the caller's thread: the newest wins.
 #include "logic/analysis/roi/RegionWorker.h"
 
-#include "logic/RoiComputer.h"
+#include "logic/analysis/roi/RoiComputer.h"
 #include "tests/support/HeldRegions.h"
 #include "tests/support/Regions.h"
 

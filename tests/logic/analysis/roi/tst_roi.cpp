@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: MIT
 //
 // Regions of interest against plain loops, kept records, and cases worked out by hand.
-#include "logic/RoiComputer.h"
 #include "logic/analysis/roi/ConnectedComponentLabelling.h"
 #include "logic/analysis/roi/CoveredArea.h"
 #include "logic/analysis/roi/LineReflections.h"
+#include "logic/analysis/roi/RoiComputer.h"
 #include "tests/logic/analysis/roi/PlainRegions.h"
 #include "tests/support/EveryTarget.h"
 #include "tests/support/Geometry.h"

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The cumulative histogram in cases worked out by hand; tst_numpy has the random ones.
-#include "logic/IntegratedHistogram.h"
+#include "logic/analysis/statistics/IntegratedHistogram.h"
 
 #include <gtest/gtest.h>
 

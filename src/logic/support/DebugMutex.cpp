@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The checks of the checking mutex.
-#include "logic/DebugMutex.h"
+#include "logic/support/DebugMutex.h"
 
 #include "logic/support/Assert.h"
 

@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 //
 // Where rings of constant resolution and their labels stand in a view.
-#include "gui/render/RingGeometry.h"
+#include "gui/render/geometry/RingGeometry.h"
 
-#include "gui/render/CircleGeometry.h"
+#include "gui/render/geometry/CircleGeometry.h"
 #include "imagelib/image/PixelTypes.h"
 
 #include <algorithm>

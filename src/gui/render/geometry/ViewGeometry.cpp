@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Where image pixels stand in a view, and the way back.
-#include "gui/render/ViewGeometry.h"
+#include "gui/render/geometry/ViewGeometry.h"
 
 #include "imagelib/image/PixelTypes.h"
 

@@ -6,7 +6,7 @@
 
 #include "gui/render/CpuColouring.h"
 #include "gui/render/DisplayImage.h"
-#include "gui/render/ViewGeometry.h"
+#include "gui/render/geometry/ViewGeometry.h"
 #include "imagelib/image/MImage.h"
 #include "logic/records/ContrastData.h"
 #include "logic/records/PlottingMode.h"

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The choice of the computation and the titles of its curves.
-#include "logic/RoiComputer.h"
+#include "logic/analysis/roi/RoiComputer.h"
 
 #include "logic/analysis/roi/BoxStatistics.h"
 #include "logic/analysis/roi/CentredCircleStatistics.h"

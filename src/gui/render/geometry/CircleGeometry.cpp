@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Circles against rectangles and lines.
-#include "gui/render/CircleGeometry.h"
+#include "gui/render/geometry/CircleGeometry.h"
 
 #include "imagelib/image/PixelTypes.h"
 #include "logic/support/Assert.h"

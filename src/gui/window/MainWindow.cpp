@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-#include "gui/mainwindow.h"
+#include "gui/window/MainWindow.h"
 
 #include "gui/kit/MdiArea.h"
 #include "gui/kit/RibbonInterface.h"

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Look-up in bins and tails.
-#include "logic/IntegratedHistogram.h"
+#include "logic/analysis/statistics/IntegratedHistogram.h"
 
 #include "imagelib/image/PixelTypes.h"
 #include "logic/analysis/statistics/HistogramCompute.h"

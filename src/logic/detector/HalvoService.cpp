@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-#include "logic/HalvoService.h"
+#include "logic/detector/HalvoService.h"
 
 #include "logic/detector/HalvoMonitor.h"
 

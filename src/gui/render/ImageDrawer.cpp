@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The base of all widgets that show an image through OpenGL.
-#include "gui/imagedrawer.h"
+#include "gui/render/ImageDrawer.h"
 
 #include "gui/render/GlCanvas.h"
 #include "gui/render/OpenGlSupport.h"

@@ -4,7 +4,7 @@
 // Where rings of constant resolution and their labels stand in a view.
 #pragma once
 
-#include "gui/render/ViewGeometry.h"
+#include "gui/render/geometry/ViewGeometry.h"
 
 #include <QPoint>
 #include <QPointF>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Path arithmetic on texts.
-#include "MFilesystemUtils.h"
+#include "paths/MFilesystemUtils.h"
 
 #include "imagelib/image/Assert.h"
 #include "imagelib/image/MException.h"

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Finding, replacing and writing of header lines.
+// Lines are found and replaced in memory, then the file is replaced.
 #include "logic/headerfiles/CbfHeaderWriter.h"
 
 #include "logic/support/Console.h"
@@ -40,11 +40,11 @@ bool isText(char letter)
 
 bool endsLine(char letter) { return letter == '\r' || letter == '\n'; }
 
-/// Two forms of the function exist; one returns the number that is asked for, the other the text.
+// strerror_r() returns the error number in one version of the library and the text in another.
 [[maybe_unused]] int numberOf(int result) { return result; }
 [[maybe_unused]] int numberOf(const char*) { return 0; }
 
-/// @returns whether the whole content has been written
+/// Writes a file with the permissions of another one. @returns false if it is not complete
 bool writeFile(const std::string& path, const std::string& like, const std::string& content)
 {
     std::ofstream file(path, std::ios::binary | std::ios::trunc);
@@ -88,7 +88,7 @@ void CbfHeaderWriter::write(const std::string& path) const
     }
     std::string content{std::istreambuf_iterator<char>(file), {}};
     file.close();
-    // The header is text: binary data begins behind it.
+    // The header is text: the binary data comes after it.
     const std::string_view text(content.c_str());
     const std::size_t tag = text.find("_array_data.header_contents");
     const std::size_t first = tag == npos ? npos : text.find(';', tag);
@@ -126,7 +126,7 @@ CbfHeaderWriter::_replacements(std::string_view content) const
     std::vector<ReplaceString> changes;
     std::vector<Line> missing = _lines;
     for (std::size_t at = 0; at < content.size() && !missing.empty(); ++at) {
-        // A line of the header has its sign in the first column.
+        // Only a line with its sign in the first column is one of the header.
         if (content[at] != '#' || at == 0 || !endsLine(content[at - 1]))
             continue;
         std::size_t end = at;
@@ -134,7 +134,7 @@ CbfHeaderWriter::_replacements(std::string_view content) const
         while (end < limit && !endsLine(content[end]) && isText(content[end]))
             ++end;
         if (end < limit && !endsLine(content[end])) {
-            at = end;  // no text
+            at = end;  // binary, or too long
             continue;
         }
         const std::string_view line = content.substr(at, end - at);

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Changes header values inside CBF files.
+// Header values in CBF files.
 #pragma once
 
 #include "imagelib/image/MImage.h"
@@ -21,9 +21,9 @@ public:
     void setNeXuS(const Header& header);
     const Header& header() const { return _header; }
 
-    /// Gives each value the first line of its kind. One value that has no line gets a new one at
-    /// the end of the header, the first in the order above; the others are left out. Failures end
-    /// on standard error; a file that has no CBF header stays as it is.
+    /// Writes each value over the first line of its kind. Of the values without such a line only
+    /// the first one, in the order above, is added, at the end of the header. Failures are reported
+    /// on standard error; a file without a CBF header stays as it is.
     void write(const std::string& path) const;
 
 private:
@@ -32,13 +32,14 @@ private:
         std::string_view mark;
         std::string text;
     };
-    /// New text for a range of the file.
+    /// New text for a range of the header's text, in bytes from its start.
     struct ReplaceString {
         std::size_t begin;
         std::size_t end;
         std::string text;
     };
 
+    /// What changes in a header's text, by rising positions. @param content  between its semicolons
     std::vector<ReplaceString> _replacements(std::string_view content) const;
 
     Header _header;

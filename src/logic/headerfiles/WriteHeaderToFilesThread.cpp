@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Finding the files of a batch and going through them.
+// Finds the files of a batch and goes through them.
 #include "logic/headerfiles/WriteHeaderToFilesThread.h"
 
 #include "logic/support/Console.h"
@@ -90,7 +90,7 @@ void WriteHeaderToFilesThread::run()
     for (int i = 0; i < total && !_abort; ++i) {
         const long long number = range.lowest + i;
         Header header = writer.header();
-        // Each file adds to the value of the one before it.
+        // The writer keeps the header, so each angle builds on the one of the file before.
         if (header.rotation_angle() && header.rotation_angle_step()) {
             header.set_rotation_angle(*header.rotation_angle() +
                                       static_cast<float>(number - index) *

@@ -12,9 +12,9 @@
 #include <atomic>
 #include <string>
 
-/// One batch over a numbered CBF series. Set it up, start() it, and follow progress(). Failures of
-/// single files end on standard error, and the batch goes on with the next one; what was rewritten
-/// before an abort stays rewritten. Thread: setters any, before or while it runs; the batch works
+/// One batch over a numbered CBF series. Set it up, start() it, and follow progress(). A file that
+/// fails is reported on standard error, and the batch goes on with the next one. Files that were
+/// rewritten before an abort stay so. Thread: setters any, also while it runs, since the batch works
 /// on copies.
 class WriteHeaderToFilesThread : public QThread {
     Q_OBJECT
@@ -25,14 +25,14 @@ public:
 
     /// @param index  number of the image that the header's start angle belongs to
     void setNeXuS(const Header& header, int index);
-    /// Files are named directory/prefix<number>.suffix, with zeros in front of the number up to
-    /// that many digits.
+    /// Files are named directory/prefix<number>.suffix; zeros fill the number up to so many digits.
     void setImageSeries(const std::string& directory, const std::string& prefix,
                         const std::string& suffix, unsigned long digits);
-    /// Ends the batch behind the file that is being written.
+    /// Ends the batch after the file that is being written.
     void abort() { _abort = true; }
 
 signals:
+    /// Files that are done, of all; the first time 0.
     void progress(int done, int total);
 
 protected:
@@ -55,7 +55,8 @@ private:
         long long highest;
     };
 
-    /// The numbers that exist around the header's image. @returns false for none or an abort
+    /// Finds the lowest and the highest number that has a file, starting from the header's image.
+    /// @returns false if there is no file, and after an abort
     bool _find(const Files& files, int index, Range& range) const;
 
     QMutex _mutex;

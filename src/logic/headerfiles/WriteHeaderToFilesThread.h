@@ -14,8 +14,8 @@
 
 /// One batch over a numbered CBF series. Set it up, start() it, and follow progress(). A file that
 /// fails is reported on standard error, and the batch goes on with the next one. Files that were
-/// rewritten before an abort stay so. Thread: setters any, also while it runs, since the batch works
-/// on copies.
+/// rewritten before an abort stay so. Thread: setters any, also while it runs, since the batch
+/// works on copies.
 class WriteHeaderToFilesThread : public QThread {
     Q_OBJECT
 public:

@@ -177,6 +177,8 @@ void ImageLoader::dropTaskQueue()
 {
     _context->requests.drop();
     _sinceOpening.clear();  // not to be asked for again where a job hangs
+    if (_watch.isActive())
+        _watch.start(0ms);  // what was dropped is not waited for
 }
 
 void ImageLoader::emptyTaskQueue()

@@ -55,7 +55,8 @@ public:
     /// @param signalLoadError false for a step that is made again by itself: at the end of the
     /// series it is quiet
     void step(int n, const Data& data, bool signalLoadError);
-    /// Drops what is queued and waits for a running job, whose result still comes.
+    /// Drops what is queued and waits for a running job, whose result still comes. No caller in the
+    /// program, since a job may hang: the modes of a view use dropTaskQueue().
     void emptyTaskQueue();
     /// Drops what is queued and returns at once: nothing that was asked for before begins any more.
     /// A running job goes on as with emptyTaskQueue(), and its result comes the same way.

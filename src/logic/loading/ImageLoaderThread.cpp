@@ -171,8 +171,8 @@ bool ImageLoaderThread::_openStep()
 bool ImageLoaderThread::_search(Steps& steps)
 {
     const int first = _data.index;
-    std::string reason;
-    if (_canRead(first, true, reason))
+    Steps::Failure failure;
+    if (_canRead(first, true, failure))
         return true;
     bool say = true;
     if (!_request.signalLoadError) {
@@ -181,26 +181,35 @@ bool ImageLoaderThread::_search(Steps& steps)
         const bool again = awaited.is(first);
         say = awaited.isOverdue(first, _session.stampOf(first), std::chrono::steady_clock::now());
         const int end = _session.end(steps.forward());
-        std::string ignored;
+        Steps::Failure ignored;
         if (again && !say && (end == first || !_canRead(end, false, ignored)))
             return false;
     }
-    for (auto each = steps.beyond(first, reason); each; each = steps.beyond(*each, reason)) {
+    int number = first;
+    while (const auto next = steps.beyond(number, failure)) {
         if (_overtaken())
             return false;
-        if (_canRead(*each, false, reason))
+        number = *next;
+        if (_canRead(number, false, failure))
             return true;
     }
-    if (say)
-        _context->notice(
-            QStringLiteral("There is nothing to show %1 image %2: %3")
-                .arg(steps.forward() ? QStringLiteral("after") : QStringLiteral("before"))
-                .arg(_session.shown())
-                .arg(QString::fromStdString(steps.leftOut().text())));
+    if (steps.gaveUp())
+        _gaveUpAt = number;
+    if (say || _gaveUpAt)
+        _sayNothingFound(steps);
     return false;
 }
 
-bool ImageLoaderThread::_canRead(int number, bool cached, std::string& reason)
+void ImageLoaderThread::_sayNothingFound(const Steps& steps) const
+{
+    const std::string limit =
+        _gaveUpAt ? " as far as image " + std::to_string(*_gaveUpAt) : std::string();
+    _context->notice(QString::fromStdString(
+        std::string("There is nothing to show ") + (steps.forward() ? "after" : "before") +
+        " image " + std::to_string(_session.shown()) + limit + ": " + steps.leftOut().text()));
+}
+
+bool ImageLoaderThread::_canRead(int number, bool cached, Steps::Failure& failure)
 {
     _data.index = number;
     try {
@@ -215,7 +224,7 @@ bool ImageLoaderThread::_canRead(int number, bool cached, std::string& reason)
     } catch (const morvend::MTimeoutException&) {
         throw;  // the next one would hang as long
     } catch (const morvend::MException& error) {
-        reason = error.what();
+        failure = Steps::Failure(error);
         return false;
     }
 }
@@ -288,17 +297,18 @@ void ImageLoaderThread::_deliver()
     _session.keep(_data);
     StepTimes::addImage();
     _context->requests.answer(_number);
+    _printSubtotal();  // before the view prints its own lines
     _context->deliver(_data);
-    _printSubtotal();
     if (!_leftOut.empty())
         _context->notice(QString::fromStdString(_leftOut));
 }
 
 void ImageLoaderThread::_endWithoutImage(const QString& message)
 {
-    // Steps that wait already count from its number.
+    // Steps that wait already count from its number. A search that gave up goes on with the next
+    // step.
     if (!_context->requests.overtaken(_number, 0))
-        _session.setAsked(_session.shown());
+        _session.setAsked(_gaveUpAt.value_or(_session.shown()));
     _context->requests.answer(_number);
     _context->fail(message);
 }

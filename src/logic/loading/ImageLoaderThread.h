@@ -13,6 +13,7 @@
 
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 
 /// Turns one request into a finished record. A request by number may take up others as long as it
@@ -42,19 +43,24 @@ private:
     bool _load();
     /// Adds what belongs to the image that was read.
     void _complete();
+    // What there is to do for each kind of request; a step may end without an image.
     void _openSeries();
     void _openIndex();
     bool _openStep();
+    void _pushImage();
     /// Reads the image that the steps lead to, or the next one that can be read.
     /// @returns false when there is none, which is said, or when it isn't wanted any more
     bool _search(Steps& steps);
-    /// @param cached  may the preloader have it? @param reason  why it can't be read
-    bool _canRead(int number, bool cached, std::string& reason);
+    void _sayNothingFound(const Steps& steps) const;
+    /// Reads an image. @param cached  may the preloader have it? @param failure  why not
+    bool _canRead(int number, bool cached, Steps::Failure& failure);
+    /// @throws MRuntimeException for an image without pixels
     void _checkPixels() const;
     void _readFromCacheOrSource();
     void _readFromSource();
-    void _pushImage();
+    /// Adds what is computed from image and mask.
     void _analyse();
+    /// Hands the finished record over.
     void _deliver();
     /// @param message  an empty one is not signalled
     void _endWithoutImage(const QString& message);
@@ -71,6 +77,7 @@ private:
     bool _begun = false;
     LoaderData _data;
     std::string _leftOut;
+    std::optional<int> _gaveUpAt;  // number that a search got to without finding an image
     QElapsedTimer _total;
     QElapsedTimer _step;
 };

@@ -37,6 +37,7 @@ void SeriesSession::comeBack()
         return;
     _series.open(_comeBackTo);
     _openedAs = std::exchange(_comeBackTo, {});
+    _tellPreloader(_shown);
 }
 
 int SeriesSession::open(const std::string& path)
@@ -131,7 +132,11 @@ void SeriesSession::_tellPreloader(int number)
         _preloader.put(static_cast<unsigned long>(number), absolute(_openedAs));
 }
 
-void SeriesSession::scan() { _current().update(); }
+void SeriesSession::scan()
+{
+    comeBack();
+    _series.update();
+}
 
 std::optional<SeriesSession::Bounds> SeriesSession::bounds() const
 {

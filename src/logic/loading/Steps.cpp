@@ -6,10 +6,16 @@
 
 #include "imagelib/image/MException.h"
 #include "imagelib/io/MImageSeries.h"
+#include "imagelib/io/process/MReaderGoneException.h"
 
 #include <algorithm>
 
 #include <unistd.h>
+
+Steps::Failure::Failure(const morvend::MException& error)
+    : reason(error.what())
+    , crashed(dynamic_cast<const morvend::imglib::MReaderGoneException*>(&error))
+{}
 
 int Steps::to(int from, int n)
 {
@@ -33,16 +39,18 @@ int Steps::to(int from, int n)
     return number;
 }
 
-std::optional<int> Steps::beyond(int number, const std::string& reason)
+std::optional<int> Steps::beyond(int number, const Failure& failure)
 {
+    ++_failures;
+    _crashes += failure.crashed ? 1 : 0;
     if (_hasNoFile(number)) {
         _leftOut.missing(number, number);
         _lookOnce();  // where one file has gone others may have, too
     } else {
-        _leftOut.unreadable(number, reason);
+        _leftOut.unreadable(number, failure.reason);
     }
     const int next = _forward ? _series.next(number) : _series.previous(number);
-    if (next < 0)
+    if (next < 0 || gaveUp())
         return {};
     if (_forward)
         _leftOut.missing(number + 1, next - 1);

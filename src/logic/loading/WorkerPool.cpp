@@ -41,6 +41,7 @@ struct WorkerPool::State : std::enable_shared_from_this<State> {
     struct Entry {
         Job job;
         const void* owner = nullptr;
+        bool tidies = false;
     };
     struct Worker {
         clockid_t clock{};
@@ -62,7 +63,8 @@ struct WorkerPool::State : std::enable_shared_from_this<State> {
     void watchWhereNeeded();
     void work(Workers::iterator self);
     std::optional<Entry> next(Lock& lock);
-    void tidyUp(Lock& lock);
+    bool tidyIsDue(Clock::time_point now, bool last) const;
+    Entry takeNext();
     void watch();
     void look();
     std::size_t counted() const
@@ -123,10 +125,10 @@ void WorkerPool::State::work(Workers::iterator self)
         self->owner = entry->owner;
         lock.unlock();
         entry->job();
-        entry.reset();
+        entry->job = nullptr;
         lock.lock();
         *self = {.clock = self->clock};
-        untidy = true;
+        untidy = untidy || !entry->tidies;
         if (counted() > limits.threads)
             break;  // another one has taken the place of this one while its job waited
         ++idle;
@@ -138,34 +140,38 @@ void WorkerPool::State::work(Workers::iterator self)
 std::optional<WorkerPool::State::Entry> WorkerPool::State::next(Lock& lock)
 {
     const auto last = Clock::now() + limits.idle;
+    std::optional<Entry> entry;
     for (;;) {
         const auto now = Clock::now();
-        if (tidyAt && now >= *tidyAt)
-            tidyUp(lock);
-        if (!queue.empty() || ended || now >= last)
+        if (!queue.empty() || tidyIsDue(now, now >= last))
+            entry = takeNext();
+        if (entry || ended || now >= last)
             break;
         work_.wait_until(lock, tidyAt ? std::min(last, *tidyAt) : last);
     }
-    if (queue.empty() && !ended && untidy && idle == workers.size())
-        tidyUp(lock);
     --idle;
-    if (queue.empty())
-        return {};
-    Entry entry = std::move(queue.front());
-    queue.pop_front();
     return entry;
 }
 
-void WorkerPool::State::tidyUp(Lock& lock)
+/// @param last  this worker is about to end, which is the time to tidy up where all are idle
+bool WorkerPool::State::tidyIsDue(Clock::time_point now, bool last) const
 {
-    untidy = false;
-    tidyAt.reset();
-    const auto task = tidy;
-    if (!task)
-        return;
-    lock.unlock();
-    task();
-    lock.lock();
+    return tidy && !ended &&
+           ((tidyAt && now >= *tidyAt) || (last && untidy && idle == workers.size()));
+}
+
+/// The first job of the queue, else to tidy up: a job as any other, which others need not wait for.
+WorkerPool::State::Entry WorkerPool::State::takeNext()
+{
+    Entry entry{tidy, nullptr, true};
+    if (queue.empty()) {
+        untidy = false;
+        tidyAt.reset();
+    } else {
+        entry = std::move(queue.front());
+        queue.pop_front();
+    }
+    return entry;
 }
 
 /// Looks after the jobs as long as others wait for a thread.
@@ -245,6 +251,8 @@ void WorkerPool::askToTidy()
 {
     {
         const std::lock_guard lock(_state->mutex);
+        if (!_state->tidy)
+            return;
         _state->tidyAt = Clock::now() + tidyPause;
     }
     post([] {});  // whoever takes it learns of the time

@@ -133,6 +133,41 @@ TEST_F(HangingFile, GivesWayToTheNextFileOfItsView)
     EXPECT_EQ(view.events[3], "2") << "and not the file that hung";
 }
 
+TEST_F(HangingFile, TakesNoStepAlongThatWasAskedForAfterTheNextFile)
+{
+    write("good_3.edf", 4);
+    View view;
+    const HangingReads hang(dead);
+    view.open(dead);
+    ASSERT_TRUE(HangingReads::waitFor(1));
+    view.open(good);
+    view.loader.step(1, {}, true);
+    view.loader.step(1, {}, true);  // one job with the step before, as long as that waits
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !view.events.empty() && view.events.back() == "4"; },
+                                longest));
+    EXPECT_EQ(view.events.front(), "2");
+}
+
+TEST_F(HangingFile, IsNotWaitedForByWhatWasDropped)
+{
+    const std::string frame = tarvik::tests::edfFrame({1, 2, 3, 4});
+    const std::string stack = folder.write("stack.edf", frame + frame);
+    View view;
+    view.open(stack);
+    ASSERT_TRUE(view.await(1));
+    folder.write("stack.edf", frame + frame + frame);
+    const HangingReads hang(stack);
+    view.loader.update();  // the scan hangs
+    ASSERT_TRUE(QTest::qWaitFor([] { return HangingReads::count() == 1; }, longest));
+    view.openIndex(1);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !view.said.empty(); }, longest));
+    EXPECT_THAT(view.said.back(), HasSubstr("image 1 of " + stack));
+    view.loader.dropTaskQueue();
+    EXPECT_FALSE(view.loader.loading());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return view.said.back().empty(); }, longest));
+    EXPECT_EQ(HangingReads::count(), 1);
+}
+
 TEST_F(HangingFile, IsSpokenOf)
 {
     View view;
@@ -220,6 +255,24 @@ TEST_F(Pool, GoesOnWithoutAJobThatIsLeftBehind)
     EXPECT_TRUE(QTest::qWaitFor([&] { return begun == 3; }, longest));
     EXPECT_EQ(patient.usage().threads, 3U);
     release.release(3);
+    EXPECT_TRUE(tarvik::tests::waitFor([&] { return patient.usage().threads == 0; }));
+}
+
+TEST_F(Pool, RunsJobsWhileItTidiesUp)
+{
+    WorkerPool patient{{.threads = 2, .patience = never, .idle = soon}};
+    QSemaphore tidying, goOnTidying, done;
+    patient.setTidy([&] {
+        tidying.release();
+        goOnTidying.acquire();
+    });
+    patient.post([] {});
+    tidying.acquire();
+    EXPECT_EQ(patient.usage().busy, 1U);
+    patient.post([&] { done.release(); });
+    EXPECT_TRUE(done.tryAcquire(1, longest));
+    patient.setTidy({});
+    goOnTidying.release();
     EXPECT_TRUE(tarvik::tests::waitFor([&] { return patient.usage().threads == 0; }));
 }
 

@@ -3,6 +3,7 @@
 //
 // Steps through a series: what they count from, go over and say.
 #include "imagelib/io/MImageSeries.h"
+#include "imagelib/io/process/MReaderGoneException.h"
 #include "logic/loading/ImageLoader.h"
 #include "logic/loading/Steps.h"
 #include "tests/support/EdfFile.h"
@@ -77,6 +78,24 @@ TEST_F(Files, StepsLeadOverGapsAndNotBeyondTheEnds)
     }
     write(10);
     EXPECT_EQ(Steps(series).to(9, 1), 10) << "it has come since the last look";
+}
+
+TEST_F(Files, SearchesEndAfterAFewCrashes)
+{
+    using morvend::imglib::MReaderGoneException;
+    writeAll(1, 9);
+    MImageSeries series(1);
+    series.open(path(1));
+    Steps steps(series);
+    ASSERT_EQ(steps.to(1, 1), 2);
+    EXPECT_EQ(steps.beyond(2, Steps::Failure(morvend::MRuntimeException("damaged"))), 3);
+    const Steps::Failure crash(MReaderGoneException("the reader has crashed"));
+    EXPECT_EQ(steps.beyond(3, crash), 4);
+    EXPECT_EQ(steps.beyond(4, crash), 5);
+    EXPECT_FALSE(steps.gaveUp());
+    EXPECT_EQ(steps.beyond(5, crash), std::nullopt);
+    EXPECT_TRUE(steps.gaveUp());
+    EXPECT_EQ(steps.leftOut().text(), "images 2 to 5 can't be read, the first: damaged");
 }
 
 TEST(AwaitedImage, IsOverdueOnceWhenItsFileHasStayedAsItIs)
@@ -304,6 +323,24 @@ TEST_F(Stepping, GivesUpWithOneSentenceAfterHundredsThatCanNotBeRead)
     EXPECT_THAT(notices[2], testing::StartsWith("There is nothing to show after image 1: images "
                                                 "502 to 89999999 are missing; 501 images from 2 "
                                                 "to 90000000 can't be read, the first: "));
+    EXPECT_THAT(errors, IsEmpty());
+}
+
+TEST_F(Stepping, SearchesOnlySoFarAndGoesOnWithTheNextStep)
+{
+    write(1);
+    for (int i = 2; i <= 1500; ++i)
+        folder.write(name(i), "x");
+    write(1501);
+    open(path(1));
+    step(1);
+    EXPECT_THAT(numbers(), ElementsAre(1));
+    ASSERT_EQ(notices.size(), 1U);
+    EXPECT_THAT(notices[0], testing::StartsWith("There is nothing to show after image 1 as far as "
+                                                "image 1001: images 2 to 1001 can't be read, the "
+                                                "first: "));
+    step(1);
+    EXPECT_THAT(numbers(), ElementsAre(1501));
     EXPECT_THAT(errors, IsEmpty());
 }
 

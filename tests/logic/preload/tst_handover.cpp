@@ -10,6 +10,7 @@
 #include "logic/preload/PreloaderClient.h"
 #include "logic/preload/PreloaderProcess.h"
 #include "tests/support/EdfFile.h"
+#include "tests/support/HangingReads.h"
 #include "tests/support/WaitFor.h"
 
 #include <gmock/gmock.h>
@@ -21,6 +22,7 @@ namespace {
 
 using namespace morvend::imglib;
 using tarvik::tests::edfFrame;
+using tarvik::tests::HangingReads;
 using tarvik::tests::TempFolder;
 using Header = MBasicImageOptionalData<>;
 
@@ -190,21 +192,22 @@ protected:
     WithWillingPreloader()
         : WithPreloader("willing")
     {}
+    /// Of the record that comes, 0 without any.
+    int firstPixel(ImageLoader::Task task, const ImageLoader::Data& wanted)
+    {
+        loader.open(task, wanted, true);
+        EXPECT_TRUE(waitFor([&] { return !loader.loading(); }));
+        std::list<ImageLoader::Data> records;
+        loader.results(records);
+        return records.empty() ? 0 : records.front().image.pixel<int>(0, 0, 0);
+    }
     static constexpr int itsPixel = -77;
+    ImageLoader loader;
+    ImageLoader::Data request;
 };
 
 TEST_F(WithWillingPreloader, IsNotAskedForImagesInMemory)
 {
-    ImageLoader loader;
-    std::list<ImageLoader::Data> records;
-    const auto firstPixel = [&](ImageLoader::Task task, const ImageLoader::Data& request) {
-        records.clear();
-        loader.open(task, request, true);
-        EXPECT_TRUE(waitFor([&] { return !loader.loading(); }));
-        loader.results(records);
-        return records.empty() ? 0 : records.front().image.pixel<int>(0, 0, 0);
-    };
-    ImageLoader::Data request;
     request.path = folder.write("x_1.edf", edfFrame({11, 1}));
     EXPECT_EQ(firstPixel(ImageLoader::TaskOpenSeries, request), 11);
     request.index = 1;
@@ -213,6 +216,20 @@ TEST_F(WithWillingPreloader, IsNotAskedForImagesInMemory)
     EXPECT_EQ(firstPixel(ImageLoader::TaskPushImage, request), 22);
     request.index = 0;
     EXPECT_EQ(firstPixel(ImageLoader::TaskOpenIndex, request), 22);
+}
+
+TEST_F(WithWillingPreloader, ReadsAheadAgainWhenAFileThatHangsGivesWayToOneThatFails)
+{
+    request.path = folder.write("x_1.edf", edfFrame({11, 1}));
+    EXPECT_EQ(firstPixel(ImageLoader::TaskOpenSeries, request), 11);
+    request.path = folder.write("hangs.edf", edfFrame({22, 1}));
+    const HangingReads hang(request.path);
+    loader.open(ImageLoader::TaskOpenSeries, request, true);
+    ASSERT_TRUE(HangingReads::waitFor(1));
+    request.path = "/nowhere/y_1.edf";
+    EXPECT_EQ(firstPixel(ImageLoader::TaskOpenSeries, request), 0);
+    request.index = 1;
+    EXPECT_EQ(firstPixel(ImageLoader::TaskOpenIndex, request), itsPixel);
 }
 
 TEST_F(WithWillingPreloader, IsNotAskedForASeriesThatItCouldNotBeTold)

@@ -4,22 +4,16 @@
 // The command line of tarvik-image as a record.
 #pragma once
 
+#include "bin/image/UsageError.h"
 #include "logic/records/StatisticsData.h"
 
 #include <limits>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace tarvik::tool {
-
-/// A command line that can't be understood; what() says what is wrong with it.
-class UsageError : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
 
 /// Size of a picture against its image: `up` picture pixels for `down` image pixels. One of the
 /// two is 1.

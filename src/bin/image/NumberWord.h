@@ -4,7 +4,7 @@
 // Numbers on the command line.
 #pragma once
 
-#include "bin/image/Arguments.h"
+#include "bin/image/UsageError.h"
 
 #include <charconv>
 #include <cmath>

@@ -150,11 +150,7 @@ void ImageDrawer::newImageSlot()
     _cpuColouring.invalidate();
     if (_useGlsl)
         _uploadImage();
-    const ContrastData contrast = _service->contrastData();
-    if (contrast.defined)
-        setContrastSlot(contrast);
-    else
-        _service->setContrastData(defaultContrast());
+    setContrastSlot(_service->contrastData());
     const ViewportData viewport = _service->viewportData();
     if (viewport.defined)
         setViewportSlot(viewport);

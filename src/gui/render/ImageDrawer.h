@@ -100,7 +100,7 @@ public:
     Work work() const;
 
 public slots:
-    /// Takes the image of the service over; asks for a first contrast and viewport where none are.
+    /// Takes image and contrast of the service over, and gives it a first viewport where none is.
     virtual void newImageSlot();
     virtual void setContrastSlot(const ContrastData& contrast);
     virtual void setViewportSlot(const ViewportData& viewport);
@@ -116,7 +116,6 @@ signals:
 protected:
     /// The image to show.
     virtual MImage baseImage() const = 0;
-    virtual ContrastData defaultContrast() const = 0;
     virtual ViewportData defaultViewport() const = 0;
     /// The viewport to adopt when one is wanted.
     virtual ViewportData correctViewport(const ViewportData& wanted,

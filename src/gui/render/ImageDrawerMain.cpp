@@ -18,8 +18,6 @@
 #include <QMouseEvent>
 #include <QWheelEvent>
 
-#include <cmath>
-
 ImageDrawerMain::ImageDrawerMain(TarvikService* service, bool useGlsl, QWidget* parent)
     : ImageDrawer(service, useGlsl, parent)
     , _cursorInfo(service, -1, -1)
@@ -49,14 +47,6 @@ void ImageDrawerMain::zoom(int step)
 }
 
 ImageDrawer::MImage ImageDrawerMain::baseImage() const { return service().image(); }
-
-ContrastData ImageDrawerMain::defaultContrast() const
-{
-    const auto statistics = service().statistics();
-    const auto* colorTable = service().contrastData().colorTable;
-    return {std::trunc(statistics->foreground), std::trunc(statistics->background),
-            colorTable ? colorTable : service().defaultColorTable(), false};
-}
 
 ViewportData ImageDrawerMain::defaultViewport() const
 {

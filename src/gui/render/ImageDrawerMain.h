@@ -33,7 +33,6 @@ public:
     // What a thumbnail of this view has in common with it.
     using ImageDrawer::service;
     using ImageDrawer::viewport;
-    ContrastData defaultContrast() const override;
     ViewportData defaultViewport() const override;
     ViewportData correctViewport(const ViewportData& wanted,
                                  const ViewportData& current) const override;

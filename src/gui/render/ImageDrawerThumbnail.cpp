@@ -51,8 +51,6 @@ void ImageDrawerThumbnail::setViewportSlot(const ViewportData&)
 
 ImageDrawer::MImage ImageDrawerThumbnail::baseImage() const { return service().thumbnail(); }
 
-ContrastData ImageDrawerThumbnail::defaultContrast() const { return _main->defaultContrast(); }
-
 ViewportData ImageDrawerThumbnail::defaultViewport() const { return _main->defaultViewport(); }
 
 ViewportData ImageDrawerThumbnail::correctViewport(const ViewportData& wanted,

@@ -32,7 +32,6 @@ public slots:
 
 protected:
     MImage baseImage() const override;
-    ContrastData defaultContrast() const override;
     ViewportData defaultViewport() const override;
     ViewportData correctViewport(const ViewportData& wanted,
                                  const ViewportData& current) const override;

@@ -18,4 +18,5 @@ void Arrival::show(const LoaderData& load)
     _records.region().takeNumbers(load);
     if (!sameGroup)
         _records.changeGroups(load);
+    _records.chooseContrast();
 }

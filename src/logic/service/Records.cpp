@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "logic/service/Records.h"
 
+#include <cmath>
 #include <utility>
 
 Records::Records(RecordGroups& groups, ShownImage& shown, HeaderEdits& edits)
@@ -69,4 +70,15 @@ void Records::changeGroups(const LoaderData& request)
     _region.changeGroup(id, request.statisticsData);
     if (_peaks.changeGroup(id, request.peakData))
         setPeaks(PeakData(peaks()));
+}
+
+void Records::chooseContrast()
+{
+    if (contrast().defined)
+        return;
+    const ImageStatistics& statistics = *_shown.statistics;
+    const MColorTable* const table = contrast().colorTable;
+    _contrast.store({std::trunc(statistics.foreground), std::trunc(statistics.background),
+                     table ? table : _defaultColorTable, false});
+    _contrast.spreadValue();
 }

@@ -43,6 +43,8 @@ public:
     /// Moves the view to the group of the image's size. What the user has not changed since the
     /// request is taken over from the group.
     void changeGroups(const LoaderData& request);
+    /// Chooses a contrast by the statistics of the image, for the group too, unless there is one.
+    void chooseContrast();
 
 signals:
     void newContrastSignal(ContrastData contrast);

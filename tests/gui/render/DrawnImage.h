@@ -63,10 +63,6 @@ public:
 
 protected:
     MImage baseImage() const override { return service().image(); }
-    ContrastData defaultContrast() const override
-    {
-        return {100, 0, service().defaultColorTable(), false};
-    }
     ViewportData defaultViewport() const override { return {0, 0, 0, 0, 0}; }
     ViewportData correctViewport(const ViewportData& wanted, const ViewportData&) const override
     {
@@ -93,12 +89,16 @@ public:
     }
     ~DrawnView() { drawer.reset(); }
 
-    /// Loads an image and waits until it is on show.
+    /// Loads an image and waits until it is on show. The first one of a size has a contrast from 0
+    /// to 100 in a bare view.
     bool open(const morvend::imglib::MImage& image)
     {
+        const std::string group = service->syncID();
         QSignalSpy arrived(service, &TarvikService::newImageSignal);
         service->openImage(image);
         const bool came = arrived.count() > 0 || arrived.wait(Patience);
+        if (std::is_same_v<View, BareView> && service->syncID() != group)
+            service->setContrastData({100, 0, service->defaultColorTable(), false});
         settle();
         hideCursor();
         return came;

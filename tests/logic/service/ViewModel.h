@@ -4,8 +4,11 @@
 // What a view must show, as a simple model of it.
 #pragma once
 
+#include "imagelib/display/MContrast.h"
+#include "imagelib/image/MImage.h"
+
 #include <algorithm>
-#include <deque>
+#include <cmath>
 #include <functional>
 #include <map>
 #include <optional>
@@ -84,7 +87,7 @@ public:
             wavelength = {};
             _group = std::to_string(shown.width) + "_" + std::to_string(shown.height) + _window;
             groups()[_group].insert(this);
-            contrasts().try_emplace(_group, noContrast);
+            contrasts().try_emplace(_group, firstContrast(shown));
         }
         return true;
     }
@@ -125,6 +128,14 @@ public:
     std::optional<float> wavelength;  // an edit of the header
 
 private:
+    static double firstContrast(const Picture& picture)
+    {
+        using namespace morvend::imglib;
+        double foreground = 0, background = 0;
+        MContrast(6.0, 10000)(foreground, background,
+                              MImage(picture.width, picture.height, picture.value), nullptr);
+        return std::trunc(foreground);
+    }
     static std::map<std::string, std::set<ViewModel*>>& groups()
     {
         static std::map<std::string, std::set<ViewModel*>> all;

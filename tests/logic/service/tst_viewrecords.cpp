@@ -5,6 +5,8 @@
 #include "tests/logic/service/ServiceTest.h"
 #include "tests/support/Regions.h"
 
+#include <cmath>
+
 namespace {
 
 using namespace tarvik::tests;
@@ -98,8 +100,14 @@ TEST_F(ViewRecords, AreTakenFromTheGroupThatTheViewJoins)
                                         "resolution", "powder"));
 
     show(view, image(4, 8));
-    EXPECT_FALSE(view->contrastData().defined) << "a new group begins with defaults";
-    EXPECT_EQ(view->contrastData().colorTable, MColorTable::grey()) << "the default table";
+    // A new group begins with defaults.
+    const auto statistics = view->statistics();
+    const ContrastData first(std::trunc(statistics->foreground), std::trunc(statistics->background),
+                             MColorTable::grey(), false);
+    EXPECT_EQ(view->contrastData(), first) << "a contrast without any widget";
+    TarvikService* second = newView();
+    show(second, image(4, 8, 1000));
+    EXPECT_EQ(second->contrastData(), first) << "the group's, not its own";
     EXPECT_EQ(view->viewportData(), ViewportData());
     EXPECT_EQ(view->statisticsData(), StatisticsData());
     EXPECT_EQ(view->peakData(), PeakData());

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Rings at the edges of what a header can say. tests/bin/image/test_geometry.py compares them with
-// formulas of its own.
+// Geometry at the edges of what a header can say. tests/bin/image/test_geometry.py compares them
+// with formulas of its own.
 #include "logic/geometry/RingAdvice.h"
 
 #include "tests/support/Geometry.h"
@@ -22,6 +22,31 @@ Header header(double distance)
     Header result;
     tarvik::tests::setGeometry(result, 0.F, 0.F, 1e-3F, 1e-3F, float(distance), 1.F);
     return result;
+}
+
+TEST(Geometry, LacksWhatTheHeaderLacks)
+{
+    const Header full = header(0.1);
+    EXPECT_EQ(geometry::powderRadius(full, 3, 4), 5);
+    Header far = full;
+    far.set_beam_center_x(1e30F);
+    EXPECT_GT(geometry::powderRadius(far, 0, 0), 2000000000);
+    Header rest = full;
+    const auto expectLeft = [&](bool resolution, bool distance, bool centre) {
+        EXPECT_EQ(geometry::resolutionDefined(rest), resolution);
+        EXPECT_EQ(geometry::resolution(rest, 1, 1) != -1, resolution);
+        EXPECT_EQ(geometry::distanceDefined(rest), distance);
+        EXPECT_EQ(geometry::distance(rest, 1, 1) != -1, distance);
+        EXPECT_EQ(geometry::beamCentreDefined(rest), centre);
+        EXPECT_EQ(geometry::powderRadius(rest, 1, 1) != -1, centre);
+    };
+    expectLeft(true, true, true);
+    rest.set_detector_distance(boost::none);
+    expectLeft(false, true, true);
+    rest.set_x_pixel_size(boost::none);
+    expectLeft(false, false, true);
+    rest.set_beam_center_y(boost::none);
+    expectLeft(false, false, false);
 }
 
 TEST(RingAdvice, OneRingHasOneDigit)

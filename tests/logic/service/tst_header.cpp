@@ -175,25 +175,9 @@ TEST_F(HeaderOfView, CircleOfAGroupMovesTheBeamOfItsMembers)
     EXPECT_EQ(*member->optionalData().beam_center_x(), 30.F);
 }
 
-TEST_F(HeaderOfView, GeometryFollowsTheHeader)
+TEST_F(HeaderOfView, GeometryFollowsTheHeaderWithItsEdits)
 {
-    showAt(0);
-    EXPECT_EQ(view->computePowderRadius(103, 54), 4);
-    EXPECT_NEAR(view->distance(130, 90), std::hypot(29.5 * 100e-6, 40 * 200e-6), 1e-9);
-    // At 8 mm from the beam and 100 mm from the sample.
-    EXPECT_NEAR(view->resolution(100, 90),
-                1 / (2 * std::sin(std::atan(std::hypot(0.5e-4, 8e-3) / 0.1) / 2)), 1e-5);
-    Header edits;
-    edits.set_beam_center_x(100.F);
-    view->applyHeaderToSeries(edits);
-    EXPECT_TRUE(std::isinf(view->resolution(100, 50)));
-    edits.set_beam_center_x(1e30F);
-    view->applyHeaderToSeries(edits);
-    EXPECT_GT(view->computePowderRadius(0, 0), 2000000000);
-}
-
-TEST_F(HeaderOfView, RingsFollowTheHeaderWithItsEdits)
-{
+    EXPECT_TRUE(std::isnan(beam().x()) && std::isnan(beam().y()));
     MImage incomplete = imageWithGeometry();
     incomplete.optionalData().set_wavelength(boost::none);
     show(view, incomplete);
@@ -203,74 +187,57 @@ TEST_F(HeaderOfView, RingsFollowTheHeaderWithItsEdits)
     view->recommendResolutionRadius(3, x, y, radii, labels);
     EXPECT_TRUE(radii.empty() && labels.empty());
     EXPECT_EQ(x, 7) << "the centre stays as it was";
+    EXPECT_EQ(view->resolution(130, 90), -1);
     Header edits;
     edits.set_wavelength(1.F);
+    edits.set_beam_center_x(100.F);
     view->applyHeaderToSeries(edits);
-    view->recommendResolutionRadius(0, x, y, radii, labels);
-    EXPECT_EQ(x, 100.5);
-    EXPECT_EQ(y, 50);
-    EXPECT_TRUE(radii.empty());
     view->recommendResolutionRadius(3, x, y, radii, labels);
+    EXPECT_TRUE(x == 100 && y == 50);
     EXPECT_TRUE(radii.size() == 3 && labels.size() == 3);
+    EXPECT_EQ(view->computePowderRadius(103, 54), 5);
+    EXPECT_NEAR(view->distance(130, 90), std::hypot(30 * 100e-6, 40 * 200e-6), 1e-9);
+    EXPECT_TRUE(std::isinf(view->resolution(100, 50)));
+    EXPECT_EQ(view->intensityString(100, 50), "3");
+    QSignalSpy cursor(view, &TarvikService::cursorInfoSignal);
+    view->setCursorCoordinates(100, 50);
+    EXPECT_EQ(cursor[0][0].value<CursorInfo>().resolution(), "inf");
+    EXPECT_EQ(CursorInfo(view, 130, 90).distance(), "8.5");
 }
 
-TEST_F(HeaderOfView, MissingValuesLeaveQuantitiesUndefined)
-{
-    MImage incomplete = imageWithGeometry();
-    incomplete.optionalData().set_detector_distance(boost::none);
-    show(view, incomplete);
-    EXPECT_TRUE(view->distanceDefined());
-    EXPECT_FALSE(view->resolutionDefined());
-    EXPECT_EQ(view->resolution(1, 1), -1.0);
-    incomplete.optionalData().set_x_pixel_size(boost::none);
-    show(view, incomplete);
-    EXPECT_FALSE(view->distanceDefined());
-    EXPECT_EQ(view->distance(1, 1), -1.0);
-    EXPECT_TRUE(view->powderPlotDefined());
-    incomplete.optionalData().set_beam_center_y(boost::none);
-    show(view, incomplete);
-    EXPECT_EQ(view->computePowderRadius(1, 1), -1);
-    EXPECT_TRUE(std::isnan(beam().x()) && std::isnan(beam().y()));
-}
-
-TEST_F(HeaderOfView, CursorTextsFollowWhatIsDefined)
+TEST(CursorInfo, TextsFollowWhatIsDefined)
 {
     const QStringList plain = {"Image X", "Image Y", "Intensity"};
     const QStringList full = {"Distance (mm)", "Image X", "Image Y", "Intensity",
                               QString::fromUtf8("Resolution (\xe2\x84\xab)")};
-    CursorInfo info;
-    QObject::connect(view, &TarvikService::cursorInfoSignal, view,
-                     [&](const CursorInfo& sent) { info = sent; });
-    EXPECT_TRUE(info.imgX().isNull());
-    view->setCursorCoordinates(3, 4);
-    EXPECT_EQ(info.infoKeys(), plain);
-    EXPECT_EQ(info.infoValues(), QStringList({"", "", ""}));
-    EXPECT_TRUE(info.distance().isNull());
+    EXPECT_TRUE(CursorInfo().imgX().isNull());
+    const CursorInfo none = CursorInfo::of(MImage(), 3, 4);
+    EXPECT_EQ(none.infoKeys(), plain);
+    EXPECT_EQ(none.infoValues(), QStringList({"", "", ""}));
+    EXPECT_TRUE(none.distance().isNull());
 
-    showAt(0);
+    MImage image(200, 100, 3);
+    setGeometry(image.optionalData(), 100.5F, 50.F, 100e-6F, 200e-6F, 0.1F, 1.F);
     for (const auto& [x, y] : {std::pair(-1.0, 4.0), {4.0, -0.1}, {std::nan(""), 4.0}}) {
-        view->setCursorCoordinates(x, y);
-        EXPECT_EQ(info.infoKeys(), full);
-        EXPECT_EQ(info.infoValues().join(""), "");
-        EXPECT_FALSE(info.distance().isNull());
+        const CursorInfo outside = CursorInfo::of(image, x, y);
+        EXPECT_EQ(outside.infoKeys(), full);
+        EXPECT_EQ(outside.infoValues().join(""), "");
     }
-    view->setCursorCoordinates(100.9, 90.2);
-    EXPECT_EQ(info.infoValues(), QStringList({"8.0", "100", "90", "3", "12.530"}));
-    view->setCursorCoordinates(1e30, 1);
-    EXPECT_EQ(info.intensity(), "0");
+    EXPECT_EQ(CursorInfo::of(image, 100.9, 90.2).infoValues(),
+              QStringList({"8.0", "100", "90", "3", "12.530"}));
+    EXPECT_EQ(CursorInfo::of(image, 1e30, 1).intensity(), "0");
 }
 
-TEST_F(HeaderOfView, IntensityIsWrittenByPixelType)
+TEST(CursorInfo, IntensityIsWrittenByPixelType)
 {
-    EXPECT_EQ(view->intensityString(0, 0), "");
+    EXPECT_EQ(CursorInfo::intensityOf(MImage(), 0, 0), "");
     for (const auto& [pixels, text] : {std::pair(MImage(1, 1, 1234567.0F), "1.23457e+06"),
                                        {MImage(1, 1, 0.25), "0.25"},
                                        {MImage(1, 1, -2), "-2"},
                                        {MImage(1, 1, 4294967295U), "4294967295"},
                                        {MImage(1, 1, true), "1"}}) {
-        show(view, pixels);
-        EXPECT_EQ(view->intensityString(0, 0), text);
-        EXPECT_EQ(view->intensityString(1, 0), "0");
+        EXPECT_EQ(CursorInfo::intensityOf(pixels, 0, 0), text);
+        EXPECT_EQ(CursorInfo::intensityOf(pixels, 1, 0), "0");
     }
 }
 

@@ -100,34 +100,17 @@ TEST_F(Opening, FailedLoadChangesNothing)
     EXPECT_EQ(errors.size(), 1) << "a quiet failure is quiet";
 }
 
-TEST_F(Opening, StepsThroughImagesInMemory)
+TEST_F(Opening, StepsOfAnySizeEndWithTheSeries)
 {
     for (int i = 0; i < 3; ++i)
         show(view, image(8, 4, i));
-    const auto expectShown = [&](int number) {
-        arrive(view);
-        EXPECT_EQ(view->imageIndex(), number);
-        EXPECT_EQ(view->image().pixel<int>(0, 0, -1), number);
-    };
-    view->nextImage(-2);
-    expectShown(0);
-    view->openLast();
-    expectShown(2);
-    view->openImage(1);
-    expectShown(1);
-    view->nextImage(1);
-    expectShown(2);
-    view->nextImage(0);
-    expectShown(2);
     QSignalSpy notices(view, &TarvikService::noticeSignal);
-    for (const int step : {1, std::numeric_limits<int>::max()}) {
-        notices.clear();
-        view->nextImage(step);
-        EXPECT_TRUE(notices.wait(Patience)) << step;
-        EXPECT_EQ(view->imageIndex(), 2) << step;
-    }
+    view->nextImage(std::numeric_limits<int>::max());
+    EXPECT_TRUE(notices.wait(Patience));
+    EXPECT_EQ(view->imageIndex(), 2);
     view->nextImage(std::numeric_limits<int>::min());
-    expectShown(0);
+    arrive(view);
+    EXPECT_EQ(view->imageIndex(), 0);
 }
 
 TEST_F(Opening, StepsInQuickSuccessionAllCount)

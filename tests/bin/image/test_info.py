@@ -8,7 +8,6 @@ import unittest
 
 import numpy
 from fabio.cbfimage import CbfImage
-from fabio.edfimage import EdfImage
 
 from toolcase import RANDOM, ToolCase, counts, number, run
 
@@ -33,18 +32,6 @@ class Info(ToolCase):
                 self.assertTells(self.told("info", self.edf(pixels), "--pixel", "1,0"), pixels,
                                  pixels=[number(pixels[0, 1])])
 
-    def test_frames_of_an_edf_file(self):
-        frames = counts((3, 4, 5), "u2")
-        image = EdfImage(data=frames[0])
-        for frame in frames[1:]:
-            image.append_frame(data=frame)
-        path = self.folder / "scan_7.edf"
-        image.write(str(path))
-        for position, frame in enumerate(frames):
-            told = self.told("info", path, "--frame", position)
-            self.assertTells(told, frame, first=0, frame=position, last=2)
-            self.assertEqual(told["header"]["imageDescription"], f"scan_7.edf - image {position}")
-
     def test_hdf5_master_with_data_files(self):
         frames, mask = counts((5, 6, 8), "u4"), numpy.zeros((6, 8), "u4")
         mask[2, 3:5] = 1, 8
@@ -60,16 +47,6 @@ class Info(ToolCase):
         self.assertEqual(header["saturation_value"], 65000)
         self.assertEqual(header["imageDescription"], "x_master.h5 - image 5")
         self.assertEqual(told["frame_path"], str(self.folder / "x_data_000002.h5"))
-
-    def test_series_goes_over_gaps(self):
-        for position in (1, 2, 5):
-            self.edf(numpy.full((2, 2), position, "i4"), f"x_{position:03}.edf")
-        path = self.folder / "x_002.edf"
-        told = self.told("info", path, "--frame", 5)
-        self.assertEqual([told[key] for key in ("first", "frame", "last", "maximum", "frame_path")],
-                         [1, 5, 5, 5, str(self.folder / "x_005.edf")])
-        self.assertFails(1, run("info", "--frame", 3, path), self.folder / "x_003.edf")
-        self.assertFails(1, run("info", "--frame", 9, path), "1 to 5")
 
     def test_raw_header_is_utf8_whatever_the_file_holds(self):
         path = self.edf(counts((2, 2), "u2"), title="gruen")

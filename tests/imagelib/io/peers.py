@@ -1,7 +1,6 @@
 # SPDX-FileCopyrightText: 2026 the TARVIK authors
 # SPDX-License-Identifier: MIT
-"""Reads image files with fabio, and writes EDF files with it and TIFF files with it and Pillow:
-peers.py FOLDER.
+"""Reads image files with fabio, and writes EDF and TIFF files with it: peers.py FOLDER.
 
 Compares each <file> with the <file>.<dtype>.<width>.raw beside it. Writes the pixels of each frame
 of a file to <file>.<frame>.pixels.
@@ -13,7 +12,6 @@ import fabio
 import fabio.edfimage
 import fabio.tifimage
 import numpy
-from PIL import Image
 
 TYPES = ["uint8", "int8", "uint16", "int16", "uint32", "int32", "uint64", "int64", "float32",
          "float64"]
@@ -52,12 +50,6 @@ def write():
         if "64" not in dtype:  # of TIFF
             fabio.tifimage.TifImage(data=frames[0]).write(f"fabio_{dtype}.tif")
             frames[0].tofile(f"fabio_{dtype}.tif.0.pixels")
-    for compression in ("raw", "packbits", "tiff_lzw", "tiff_adobe_deflate"):
-        for dtype in ("uint8", "uint16", "int32", "float32"):
-            name = f"pillow_{compression}_{dtype}.tif"
-            data = picture(dtype, 5)
-            Image.fromarray(data).save(name, compression=compression)
-            data.tofile(name + ".0.pixels")
 
 
 os.chdir(sys.argv[1])

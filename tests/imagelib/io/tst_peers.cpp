@@ -128,7 +128,7 @@ TEST(Peers, ReadWhatIsWrittenHereAndAreRead)
             EXPECT_EQ(image.optionalData().beam_center_x().value_or(0), edf ? 31.5f : 0);
         }
     }
-    EXPECT_EQ(frames, 3 * 10 + 7 + 16);
+    EXPECT_EQ(frames, 3 * 10 + 7);
 }
 
 TEST(Hdf5Writer, SeriesComeBackFromEveryFilter)

@@ -102,15 +102,6 @@ TEST(WireData, FrameCutAnywhereIsAnError)
         for (std::size_t size = 0; size < whole.size(); ++size)
             EXPECT_THROW(wire::decodeFrame(std::as_bytes(std::span(whole.data(), size)), none),
                          morvend::MRuntimeException);
-        for (std::size_t at = 0; at + 1 < whole.size(); ++at) {
-            std::string changed = whole;
-            changed[at] = static_cast<char>(~changed[at]);
-            try {
-                wire::decodeFrame(std::as_bytes(std::span(changed)), none);
-            } catch (const morvend::MException&) {
-                // An error or another message: both will do, a crash will not.
-            }
-        }
     }
 }
 

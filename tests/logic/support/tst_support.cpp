@@ -45,18 +45,10 @@ TEST(DebugMutex, LocksAgainOnItsOwnThreadOnly)
     }).join();
 }
 
-TEST(DebugMutexDeathTest, FaultsOfLockingEndTheProcess)
+TEST(DebugMutexDeathTest, AFaultOfLockingEndsTheProcess)
 {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_DEATH(DebugMutex().unlock(), "DebugMutex.cpp.*_status > 0 && _process ==");
-    EXPECT_DEATH(
-        {
-            DebugMutex mutex;
-            mutex.lock();
-            std::thread([&] { mutex.unlock(); }).join();
-        },
-        "_status > 0 && _process ==");
-    EXPECT_DEATH({ DebugMutex().lock(); }, "_status == 0");
 }
 
 TEST(FailureSummary, FailuresThatDifferInNumbersAloneAreOneLine)

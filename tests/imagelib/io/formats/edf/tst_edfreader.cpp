@@ -34,11 +34,11 @@ std::string valueBytes(const std::vector<std::uint16_t>& values, bool bigEndian 
 }
 
 /// A header of statements, padded with blanks to a multiple of 512 bytes.
-std::string headerOf(const std::string& statements, std::size_t unit = 512)
+std::string headerOf(const std::string& statements)
 {
     std::string text = "{\n" + statements;
     const std::size_t bytes = text.size() + 2;
-    text.append((bytes + unit - 1) / unit * unit - bytes, ' ');
+    text.append((bytes + 511) / 512 * 512 - bytes, ' ');
     return text + "}\n";
 }
 
@@ -414,21 +414,6 @@ TEST(EdfDamage, EveryCutIsAFailure)
         // holds no key.
         if (size < first.size() || size > first.size() + 12) {
             ASSERT_NE(failureOfBytes(whole.substr(0, size)), "no failure") << size;
-        }
-}
-
-TEST(EdfDamage, EveryChangedByteIsReadOrRefused)
-{
-    const std::string whole = headerOf("EDF_DataFormatVersion = 2.40 ;\n", 64) +
-                              headerOf("Dim_1 = 2 ;\nDim_2 = 1;\nDim_3 = 2 ;\nSize = 8 ;\n", 64) +
-                              "\1\2\3\4\5\6\7\10" + headerOf("Dim_1=1;Compression=none;", 64) +
-                              "ab";
-    ASSERT_EQ(failureOfBytes(whole), "no failure");
-    for (std::size_t at = 0; at < whole.size(); ++at)
-        for (const char to : {'\0', ' ', ';', '=', '}', '{', '9', '\n', '\r', '-', '\xff'}) {
-            std::string damaged = whole;
-            damaged[at] = to;
-            failureOfBytes(damaged);
         }
 }
 

@@ -318,7 +318,7 @@ TEST(TiffDamage, OtherFilesAreNotMineAndAHeadAloneIsAFailure)
                 HasSubstr("the file holds no image"));
 }
 
-TEST(TiffDamage, EveryCutIsAFailureAndEveryChangedByteIsReadOrRefused)
+TEST(TiffDamage, EveryCutIsAFailure)
 {
     // Pixels before and behind the directory, strips, tiles, Deflate.
     std::vector<std::string> files = {tiffOf(3, SixPixels, "270 A # Exposure_time 0.5 s\\0"),
@@ -340,16 +340,8 @@ TEST(TiffDamage, EveryCutIsAFailureAndEveryChangedByteIsReadOrRefused)
     testing::internal::CaptureStderr();
     for (const std::string& whole : files) {
         ASSERT_EQ(failureOfBytes(whole), "no failure");
-        for (std::size_t at = 0; at < whole.size(); ++at) {
-            if (at >= 4) {
-                ASSERT_NE(failureOfBytes(whole.substr(0, at)), "no failure") << at;
-            }
-            for (const int change : {0x01, 0x80, 0xff, static_cast<int>(whole[at])}) {
-                std::string damaged = whole;
-                damaged[at] = static_cast<char>(damaged[at] ^ change);
-                failureOfBytes(damaged);  // whatever it says: no crash, no other exception
-            }
-        }
+        for (std::size_t at = 4; at < whole.size(); ++at)
+            ASSERT_NE(failureOfBytes(whole.substr(0, at)), "no failure") << at;
     }
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }

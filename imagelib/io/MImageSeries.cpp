@@ -4,6 +4,7 @@
 // Chooses the kind of series and forwards to it.
 #include "imagelib/io/MImageSeries.h"
 
+#include "imagelib/image/ErrorPlace.h"
 #include "imagelib/io/FormatRegistry.h"
 #include "imagelib/io/formats/base/Cancellation.h"
 #include "imagelib/io/series/FrameSeries.h"
@@ -63,24 +64,6 @@ std::string placeOf(const Series& series, std::size_t number)
     }
 }
 
-/// Runs an operation; what isn't an MException becomes one, and a lack of memory is told with its
-/// place, which `place` names.
-template <class Place, class Operation>
-auto naming(Place&& place, Operation&& operation)
-{
-    try {
-        return operation();
-    } catch (const MMemoryException& error) {
-        throw MRuntimeException(std::string(error.what()) + ": " + place());
-    } catch (const MException&) {
-        throw;
-    } catch (const std::bad_alloc&) {
-        throw MRuntimeException("Not enough memory: " + place());
-    } catch (const std::exception& error) {
-        throw MRuntimeException(std::string(error.what()) + ": " + place());
-    }
-}
-
 }  // namespace
 
 MImageSeries::MImageSeries(std::size_t memorySize)
@@ -98,7 +81,7 @@ int MImageSeries::open(const std::string& path)
     ImagePath named = ImagePath::of(path);
     named.file = absolutePath(named.file);
     const CancelScope scope(_d->stop.get_token());
-    return naming([&] { return named.file; }, [&] { return _open(named); });
+    return withPlace([&] { return named.file; }, [&] { return _open(named); });
 }
 
 int MImageSeries::_open(const ImagePath& named)
@@ -110,7 +93,7 @@ int MImageSeries::_open(const ImagePath& named)
     };
     std::unique_ptr<ImageFile> opened = open(file);
     std::optional<SeriesFinder> finder = SeriesFinder::of(file);
-    if (finder && !FrameSeries::suits(*opened)) {
+    if (finder && !FrameSeries::isSeriesByItself(*opened)) {
         const int number = finder->number();
         _d->series = std::make_unique<NumberedSeries>(std::move(*finder), std::move(opened), open);
         return number;
@@ -142,8 +125,8 @@ void MImageSeries::pushBack(const MImage& image) { _d->series->pushBack(image); 
 MImage MImageSeries::at(std::size_t number) const
 {
     const CancelScope scope(_d->stop.get_token());
-    return naming([&] { return placeOf(*_d->series, number); },
-                  [&] { return _d->series->at(toInt(number)); });
+    return withPlace([&] { return placeOf(*_d->series, number); },
+                     [&] { return _d->series->at(toInt(number)); });
 }
 bool MImageSeries::empty() const { return _d->series->empty(); }
 int MImageSeries::first() const { return empty() ? -1 : _d->series->first(); }
@@ -153,8 +136,8 @@ int MImageSeries::previous(int number) const { return empty() ? -1 : _d->series-
 void MImageSeries::update()
 {
     const CancelScope scope(_d->stop.get_token());
-    naming([&] { return placeOf(*_d->series, static_cast<std::size_t>(std::max(first(), 0))); },
-           [&] { _d->series->update(); });
+    withPlace([&] { return placeOf(*_d->series, static_cast<std::size_t>(std::max(first(), 0))); },
+              [&] { _d->series->update(); });
 }
 
 void MImageSeries::cancel() { _d->stop.request_stop(); }

@@ -4,10 +4,10 @@
 // From requests to answers.
 #include "imagelib/io/process/ReaderServer.h"
 
+#include "imagelib/image/ErrorPlace.h"
 #include "imagelib/io/process/ReaderProcess.h"
 
 #include <chrono>
-#include <new>
 #include <utility>
 
 namespace morvend::imglib {
@@ -63,11 +63,7 @@ template <class Step>
 void ReaderServer::_attempt(ReaderAnswer& answer, Step step) const
 {
     try {
-        step();
-    } catch (const std::bad_alloc&) {
-        answer.fail(MRuntimeException("Not enough memory: " + _path));
-    } catch (const MMemoryException& error) {
-        answer.fail(MRuntimeException(std::string(error.what()) + ": " + _path));
+        withPlace([&] { return _path; }, step);
     } catch (const std::exception& error) {
         answer.fail(error);
     }

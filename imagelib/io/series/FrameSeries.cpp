@@ -29,7 +29,7 @@ FrameSeries::FrameSeries(std::string path, std::unique_ptr<ImageFile> file, Imag
     , _open(std::move(open))
 {}
 
-bool FrameSeries::suits(const ImageFile& file)
+bool FrameSeries::isSeriesByItself(const ImageFile& file)
 {
     if (isHdf5(file) || file.frameCount() != 2)
         return isHdf5(file) || file.frameCount() > 1;
@@ -59,7 +59,7 @@ std::size_t FrameSeries::position(int number) const
 
 MImage FrameSeries::at(int number) const
 {
-    if (!isHdf5(*_file) && change(FileStamp(_path)) == Change::Replaced)
+    if (!isHdf5(*_file) && changeSince(FileStamp(_path)) == Change::Replaced)
         reopen();
     MImage image = _file->frame(position(number));
     const std::string main = _file->mainPath();
@@ -79,7 +79,7 @@ void FrameSeries::update()
 {
     try {
         const FileStamp now(_path);
-        const Change change = this->change(now);
+        const Change change = changeSince(now);
         if (change == Change::Replaced) {
             if (now != _refused || Clock::now() >= _nextTry)
                 reopen();
@@ -93,7 +93,7 @@ void FrameSeries::update()
     }
 }
 
-FrameSeries::Change FrameSeries::change(const FileStamp& now) const
+FrameSeries::Change FrameSeries::changeSince(const FileStamp& now) const
 {
     if (!now.exists() || now == _stamp)
         return Change::None;
@@ -109,15 +109,15 @@ void FrameSeries::reopen() const
     try {
         _file = _open(_path);
     } catch (const MException& error) {
-        refuse(stamp, error);
+        postponeRetry(stamp, error);
         throw;
     }
     _stamp = stamp;
     _refused = {};
-    _told = false;
+    _warned = false;
 }
 
-void FrameSeries::refuse(const FileStamp& stamp, const MException& error) const
+void FrameSeries::postponeRetry(const FileStamp& stamp, const MException& error) const
 {
     // Looks come many a second, and each may cost a process: one that the file crashes is for
     // nothing, one that hangs holds up the view, but a mount that hung may answer again. An
@@ -129,7 +129,7 @@ void FrameSeries::refuse(const FileStamp& stamp, const MException& error) const
         hung ? std::chrono::seconds(std::chrono::minutes(5)) : std::chrono::seconds(1);
     _refused = stamp;
     _nextTry = crashed ? Clock::time_point::max() : Clock::now() + pause;
-    if (ended && !std::exchange(_told, true))
+    if (ended && !std::exchange(_warned, true))
         std::fprintf(stderr, "WARNING: %s\n", error.what());
 }
 

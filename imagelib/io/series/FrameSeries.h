@@ -24,7 +24,7 @@ public:
     /// whose writers append to the container even while it has one frame. A second and last frame
     /// that can't be read is none, with a line on standard error: some writers leave junk behind
     /// their image, and it stays a member of its numbered set.
-    static bool suits(const ImageFile& file);
+    static bool isSeriesByItself(const ImageFile& file);
 
     /// The number of the frame that the path names.
     int openedNumber() const;
@@ -40,11 +40,14 @@ public:
 
 private:
     using Clock = std::chrono::steady_clock;
+    /// The position of a frame in its container. @throws MOutOfRangeException
     std::size_t position(int number) const;
     enum class Change { None, Grown, Replaced };
-    Change change(const FileStamp& now) const;
+    /// What became of the container since it was opened or last seen to grow.
+    Change changeSince(const FileStamp& now) const;
     void reopen() const;
-    void refuse(const FileStamp& stamp, const MException& error) const;
+    /// Notes that the file in this state can't be opened, and when it is worth another try.
+    void postponeRetry(const FileStamp& stamp, const MException& error) const;
 
     std::string _path;
     mutable FileStamp _stamp;
@@ -52,7 +55,7 @@ private:
     ImagePathOpener _open;
     mutable FileStamp _refused;          // the state in which the new file could not be opened
     mutable Clock::time_point _nextTry;  // of that state
-    mutable bool _told = false;
+    mutable bool _warned = false;        // of that state, on standard error
 };
 
 }  // namespace morvend::imglib

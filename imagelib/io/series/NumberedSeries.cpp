@@ -36,7 +36,7 @@ NumberedSeries::NumberedSeries(SeriesFinder finder, std::unique_ptr<ImageFile> o
     , _format(opened->format())
     , _opened(std::move(opened))
 {
-    look();
+    relist();
     // A folder that lets files be opened but not be listed shows the opened one at least.
     const Member mine = _finder.opened();
     const auto place = lowerBound(_members, mine.number);
@@ -44,7 +44,7 @@ NumberedSeries::NumberedSeries(SeriesFinder finder, std::unique_ptr<ImageFile> o
         _members.insert(place, mine);
 }
 
-void NumberedSeries::look()
+void NumberedSeries::relist()
 {
     std::vector<Member> members = _finder.list();
     if (members.empty())
@@ -98,7 +98,7 @@ std::string NumberedSeries::pathToImage(int number) const { return _finder.path(
 void NumberedSeries::update()
 {
     _opened.reset();
-    look();
+    relist();
 }
 
 }  // namespace morvend::imglib

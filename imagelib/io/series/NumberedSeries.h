@@ -31,7 +31,9 @@ public:
     void update() override;
 
 private:
-    void look();
+    /// Lists the folder anew; keeps the members where that fails.
+    void relist();
+    /// The file of a number; of one that is not listed with the usual width.
     SeriesFinder::Member member(int number) const;
 
     SeriesFinder _finder;

@@ -98,11 +98,11 @@ std::vector<SeriesFinder::Member> SeriesFinder::list() const
     while (const dirent* entry = ::readdir(folder.get()))
         if (entry->d_type != DT_DIR && parse(entry->d_name, member))
             members.push_back(member);
-    order(members);
+    sortByNumber(members);
     return members;
 }
 
-void SeriesFinder::order(std::vector<Member>& members) const
+void SeriesFinder::sortByNumber(std::vector<Member>& members) const
 {
     if (members.empty())
         return;
@@ -113,7 +113,7 @@ void SeriesFinder::order(std::vector<Member>& members) const
     const std::size_t span = static_cast<std::size_t>(high->number - first) + 1;
     constexpr std::size_t MostGaps = 8;
     if (span / MostGaps > members.size())
-        return sort(members);
+        return sortSparse(members);
 
     // A table by number: the sorting of ten thousand names takes longer than their parsing.
     std::vector<int> digits(span, 0);
@@ -128,7 +128,7 @@ void SeriesFinder::order(std::vector<Member>& members) const
             members.push_back({first + static_cast<int>(i), digits[i]});
 }
 
-void SeriesFinder::sort(std::vector<Member>& members) const
+void SeriesFinder::sortSparse(std::vector<Member>& members) const
 {
     std::sort(members.begin(), members.end(), [this](const Member& left, const Member& right) {
         return left.number != right.number ? left.number < right.number

@@ -11,7 +11,7 @@
 namespace morvend::imglib {
 
 /// The name of a numbered file, taken apart: folder, text before the number, the number, text
-/// behind it. The number is the last run of digits before the extension; a compressed file has a
+/// after it. The number is the last run of digits before the extension; a compressed file has a
 /// double extension such as ".cbf.gz", and an extension of digits only is the number itself.
 class SeriesFinder {
 public:
@@ -38,10 +38,14 @@ public:
     std::string path(const Member& member) const;
 
 private:
+    /// Takes the name of a file apart; false for one that is not of the set.
     bool parse(const char* name, Member& member) const;
+    /// Is a number of `digits` digits nearer to the opened name than one of `than` digits?
     bool isNearer(int digits, int than) const;
-    void order(std::vector<Member>& members) const;
-    void sort(std::vector<Member>& members) const;
+    /// Sorts by number and keeps one member a number: by a table, where there are few gaps ...
+    void sortByNumber(std::vector<Member>& members) const;
+    /// ... and by comparisons, where a table would be mostly empty.
+    void sortSparse(std::vector<Member>& members) const;
 
     std::string _directory;  // with the slash
     std::string _prefix;

@@ -1,14 +1,10 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Bit planes in plain C++, and the choice of the kernel.
+// Bit planes in plain C++.
 #include "imagelib/codec/BitPlanes.h"
 
-#include "imagelib/codec/ShuffleKernels.h"
-
 #include <cstdint>
-
-#include <hwy/targets.h>
 
 namespace morvend::codec {
 
@@ -60,16 +56,6 @@ void shuffleBits(const std::byte* elements, std::size_t count, std::size_t eleme
                 planes[(8 * k + b) * stride + j] = static_cast<std::byte>(matrix >> 8 * b);
         }
     }
-}
-
-UnshuffleBits bitUnshuffler()
-{
-#ifdef TARVIK_AVX512_FILES
-    // This target's test of the processor covers both extensions that the kernel uses.
-    if (hwy::SupportedTargets() & HWY_AVX3_DL)
-        return unshuffleBitsGfni;
-#endif
-    return unshuffleBitsVector;
 }
 
 }  // namespace morvend::codec

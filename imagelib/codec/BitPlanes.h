@@ -1,8 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// The heart of the bit shuffle: the bit planes of one block to elements and back, with the best
-// kernel of the processor.
+// The heart of the bit shuffle: the bit planes of one block to elements and back.
 #pragma once
 
 #include <cstddef>
@@ -14,10 +13,6 @@ namespace morvend::codec {
 /// count * elementSize bytes each, don't overlap.
 using UnshuffleBits = void (*)(const std::byte* planes, std::size_t count, std::size_t elementSize,
                                std::byte* elements);
-
-/// The fastest kernel that this processor runs. It keeps to the targets of
-/// hwy::SupportedTargets(), by which tests and measurements choose lesser ones.
-UnshuffleBits bitUnshuffler();
 
 /// The definition in plain C++, for any element size, from byte `first` of each plane on.
 void unshuffleBitsPlain(const std::byte* planes, std::size_t count, std::size_t elementSize,

@@ -4,9 +4,9 @@
 // Bitshuffle chunks block by block: what one block needs stays in the first-level cache.
 #include "imagelib/codec/Bitshuffle.h"
 
-#include "imagelib/codec/BitPlanes.h"
 #include "imagelib/codec/BlockStream.h"
 #include "imagelib/codec/Lz4Block.h"
+#include "imagelib/codec/ShuffleKernels.h"
 #include "imagelib/image/Assert.h"
 #include "imagelib/image/MException.h"
 #include "imagelib/image/StreamCopy.h"

@@ -2,10 +2,8 @@
 // SPDX-License-Identifier: MIT
 //
 // One interleaving network serves the byte shuffle and, followed by a bit transposition, the bit
-// shuffle.
+// shuffle; and the choice of the bit shuffle's kernel.
 #include "imagelib/codec/ShuffleKernels.h"
-
-#include "imagelib/codec/BitPlanes.h"
 
 #include <cstdint>
 #include <cstring>
@@ -244,6 +242,16 @@ namespace morvend::codec {
 
 HWY_EXPORT(unshuffleBits);
 HWY_EXPORT(unshuffle);
+
+UnshuffleBits bitUnshuffler()
+{
+#ifdef TARVIK_AVX512_FILES
+    // This target's test of the processor covers both extensions that the kernel uses.
+    if (hwy::SupportedTargets() & HWY_AVX3_DL)
+        return unshuffleBitsGfni;
+#endif
+    return unshuffleBitsVector;
+}
 
 void unshuffleBitsVector(const std::byte* planes, std::size_t count, std::size_t elementSize,
                          std::byte* elements)

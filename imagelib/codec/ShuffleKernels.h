@@ -4,11 +4,17 @@
 // Vector loops of the shuffles, each chosen at run time for the processor.
 #pragma once
 
+#include "imagelib/codec/BitPlanes.h"
+
 #include <cstddef>
 
 namespace morvend::codec {
 
-/// UnshuffleBits (BitPlanes.h) by the widest vectors of up to 32 bytes.
+/// The fastest UnshuffleBits that this processor runs. It keeps to the targets of
+/// hwy::SupportedTargets(), by which tests and measurements choose lesser ones.
+UnshuffleBits bitUnshuffler();
+
+/// UnshuffleBits by the widest vectors of up to 32 bytes.
 void unshuffleBitsVector(const std::byte* planes, std::size_t count, std::size_t elementSize,
                          std::byte* elements);
 

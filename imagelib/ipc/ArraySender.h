@@ -6,7 +6,6 @@
 #pragma once
 
 #include "imagelib/ipc/LeasePage.h"
-#include "imagelib/ipc/Segment.h"
 #include "imagelib/ipc/SegmentPool.h"
 
 #include <array>

@@ -6,9 +6,14 @@
 
 #include "imagelib/ipc/QueueEnd.h"
 
+#include <type_traits>
+
 namespace morvend::imglib {
 
 namespace {
+
+static_assert(std::is_same_v<MMessageQueue::Peer, QueueEnd::Peer> &&
+              MMessageQueue::NoPeer == QueueEnd::NoPeer);
 
 template <class T>
 T taken(QueueEnd& end, MMessageQueue::Peer peer, std::chrono::milliseconds timeout)

@@ -5,9 +5,9 @@
 #pragma once
 
 #include "imagelib/ipc/MPeerGoneException.h"
-#include "imagelib/ipc/Message.h"
 #include "imagelib/ipc/SegmentPool.h"
 #include "imagelib/ipc/UniqueFd.h"
+#include "imagelib/ipc/WireFormat.h"
 
 #include <chrono>
 #include <memory>

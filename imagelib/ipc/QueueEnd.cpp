@@ -5,6 +5,7 @@
 #include "imagelib/ipc/QueueEnd.h"
 
 #include "imagelib/image/Assert.h"
+#include "imagelib/ipc/MPeerGoneException.h"
 
 #include <algorithm>
 #include <map>
@@ -77,7 +78,7 @@ QueueEnd::~QueueEnd()
         const std::lock_guard lock(_mutex);
         _closing = true;
     }
-    wake();
+    wakeThread();
     _thread.join();
 }
 
@@ -86,7 +87,7 @@ void QueueEnd::send(Message message, Peer peer)
     wire::Parcel parcel = wire::pack(std::move(message));
     parcel.audience = peer;
     const std::lock_guard sending(_sendMutex);
-    if (peer != MMessageQueue::NoPeer && !(_sending && _sending->peer == peer))
+    if (peer != NoPeer && !(_sending && _sending->peer == peer))
         throwPeerGone();
     if (!_sending) {
         const std::lock_guard lock(_mutex);
@@ -100,10 +101,10 @@ void QueueEnd::send(Message message, Peer peer)
     for (;;) {
         try {
             if (!_sending->writer.flush() && !waited)
-                wake();
+                wakeThread();
             return;
         } catch (const MPeerGoneException&) {
-            if (peer != MMessageQueue::NoPeer)
+            if (peer != NoPeer)
                 throw;
             return;  // the thread sees it too, and keeps what is unsent for the next peer
         } catch (const MException& error) {
@@ -120,26 +121,25 @@ Message QueueEnd::receive(std::size_t kind, Peer peer, std::chrono::milliseconds
     const Deadline deadline(timeout);
     Lock lock(_mutex);
     for (bool last = false;; last = deadline.passed()) {
-        if (auto message = pick(kind, peer))
+        if (auto message = takeFromInbox(kind, peer))
             return std::move(*message);
-        if (peer != MMessageQueue::NoPeer && !(_link && _link->peer == peer))
+        if (peer != NoPeer && !(_link && _link->peer == peer))
             throwPeerGone();
         if (!_link && !_fault.empty())
             throw MRuntimeException(_fault);
         if (last)
             throw MTimeoutException("Queue: no message came in time");
-        if (_link && !_reading && !crowded())
+        if (_link && !_reading && !inboxFull())
             readSome(lock, deadline);
         else
             wait(lock, deadline);
     }
 }
 
-/// Takes the first message of that kind out of those that have been read.
-std::optional<Message> QueueEnd::pick(std::size_t kind, Peer peer)
+std::optional<Message> QueueEnd::takeFromInbox(std::size_t kind, Peer peer)
 {
     const auto found = std::ranges::find_if(_inbox, [&](const Received& each) {
-        return each.message.index() == kind && (peer == MMessageQueue::NoPeer || each.peer == peer);
+        return each.message.index() == kind && (peer == NoPeer || each.peer == peer);
     });
     if (found == _inbox.end())
         return std::nullopt;
@@ -153,8 +153,7 @@ std::optional<Message> QueueEnd::pick(std::size_t kind, Peer peer)
     return message;
 }
 
-/// Do so many messages of the present peer wait for receives of their kind?
-bool QueueEnd::crowded() const
+bool QueueEnd::inboxFull() const
 {
     return _inbox.size() >= MostPassedOver &&
            std::ranges::count(_inbox, _link->peer, &Received::peer) >=
@@ -169,7 +168,6 @@ void QueueEnd::wait(Lock& lock, const Deadline& deadline) const
         _changed.wait_until(lock, deadline.at());
 }
 
-/// Waits for messages on the socket and stores them. The lock is open meanwhile.
 void QueueEnd::readSome(Lock& lock, const Deadline& deadline)
 {
     const Link link = _link;
@@ -191,11 +189,10 @@ void QueueEnd::readSome(Lock& lock, const Deadline& deadline)
         if (_link == link)
             _inbox.push_back({link->peer, std::move(message)});
     if (_hungUp)
-        wake();
+        wakeThread();
     _changed.notify_all();
 }
 
-/// Stores what is left of a connection that has been read to its end.
 void QueueEnd::store(const Link& link, std::deque<Message>& arrived)
 {
     const std::lock_guard lock(_mutex);
@@ -205,7 +202,6 @@ void QueueEnd::store(const Link& link, std::deque<Message>& arrived)
             _inbox.push_back({link->peer, std::move(message)});
 }
 
-/// Reads what can be had without waiting. Returns true when the connection has ended.
 bool QueueEnd::collect(const Link& link, std::deque<Message>& arrived, std::size_t most)
 {
     try {
@@ -227,7 +223,7 @@ bool QueueEnd::collect(const Link& link, std::deque<Message>& arrived, std::size
 
 void QueueEnd::checkPeer(Peer peer)
 {
-    if (peer == MMessageQueue::NoPeer)
+    if (peer == NoPeer)
         throw MPeerGoneException("Queue: there is no peer");
 }
 
@@ -240,7 +236,7 @@ std::size_t QueueEnd::waiting() const
 QueueEnd::Peer QueueEnd::peer() const
 {
     const std::lock_guard lock(_mutex);
-    return _link ? _link->peer : MMessageQueue::NoPeer;
+    return _link ? _link->peer : NoPeer;
 }
 
 QueueEnd::Peer QueueEnd::generation() const
@@ -257,7 +253,7 @@ QueueEnd::Peer QueueEnd::waitForPeer(std::chrono::milliseconds timeout) const
         if (!_fault.empty())
             throw MRuntimeException(_fault);
         if (deadline.passed())
-            return MMessageQueue::NoPeer;
+            return NoPeer;
         wait(lock, deadline);
     }
     return _link->peer;

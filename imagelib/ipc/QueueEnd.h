@@ -4,9 +4,8 @@
 // The end of a queue that all queue objects of a process share.
 #pragma once
 
-#include "imagelib/ipc/MMessageQueue.h"
-#include "imagelib/ipc/Message.h"
 #include "imagelib/ipc/PeerFinder.h"
+#include "imagelib/ipc/WireFormat.h"
 
 #include <condition_variable>
 #include <deque>
@@ -20,11 +19,13 @@ namespace morvend::imglib {
 /// Both directions of a queue over all its connections.
 ///
 /// Senders write to the socket themselves; what it does not take waits for the end's own thread,
-/// which also finds peers and learns of their going. Receivers read the socket themselves, one at
+/// which also finds peers and notices when they go. Receivers read the socket themselves, one at
 /// a time. Locks: _sendMutex before _mutex; none is held across a wait.
 class QueueEnd {
 public:
-    using Peer = MMessageQueue::Peer;
+    /// As MMessageQueue::Peer and NoPeer.
+    using Peer = std::uint64_t;
+    static constexpr Peer NoPeer = 0;
 
     /// The end of that name in this process, made when there is none.
     static std::shared_ptr<QueueEnd> of(const std::string& name);
@@ -36,7 +37,7 @@ public:
     QueueEnd& operator=(const QueueEnd&) = delete;
 
     /// To `peer` alone, or to the present or next one.
-    void send(Message message, Peer peer = MMessageQueue::NoPeer);
+    void send(Message message, Peer peer = NoPeer);
     /// The first message with the index `kind` of Message, of `peer` or of any.
     Message receive(std::size_t kind, Peer peer, std::chrono::milliseconds timeout);
 
@@ -57,22 +58,38 @@ private:
         Message message;
     };
 
-    std::optional<Message> pick(std::size_t kind, Peer peer);
-    bool crowded() const;
+    // For receivers; those with a lock are called under _mutex.
+    /// Takes the first message of that kind out of those that have been read.
+    std::optional<Message> takeFromInbox(std::size_t kind, Peer peer);
+    /// Do as many messages of the present peer as may wait for receives of their kind?
+    bool inboxFull() const;
+    /// Waits for messages on the socket and stores them. The lock is open meanwhile.
     void readSome(Lock& lock, const Deadline& deadline);
+    /// Reads what a peer that has gone left, unless a receiver does.
     void readToTheEnd(const Link& link);
+    /// Reads what has arrived, without waiting. @returns true when the connection has ended
     bool collect(const Link& link, std::deque<Message>& arrived, std::size_t most);
+    /// Stores what is left of a connection that has been read to its end.
     void store(const Link& link, std::deque<Message>& arrived);
     void wait(Lock& lock, const Deadline& deadline) const;
 
+    // For the end's own thread (QueueThread.cpp).
+    /// Seeks a peer and serves it, by turns, until the end closes.
     void run();
+    /// Looks for a peer, until something else is to be done.
     void seek();
+    /// Makes a connection the present one: what waits is for its peer.
     void join(const Link& link);
+    /// Ends a connection; messages that it did not take wait for the next one. Also by receivers.
     void leave(const Link& link);
+    /// Attends to a connection until something happens.
     void serve(const Link& link);
+    /// Writes what waits for a connection. @returns true when nothing waits any more
     bool flush(const Link& link, bool& stalled);
+    /// The end closes: gives what waits to the peer, if one is there or about to be.
     void handOver();
-    void wake();
+    /// Ends the thread's wait. Any thread.
+    void wakeThread();
 
     const std::string _name;
     const std::shared_ptr<SegmentPool> _pool;

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The thread of a queue's end: it finds peers, notices their going, and writes what had to wait.
+#include "imagelib/ipc/MPeerGoneException.h"
 #include "imagelib/ipc/QueueEnd.h"
 
 #include <array>
@@ -25,7 +26,7 @@ constexpr auto FaultTime = 100ms;
 
 }  // namespace
 
-void QueueEnd::wake() { ::eventfd_write(_wake.get(), 1); }
+void QueueEnd::wakeThread() { ::eventfd_write(_wake.get(), 1); }
 
 void QueueEnd::run()
 {
@@ -56,7 +57,6 @@ void QueueEnd::run()
     }
 }
 
-/// The end closes: what waits goes to the peer, if one is there or just being met.
 void QueueEnd::handOver()
 {
     Link link = _link;  // nobody else is left to change it
@@ -76,7 +76,6 @@ void QueueEnd::handOver()
         waitFor(link->socket.get(), stalled ? 0 : POLLOUT, deadline.sooner(PollTime));
 }
 
-/// Looks for a peer, until something else is to be done.
 void QueueEnd::seek()
 {
     Link link;
@@ -100,7 +99,6 @@ void QueueEnd::seek()
     ::poll(fds.data(), fds.size(), until.milliseconds());
 }
 
-/// A peer is there: what waits is for it.
 void QueueEnd::join(const Link& link)
 {
     const std::lock_guard sending(_sendMutex);
@@ -117,7 +115,6 @@ void QueueEnd::join(const Link& link)
     _outbox.clear();
 }
 
-/// The connection has ended. Messages that it did not take wait for the next one.
 void QueueEnd::leave(const Link& link)
 {
     {
@@ -136,10 +133,9 @@ void QueueEnd::leave(const Link& link)
         }
         _changed.notify_all();
     }
-    wake();
+    wakeThread();
 }
 
-/// Writes what waits for a connection. True when nothing waits any more.
 bool QueueEnd::flush(const Link& link, bool& stalled)
 {
     const std::lock_guard sending(_sendMutex);
@@ -155,7 +151,6 @@ bool QueueEnd::flush(const Link& link, bool& stalled)
     }
 }
 
-/// Attends to a connection until something happens.
 void QueueEnd::serve(const Link& link)
 {
     bool stalled = false;
@@ -173,7 +168,6 @@ void QueueEnd::serve(const Link& link)
         readToTheEnd(link);
 }
 
-/// The peer has gone: reads what it left, unless a receiver does.
 void QueueEnd::readToTheEnd(const Link& link)
 {
     {

@@ -4,7 +4,8 @@
 // The form of the frames between processes; docs/protocols/queue.md tells each byte.
 #pragma once
 
-#include "imagelib/ipc/Message.h"
+#include "imagelib/display/MDrawingList.h"
+#include "imagelib/image/MImage.h"
 
 #include <array>
 #include <cstddef>
@@ -14,7 +15,12 @@
 #include <variant>
 #include <vector>
 
-namespace morvend::imglib::wire {
+namespace morvend::imglib {
+
+/// What travels between processes: a text, an image with its header, or a drawing list.
+using Message = std::variant<std::string, MImage, MDrawingList<>>;
+
+namespace wire {
 
 enum class Kind : std::uint16_t { Hello = 1, Text = 2, Image = 3, DrawingList = 4, Forget = 5 };
 
@@ -23,8 +29,6 @@ inline constexpr std::size_t HeadBytes = 32;
 /// Most bytes of the description of a message, and of its inline data.
 inline constexpr std::size_t MostMeta = std::size_t(64) << 20;
 inline constexpr std::size_t MostBulk = std::size_t(64) << 20;
-/// Most nodes and attributes of a metadata tree.
-inline constexpr std::uint32_t MostNodes = 1U << 20;
 /// Segments are numbered below this.
 inline constexpr std::uint32_t MostSegments = 1024;
 /// Arrays that a receiver keeps for later messages are numbered below this.
@@ -113,4 +117,5 @@ void setPlace(Parcel& parcel, const Parcel::Array& array, const ArrayPlace& plac
 Parcel packHello(const Hello& hello);
 Parcel packForget(const Forget& forget);
 
-}  // namespace morvend::imglib::wire
+}  // namespace wire
+}  // namespace morvend::imglib

@@ -5,7 +5,6 @@
 #include "imagelib/ipc/WireHeader.h"
 
 #include "imagelib/image/QuotedText.h"
-#include "imagelib/ipc/WireFormat.h"
 
 namespace morvend::imglib::wire {
 

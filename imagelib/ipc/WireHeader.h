@@ -12,6 +12,9 @@
 
 namespace morvend::imglib::wire {
 
+/// Most nodes and attributes of a metadata tree.
+inline constexpr std::uint32_t MostNodes = 1U << 20;
+
 /// Types of header fields and of values in a metadata tree.
 enum class Tag : std::uint8_t {
     Nothing = 0,

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 //
 // Every kernel that this processor runs gives what the definitions say, bit by bit.
-#include "imagelib/codec/BitPlanes.h"
 #include "imagelib/codec/Shuffle.h"
+#include "imagelib/codec/ShuffleKernels.h"
 #include "tests/imagelib/codec/TestData.h"
 #include "tests/support/EveryTarget.h"
 

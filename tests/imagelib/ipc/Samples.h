@@ -4,7 +4,7 @@
 // Messages with everything in them, and their comparison.
 #pragma once
 
-#include "imagelib/ipc/Message.h"
+#include "imagelib/ipc/WireFormat.h"
 #include "tests/support/Described.h"
 
 #include <cstring>

@@ -3,7 +3,7 @@
 //
 // Messages over a pair of sockets: contents, shared memory and its return, ends of a peer.
 #include "imagelib/ipc/MessageChannel.h"
-#include "imagelib/ipc/Segment.h"
+#include "imagelib/ipc/SegmentPool.h"
 #include "tests/imagelib/ipc/Samples.h"
 
 #include <gtest/gtest.h>

@@ -122,6 +122,17 @@ bool anotherFollows(const ByteSource& file, Packing packing, std::uint64_t first
     return head.size() > first && need(std::string_view(head).substr(first)) != 0;
 }
 
+Unpacked unpackFile(const ByteSource& file, Packing packing, std::uint64_t most)
+{
+    const std::uint64_t size = file.size();
+    if (size > most)
+        throw MRuntimeException("Compressed file is larger than " + std::to_string(most) +
+                                " bytes: " + file.path());
+    const auto packed = image::PixelBuffer::allocate(static_cast<std::size_t>(size));
+    const std::size_t got = file.readSome(0, packed->data(), packed->size());
+    return unpack({packed->cdata(), got}, packing, most, file.path());
+}
+
 }  // namespace
 
 std::shared_ptr<const ByteSource> ByteSource::open(const std::string& path, const ImageNeed& need)
@@ -147,11 +158,12 @@ std::shared_ptr<const ByteSource> ByteSource::open(const std::string& path, cons
     const std::uint64_t most = std::min(std::max(packed * BestRatio, needed), MostUnpacked);
     Unpacked unpacked = [&] {
         try {
-            return unpack(*file, packing, most);
+            return unpackFile(*file, packing, most);
         } catch (const MRuntimeException&) {
             if (most >= AnyImage || !anotherFollows(*file, packing, needed, need))
                 throw;
-            return unpack(*file, packing, AnyImage);  // a series of images that are nearly empty
+            return unpackFile(*file, packing,
+                              AnyImage);  // a series of images that are nearly empty
         }
     }();
     return fromMemory(path, std::move(unpacked.buffer), unpacked.size);

@@ -210,17 +210,6 @@ Unpacked unpack(std::span<const std::byte> packed, Packing packing, std::uint64_
     return output.take();
 }
 
-Unpacked unpack(const ByteSource& file, Packing packing, std::uint64_t most)
-{
-    const std::uint64_t size = file.size();
-    if (size > most)
-        throw MRuntimeException("Compressed file is larger than " + std::to_string(most) +
-                                " bytes: " + file.path());
-    const auto packed = image::PixelBuffer::allocate(static_cast<std::size_t>(size));
-    const std::size_t got = file.readSome(0, packed->data(), packed->size());
-    return unpack({packed->cdata(), got}, packing, most, file.path());
-}
-
 std::string unpackHead(std::span<const std::byte> packed, Packing packing, std::size_t count)
 {
     std::string head(count, '\0');

@@ -5,7 +5,6 @@
 #pragma once
 
 #include "imagelib/image/PixelBuffer.h"
-#include "imagelib/io/formats/base/ByteSource.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -33,8 +32,6 @@ struct Unpacked {
 /// than `most` bytes
 Unpacked unpack(std::span<const std::byte> packed, Packing packing, std::uint64_t most,
                 const std::string& name);
-/// The same for a whole file.
-Unpacked unpack(const ByteSource& file, Packing packing, std::uint64_t most);
 
 /// The first bytes of what a stream unpacks to, at most `count`; fewer when it is shorter or
 /// damaged.

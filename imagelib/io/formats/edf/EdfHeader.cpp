@@ -1,10 +1,11 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Finding the end of a header and taking it apart.
+// Finding the end of a header and taking it apart; keys and values, as the common table knows them.
 #include "imagelib/io/formats/edf/EdfHeader.h"
 
 #include "imagelib/image/MException.h"
+#include "imagelib/io/formats/base/HeaderValues.h"
 #include "imagelib/io/formats/base/HeaderWords.h"
 
 #include <algorithm>
@@ -134,6 +135,14 @@ std::string EdfHeader::shownText() const
     const bool closed = all.ends_with("}");
     const std::string_view body = trimmed(closed ? all.substr(0, all.size() - 1) : all);
     return shown.append(body).append(closed ? "\n}\n" : "\n");
+}
+
+void readFields(const EdfHeader& from, MBasicImageOptionalData<>& header)
+{
+    HeaderValues values;
+    from.forEach([&](std::string_view key, std::string_view value) { values.add(key, value); });
+    values.fill(header);
+    header.set_rawHeader(from.shownText());
 }
 
 }  // namespace morvend::imglib::edf

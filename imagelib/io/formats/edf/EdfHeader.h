@@ -1,9 +1,10 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// The text header of an EDF block.
+// The text header of an EDF block, and the fields of an image's header that it holds.
 #pragma once
 
+#include "imagelib/image/MBasicImageOptionalData.h"
 #include "imagelib/io/formats/base/ByteSource.h"
 
 #include <cstdint>
@@ -20,7 +21,8 @@ namespace morvend::imglib::edf {
 /// Thread: any, once made.
 class EdfHeader {
 public:
-    /// Could these bytes be the begin of a block: '{', by itself or on the second line, and a key?
+    /// Could these bytes be the beginning of a block: '{', by itself or on the second line, and a
+    /// key?
     static bool beginsBlock(std::string_view bytes);
     /// Reads the header that begins at `offset`; it ends with '}' and LF or CR LF, whatever the
     /// header says of its size. `guess` is its likely size in bytes.
@@ -65,5 +67,9 @@ private:
     std::vector<Entry> _entries;
     std::shared_ptr<const EdfHeader> _general;
 };
+
+/// Sets the fields whose keys have a value, and those of header lines within the values of other
+/// keys (HeaderValues); a value that is no number ("Na") leaves its field alone. Sets rawHeader.
+void readFields(const EdfHeader& from, MBasicImageOptionalData<>& header);
 
 }  // namespace morvend::imglib::edf

@@ -6,7 +6,6 @@
 
 #include "imagelib/image/MException.h"
 #include "imagelib/io/formats/base/RawPixels.h"
-#include "imagelib/io/formats/edf/EdfBlocks.h"
 #include "imagelib/io/formats/edf/EdfLayout.h"
 
 #include <algorithm>

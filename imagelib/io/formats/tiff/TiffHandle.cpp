@@ -11,8 +11,53 @@
 #include <cstdio>
 #include <exception>
 #include <limits>
+#include <string_view>
 
 namespace morvend::imglib::tiff {
+
+namespace {
+
+int dropWarning(TIFF*, void*, const char*, const char*, va_list) { return 1; }
+
+/// libtiff lays some of its messages out in several lines.
+std::string inOneLine(std::string_view text)
+{
+    std::string line;
+    for (const char c : text) {
+        const bool blank = static_cast<unsigned char>(c) <= ' ' || c == '\x7f';
+        if (!blank)
+            line += c;
+        else if (!line.empty() && line.back() != ' ')
+            line += ' ';
+    }
+    return line;
+}
+
+}  // namespace
+
+TiffErrors::Options TiffErrors::options()
+{
+    Options options(TIFFOpenOptionsAlloc(), &TIFFOpenOptionsFree);
+    if (!options)
+        throw MRuntimeException("TIFF: not enough memory to open a file");
+    TIFFOpenOptionsSetErrorHandlerExtR(options.get(), &TiffErrors::_error, this);
+    TIFFOpenOptionsSetWarningHandlerExtR(options.get(), &dropWarning, nullptr);
+    return options;
+}
+
+void TiffErrors::note(const std::string& text)
+{
+    if (_first.empty())
+        _first = text;
+}
+
+int TiffErrors::_error(TIFF*, void* self, const char*, const char* format, va_list values)
+{
+    char text[512];
+    std::vsnprintf(text, sizeof text, format, values);
+    static_cast<TiffErrors*>(self)->note(inOneLine(text));
+    return 1;  // no other handler is asked
+}
 
 TiffHandle::TiffHandle(std::shared_ptr<const ByteSource> source)
     : _source(std::move(source))
@@ -21,6 +66,7 @@ TiffHandle::TiffHandle(std::shared_ptr<const ByteSource> source)
     const TiffErrors::Options options = _errors.options();
     // One strip or one table of offsets can be as large as the file, but nothing needs to be much
     // larger, whatever the file says.
+    constexpr std::uint64_t SmallestHead = 8;
     constexpr std::uint64_t EnoughForDecoders = std::uint64_t(1) << 30;
     TIFFOpenOptionsSetMaxSingleMemAlloc(
         options.get(), static_cast<tmsize_t>(std::max(EnoughForDecoders, 2 * _source->size())));
@@ -28,7 +74,9 @@ TiffHandle::TiffHandle(std::shared_ptr<const ByteSource> source)
     _tiff.reset(TIFFClientOpenExt(_source->path().c_str(), "rhmc", this, &_read, &_write, &_seek,
                                   &_close, &_size, nullptr, nullptr, options.get()));
     if (!_tiff)
-        fail("the file cannot be opened");
+        fail(_source->size() < SmallestHead
+                 ? "the file is cut: it ends after " + std::to_string(_source->size()) + " bytes"
+                 : "the file cannot be opened");
 }
 
 void TiffHandle::select(std::uint64_t directory)

@@ -1,17 +1,45 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// libtiff's view of a byte source.
+// libtiff's view of a byte source, and what it has to say about it.
 #pragma once
 
 #include "imagelib/io/formats/base/ByteSource.h"
-#include "imagelib/io/formats/tiff/TiffErrors.h"
 
+#include <cstdarg>
 #include <cstdint>
 #include <memory>
 #include <string>
 
+#include <tiffio.h>
+
 namespace morvend::imglib::tiff {
+
+/// Takes the errors of one libtiff handle, which would go to standard error otherwise; its warnings
+/// are dropped. Must outlive the handle and stay where it is.
+class TiffErrors {
+public:
+    using Options = std::unique_ptr<TIFFOpenOptions, decltype(&TIFFOpenOptionsFree)>;
+
+    TiffErrors() = default;
+    TiffErrors(const TiffErrors&) = delete;
+    TiffErrors& operator=(const TiffErrors&) = delete;
+
+    /// Options that make a handle report here.
+    Options options();
+
+    void clear() { _first.clear(); }
+    /// Keeps the first text since clear(): the cause, of which later ones are consequences.
+    void note(const std::string& text);
+    /// " (libtiff: text)", or nothing when the library was silent.
+    std::string inBrackets() const { return _first.empty() ? "" : " (libtiff: " + _first + ")"; }
+
+private:
+    [[gnu::format(printf, 4, 0)]] static int _error(TIFF*, void* self, const char* module,
+                                                    const char* format, va_list values);
+
+    std::string _first;
+};
 
 /// A TIFF file opened for reading, by positioned reads and never mapped.
 /// Thread: one at a time.
@@ -31,7 +59,7 @@ public:
 
     /// Forgets libtiff's last complaint. To be called before a step whose failure is reported.
     void clearErrors() { _errors.clear(); }
-    /// @throws MRuntimeException "TIFF: <what> (<libtiff's reason>): <path>"
+    /// @throws MRuntimeException "TIFF: <what> (libtiff: <its reason>): <path>"
     [[noreturn]] void fail(const std::string& what) const;
 
 private:

@@ -6,7 +6,7 @@
 
 #include "imagelib/io/formats/base/AtomicFile.h"
 #include "imagelib/io/formats/base/HeaderLines.h"
-#include "imagelib/io/formats/tiff/TiffErrors.h"
+#include "imagelib/io/formats/tiff/TiffHandle.h"
 
 #include <cstdint>
 #include <cstdio>

@@ -122,7 +122,7 @@ std::size_t ChunkReader::_storedSize(std::size_t frame, const Offset& offset) co
         const std::string reason = takeErrorText();
         if (!_wasWritten(offset))
             return 0;
-        _source.fail(frame, "can't be found: " + reason);
+        _source.fail(frame, withReason("can't be found", reason));
     }
     if (stored > _source.file()->size())
         _source.fail(frame, "is damaged: it claims " + std::to_string(stored) +

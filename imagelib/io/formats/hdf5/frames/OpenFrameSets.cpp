@@ -38,7 +38,8 @@ private:
     void _checkSize() const;
     void _checkChunks() const;
     void _readThroughLibrary(std::size_t frame, std::byte* pixels) const;
-    std::string _missingFilters() const;
+    /// What to say of a frame that the library can't read.
+    std::string _whyUnreadable() const;
 
     std::unique_ptr<ChunkReader> _chunks;     // when chunks can be decoded here
     std::unique_ptr<VirtualLayout> _virtual;  // of a virtual data set
@@ -134,11 +135,11 @@ void FrameSet::_readThroughLibrary(std::size_t frame, std::byte* pixels) const
         target = scratch->data();
     }
     if (H5Dread(id(), format().fileType(), memory.id(), stored.id(), H5P_DEFAULT, target) < 0)
-        fail(frame, "can't be read" + _missingFilters());
+        fail(frame, _whyUnreadable());
     format().convert({target, count * format().storedBytes()}, pixels);
 }
 
-std::string FrameSet::_missingFilters() const
+std::string FrameSet::_whyUnreadable() const
 {
     const std::string reason = takeErrorText();
     std::string missing;
@@ -153,7 +154,7 @@ std::string FrameSet::_missingFilters() const
                        codec::filterText(static_cast<unsigned>(id)) + " is not installed";
     }
     takeErrorText();
-    return missing.empty() && !reason.empty() ? ": " + reason : missing;
+    return missing.empty() ? withReason("can't be read", reason) : "can't be read" + missing;
 }
 
 }  // namespace

@@ -6,6 +6,11 @@
 
 #include "imagelib/image/MException.h"
 
+#include <array>
+#include <cinttypes>
+#include <cstdio>
+#include <string_view>
+
 namespace morvend::imglib::hdf5 {
 
 namespace {
@@ -16,6 +21,34 @@ herr_t keepFirst(unsigned, const H5E_error2_t* error, void* target)
     if (text.empty() && error->desc)
         text = error->desc;
     return 0;
+}
+
+/// What the library means by its reasons.
+struct Meaning {
+    std::string_view inReason;
+    std::string_view inWords;
+};
+constexpr std::string_view Damaged = ": the file is damaged there";
+constexpr std::string_view TooNew =
+    ": the file is damaged there, or written by a newer version of HDF5";
+constexpr std::array Meanings{
+    Meaning{"checksum", Damaged},      Meaning{"signature", Damaged},
+    Meaning{"exceeds EOA", Damaged},   Meaning{"overflow", Damaged},
+    Meaning{"not aligned", Damaged},   Meaning{"unable to determine object type", Damaged},
+    Meaning{"version number", TooNew},
+};
+
+/// "the file is cut: ..." for a file that ends before its last byte; else empty.
+std::string cutFile(const std::string& reason)
+{
+    std::uint64_t size = 0, start = 0, end = 0;
+    if (std::sscanf(reason.c_str(),
+                    "truncated file: eof = %" SCNu64 ", sblock->base_addr = %" SCNu64
+                    ", stored_eof = %" SCNu64,
+                    &size, &start, &end) != 3)
+        return {};
+    return "the file is cut: it has " + std::to_string(start + size) + " of " +
+           std::to_string(end) + " bytes";
 }
 
 }  // namespace
@@ -35,11 +68,25 @@ std::string takeErrorText()
     return text;
 }
 
+std::string withReason(const std::string& what, const std::string& reason)
+{
+    if (reason.empty())
+        return what;
+    std::string sentence = cutFile(reason);
+    if (sentence.empty()) {
+        sentence = what;
+        for (const auto& [inReason, inWords] : Meanings)
+            if (reason.find(inReason) != std::string::npos) {
+                sentence += inWords;
+                break;
+            }
+    }
+    return sentence + " (HDF5: " + reason + ")";
+}
+
 void fail(const std::string& what, const std::string& path)
 {
-    const std::string reason = takeErrorText();
-    throw MRuntimeException("HDF5: " + what + (reason.empty() ? "" : " (" + reason + ")") + ": " +
-                            path);
+    throw MRuntimeException("HDF5: " + withReason(what, takeErrorText()) + ": " + path);
 }
 
 Properties unlockedAccess()

@@ -18,7 +18,11 @@ void silenceErrors();
 /// The innermost reason on the calling thread's error stack, empty when there is none. Clears it.
 std::string takeErrorText();
 
-/// Throws MRuntimeException "HDF5: <what> (<reason of the library>): <path>".
+/// A sentence with the library's reason after it, "<what> (HDF5: <reason>)". Where the reason means
+/// that the file is cut or damaged, the sentence says so in words.
+std::string withReason(const std::string& what, const std::string& reason);
+
+/// Throws MRuntimeException "HDF5: <what> (HDF5: <reason of the library>): <path>".
 [[noreturn]] void fail(const std::string& what, const std::string& path);
 
 /// Owns one identifier and closes it with `Close`. Negative identifiers are none.

@@ -225,7 +225,8 @@ Hdf5File::Hdf5File(const std::string& path)
         _file = std::move(swmr);
     takeErrorText();
     if (!_file)
-        throw MRuntimeException("HDF5: the file can't be opened (" + reason + "): " + path);
+        throw MRuntimeException("HDF5: " + withReason("the file can't be opened", reason) + ": " +
+                                path);
 }
 
 Hdf5FilePtr OpenFiles::file(const std::string& path)

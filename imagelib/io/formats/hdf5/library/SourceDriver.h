@@ -13,6 +13,7 @@ namespace morvend::imglib::hdf5 {
 /// - keeps each opening apart: the library would otherwise share one cache between all openings of
 ///   a file in the process, which then show its state at the first of them;
 /// - reads plain chunks without the library's chunk cache, which trusts sizes in the file;
+/// - gives up soon on metadata that stays damaged in SWMR mode;
 /// - reports bytes that a shortened file no longer has as an error instead of as zeros.
 Properties sourceAccess();
 

@@ -62,7 +62,7 @@ void firstImage(const Series& files)
 {
     MImageSeries series(0);
     const int number = series.open(files.name(5));
-    benchmark::DoNotOptimize(series.at(static_cast<std::size_t>(number)));
+    benchmark::DoNotOptimize(series.at(number));
 }
 
 void listing(const Series& files)

@@ -45,7 +45,7 @@ std::string absolutePath(const std::string& path)
     return climbs ? absolute.string() : absolute.lexically_normal().string();
 }
 
-/// The number as the kinds of series take it: what an int can't hold is beyond all of them.
+/// The number as an int: one that is too large for it is beyond every series.
 int toInt(std::size_t number)
 {
     if (number > std::size_t(std::numeric_limits<int>::max()))
@@ -55,10 +55,10 @@ int toInt(std::size_t number)
 }
 
 /// The file of an image, for messages; "image 12" where there is none.
-std::string placeOf(const Series& series, std::size_t number)
+std::string placeOf(const Series& series, int number)
 {
     try {
-        return series.pathToImage(toInt(number));
+        return series.pathToImage(number);
     } catch (const std::exception&) {
         return "image " + std::to_string(number);
     }
@@ -122,12 +122,13 @@ MImageSeries MImageSeries::beside() const
 void MImageSeries::exchange(MImageSeries& other) noexcept { _d->series.swap(other._d->series); }
 
 void MImageSeries::pushBack(const MImage& image) { _d->series->pushBack(image); }
-MImage MImageSeries::at(std::size_t number) const
+MImage MImageSeries::at(int number) const
 {
     const CancelScope scope(_d->stop.get_token());
     return withPlace([&] { return placeOf(*_d->series, number); },
-                     [&] { return _d->series->at(toInt(number)); });
+                     [&] { return _d->series->at(number); });
 }
+MImage MImageSeries::at(std::size_t number) const { return at(toInt(number)); }
 bool MImageSeries::empty() const { return _d->series->empty(); }
 int MImageSeries::first() const { return empty() ? -1 : _d->series->first(); }
 int MImageSeries::last() const { return empty() ? -1 : _d->series->last(); }
@@ -136,15 +137,16 @@ int MImageSeries::previous(int number) const { return empty() ? -1 : _d->series-
 void MImageSeries::update()
 {
     const CancelScope scope(_d->stop.get_token());
-    withPlace([&] { return placeOf(*_d->series, static_cast<std::size_t>(std::max(first(), 0))); },
+    withPlace([&] { return placeOf(*_d->series, std::max(first(), 0)); },
               [&] { _d->series->update(); });
 }
 
 void MImageSeries::cancel() { _d->stop.request_stop(); }
 
+std::string MImageSeries::pathToImage(int number) const { return _d->series->pathToImage(number); }
 std::string MImageSeries::pathToImage(std::size_t number) const
 {
-    return _d->series->pathToImage(toInt(number));
+    return pathToImage(toInt(number));
 }
 
 std::string MImageSeries::formatName() const { return empty() ? "" : _d->series->format(); }

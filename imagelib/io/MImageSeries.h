@@ -24,8 +24,8 @@ struct ImagePath;
 /// | HDF5 master with its data files | from 1 |
 /// | images in memory | from 0; the oldest go when the bound is reached |
 ///
-/// Every image carries a header; its imageDescription is the name of its file, with the number
-/// behind it where the file holds several images, unless the file gives a text of its own.
+/// Every image carries a header; its imageDescription is the name of its file, followed by the
+/// number where the file holds several images, unless the file gives a text of its own.
 ///
 /// Errors: MExceptions with file, place and reason. A failure leaves the series as it was: at() may
 /// fail for one image while others can be read. Thread: callers take turns.
@@ -60,7 +60,9 @@ public:
     /// the same: its file may have come since.
     /// @throws MOutOfRangeException for a number outside of first() to last() that has no image,
     /// another MException for an image in between that is missing or can't be read
+    MImage at(int number) const;
     MImage at(std::size_t number) const;
+    MImage operator[](int number) const { return at(number); }
     MImage operator[](std::size_t number) const { return at(number); }
 
     /// No series is open, or none of its images is there yet.
@@ -75,6 +77,7 @@ public:
     /// The file that holds the image of a number, as an absolute path.
     /// @throws MRuntimeException for a series in memory, MOutOfRangeException for a number that the
     /// series can't have
+    std::string pathToImage(int number) const;
     std::string pathToImage(std::size_t number) const;
     /// Looks for images that were added or removed since the last look. A folder or file that
     /// can't be read now leaves what is known: its writer may be at work.

@@ -93,7 +93,12 @@ MImage NumberedSeries::at(int number) const
     return image;
 }
 
-std::string NumberedSeries::pathToImage(int number) const { return _finder.path(member(number)); }
+std::string NumberedSeries::pathToImage(int number) const
+{
+    if (number < 0)
+        outOfRange(number, {});
+    return _finder.path(member(number));
+}
 
 void NumberedSeries::update()
 {

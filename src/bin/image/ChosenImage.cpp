@@ -15,7 +15,7 @@ ChosenImage::ChosenImage(const Arguments& arguments)
     number = series.open(arguments.file);
     number = arguments.frame.value_or(number);
     CrashGuard::note("reading image " + std::to_string(number) + ": " + arguments.file);
-    image = series.at(static_cast<std::size_t>(number));
+    image = series.at(number);
 }
 
 morvend::imglib::MImage ChosenImage::mask() const

@@ -44,7 +44,7 @@ std::string Convert::target(int number) const
 MImage Convert::image(int number) const
 {
     CrashGuard::note("converting image " + std::to_string(number) + ": " + _arguments.file);
-    return _series.at(static_cast<std::size_t>(number));
+    return _series.at(number);
 }
 
 int Convert::firstNumber() const

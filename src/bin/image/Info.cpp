@@ -90,7 +90,7 @@ void Info::writeText(std::ostream& out) const
     const auto line = [&out](std::string_view name, const std::string& value) {
         out << std::left << std::setw(22) << name << value << '\n';
     };
-    line("File", _chosen.series.pathToImage(static_cast<std::size_t>(_chosen.number)));
+    line("File", _chosen.series.pathToImage(_chosen.number));
     line("Format", _chosen.series.formatName());
     line("Image", std::to_string(_chosen.number) + " of " + std::to_string(_chosen.series.first()) +
                       " to " + std::to_string(_chosen.series.last()));
@@ -119,8 +119,7 @@ void Info::writeJson(std::ostream& out) const
     const ImageSummary summary = ImageSummary::of(image);
     JsonObject object;
     object.add("path", quoted(_arguments.file));
-    object.add("frame_path",
-               quoted(_chosen.series.pathToImage(static_cast<std::size_t>(_chosen.number))));
+    object.add("frame_path", quoted(_chosen.series.pathToImage(_chosen.number)));
     object.add("format", quoted(_chosen.series.formatName()));
     object.add("first", jsonOf(_chosen.series.first()));
     object.add("last", jsonOf(_chosen.series.last()));

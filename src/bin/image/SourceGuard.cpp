@@ -31,7 +31,7 @@ void SourceGuard::collect()
     add(_path);
     std::string last;
     for (int number = _series.first(); number >= 0; number = _series.next(number)) {
-        std::string path = _series.pathToImage(static_cast<std::size_t>(number));
+        std::string path = _series.pathToImage(number);
         if (path != last)
             add(path);
         last = std::move(path);

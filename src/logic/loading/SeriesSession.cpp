@@ -51,7 +51,7 @@ int SeriesSession::push(const MImage& image)
     try {
         _series.pushBack(image);
     } catch (const morvend::MRuntimeException&) {
-        // The open series comes from a file: begin one in memory.
+        // The open series comes from a file: start one in memory.
         _beside.emplace(Other{_series.beside(), {}});
         _beside->series.open(pushedImages);
         _beside->series.pushBack(image);
@@ -59,10 +59,7 @@ int SeriesSession::push(const MImage& image)
     return _current().last();
 }
 
-MImage SeriesSession::read(int number) const
-{
-    return _current().at(static_cast<std::size_t>(number));
-}
+MImage SeriesSession::read(int number) const { return _current().at(number); }
 
 bool SeriesSession::readAhead(int number, MImage& image)
 {
@@ -78,7 +75,7 @@ void SeriesSession::catchUp(int number)
 std::string SeriesSession::pathTo(int number) const
 {
     try {
-        return _current().pathToImage(static_cast<std::size_t>(number));
+        return _current().pathToImage(number);
     } catch (const morvend::MRuntimeException&) {
         return {};
     }
@@ -87,7 +84,7 @@ std::string SeriesSession::pathTo(int number) const
 FileStamp SeriesSession::stampOf(int number) const
 {
     try {
-        return FileStamp(_current().pathToImage(static_cast<std::size_t>(number)));
+        return FileStamp(_current().pathToImage(number));
     } catch (const morvend::MException&) {
         return {};
     }

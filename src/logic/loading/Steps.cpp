@@ -76,7 +76,7 @@ void Steps::_lookOnce()
 bool Steps::_hasNoFile(int number) const
 {
     try {
-        const std::string path = _series.pathToImage(static_cast<std::size_t>(number));
+        const std::string path = _series.pathToImage(number);
         return ::access(path.c_str(), F_OK) != 0;
     } catch (const morvend::MException&) {
         return false;  // an image in memory

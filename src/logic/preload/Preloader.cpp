@@ -59,26 +59,26 @@ public:
         _ended = false;
     }
 
-    MImage read(unsigned long index, PreloaderCache::Origin& origin)
+    MImage read(unsigned long number, PreloaderCache::Origin& origin)
     {
         origin.mayGrow = _series.formatName() == "HDF5";
-        origin.path = _series.pathToImage(index);
+        origin.path = _series.pathToImage(number);
         origin.stamp = FileStamp(origin.path);
         const morvend::image::PixelSource::Scope scope(*SegmentPool::process());
-        return _series[index];
+        return _series[number];
     }
 
     /// The number itself, or the next one of the series where its known images leave a gap.
-    unsigned long overGap(unsigned long index) const
+    unsigned long overGap(unsigned long number) const
     {
         const int last = _series.last();
-        if (index == 0 || last < 0 || index > static_cast<unsigned long>(last))
-            return index;
-        return static_cast<unsigned long>(_series.next(static_cast<int>(index - 1)));
+        if (number == 0 || last < 0 || number > static_cast<unsigned long>(last))
+            return number;
+        return static_cast<unsigned long>(_series.next(static_cast<int>(number - 1)));
     }
 
-    /// The number of the image in front, -1 at the beginning.
-    int before(int index) const { return _series.previous(index); }
+    /// The number before, -1 at the beginning.
+    int before(int number) const { return _series.previous(number); }
 
     void close()
     {
@@ -89,12 +89,12 @@ public:
     /// The series had no further image: it may have grown when it is asked for again.
     void ended() { _ended = true; }
 
-    /// Notes that an image can't be read. Each request begins anew with the images behind it:
+    /// Notes that an image can't be read. Each request starts again with the images after it, so
     /// only the first failure of a kind is reported.
-    void failed(unsigned long index, const std::exception& error)
+    void failed(unsigned long number, const std::exception& error)
     {
-        if (_failures.add(static_cast<long long>(index), error.what()))
-            warn(_path + ':' + std::to_string(index), error);
+        if (_failures.add(static_cast<long long>(number), error.what()))
+            warn(_path + ':' + std::to_string(number), error);
     }
 
 private:
@@ -206,18 +206,18 @@ void Preloader::_threadMethod()
 
 void Preloader::_readBack(const Key& key, Series& series)
 {
-    const auto& [path, index] = key;
+    const auto& [path, number] = key;
     const std::uint64_t most = _mostBytes / 4 * 3;
     constexpr unsigned long Largest = std::numeric_limits<int>::max();
-    for (int i = series.before(static_cast<int>(std::min(index, Largest)));
+    for (int i = series.before(static_cast<int>(std::min(number, Largest)));
          i >= 0 && !_interrupted() && _cache.fill() <= most; i = series.before(i))
         _read({path, static_cast<unsigned long>(i)}, series);
 }
 
 void Preloader::_readAhead(const Key& key, Series& series)
 {
-    const auto& [path, index] = key;
-    for (unsigned long i = index + 1; !_interrupted() && _cache.fill() <= _mostBytes; ++i) {
+    const auto& [path, number] = key;
+    for (unsigned long i = number + 1; !_interrupted() && _cache.fill() <= _mostBytes; ++i) {
         i = series.overGap(i);
         if (!_read({path, i}, series)) {
             series.ended();
@@ -228,18 +228,18 @@ void Preloader::_readAhead(const Key& key, Series& series)
 
 bool Preloader::_read(const Key& key, Series& series)
 {
-    const unsigned long index = std::get<1>(key);
+    const unsigned long number = std::get<1>(key);
     _cache.eraseIfStale(key);
     if (_cache.count(key))
         return true;
     try {
         PreloaderCache::Origin origin{};
-        const MImage image = series.read(index, origin);
+        const MImage image = series.read(number, origin);
         _cache.add(key, image, origin);
     } catch (const morvend::MOutOfRangeException&) {
         return false;
     } catch (const std::exception& error) {
-        series.failed(index, error);
+        series.failed(number, error);
     }
     return true;
 }

@@ -149,8 +149,8 @@ TEST(Hdf5Writer, SeriesComeBackFromEveryFilter)
         EXPECT_EQ(series.open(path), 1);
         EXPECT_EQ(series.first(), 1);
         EXPECT_EQ(series.last(), 4);
-        for (unsigned i = 1; i <= 4; ++i)
-            EXPECT_TRUE(samePixels(series.at(i), frameOf(i))) << i;
+        for (int i = 1; i <= 4; ++i)
+            EXPECT_TRUE(samePixels(series.at(i), frameOf(static_cast<unsigned>(i)))) << i;
         // One image of it as a file of its own.
         const MImage second = series.at(2);
         MHdf5Writer(folder / "b.h5", 1, second.optionalData().nexusTree(), MCompression::ALL)

@@ -108,7 +108,7 @@ Counts readDuring(const std::string& path, int enough)
             MImageSeries series(0);
             const int number = series.open(path);
             for (int round = 0; round < 5; ++round) {
-                const MImage image = series.at(static_cast<std::size_t>(number));
+                const MImage image = series.at(number);
                 EXPECT_TRUE(plausible(image));
                 ++counts.images;
                 series.update();
@@ -175,7 +175,7 @@ TEST_P(Changing, FilesUnderChangeAreReadOrRefused)
     folder.write("changing" + extension, two);
     MImageSeries series(0);
     const int number = series.open(path);
-    EXPECT_EQ(series.at(static_cast<std::size_t>(number)).pixel<int>(5, 5, 0), 2);
+    EXPECT_EQ(series.at(number).pixel<int>(5, 5, 0), 2);
 }
 
 TEST_P(Changing, AFileThatIsCutOrVanishesIsReadAgainAndNeverMapped)
@@ -183,7 +183,7 @@ TEST_P(Changing, AFileThatIsCutOrVanishesIsReadAgainAndNeverMapped)
     const std::string name = "cut_1" + extension;
     const std::string path = folder.write(name, one);
     MImageSeries series(0);
-    const auto number = static_cast<std::size_t>(series.open(path));
+    const int number = series.open(path);
     EXPECT_TRUE(plausible(series.at(number)));
     // A mapped file that shrinks would end the process.
     EXPECT_THAT(contentOf("/proc/self/maps"), testing::Not(HasSubstr(folder.path())));
@@ -212,7 +212,7 @@ TEST_P(Changing, ChangedBytesNeverEndThisProcess)
         const std::string failure = failureOf([&] {
             MImageSeries series(0);
             const int number = series.open(folder.write("flip" + extension, damaged));
-            readable += !series.at(static_cast<std::size_t>(number)).empty();
+            readable += !series.at(number).empty();
         });
         EXPECT_THAT(failure, testing::AnyOf("no failure", HasSubstr(folder.path())));
     }

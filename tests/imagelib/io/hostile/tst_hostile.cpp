@@ -35,11 +35,10 @@ Outcome outcomeOf(const std::string& path, std::size_t mebibytes = 640)
         for (const int number :
              {opened, series.first(), series.first() + 1,
               series.first() + (series.last() - series.first()) / 2, series.last()})
-            if (number >= series.first() && number <= series.last() &&
-                !series.at(static_cast<std::size_t>(number)).empty())
+            if (number >= series.first() && number <= series.last() && !series.at(number).empty())
                 ++outcome.images;
         series.update();
-        series.pathToImage(static_cast<std::size_t>(opened));
+        series.pathToImage(opened);
     });
     return outcome;
 }

@@ -11,7 +11,7 @@
 namespace tarvik::tests {
 namespace {
 
-int valueAt(const MImageSeries& series, std::size_t number)
+int valueAt(const MImageSeries& series, int number)
 {
     return series.at(number).pixel<int>(0, 0, -1);
 }
@@ -29,7 +29,7 @@ std::string shown(const MImageSeries& series)
     std::string all;
     for (int number = series.first(); number >= 0; number = series.next(number))
         all += (all.empty() ? "" : " ") + std::to_string(number) + ':' +
-               std::to_string(valueAt(series, static_cast<std::size_t>(number)));
+               std::to_string(valueAt(series, number));
     return all;
 }
 
@@ -39,11 +39,11 @@ protected:
     {
         return folder.write(name, edfFrames(frames));
     }
-    std::string failureAt(std::size_t number) const
+    std::string failureAt(int number) const
     {
         return failureOf([&] { series.at(number); });
     }
-    std::string descriptionAt(std::size_t number) const
+    std::string descriptionAt(int number) const
     {
         return series.at(number).optionalData().imageDescription().value_or("");
     }
@@ -65,8 +65,8 @@ TEST_F(SeriesOfFiles, NumberedFilesAreOneSeriesFromAnyOfThem)
         EXPECT_EQ(series.first(), 2);
         EXPECT_EQ(series.last(), 10);
         EXPECT_EQ(series.formatName(), "EDF");
-        EXPECT_EQ(series.pathToImage(static_cast<std::size_t>(opened)), folder / name);
-        EXPECT_EQ(descriptionAt(static_cast<std::size_t>(opened)), name);
+        EXPECT_EQ(series.pathToImage(opened), folder / name);
+        EXPECT_EQ(descriptionAt(opened), name);
     }
 }
 
@@ -106,6 +106,9 @@ TEST_F(SeriesOfFiles, AGapNamesTheMissingFileAndBeyondTheEndIsOutOfRange)
     EXPECT_EQ(series.pathToImage(2), folder / "x_0002.edf");
     EXPECT_THAT(failureAt(5), HasSubstr(folder / "x_0005.edf"));
     EXPECT_THAT(failureAt(0), HasSubstr("from 1 to 4"));
+    write("x_-001.edf", {9});
+    EXPECT_EQ(failureAt(-1), "There is no image -1 in the series, which goes from 1 to 4");
+    EXPECT_THROW(series.pathToImage(-1), MOutOfRangeException);
     for (const std::size_t number :
          {std::size_t(0), std::size_t(5), std::size_t(1) << 40, std::size_t(-1)})
         EXPECT_THROW(series.at(number), MOutOfRangeException);
@@ -120,7 +123,7 @@ TEST_F(SeriesOfFiles, ADamagedFileIsNamedAndTheSeriesGoesOn)
     folder.write("x_4.edf", "#!/bin/sh\n");
     write("x_5.edf", {5});
     series.update();
-    for (const std::size_t number : {2u, 3u, 4u})
+    for (const int number : {2, 3, 4})
         EXPECT_THAT(failureAt(number), HasSubstr(folder / ("x_" + std::to_string(number))));
     EXPECT_EQ(valueAt(series, 5), 5);
     EXPECT_EQ(series.next(1), 2);

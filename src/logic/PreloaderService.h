@@ -27,7 +27,9 @@ public:
 private:
     using Peer = morvend::imglib::MMessageQueue::Peer;
 
+    /// Waits for a request and carries it out.
     void _serve(Peer peer);
+    /// Answers a GET.
     void _answer(Peer peer, const PreloaderCache::Key& key);
     /// Takes the metadata tree out of an image, if it is the one that the peer was sent last.
     bool _leaveOutTree(Peer peer, morvend::imglib::MImage& image);

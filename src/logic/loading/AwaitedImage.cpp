@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// How long a movie waits in silence.
+// Any change of number or file starts the wait anew.
 #include "logic/loading/AwaitedImage.h"
 
 #include <utility>

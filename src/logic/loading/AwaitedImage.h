@@ -8,18 +8,19 @@
 
 #include <chrono>
 
-/// At the end of a series that grows an image that can't be read is as a rule one that its writer
-/// has not finished: it is asked for again in silence, until its file has stayed as it is for
+/// At the end of a series that grows, an image that can't be read is usually one that its writer
+/// has not finished. A movie asks for it again in silence, until its file has not changed for
 /// longer than writers pause. Thread: one at a time.
 class AwaitedImage {
 public:
     using Time = std::chrono::steady_clock::time_point;
     static constexpr std::chrono::seconds patience{5};
 
-    /// Nothing after an image can be shown. @param number  the next one @param stamp  of its file
-    /// @returns whether it is to be said now: once, when the patience has come to an end
+    /// The image that comes next can't be read. @param stamp  of its file
+    /// @returns true once, when its file has not changed for the time of `patience`: the user is to
+    /// be told now
     bool isOverdue(int number, const morvend::imglib::FileStamp& stamp, Time now);
-    /// Has it been asked for in vain?
+    /// Is this the image that is waited for?
     bool is(int number) const { return _number == number; }
     /// An image has come.
     void clear() { _number = -1; }

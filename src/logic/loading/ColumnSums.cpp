@@ -27,7 +27,7 @@ HWY_BEFORE_NAMESPACE();
 namespace thumbnail::HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
-/// The hardware prefetcher alone stays behind.
+/// The hardware prefetcher alone is too slow here.
 HWY_INLINE void fetchAhead(const void* place)
 {
     __builtin_prefetch(static_cast<const char*>(place) + 4096);
@@ -37,7 +37,7 @@ HWY_INLINE void fetchAhead(const void* place)
 /// the sums go back and forth less often.
 constexpr std::size_t Together = 4;
 
-/// Calls one(x) for whole vectors of `lanes` columns and rest(x) for the columns behind.
+/// Calls one(x) for whole vectors of `lanes` columns and rest(x) for the columns after them.
 template <class One, class Rest>
 HWY_INLINE void overColumns(std::size_t columns, std::size_t lanes, One&& one, Rest&& rest)
 {

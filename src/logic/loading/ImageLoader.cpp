@@ -17,12 +17,18 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr qint64 scanPeriod = 100;  // ms
-/// A view that waits longer says so.
+/// A view that waits longer shows it.
 constexpr auto quietTime = 400ms;
-/// A request that has been waiting longer is told with its time.
+/// A request that has been waiting longer is shown with its time.
 constexpr auto plainTime = 2s;
 /// A job that has been at its files longer keeps no other file waiting.
 constexpr auto patience = 500ms;
+
+/// A text that may hold paths, for users.
+QString textOf(const std::string& text)
+{
+    return QFile::decodeName(QByteArray::fromStdString(text));
+}
 
 std::chrono::milliseconds inMilliseconds(RequestList::Clock::duration time)
 {
@@ -35,8 +41,8 @@ ImageLoader::ImageLoader(QObject* parent)
     : QObject(parent)
     , _desk(std::make_shared<LoaderDesk>(LoaderDesk::Signals{
           [this] { emit newImage(); }, [this] { emit imageContainerChangedSignal(); },
-          [this](const QString& message) { emit loadError(message); },
-          [this](const QString& message) { emit notice(message); }}))
+          [this](const std::string& message) { emit loadError(textOf(message)); },
+          [this](const std::string& message) { emit notice(textOf(message)); }}))
     , _context(std::make_shared<LoaderContext>(_desk))
     , _strand(Strand::create(WorkerPool::process()))
 {
@@ -46,7 +52,7 @@ ImageLoader::ImageLoader(QObject* parent)
     _updateClock.start();
     _watch.setSingleShot(true);
     connect(&_watch, &QTimer::timeout, this, &ImageLoader::_look);
-    // Answers end what is said at once.
+    // An answer ends the text at once.
     connect(this, &ImageLoader::newImage, this, &ImageLoader::_look, Qt::QueuedConnection);
     connect(this, &ImageLoader::loadError, this, &ImageLoader::_look, Qt::QueuedConnection);
     connect(this, &ImageLoader::notice, this, &ImageLoader::_look, Qt::QueuedConnection);
@@ -151,7 +157,7 @@ void ImageLoader::_look()
         _watch.start(quietTime - time);
         return _say({});
     }
-    const QString what = QFile::decodeName(QByteArray::fromStdString(oldest->what));
+    const QString what = textOf(oldest->what);
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time).count();
     _say(time < plainTime ? QStringLiteral("Loading %1 ...").arg(what)
                           : QStringLiteral("Waiting for %1 for %2 s ...").arg(what).arg(seconds));

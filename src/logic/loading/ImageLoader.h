@@ -23,16 +23,15 @@ class ImageLoaderThread;
 /// Runs requests one at a time, in order, on the threads that all views share; each ends in a
 /// finished record, in loadError(), or, for steps that lead nowhere, in notice().
 ///
-/// Of requests for images of the open series that follow one another only the last one counts: one
-/// that waits yet is overtaken by the next and never read. Steps count from the number that was
-/// asked for last; when nothing is under way that is the number of the last record.
+/// Of several requests for images of the open series only the last one counts: a request that has
+/// not begun is replaced by the next one and never read. Steps count from the number that was asked
+/// for last; when nothing is under way, that is the number of the last record.
 ///
-/// The series belongs to the running job, as does the way to the preloader, which may hold the
-/// wanted image in memory already: only jobs open, read and scan it. What they leave for others,
-/// the results and the bounds of the series, is guarded by a mutex that is held for moments only,
-/// so that no caller ever waits for a file. A job that hangs, such as on a mount that does not
-/// answer, is left behind with all that it needs when the loader ends or another file is asked for.
-/// Thread: public calls from the GUI thread, never from a job.
+/// Only jobs open, read and scan the series (SeriesSession). Results and bounds lie on a desk
+/// (LoaderDesk) whose mutex is held for moments, so that no caller ever waits for a file. A job
+/// that hangs, such as on a mount that does not answer, is abandoned with all that it needs when
+/// the loader ends or another file is asked for. Thread: public calls from the GUI thread, never
+/// from a job.
 class ImageLoader : public QObject {
     Q_OBJECT
 public:
@@ -42,31 +41,29 @@ public:
     using enum LoaderRequest::Task;
 
     explicit ImageLoader(QObject* parent = nullptr);
-    /// Waits for nothing: what is queued is dropped, a running job ends by itself without a trace.
+    /// Does not wait: what is queued is dropped, and the result of a running job is thrown away.
     ~ImageLoader() override;
 
-    /// Queues a request and returns at once. Ignored while emptyTaskQueue() waits. A request for
-    /// another file or image does not wait for a job that hangs: it takes a series of its own, and
-    /// what was asked for before it is dropped.
+    /// Queues a request and returns at once; ignored while emptyTaskQueue() waits. A request to
+    /// open a file or to push an image does not wait for a job that hangs: it drops what was asked
+    /// for before and goes on without that job.
     /// @param signalLoadError false keeps a failure quiet
     void open(Task task, const Data& data, bool signalLoadError);
-    /// Queues a step of n images, not 0, over all that can't be shown and not beyond the ends of
-    /// the series.
-    /// @param signalLoadError false for a step that is made again by itself: at the end of the
-    /// series it is quiet
+    /// Queues a step of n images, not 0. It goes over images that can't be shown and stops at the
+    /// ends of the series.
+    /// @param signalLoadError false for the steps of a movie, which are repeated: they are silent
+    /// at the end of the series
     void step(int n, const Data& data, bool signalLoadError);
     /// Drops what is queued and waits for a running job, whose result still comes. No caller in the
     /// program, since a job may hang: the modes of a view use dropTaskQueue().
     void emptyTaskQueue();
-    /// Drops what is queued and returns at once: nothing that was asked for before begins any more.
-    /// A running job goes on as with emptyTaskQueue(), and its result comes the same way.
+    /// Drops what is queued and returns at once. The result of a running job still comes.
     void dropTaskQueue();
     /// Is a request queued or running? Scans do not count.
     bool loading() const { return _context->requests.loading(); }
-    /// Moves all waiting records to the end of a list, in the order they were finished.
+    /// Moves the finished records to the end of a list, in the order they were finished.
     void results(std::list<Data>& out);
-    /// Lowest and highest number of the series as the last finished job left it, -1 for an empty
-    /// series.
+    /// Lowest and highest image number of the series when the last job ended, -1 for an empty one.
     int firstIndex() const;
     int lastIndex() const;
 
@@ -84,29 +81,34 @@ signals:
     /// What a step has left out, or why it leads nowhere.
     void notice(QString message);
     // From the GUI thread.
-    /// What the view has been waiting for, in words, within half a second and anew each second;
-    /// empty when it waits no more.
+    /// What the view is waiting for, as a text to show: first after 0.4 seconds, then each second;
+    /// empty when the wait is over.
     void waitingSignal(const QString& text);
 
 private:
+    /// Adds a request to the job that waits last, or posts it.
     void _ask(const Request& request);
+    /// Makes a job for a request and queues it.
     void _post(const Request& request);
-    /// What a request is for, for users.
+    /// What a request loads, in words for users.
     std::string _nameOf(const Request& request);
-    /// Looks how long the view has been waiting, and leaves a job behind that keeps others waiting.
+    /// Looks how long the view has been waiting, and abandons a job that hangs while an opening
+    /// waits for it.
     void _look();
+    /// Signals a text, if it is another one than the last.
     void _say(const QString& text);
-    /// Is the request of the last opening still waiting?
+    /// Has the last opening not begun yet?
     bool _openingWaits() const;
+    /// Ends the context and its strand without waiting for the running job.
     void _leaveBehind();
-    /// Goes on with the requests from the last opening on, without the job that hangs.
+    /// Leaves the job that hangs and starts with a context and a strand of its own.
     void _supersede();
 
     const std::shared_ptr<LoaderDesk> _desk;
     std::shared_ptr<LoaderContext> _context;
     std::shared_ptr<Strand> _strand;
     std::weak_ptr<ImageLoaderThread> _latest;  // may be joined while it waits
-    // The requests from the last one that needs no open series.
+    // The last opening and the requests since.
     std::vector<std::weak_ptr<ImageLoaderThread>> _sinceOpening;
     std::string _openedPath;  // of the last opening
     std::atomic<bool> _emptying = false;

@@ -70,18 +70,27 @@ void ImageLoaderThread::run()
         } else {
             _endWithoutImage({});
         }
+    } catch (const morvend::MMemoryException& error) {
+        _fail(error.what() + (": " + _place()));
     } catch (const std::bad_alloc&) {
-        _fail(QStringLiteral("Not enough memory to load the image"));
+        _fail("Not enough memory: " + _place());
     } catch (const std::exception& error) {
-        _fail(QString::fromStdString(error.what()));
+        _fail(error.what());
     } catch (...) {
-        _fail(QStringLiteral("The image can't be loaded, for a reason that is not known"));
+        _fail("The image can't be loaded, for a reason that is not known: " + _place());
     }
     _session.closeOther();
 }
 
+std::string ImageLoaderThread::_place() const
+{
+    return _data.path.empty() ? "image " + std::to_string(_data.index) : _data.path;
+}
+
 bool ImageLoaderThread::_load()
 {
+    if (_request.task != LoaderRequest::TaskOpenSeries)
+        _data.path.clear();  // of no meaning here, and not known yet
     switch (_request.task) {
     case LoaderRequest::TaskOpenSeries:
         _openSeries();
@@ -145,10 +154,8 @@ bool ImageLoaderThread::_openStep()
     _data.index = number;
     if (number == _session.shown()) {
         if (ended && _request.signalLoadError)
-            _context->notice(
-                QStringLiteral("Image %1 is the %2 of the series")
-                    .arg(number)
-                    .arg(steps.forward() ? QStringLiteral("last") : QStringLiteral("first")));
+            _context->notice("Image " + std::to_string(number) + " is the " +
+                             (steps.forward() ? "last" : "first") + " of the series");
         return false;
     }
     if (number == from) {
@@ -204,9 +211,9 @@ void ImageLoaderThread::_sayNothingFound(const Steps& steps) const
 {
     const std::string limit =
         _gaveUpAt ? " as far as image " + std::to_string(*_gaveUpAt) : std::string();
-    _context->notice(QString::fromStdString(
-        std::string("There is nothing to show ") + (steps.forward() ? "after" : "before") +
-        " image " + std::to_string(_session.shown()) + limit + ": " + steps.leftOut().text()));
+    _context->notice(std::string("There is nothing to show ") +
+                     (steps.forward() ? "after" : "before") + " image " +
+                     std::to_string(_session.shown()) + limit + ": " + steps.leftOut().text());
 }
 
 bool ImageLoaderThread::_canRead(int number, bool cached, Steps::Failure& failure)
@@ -300,10 +307,10 @@ void ImageLoaderThread::_deliver()
     _printSubtotal();  // before the view prints its own lines
     _context->deliver(_data);
     if (!_leftOut.empty())
-        _context->notice(QString::fromStdString(_leftOut));
+        _context->notice(_leftOut);
 }
 
-void ImageLoaderThread::_endWithoutImage(const QString& message)
+void ImageLoaderThread::_endWithoutImage(const std::string& message)
 {
     // Steps that wait already count from its number. A search that gave up goes on with the next
     // step.
@@ -313,9 +320,9 @@ void ImageLoaderThread::_endWithoutImage(const QString& message)
     _context->fail(message);
 }
 
-void ImageLoaderThread::_fail(const QString& message)
+void ImageLoaderThread::_fail(const std::string& message)
 {
-    _endWithoutImage(_request.signalLoadError ? message : QString());
+    _endWithoutImage(_request.signalLoadError ? message : std::string());
 }
 
 void ImageLoaderThread::_endStep(StepTimes::Step step, const char* label) const

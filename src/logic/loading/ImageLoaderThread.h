@@ -26,19 +26,22 @@ public:
     ~ImageLoaderThread() override;
 
     unsigned int number() const { return _number; }
-    /// As it is by now.
+    /// With all that has joined so far.
     LoaderRequest request() const;
     /// Takes up another request by number, which it becomes or whose steps it goes on with.
-    /// @returns false when it has begun or was dropped
+    /// @returns false if it has begun or was dropped
     bool join(const LoaderRequest& newer);
 
     /// The whole job. Any failure ends in ImageLoader::loadError().
     void run() override;
 
 private:
+    /// The queue was dropped after this job was queued.
     bool _dropped() const { return _context->requests.dropped(_number); }
-    /// Does nobody wait for this job any more, or for what it looks for?
+    /// True when the image that is searched for is no longer wanted.
     bool _overtaken() const;
+    /// What is loaded, for error texts.
+    std::string _place() const;
     /// @returns false for a step that ends without an image
     bool _load();
     /// Adds what belongs to the image that was read.
@@ -49,13 +52,14 @@ private:
     bool _openStep();
     void _pushImage();
     /// Reads the image that the steps lead to, or the next one that can be read.
-    /// @returns false when there is none, which is said, or when it isn't wanted any more
+    /// @returns false if there is none, of which a notice tells, or if it is no longer wanted
     bool _search(Steps& steps);
     void _sayNothingFound(const Steps& steps) const;
     /// Reads an image. @param cached  may the preloader have it? @param failure  why not
     bool _canRead(int number, bool cached, Steps::Failure& failure);
     /// @throws MRuntimeException for an image without pixels
     void _checkPixels() const;
+    // Read the image of the record's number, and print the lines of their times.
     void _readFromCacheOrSource();
     void _readFromSource();
     /// Adds what is computed from image and mask.
@@ -63,8 +67,9 @@ private:
     /// Hands the finished record over.
     void _deliver();
     /// @param message  an empty one is not signalled
-    void _endWithoutImage(const QString& message);
-    void _fail(const QString& message);
+    void _endWithoutImage(const std::string& message);
+    /// Ends with a failure, signalled if the request wants it.
+    void _fail(const std::string& message);
     /// Prints a timing line with the time of the step that ends here.
     void _endStep(StepTimes::Step step, const char* label) const;
     void _printSubtotal() const;

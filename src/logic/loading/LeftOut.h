@@ -7,12 +7,13 @@
 #include <optional>
 #include <string>
 
-/// Collects what can't be shown on the way of a step. A value; numbers are those of the series.
+/// Collects what a step goes over because it can't be shown. Numbers are image numbers of the
+/// series. A value.
 class LeftOut {
 public:
     /// There are no images of these numbers, both included.
     void missing(int from, int to);
-    /// The image is there but can't be read. @param reason  kept of the first one
+    /// The image is there but can't be read. @param reason  only the first one is kept
     void unreadable(int number, const std::string& reason);
     bool empty() const { return !_missing && !_unreadable; }
 
@@ -25,7 +26,9 @@ private:
         int high;
         long long count;
     };
+    /// Widens a range by more numbers.
     static void _add(std::optional<Range>& range, int low, int high);
+    /// Such as "images 3 to 7 ".
     static std::string _name(const Range& range);
 
     std::optional<Range> _missing;

@@ -25,9 +25,12 @@ void LoaderContext::deliver(const LoaderData& record)
     _desk->deliver(*this, session.bounds(), record, session.openedAs());
 }
 
-void LoaderContext::fail(const QString& message) { _desk->fail(*this, session.bounds(), message); }
+void LoaderContext::fail(const std::string& message)
+{
+    _desk->fail(*this, session.bounds(), message);
+}
 
-void LoaderContext::notice(const QString& message) { _desk->notice(*this, message); }
+void LoaderContext::notice(const std::string& message) { _desk->notice(*this, message); }
 
 void LoaderContext::scan()
 {

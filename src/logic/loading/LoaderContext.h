@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// What the jobs of a view's loader work with, whether the view still lives or not.
+// What the jobs of a view's loader work with, also after the view has closed.
 #pragma once
 
 #include "logic/loading/LoaderDesk.h"
@@ -10,16 +10,17 @@
 
 #include <atomic>
 #include <memory>
+#include <string>
 
-/// A session, the requests for it, and the way to the desk. Jobs share it with the loader, so that
-/// a job that does not come back from the file system can be left behind with it: nothing that it
-/// says later reaches the view. Thread: any, but for the session.
+/// A session, the requests for it, and the way to the desk. Jobs share it with the loader: when a
+/// job does not come back from the file system, the loader takes another context, and nothing that
+/// this one reports later reaches the view. Thread: any, but for the session.
 class LoaderContext {
 public:
     /// Begins where the desk's view stands.
     explicit LoaderContext(std::shared_ptr<LoaderDesk> desk);
 
-    /// Nothing that works here counts any more, and what can be ended ends soon.
+    /// The view goes on without this context: its job ends as soon as it can.
     void abandon();
     bool abandoned() const { return _abandoned; }
 
@@ -27,9 +28,9 @@ public:
     /// Publishes the bounds of the series and a record.
     void deliver(const LoaderData& record);
     /// Publishes the bounds and a failure, an empty one in silence.
-    void fail(const QString& message);
+    void fail(const std::string& message);
     /// Sends a sentence to be shown for a while.
-    void notice(const QString& message);
+    void notice(const std::string& message);
     /// The job of a scan: looks for new images.
     void scan();
 

@@ -19,11 +19,12 @@
 /// One image with all that is computed for it, and the settings that the view had when it asked.
 /// A value; copies share the pixels.
 struct LoaderData {
-    /// In: the file to open. Out: the image's file, empty where its series has none.
+    /// In: the file to open. Out: the image's file, empty for an image in memory.
     std::string path;
     /// In: the image to append. Out: the image.
     morvend::imglib::MImage image;
-    /// In: the number to go to. Out: the image's number in its series.
+    /// An image number of the series, under the name that users of the loader know.
+    /// In: the one to go to. Out: the image's.
     int index = -1;
     /// At most 200 pixels on the longer side, of the image's pixel type; its pixel mask is
     /// thumbnailMask.

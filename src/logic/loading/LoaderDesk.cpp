@@ -48,16 +48,16 @@ void LoaderDesk::deliver(const LoaderContext& from, const std::optional<Bounds>&
 }
 
 void LoaderDesk::fail(const LoaderContext& from, const std::optional<Bounds>& bounds,
-                      const QString& message)
+                      const std::string& message)
 {
     _from(from, [&] {
         _bounds = bounds.value_or(_bounds);
-        if (!message.isEmpty())
+        if (!message.empty())
             _signals.loadError(message);
     });
 }
 
-void LoaderDesk::notice(const LoaderContext& from, const QString& message)
+void LoaderDesk::notice(const LoaderContext& from, const std::string& message)
 {
     _from(from, [&] { _signals.notice(message); });
 }

@@ -7,27 +7,26 @@
 #include "logic/loading/LoaderData.h"
 #include "logic/loading/SeriesSession.h"
 
-#include <QString>
-
 #include <functional>
 #include <list>
 #include <mutex>
 #include <optional>
+#include <string>
 
 class LoaderContext;
 
-/// Finished records and the bounds of the series, and the way of signals to the view. Only the jobs
-/// of one context count: what others say is dropped without a word.
+/// Holds finished records and the bounds of the series, and passes signals on to the view. Only the
+/// jobs of one context count; whatever comes from others is dropped.
 /// Thread: any. The mutex is held for moments, and while a signal is emitted.
 class LoaderDesk {
 public:
     using Bounds = SeriesSession::Bounds;
-    /// What the view is told, from the thread of the job that tells it.
+    /// The signals of the view, emitted on the thread of the job that they come from.
     struct Signals {
         std::function<void()> newImage;
         std::function<void()> scanned;
-        std::function<void(const QString&)> loadError;
-        std::function<void(const QString&)> notice;
+        std::function<void(const std::string&)> loadError;
+        std::function<void(const std::string&)> notice;
     };
 
     explicit LoaderDesk(Signals signals_)
@@ -35,13 +34,13 @@ public:
     {}
 
     // Of the view.
-    /// Whose jobs count from now on; with null, nothing is signalled any more once this returns.
+    /// Sets whose jobs count. With null, nothing is signalled after this returns.
     void serve(const LoaderContext* context);
     /// Moves all records to the end of a list, in the order they came.
     void take(std::list<LoaderData>& out);
-    /// As the last job that counts has left them.
+    /// Of the series when the last job ended.
     Bounds bounds() const;
-    /// The series and the image that the view shows by now.
+    /// The series and the image of the last record.
     SeriesSession::Shown shown() const;
 
     // Of jobs. Without bounds, those that are known stay.
@@ -50,8 +49,8 @@ public:
                  const LoaderData& record, const std::string& openedAs);
     /// @param message  an empty one is not signalled
     void fail(const LoaderContext& from, const std::optional<Bounds>& bounds,
-              const QString& message);
-    void notice(const LoaderContext& from, const QString& message);
+              const std::string& message);
+    void notice(const LoaderContext& from, const std::string& message);
     void scanned(const LoaderContext& from, const std::optional<Bounds>& bounds);
 
 private:

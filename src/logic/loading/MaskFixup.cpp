@@ -24,8 +24,8 @@ bool sameSize(const MImage& left, const MImage& right)
     return left.width() == right.width() && left.height() == right.height();
 }
 
-/// The masks of one kind that objects of the process have, so that hundreds of views of images of
-/// one size need no mask each. Thread: any.
+/// The masks of one kind that are in use in the process, so that hundreds of views share one.
+/// Thread: any.
 class SharedMasks {
 public:
     using Mask = std::shared_ptr<const MImage>;
@@ -51,7 +51,7 @@ private:
 
 SharedMasks::Mask sharedGoodPixels(const MImage& image)
 {
-    static auto& masks = *new SharedMasks;  // threads that were left behind outlive statics
+    static auto& masks = *new SharedMasks;  // never destroyed: abandoned threads may still use it
     return masks.find([&](const MImage& mask) { return sameSize(mask, image); },
                       [&] { return MImage(image, 0U); });
 }

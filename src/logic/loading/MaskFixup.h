@@ -11,26 +11,27 @@
 struct ImageStatistics;
 
 /// Images without a mask, or with one of another size, get a mask that marks their gap values (see
-/// docs/display.md). Which ones these are is known without a look at all pixels once there are
-/// statistics: so the image is first given the mask that fitted the one before, and another one
-/// where that turns out wrong. All images of the process with the same gaps share one mask, as long
-/// as some object has it.
-/// Thread: one at a time; several objects may work on several threads.
+/// docs/display.md). To save a pass over the pixels, an image first gets the mask that fitted the
+/// image before; its statistics then show whether that was right. All images of the process with
+/// the same gaps share one mask. Thread: one at a time; several objects may work on several
+/// threads.
 class MaskFixup {
 public:
     using MImage = morvend::imglib::MImage;
 
-    /// The image's pixel mask. Where it has none that fits, it gets the one of the image before, or
-    /// one of good pixels (32 bits, unsigned). For one of another size a warning goes to standard
-    /// error.
+    /// @returns the image's pixel mask. An image without a mask of its size gets the one of the
+    /// image before, or one of good pixels (32 bits, unsigned); a mask of another size is reported
+    /// on standard error.
     MImage operator()(MImage& image);
 
-    /// Whether the image's mask had to be replaced, now that its statistics under the mask that it
-    /// was given last are known. They are wrong then.
+    /// Replaces the image's mask if its statistics show that the mask given last does not fit.
+    /// @returns true if it did: the statistics are wrong then
     bool replaces(MImage& image, const ImageStatistics& statistics);
 
 private:
+    /// Do the statistics show that the mask given last is right?
     bool _fits(const MImage& image, const ImageStatistics& statistics) const;
+    /// Chooses a mask without marks.
     void _giveGoodPixels(const MImage& image);
 
     std::shared_ptr<const MImage> _goodPixels;

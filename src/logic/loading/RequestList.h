@@ -31,16 +31,16 @@ public:
     bool begin(unsigned int number);
     /// Steps have been added to a request that waits.
     void setWay(unsigned int number, int way);
-    /// The view knows the result, or that there is none.
+    /// The view has the result, or knows that nothing comes.
     void answer(unsigned int number);
     /// Its job has ended, or never starts.
     void leave(unsigned int number);
-    /// Drops all that has not begun; what has begun is no longer wanted, but runs on.
+    /// Drops all requests that have not begun. Those that have begun run on.
     void drop();
 
-    /// True after drop().
+    /// True if drop() was called after the request was made.
     bool dropped(unsigned int number) const;
-    /// True once there is a newer request, other than steps of that way.
+    /// Is there a newer request, other than steps in that direction?
     bool overtaken(unsigned int number, int way) const;
     /// Is a request queued or running? Scans do not count.
     bool loading() const;
@@ -48,7 +48,7 @@ public:
     bool queued(unsigned int number) const;
     /// The oldest request without answer, and for how long it has been waiting.
     std::optional<Waiting> oldest() const;
-    /// Has a job been at its files for so long?
+    /// Has a job been reading for that long?
     bool hangs(Clock::duration patience) const;
 
 private:

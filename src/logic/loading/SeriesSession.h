@@ -17,11 +17,11 @@
 #include <string>
 
 /// The series that a view goes through, where the view is in it, the way to the preloader, and the
-/// masks that were seen.
+/// masks of the last images.
 ///
-/// What open() opens lies beside the series that is open, which it replaces with the first record:
-/// see keep(). Errors: MExceptions of the image library; a failure leaves the open series as it is.
-/// Thread: one at a time, that of the running job; cancel() any.
+/// open() leaves the open series in place; keep() replaces it when the first record of the new one
+/// is finished. Errors: MExceptions of the image library; a failure leaves the open series as it
+/// is. Thread: one at a time, that of the running job; cancel() any.
 class SeriesSession {
 public:
     using MImage = morvend::imglib::MImage;
@@ -41,7 +41,7 @@ public:
     /// @param shown  if it has a path, requests by number mean that series until another is open
     explicit SeriesSession(Shown shown);
 
-    /// Opens the series on show, if it is still to be opened.
+    /// Opens the series on show, unless that has been done or another series is open.
     void comeBack();
     /// Opens a file with its series. @returns the number of the image that the path names
     int open(const std::string& path);
@@ -65,14 +65,14 @@ public:
     int end(bool forward) const;
     Steps steps() { return Steps(_current()); }
 
-    /// The record is finished and goes to the view: its series is the open one from now on, and the
-    /// preloader reads ahead of it.
+    /// A record is finished and goes to the view: its series becomes the open one, and the
+    /// preloader reads ahead in it.
     void keep(const LoaderData& record);
     /// Closes the series that was opened beside or replaced; this may take as long as reading.
     void closeOther() { _beside.reset(); }
     /// Looks for new images.
     void scan();
-    /// Of the open series; none while the one on show is still to be opened.
+    /// Of the open series; nothing until comeBack() has opened the series on show.
     std::optional<Bounds> bounds() const;
     /// The path that the open series was opened by, empty for one in memory.
     const std::string& openedAs() const { return _openedAs; }

@@ -7,8 +7,8 @@
 #include <array>
 #include <chrono>
 
-/// Sums over the jobs of all views since the start of the process; differences tell what happened
-/// in between. Thread: any.
+/// Sums over the jobs of all views since the start of the process; the difference of two tells what
+/// happened between them. Thread: any.
 struct StepTimes {
     enum Step {
         Open,        ///< opening of series

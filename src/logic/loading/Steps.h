@@ -16,8 +16,9 @@ class MImageSeries;
 }
 }  // namespace morvend
 
-/// Goes over the numbers that a series lacks, and not beyond its ends. Looks at most once whether
-/// the series has changed: when a step would leave it, or when a file of it has gone.
+/// Finds the image number that a step leads to, over gaps in the series and no further than its
+/// ends. Looks for new images at most once: when a step would leave the series, or when one of its
+/// files is gone.
 /// Thread: that of the series.
 class Steps {
 public:
@@ -39,11 +40,11 @@ public:
         : _series(series)
     {}
 
-    /// The number that a step of n, not 0, leads to: the nearest of the series there or beyond, its
-    /// end at the most; `from` when that is the end.
+    /// The number that a step of n images, not 0, leads to. In a gap it is the next number of the
+    /// series in that direction; beyond the end it is the end. `from` if there is no way to go.
     int to(int from, int n);
-    /// The number to try next in the direction of the last step, since an image can't be shown;
-    /// none at the end of the series and when too many have failed.
+    /// Reports an image that can't be shown. @returns the number to try next in the direction of
+    /// the last step; nothing at the end of the series and after too many failures
     std::optional<int> beyond(int number, const Failure& failure);
     /// Has beyond() ended before the end of the series?
     bool gaveUp() const { return _failures >= mostFailures || _crashes >= mostCrashes; }

@@ -11,9 +11,9 @@
 #include <memory>
 #include <mutex>
 
-/// A queue of jobs, first in first out: each sees what the one before has done. A strand takes its
-/// turn in the pool anew for each job. It lives as long as it has jobs, whoever lets go of it.
-/// Thread: any.
+/// A queue of jobs, first in first out: each sees what the one before has done. Each job takes its
+/// turn in the pool, so that strands share the threads fairly. A strand lives until its last job
+/// has ended, even if nobody else holds it. Thread: any.
 class Strand : public std::enable_shared_from_this<Strand> {
 public:
     using Job = WorkerPool::Job;
@@ -23,7 +23,7 @@ public:
     void post(Job job);
     /// Drops the jobs that have not begun.
     void drop();
-    /// Drops them, and lets the pool go on without the running one.
+    /// Drops the jobs that have not begun, and no longer counts the thread of the running one.
     void leaveBehind();
     /// Waits until no job is queued or running. Not to be called from a job.
     void waitForDone();
@@ -32,7 +32,9 @@ private:
     explicit Strand(WorkerPool& pool)
         : _pool(pool)
     {}
+    /// Asks the pool for a turn; the mutex is held.
     void _enter();
+    /// Runs one job.
     void _runNext();
 
     WorkerPool& _pool;  // of the process

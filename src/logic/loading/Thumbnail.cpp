@@ -38,7 +38,7 @@ struct Span {
     double size() const { return length(); }
 };
 
-/// The source pixels of `count` thumbnail pixels in one direction. The last ones may have none,
+/// The source pixels of `count` thumbnail pixels in one direction. The last ones may be empty,
 /// since the width's ratio serves both directions.
 std::vector<Span> cells(int count, double averageLength, int limit)
 {
@@ -187,7 +187,7 @@ private:
 
         void add(T value)
         {
-            lowest = value < lowest ? value : lowest;  // so that a NaN is none
+            lowest = value < lowest ? value : lowest;  // never NaN
             sum += static_cast<double>(value);
         }
     };
@@ -240,7 +240,7 @@ private:
     std::vector<Cell> _cells;
 };
 
-/// The integer of the same width that the vector loops know: `char` is none of them.
+/// The integer of the same width that the vector loops know: `char` is not one.
 template <class T>
 using Plain = std::conditional_t<std::is_same_v<T, char>, std::int8_t, T>;
 
@@ -280,7 +280,8 @@ private:
     std::vector<P> _bits;
 };
 
-/// First marks. Most cells have none: the rows of a band are joined first, whatever their type.
+/// First marks. Most cells have no mark, so the rows of a band are joined first to find those that
+/// have one.
 template <class T>
 class Marks : public Bands<T> {
 public:

@@ -136,7 +136,7 @@ void WorkerPool::State::work(Workers::iterator self)
     workers.erase(self);
 }
 
-/// Waits for a job; none at the end of the thread. The worker is not idle any more afterwards.
+/// Waits for a job. The worker counts as busy afterwards. @returns nothing if its thread is to end
 std::optional<WorkerPool::State::Entry> WorkerPool::State::next(Lock& lock)
 {
     const auto last = Clock::now() + limits.idle;
@@ -174,7 +174,7 @@ WorkerPool::State::Entry WorkerPool::State::takeNext()
     return entry;
 }
 
-/// Looks after the jobs as long as others wait for a thread.
+/// Watches the running jobs as long as others wait for a thread.
 void WorkerPool::State::watch()
 {
     Lock lock(mutex);

@@ -11,10 +11,10 @@
 
 /// Runs jobs in the order in which they come, a bounded number at a time.
 ///
-/// A job that waits, such as for a mount that does not answer, is not counted once somebody else
-/// has waited a while for a thread: another one takes the next job, and ends when there are too
-/// many again. Threads without work end. None is ever waited for, neither here nor at the end of
-/// the process: a thread owns what it needs. Thread: any.
+/// A job that waits instead of computing, such as for a mount that does not answer, is not counted
+/// once others have waited a while for a thread: a new thread takes the next job. A thread ends
+/// when it finds too many others, or no work for a while. Nobody ever waits for a thread, not even
+/// the end of the process: each owns what it needs. Thread: any.
 class WorkerPool {
 public:
     using Job = std::function<void()>;
@@ -31,23 +31,24 @@ public:
     struct Usage {
         std::size_t threads = 0;    // in all
         std::size_t busy = 0;       // with a job
-        std::size_t uncounted = 0;  // whose job waits or was left behind
+        std::size_t uncounted = 0;  // whose job waits or is no longer wanted
         std::size_t queued = 0;     // jobs that no thread has taken yet
     };
 
-    /// The pool of this process, as large as the machine asks for, which gives memory
-    /// back after work; it is never destroyed.
+    /// The pool of this process: a thread for each core, 4 to 16, and memory given back after work.
+    /// It is never destroyed.
     static WorkerPool& process();
 
     explicit WorkerPool(const Limits& limits);
-    /// Drops what is queued and leaves behind what runs.
+    /// Drops what is queued; running jobs go on by themselves.
     ~WorkerPool();
     WorkerPool(const WorkerPool&) = delete;
     WorkerPool& operator=(const WorkerPool&) = delete;
 
     /// @param owner  names the job for leaveBehind()
     void post(Job job, const void* owner = nullptr);
-    /// Nobody wants the result of this owner's running job any more: it is not counted from now on.
+    /// The result of this owner's running job is no longer wanted: the job is not counted from now
+    /// on.
     void leaveBehind(const void* owner);
     /// Calls `tidy` on a thread of the pool, once in a while after work and soon after askToTidy().
     void setTidy(std::function<void()> tidy);

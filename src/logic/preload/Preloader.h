@@ -11,9 +11,9 @@
 #include <mutex>
 #include <thread>
 
-/// Fills a cache with the images behind a wanted one, on a thread of its own, until the series ends
-/// or the cache holds 1 GiB. After a step back it reads those in front first, the nearest ones
-/// before the others, into three quarters of that. What it reads lies in shared memory, ready to be
+/// Fills a cache with the images after a wanted one, on a thread of its own, until the series ends
+/// or the cache holds 1 GiB. After a step back it first reads the images before the wanted one, the
+/// nearest first, into three quarters of that. What it reads lies in shared memory, ready to be
 /// handed over.
 /// Thread: run() from one thread.
 class Preloader {
@@ -28,10 +28,10 @@ public:
     Preloader(const Preloader&) = delete;
     Preloader& operator=(const Preloader&) = delete;
 
-    /// Reads ahead from behind this image. Nothing happens when it is the wanted one already,
-    /// unless its series could not be opened.
+    /// Reads ahead from the image after this one. Nothing happens if this is the wanted one
+    /// already, unless its series could not be opened.
     void run(const PreloaderCache::Key& key);
-    /// Nobody looks at this series any more: if it is the wanted one, its images go and their
+    /// No view shows this series now: if it is the wanted one, its images are dropped and their
     /// memory is given back.
     void forget(const std::string& path);
     /// Waits until all is read that was asked for.
@@ -40,23 +40,26 @@ public:
 private:
     class Series;
 
+    /// The thread: serves one request after the other.
     void _threadMethod();
     /// Waits for a request. @returns false when the thread is to end
     bool _nextRequest(PreloaderCache::Key& key, bool& back);
     /// A series that could not be opened may be asked for again.
     void _forget();
+    /// Reads the images after one, until there is another request.
     void _readAhead(const PreloaderCache::Key& key, Series& series);
+    /// Reads the images before one, until there is another request.
     void _readBack(const PreloaderCache::Key& key, Series& series);
-    /// Reads one image, unless it is there. @returns false behind the end of the series
+    /// Reads one image, unless the cache has it. @returns false after the end of the series
     bool _read(const PreloaderCache::Key& key, Series& series);
-    /// Makes a wish the one to follow; the mutex is held.
+    /// Makes this image the wanted one; the mutex is held.
     void _wish(const PreloaderCache::Key& key);
     bool _interrupted() const { return _stop || _request; }
 
     PreloaderCache& _cache;
     const std::uint64_t _mostBytes;
     PreloaderCache::Key _wanted;
-    bool _back = false;  // is it in front of the one before?
+    bool _back = false;  // is it before the one that was wanted until then?
     std::atomic<bool> _stop = false;
     std::atomic<bool> _request = false;
     bool _idle = false;

@@ -18,7 +18,7 @@
 class PreloaderCache {
 public:
     using MImage = morvend::imglib::MImage;
-    /// Path of a series and number of an image in it.
+    /// Path of a series and image number in it, never negative: as on the queue.
     using Key = std::tuple<std::string, unsigned long>;
     /// The file that an image was read from, as it was before the reading.
     struct Origin {
@@ -35,11 +35,11 @@ public:
     MImage operator[](const Key& key) const;
     /// Erases the images of other paths, and those of this path up to and with this number.
     void eraseIfLessEqual(const Key& key);
-    /// Erases the images of other paths, that of this number, and those behind it which lie
-    /// farthest until the rest of them has no more than so many bytes.
+    /// Erases the images of other paths and the one of this number. Of those after it, erases the
+    /// farthest until the rest has at most so many bytes.
     void eraseFarBehind(const Key& key, std::uint64_t most);
-    /// Erases an image whose file shows something else by now. One that has no file any more
-    /// stays. Looks at the file, without the lock.
+    /// Erases an image whose file has changed since it was read. An image whose file is gone stays.
+    /// Looks at the file, without the lock.
     void eraseIfStale(const Key& key);
     /// Bytes of the pixels of all images.
     std::uint64_t fill() const { return _fill; }

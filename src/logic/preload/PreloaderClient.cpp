@@ -20,7 +20,7 @@ using morvend::imglib::MMessageQueue;
 
 namespace {
 
-/// An answer takes microseconds. A preloader that is late by so much is stopped or drowned.
+/// An answer takes microseconds. A preloader that takes longer than this is stopped or overloaded.
 constexpr std::chrono::milliseconds longestWait{250};
 
 /// One question and its answer at a time in the whole process.
@@ -30,9 +30,8 @@ std::mutex& traffic()
     return mutex;
 }
 
-/// The way to the preloader, opened by the first who asks. It outlives all views: its end may take
-/// a second to hand over what waits, which no thread that closes a view has, nor the end of the
-/// process, where jobs that were left behind may still use it.
+/// The way to the preloader, opened by the first who asks and never closed: closing it may take a
+/// second, for what waits to be handed over, and abandoned jobs may use it until the process ends.
 MMessageQueue& queue()
 {
     static MMessageQueue& queue = *new MMessageQueue(PreloaderClient::messageQueueId().c_str());
@@ -113,7 +112,7 @@ std::string PreloaderClient::messageQueueId() { return "PRELOADER_" + std::to_st
 
 void PreloaderClient::put(unsigned long index, const std::string& path)
 {
-    // The images of the series before are none of this one, whatever fails here.
+    // Whatever fails here: images of the series before must not be taken for this one's.
     _enabled = false;
     std::string wanted;
     try {

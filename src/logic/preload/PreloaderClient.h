@@ -23,16 +23,17 @@ public:
     static std::string messageQueueId();
 
     PreloaderClient() = default;
-    /// When no other client of the process has the series any more, the preloader forgets it.
+    /// If no other client of the process has the series, the preloader forgets it.
     ~PreloaderClient();
     PreloaderClient(const PreloaderClient&) = delete;
     PreloaderClient& operator=(const PreloaderClient&) = delete;
 
-    /// Lets the preloader read ahead behind an image of the series that `path` leads to; from now
-    /// on get() asks for images of that series.
+    /// Lets the preloader read ahead from the image after this one, in the series that `path` leads
+    /// to; from now on get() asks for images of that series.
+    /// @param index  an image number of the series, as in get(); the messages call it so
     void put(unsigned long index, const std::string& path);
     /// The image of a number if it has been read ahead, with exactly the header that its file
-    /// gives. The preloader goes on behind it.
+    /// gives. The preloader goes on after it.
     /// @param path another series from now on, unless empty
     /// @returns false on a miss, which leaves `image` as it is
     bool get(MImage& image, unsigned long index, const std::string& path = {});

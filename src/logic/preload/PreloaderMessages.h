@@ -12,7 +12,7 @@
 /// | request: offset | size | field |
 /// |---|---|---|
 /// | 0 | 4 | method |
-/// | 4 | 8 | index |
+/// | 4 | 8 | index: an image number of the series |
 /// | 12 | rest | bytes of the path |
 ///
 /// A GET is answered by one byte, 0 for a miss, 1 for a hit, and after a hit by an image. A hit may
@@ -23,7 +23,7 @@ namespace preloader {
 enum Method : std::uint32_t {
     GET = 0,    ///< hand over an image, and read ahead from it
     PUT = 1,    ///< read ahead from this image
-    FORGET = 2  ///< no view looks at this series any more
+    FORGET = 2  ///< no view shows this series now
 };
 
 std::string pack(Method method, unsigned long index, const std::string& path);

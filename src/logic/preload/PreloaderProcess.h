@@ -25,12 +25,14 @@ public:
                               QObject* parent = nullptr);
     ~PreloaderProcess() override;
 
-    /// 0 while none is running.
+    /// 0 while it is not running.
     qint64 processId() const { return _pid; }
 
 private:
     void _start();
+    /// Waits for the end of the process that has been started.
     void _watch();
+    /// Starts the next one after a pause.
     void _ended();
 
     const QString _executable;

@@ -4,6 +4,7 @@
 // The steps from a request to a finished record.
 #include "logic/loading/ImageLoaderThread.h"
 
+#include "imagelib/image/ErrorPlace.h"
 #include "imagelib/image/MException.h"
 #include "logic/analysis/roi/RoiComputer.h"
 #include "logic/analysis/statistics/ComputeStatistics.h"
@@ -11,10 +12,7 @@
 #include "logic/support/Assert.h"
 #include "logic/support/Console.h"
 
-#include <algorithm>
 #include <chrono>
-#include <filesystem>
-#include <new>
 #include <utility>
 
 ImageLoaderThread::ImageLoaderThread(std::shared_ptr<LoaderContext> context, unsigned int number,
@@ -61,19 +59,19 @@ void ImageLoaderThread::run()
     _total.start();
     _step.start();
     try {
-        const bool found = _load();
+        const auto work = [this] {
+            const bool loaded = _load();
+            if (loaded && !_context->abandoned())
+                _analyse();
+            return loaded;
+        };
+        const bool found = morvend::imglib::withPlace([this] { return _place(); }, work);
         if (_context->abandoned())
             return;
-        if (found) {
-            _analyse();
+        if (found)
             _deliver();
-        } else {
+        else
             _endWithoutImage({});
-        }
-    } catch (const morvend::MMemoryException& error) {
-        _fail(error.what() + (": " + _place()));
-    } catch (const std::bad_alloc&) {
-        _fail("Not enough memory: " + _place());
     } catch (const std::exception& error) {
         _fail(error.what());
     } catch (...) {

@@ -6,9 +6,9 @@
 // frames, as in a series.
 #include "bench/HwyTarget.h"
 #include "bench/Peer.h"
+#include "imagelib/image/MaskBits.h"
 #include "imagelib/image/SortPixels.h"
 #include "logic/analysis/statistics/ComputeStatistics.h"
-#include "logic/analysis/statistics/MaskRule.h"
 #include "tests/support/TempFolder.h"
 
 #include <benchmark/benchmark.h>

@@ -4,6 +4,8 @@
 // The vector loops from intensities to colours, for each instruction set.
 #include "imagelib/display/ColorKernel.h"
 
+#include "imagelib/image/MaskBits.h"
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "imagelib/display/ColorKernel.cpp"
 #include <hwy/foreach_target.h>
@@ -53,7 +55,8 @@ public:
     {
         const auto value = hn::LoadU(_d, pixels);
         const auto flags = mask ? hn::LoadU(_du, mask) : hn::Zero(_du);
-        const auto flagged = hn::Ne(hn::And(flags, hn::Set(_du, 31U)), hn::Zero(_du));
+        const auto flagged =
+            hn::Ne(hn::And(flags, hn::Set(_du, maskrule::Excluding)), hn::Zero(_du));
         const auto special = atLeast(value, hn::Set(_d, _rule.special));
         const bool plain = hn::AllFalse(_du, flagged) && hn::AllFalse(_d, special);
         const auto index = HWY_LIKELY(plain) ? _weak(value) : _any(value, flags);

@@ -6,6 +6,7 @@
 
 #include "imagelib/display/MColorTable.h"
 #include "imagelib/image/Assert.h"
+#include "imagelib/image/MaskBits.h"
 
 #include <bit>
 #include <cstring>
@@ -62,7 +63,7 @@ template <class T>
 ColorRule<T>::ColorRule(const ColorSettings& settings)
     : cutoff(static_cast<T>(settings.countCutoff))
     , highlightSaturated(settings.highlightSaturated)
-    , defectiveBits(settings.highlightDefective ? 30 : 0)
+    , defectiveBits(settings.highlightDefective ? maskrule::Defective : 0)
 {
     assert(settings.table);
     const std::size_t logSize = settings.table->logDataSize();

@@ -5,6 +5,7 @@
 #include "imagelib/display/ContrastSample.h"
 
 #include "imagelib/image/MImage.h"
+#include "imagelib/image/MaskBits.h"
 #include "imagelib/image/SortPixels.h"
 
 #include <algorithm>
@@ -18,20 +19,6 @@
 namespace morvend::imglib {
 
 namespace {
-
-/// The test of the statistics: signed masks count by their absolute value, bool and floating ones
-/// are good at 0.
-template <class M>
-bool isGood(M mask)
-{
-    if constexpr (std::is_same_v<M, bool> || std::is_floating_point_v<M>)
-        return mask == M(0);
-    else if constexpr (std::is_signed_v<M>)
-        return ((mask < 0 ? 0U - static_cast<unsigned>(mask) : static_cast<unsigned>(mask)) & 31) ==
-               0;
-    else
-        return (mask & 31) == 0;
-}
 
 /// Values that can't be intensities: not finite, or the highest of an unsigned type, which is what
 /// detectors write where they have nothing.
@@ -70,7 +57,7 @@ void judge(const MImage& mask, std::size_t first, std::size_t size, unsigned cha
 {
     datatypes::dispatchPixelType(mask.type(), mask.typeBits(), [&]<class M>() {
         const M* marks = mask.pixels<M>() + first;
-        std::transform(marks, marks + size, good, [](M mark) { return isGood(mark); });
+        std::transform(marks, marks + size, good, [](M mark) { return maskrule::good(mark); });
     });
 }
 

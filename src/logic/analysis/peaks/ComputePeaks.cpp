@@ -5,8 +5,8 @@
 #include "logic/analysis/peaks/ComputePeaks.h"
 
 #include "imagelib/image/BinaryDispatcher.h"
+#include "imagelib/image/MaskBits.h"
 #include "logic/analysis/peaks/BlockSearch.h"
-#include "logic/analysis/statistics/MaskRule.h"
 
 #include <algorithm>
 #include <limits>

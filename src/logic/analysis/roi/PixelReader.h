@@ -5,7 +5,7 @@
 #pragma once
 
 #include "imagelib/image/MImage.h"
-#include "logic/analysis/statistics/MaskRule.h"
+#include "imagelib/image/MaskBits.h"
 
 #include <algorithm>
 #include <cmath>

@@ -5,8 +5,8 @@
 #include "logic/analysis/statistics/GoodPixels.h"
 
 #include "imagelib/image/MException.h"
+#include "imagelib/image/MaskBits.h"
 #include "imagelib/image/PixelTypes.h"
-#include "logic/analysis/statistics/MaskRule.h"
 
 #include <list>
 #include <mutex>
@@ -88,7 +88,7 @@ GoodPixels::GoodPixels(const M* marks, std::size_t size)
             unsigned int any = 0;
             for (std::size_t i = 0; i < WordBits; ++i)
                 any |= maskrule::bits(marks[i]);
-            if ((any & 31U) == 0) {
+            if ((any & maskrule::Excluding) == 0) {
                 word = ~std::uint64_t(0);
                 continue;
             }

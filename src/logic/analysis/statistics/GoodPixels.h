@@ -11,7 +11,7 @@
 #include <memory>
 #include <vector>
 
-/// Which pixels a mask does not exclude, by the rules of MaskRule.h: a sixteenth or less of the
+/// Which pixels a mask does not exclude, by the rules of MaskBits.h: a sixteenth or less of the
 /// mask's own memory, the same for all types of masks.
 /// Thread: built once, then read by any.
 class GoodPixels {

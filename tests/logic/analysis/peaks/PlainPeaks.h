@@ -4,8 +4,8 @@
 // The peak search as a plain loop, to compare the product with.
 #pragma once
 
+#include "imagelib/image/MaskBits.h"
 #include "logic/analysis/peaks/ComputePeaks.h"
-#include "logic/analysis/statistics/MaskRule.h"
 
 #include <vector>
 

@@ -5,6 +5,7 @@
 #include "imagelib/io/formats/hdf5/nexus/MaskReader.h"
 
 #include "imagelib/image/MException.h"
+#include "imagelib/image/MaskBits.h"
 
 #include <algorithm>
 
@@ -13,7 +14,7 @@ namespace morvend::imglib::hdf5 {
 namespace {
 
 constexpr int MostMasks = 16;
-constexpr unsigned Tested = 0x1f;
+constexpr unsigned Tested = maskrule::Excluding;
 constexpr unsigned Folded = 0xffe0;
 constexpr unsigned Defective = 0x10;
 

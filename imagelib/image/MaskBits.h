@@ -8,6 +8,11 @@
 
 namespace maskrule {
 
+/// A pixel with one of these bits is excluded from statistics and contrast.
+constexpr unsigned int Excluding = 31;
+/// A pixel with one of these bits counts as defective; transferfunction.glsl names them too.
+constexpr unsigned int Defective = 30;
+
 /// The bits of a mask pixel by which a pixel is judged.
 template <class M>
 constexpr unsigned int bits(M mask)
@@ -28,14 +33,14 @@ constexpr unsigned int bits(M mask)
 template <class M>
 constexpr bool good(M mask)
 {
-    return (bits(mask) & 31U) == 0;
+    return (bits(mask) & Excluding) == 0;
 }
 
 /// Does a pixel that is not good count as defective?
 template <class M>
 constexpr bool defective(M mask)
 {
-    return (bits(mask) & 30U) != 0;
+    return (bits(mask) & Defective) != 0;
 }
 
 }  // namespace maskrule

@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: MIT
 //
 // The box in bands of rows, compiled for each pixel type.
-#include "logic/analysis/roi/BoxStatistics.h"
+#include "logic/analysis/roi/RegionFunctor.h"
 
 #include "imagelib/image/PixelTypes.h"
 #include "logic/analysis/roi/Blocks.h"
-#include "logic/analysis/roi/PixelReader.h"
+#include "logic/analysis/roi/RegionSums.h"
 #include "logic/analysis/statistics/GoodPixels.h"
 
 #include <algorithm>
@@ -174,6 +174,7 @@ std::vector<Band> readBands(const MImage& image, const GoodPixels& good, const I
 
 }  // namespace
 
+template <>
 RoiStatistics ComputeBoxStatistics::compute(const MImage& image, const MImage& mask) const
 {
     const auto [x0, x1] = std::minmax(_selection->beginX, _selection->endX);
@@ -207,10 +208,7 @@ RoiStatistics ComputeBoxStatistics::compute(const MImage& image, const MImage& m
             }
             squares += band.squares;
             good += band.good;
-            if (band.extremes.any) {
-                extremes.add(band.extremes.minimum);
-                extremes.add(band.extremes.maximum);
-            }
+            extremes.add(band.extremes);
         }
     }
     for (const Projection& row : rows)

@@ -2,9 +2,8 @@
 // SPDX-License-Identifier: MIT
 //
 // The powder plot from the sums of its ring.
-#include "logic/analysis/roi/CentredCircleStatistics.h"
+#include "logic/analysis/roi/RegionFunctor.h"
 
-#include "logic/analysis/roi/PixelReader.h"
 #include "logic/analysis/roi/RingSums.h"
 
 #include <cmath>
@@ -36,13 +35,7 @@ void startCurve(RoiStatistics& result, const StatisticsData& ring, const MImage&
 
 void store(RoiStatistics& result, const RingSums& sums, int innerRadius)
 {
-    result.integral = sums.integral;
-    result.minimum = sums.range.lowest;
-    result.maximum = sums.range.highest;
-    if (sums.weight != 0) {
-        result.mean = sums.integral / sums.weight;
-        result.sigma = deviation(sums.squares, sums.weight, result.mean);
-    }
+    sums.pixels.store(result);
     const auto skipped = static_cast<std::size_t>(sums.firstRadius - innerRadius);
     for (std::size_t i = 0; i < sums.points.size(); ++i)
         if (sums.points[i].length != 0)
@@ -51,6 +44,7 @@ void store(RoiStatistics& result, const RingSums& sums, int innerRadius)
 
 }  // namespace
 
+template <>
 RoiStatistics ComputeCentredCircleStatistics::compute(const MImage& image, const MImage& mask) const
 {
     const StatisticsData& selection = *_selection;

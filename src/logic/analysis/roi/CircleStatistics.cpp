@@ -2,11 +2,12 @@
 // SPDX-License-Identifier: MIT
 //
 // The disc and its ring, written once over all pixel types.
-#include "logic/analysis/roi/CircleStatistics.h"
+#include "logic/analysis/roi/RegionFunctor.h"
 
 #include "imagelib/image/BinaryDispatcher.h"
 #include "logic/analysis/roi/CoveredArea.h"
 #include "logic/analysis/roi/LineProfile.h"
+#include "logic/analysis/roi/RegionSums.h"
 
 #include <algorithm>
 #include <cmath>
@@ -21,53 +22,32 @@ constexpr double SameCoordinate = 1e-6;
 
 /// Sums over the ring and over the disc.
 struct CircleSums {
-    double ring = 0;
-    double ringSquares = 0;
-    double ringWeight = 0;
-    double disc = 0;
-    double discSquares = 0;
-    double discWeight = 0;
+    WeightedSums ring;
+    RegionSums disc;
     double momentX = 0;
     double momentY = 0;
-    Extremes extremes;
 
-    void addToRing(double value, double part)
-    {
-        ring += value * part;
-        ringSquares += value * value * part;
-        ringWeight += part;
-    }
     void addToDisc(int x, int y, double value, double part)
     {
-        disc += value * part;
-        discSquares += value * value * part;
-        discWeight += part;
+        disc.add(value, part);
         momentX += (x + 0.5) * value * part;
         momentY += (y + 0.5) * value * part;
-        extremes.add(value);
     }
     void store(RoiStatistics& result) const
     {
-        if (ringWeight != 0) {
-            result.backgroundMean = ring / ringWeight;
-            result.backgroundSigma = deviation(ringSquares, ringWeight, result.backgroundMean);
-        }
-        result.integral = disc;
-        result.minimum = extremes.minimum;
-        result.maximum = extremes.maximum;
+        ring.store(result.backgroundMean, result.backgroundSigma);
+        disc.store(result);
         result.centroidX = momentX;
         result.centroidY = momentY;
-        if (discWeight != 0) {
-            result.mean = disc / discWeight;
-            result.sigma = deviation(discSquares, discWeight, result.mean);
-            result.intensity = disc - result.backgroundMean * discWeight;
+        if (disc.weight != 0) {
+            result.intensity = disc.sum - result.backgroundMean * disc.weight;
             // The statistical error of a count; not defined for a negative sum.
             result.intensitySigma =
-                std::sqrt(result.backgroundSigma * result.backgroundSigma * discWeight + disc);
+                std::sqrt(result.backgroundSigma * result.backgroundSigma * disc.weight + disc.sum);
         }
-        if (disc != 0) {  // the weight of the centroid is the intensity itself
-            result.centroidX /= disc;
-            result.centroidY /= disc;
+        if (disc.sum != 0) {  // the weight of the centroid is the intensity itself
+            result.centroidX /= disc.sum;
+            result.centroidY /= disc.sum;
         }
     }
 };
@@ -130,6 +110,7 @@ void addSection(RoiStatistics& result, const PixelReader<L, R>& reader, const Se
 
 }  // namespace
 
+template <>
 template <class L, class R>
 RoiStatistics ComputeCircleStatistics::operator()(const MImage& image, const MImage& mask) const
 {
@@ -155,7 +136,7 @@ RoiStatistics ComputeCircleStatistics::operator()(const MImage& image, const MIm
             const auto value = static_cast<double>(reader.value(x, y));
             const double inDisc = coveredArea(x, y, radius, cx, cy);
             if (inDisc < 1)
-                sums.addToRing(value, coveredArea(x, y, outer, cx, cy) - inDisc);
+                sums.ring.add(value, coveredArea(x, y, outer, cx, cy) - inDisc);
             if (inDisc != 0)
                 sums.addToDisc(x, y, value, inDisc >= 1 ? 1.0 : inDisc);
         }
@@ -165,6 +146,7 @@ RoiStatistics ComputeCircleStatistics::operator()(const MImage& image, const MIm
     return result;
 }
 
+template <>
 RoiStatistics ComputeCircleStatistics::compute(const MImage& image, const MImage& mask) const
 {
     return morvend::datatypes::BinaryDispatcher<const ComputeCircleStatistics&, const MImage,

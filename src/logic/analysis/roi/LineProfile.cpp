@@ -4,37 +4,11 @@
 // Curves and sums of lines.
 #include "logic/analysis/roi/LineProfile.h"
 
+#include "logic/analysis/roi/RegionSums.h"
+
 namespace roi {
 
 namespace {
-
-/// Sums over the good samples, each with its weight.
-struct Sums {
-    double integral = 0;
-    double squares = 0;
-    double weight = 0;
-    Extremes extremes;
-
-    void add(const LineSample& sample, double part)
-    {
-        if (!sample.good)
-            return;
-        integral += sample.value * part;
-        squares += sample.value * sample.value * part;
-        weight += part;
-        extremes.add(sample.value);
-    }
-    void store(RoiStatistics& result) const
-    {
-        result.integral = integral;
-        result.minimum = extremes.minimum;
-        result.maximum = extremes.maximum;
-        if (weight != 0) {
-            result.mean = integral / weight;
-            result.sigma = deviation(squares, weight, result.mean);
-        }
-    }
-};
 
 int sign(int value) { return (value > 0) - (value < 0); }
 
@@ -81,19 +55,21 @@ Curve obliqueCurve(const std::vector<LineSample>& samples)
 
 void sumStraight(RoiStatistics& result, const std::vector<LineSample>& samples)
 {
-    Sums sums;
+    RegionSums sums;
     for (std::size_t i = 0; i < samples.size(); ++i) {
         const bool atEnd = i == 0 || i + 1 == samples.size();
-        sums.add(samples[i], atEnd ? 0.5 : 1.0);  // as in the trapezoid rule
+        if (samples[i].good)
+            sums.add(samples[i].value, atEnd ? 0.5 : 1.0);  // as in the trapezoid rule
     }
     sums.store(result);
 }
 
 void sumOblique(RoiStatistics& result, const std::vector<LineSample>& samples)
 {
-    Sums sums;
+    RegionSums sums;
     for (const LineSample& sample : samples)
-        sums.add(sample, sample.length);
+        if (sample.good)
+            sums.add(sample.value, sample.length);
     sums.store(result);
 }
 

@@ -5,6 +5,7 @@
 #include "logic/analysis/roi/LineReflections.h"
 
 #include "logic/analysis/roi/ConnectedComponentLabelling.h"
+#include "logic/analysis/roi/RegionSums.h"
 #include <cmath>
 #include <sstream>
 
@@ -91,20 +92,13 @@ double reflectionThreshold(const std::vector<ListPixel>& list, double mean, doub
     for (int pass = 0; pass < ClippingPasses; ++pass) {
         const double low = mean - 3 * sigma;
         const double high = mean + 3 * sigma;
-        double sum = 0;
-        double squares = 0;
-        double count = 0;
-        for (const ListPixel& pixel : list) {
-            if (pixel.value > high || pixel.value < low)
-                continue;
-            sum += pixel.value;
-            squares += pixel.value * pixel.value;
-            ++count;
-        }
-        if (count == 0)
+        WeightedSums within;
+        for (const ListPixel& pixel : list)
+            if (!(pixel.value > high || pixel.value < low))
+                within.add(pixel.value, 1);
+        if (within.weight == 0)
             break;
-        mean = sum / count;
-        sigma = deviation(squares, count, mean);
+        within.store(mean, sigma);
     }
     return mean + 3 * sigma;
 }

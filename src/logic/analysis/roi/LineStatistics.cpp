@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The line, written once over all pixel types.
-#include "logic/analysis/roi/LineStatistics.h"
+#include "logic/analysis/roi/RegionFunctor.h"
 
 #include "imagelib/image/BinaryDispatcher.h"
 #include "logic/analysis/roi/LineProfile.h"
@@ -49,6 +49,7 @@ std::vector<ListPixel> reflectionList(const StatisticsData& line,
 
 }  // namespace
 
+template <>
 template <class L, class R>
 RoiStatistics ComputeLineStatistics::operator()(const MImage& image, const MImage& mask) const
 {
@@ -82,6 +83,7 @@ RoiStatistics ComputeLineStatistics::operator()(const MImage& image, const MImag
     return result;
 }
 
+template <>
 RoiStatistics ComputeLineStatistics::compute(const MImage& image, const MImage& mask) const
 {
     return morvend::datatypes::BinaryDispatcher<const ComputeLineStatistics&, const MImage,

@@ -7,20 +7,9 @@
 #include "imagelib/image/MImage.h"
 #include "imagelib/image/MaskBits.h"
 
-#include <algorithm>
-#include <cmath>
 #include <cstddef>
 
 namespace roi {
-
-/// A mean's deviation from the sums of a region. A radicand that is negative by rounding alone is
-/// 0; one that is negative because squares have wrapped gives NaN.
-inline double deviation(double squares, double weight, double mean)
-{
-    constexpr double Rounding = 1e-9;
-    const double radicand = squares / weight - mean * mean;
-    return std::sqrt(radicand < 0 && radicand >= -Rounding * mean * mean ? 0.0 : radicand);
-}
 
 /// Reads pixels of type L under a mask of type R. Outside the image a pixel is 0 and excluded.
 /// Both images must outlive the reader.
@@ -56,23 +45,6 @@ private:
     const R* _mask;
     int _width;
     int _height;
-};
-
-/// Smallest and largest value of a region; the first value that enters initialises both.
-struct Extremes {
-    double minimum = 0;
-    double maximum = 0;
-    bool any = false;
-    void add(double value)
-    {
-        if (!any)
-            minimum = maximum = value;
-        any = true;
-        if (value < minimum)
-            minimum = value;
-        if (value > maximum)
-            maximum = value;
-    }
 };
 
 }  // namespace roi

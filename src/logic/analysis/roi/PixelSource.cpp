@@ -27,9 +27,9 @@ public:
         return static_cast<double>(_pixels[position]);
     }
 
-    void read(const TilePixels& tile, Sample* samples, Range& range) const override
+    void read(const TilePixels& tile, Sample* samples, Extremes& extremes) const override
     {
-        Extremes extremes;
+        ExtremesOf<T> typed;
         std::fill_n(samples, static_cast<std::size_t>(tile.strips) * RingTile::Stride, Sample{});
         // What all strips have in common is read row by row where the strips are columns.
         const bool columns = tile.stripStep == 1;
@@ -37,14 +37,14 @@ public:
         const int end = columns ? *std::min_element(tile.end, tile.end + tile.strips) : 0;
         for (int i = begin; i < end; ++i)
             readAcross(tile.origin + i * tile.pixelStep, RowsAhead * tile.pixelStep, tile.strips,
-                       samples + 1 + i, extremes);
+                       samples + 1 + i, typed);
         for (int j = 0; j < tile.strips; ++j) {
             const auto readPart = [&](int from, int to) {
                 if (from < to)
                     readPixels(tile.origin + j * tile.stripStep + from * tile.pixelStep,
                                tile.pixelStep, to - from,
                                samples + static_cast<std::size_t>(j) * RingTile::Stride + 1 + from,
-                               1, extremes);
+                               1, typed);
             };
             if (begin < end) {
                 readPart(tile.begin[j], begin);
@@ -53,30 +53,15 @@ public:
                 readPart(tile.begin[j], tile.end[j]);
             }
         }
-        if (extremes.any)
-            range.add(static_cast<double>(extremes.lowest), static_cast<double>(extremes.highest));
+        extremes.add(typed);
     }
 
 private:
-    struct Extremes {
-        T lowest = T(0);
-        T highest = T(0);
-        bool any = false;
-        void add(T pixel)
-        {
-            if (!any)
-                lowest = highest = pixel;
-            any = true;
-            lowest = pixel < lowest ? pixel : lowest;
-            highest = pixel > highest ? pixel : highest;
-        }
-    };
-
     void readPixels(std::ptrdiff_t position, std::ptrdiff_t step, int count, Sample* samples,
-                    std::size_t sampleStep, Extremes& extremes) const
+                    std::size_t sampleStep, ExtremesOf<T>& extremes) const
     {
         const std::uint64_t* words = _good->words();
-        Extremes found = extremes;
+        ExtremesOf<T> found = extremes;
         for (int i = 0; i < count; ++i, position += step, samples += sampleStep) {
             const auto at = static_cast<std::size_t>(position);
             if (((words[at / 64] >> (at % 64)) & 1U) == 0)
@@ -91,7 +76,7 @@ private:
     /// The same for pixels in a row, whose samples stand in different strips. The rows to come are
     /// fetched ahead: no processor foresees steps of whole rows.
     void readAcross(std::ptrdiff_t position, std::ptrdiff_t ahead, int count, Sample* samples,
-                    Extremes& extremes) const
+                    ExtremesOf<T>& extremes) const
     {
         const auto at = static_cast<std::size_t>(position);
         const auto next = static_cast<std::size_t>(
@@ -104,7 +89,7 @@ private:
         const std::uint64_t all = (std::uint64_t(1) << count) - 1;
         if ((bits & all) != all)
             return readPixels(position, 1, count, samples, RingTile::Stride, extremes);
-        Extremes found = extremes;
+        ExtremesOf<T> found = extremes;
         const T* pixels = _pixels + at;
         for (int j = 0; j < count; ++j) {
             samples[static_cast<std::size_t>(j) * RingTile::Stride] = {

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "imagelib/image/MImage.h"
+#include "logic/analysis/roi/RegionSums.h"
 #include "logic/analysis/roi/RingStrips.h"
 #include "logic/analysis/statistics/GoodPixels.h"
 
@@ -24,19 +25,6 @@ struct TilePixels {
     int end[RingTile::MostStrips];  // not included
 };
 
-/// Smallest and largest of the good pixels that were taken.
-struct Range {
-    double lowest = 0;
-    double highest = 0;
-    bool any = false;
-    void add(double low, double high)
-    {
-        lowest = any && lowest < low ? lowest : low;
-        highest = any && highest > high ? highest : high;
-        any = true;
-    }
-};
-
 /// Image and mask must outlive their source. Thread: any.
 class PixelSource {
 public:
@@ -49,8 +37,9 @@ public:
 
     bool good(std::size_t position) const { return (*_good)[position]; }
     virtual double value(std::size_t position) const = 0;
-    /// Fills Stride samples for each strip; what is not taken is empty.
-    virtual void read(const TilePixels& tile, Sample* samples, Range& range) const = 0;
+    /// Fills Stride samples for each strip; what is not taken is empty. The extremes are those of
+    /// the good pixels that are taken.
+    virtual void read(const TilePixels& tile, Sample* samples, Extremes& extremes) const = 0;
 
 protected:
     explicit PixelSource(std::shared_ptr<const GoodPixels> good)

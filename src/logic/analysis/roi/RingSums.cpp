@@ -23,10 +23,7 @@ constexpr int Blocks = 32;
 
 struct BlockSums {
     SampleSums samples;
-    double integral = 0;  // of pixels taken one by one
-    double squares = 0;
-    double weight = 0;
-    Range range;
+    RegionSums single;  // pixels taken one by one, and the extremes of all
     std::vector<CurvePoint> points;
 };
 
@@ -162,7 +159,7 @@ private:
                     static_cast<int>(std::sqrt(farthest * farthest + strip.far * strip.far));
             }
         }
-        _pixels.read(place, _samples.data(), _sums.range);
+        _pixels.read(place, _samples.data(), _sums.single.extremes);
         addSamples(_samples.data(), static_cast<std::size_t>(strips) * RingTile::Stride,
                    _sums.samples);
         addSections(tile, _samples.data(), _sums.points.data(), _firstRadius);
@@ -182,10 +179,7 @@ private:
         if (part == 0)
             return;
         const double value = _pixels.value(position);
-        _sums.integral += value * part;
-        _sums.squares += value * value * part;
-        _sums.weight += part;
-        _sums.range.add(value, value);
+        _sums.single.add(value, part);
         int r0 = -1;
         int r1 = -1;
         double section0 = 0;
@@ -214,16 +208,12 @@ private:
 
 void add(RingSums& sums, const BlockSums& block)
 {
-    sums.integral += block.integral;
-    sums.squares += block.squares;
-    sums.weight += block.weight;
+    sums.pixels.add(block.single);
     for (std::size_t lane = 0; lane < SampleSums::Lanes; lane += 2) {
-        sums.integral += block.samples.sums[lane];
-        sums.squares += block.samples.squares[lane];
-        sums.weight += block.samples.sums[lane + 1];
+        const SampleSums& samples = block.samples;
+        sums.pixels.WeightedSums::add(
+            {samples.sums[lane], samples.squares[lane], samples.sums[lane + 1]});
     }
-    if (block.range.any)
-        sums.range.add(block.range.lowest, block.range.highest);
     for (std::size_t i = 0; i < sums.points.size(); ++i) {
         sums.points[i].value += block.points[i].value;
         sums.points[i].length += block.points[i].length;

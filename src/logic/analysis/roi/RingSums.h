@@ -14,10 +14,7 @@ namespace roi {
 
 /// What a ring's good pixels add up to. Pixels at the rims count by their part in the ring.
 struct RingSums {
-    double integral = 0;
-    double squares = 0;
-    double weight = 0;
-    Range range;
+    RegionSums pixels;
     /// The point of radius r is points[r - firstRadius], for the radii of the ring that the image
     /// can hold.
     std::vector<CurvePoint> points;

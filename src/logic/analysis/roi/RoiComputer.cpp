@@ -4,10 +4,7 @@
 // The choice of the computation and the titles of its curves.
 #include "logic/analysis/roi/RoiComputer.h"
 
-#include "logic/analysis/roi/BoxStatistics.h"
-#include "logic/analysis/roi/CentredCircleStatistics.h"
-#include "logic/analysis/roi/CircleStatistics.h"
-#include "logic/analysis/roi/LineStatistics.h"
+#include "logic/analysis/roi/RegionFunctor.h"
 #include "logic/support/Console.h"
 
 #include <cmath>

@@ -2,8 +2,10 @@
 // SPDX-License-Identifier: MIT
 //
 // Bit planes to bytes with the bit-matrix instruction, 512 bytes a step. Compiled with flags of its
-// own: it may include nothing that other files share, or their inline code would need them too.
+// own: it may include nothing that other files share, or their inline code would need them too
+// (ElementSize.h holds a template alone, which belongs to the file whose lambdas it is made for).
 #include "imagelib/codec/BitPlanes.h"
+#include "imagelib/codec/ElementSize.h"
 #include "imagelib/codec/ShuffleKernels.h"
 
 #include <cstdint>
@@ -184,18 +186,9 @@ void unshuffleBlock(const std::byte* planes, std::size_t count, std::byte* eleme
 void unshuffleBitsGfni(const std::byte* planes, std::size_t count, std::size_t elementSize,
                        std::byte* elements)
 {
-    switch (elementSize) {
-    case 1:
-        return unshuffleBlock<1>(planes, count, elements);
-    case 2:
-        return unshuffleBlock<2>(planes, count, elements);
-    case 4:
-        return unshuffleBlock<4>(planes, count, elements);
-    case 8:
-        return unshuffleBlock<8>(planes, count, elements);
-    default:
-        return unshuffleBitsPlain(planes, count, elementSize, elements);
-    }
+    dispatchElementSize(
+        elementSize, [&]<std::size_t Size>() { unshuffleBlock<Size>(planes, count, elements); },
+        [&] { unshuffleBitsPlain(planes, count, elementSize, elements); });
 }
 
 }  // namespace morvend::codec

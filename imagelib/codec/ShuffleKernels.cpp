@@ -5,6 +5,8 @@
 // shuffle; and the choice of the bit shuffle's kernel.
 #include "imagelib/codec/ShuffleKernels.h"
 
+#include "imagelib/codec/ElementSize.h"
+
 #include <cstdint>
 #include <cstring>
 #include <type_traits>
@@ -176,16 +178,10 @@ std::size_t unshuffleSize(const std::byte* shuffled, std::size_t count, std::byt
 std::size_t unshuffle(const std::byte* shuffled, std::size_t count, std::size_t elementSize,
                       std::byte* elements)
 {
-    switch (elementSize) {
-    case 2:
-        return unshuffleSize<2>(shuffled, count, elements);
-    case 4:
-        return unshuffleSize<4>(shuffled, count, elements);
-    case 8:
-        return unshuffleSize<8>(shuffled, count, elements);
-    default:
-        return 0;
-    }
+    return dispatchElementSize(
+        elementSize,
+        [&]<std::size_t Size>() HWY_ATTR { return unshuffleSize<Size>(shuffled, count, elements); },
+        [] { return std::size_t(0); });
 }
 
 /// 8 * Lanes elements of Size bytes from Lanes bytes of each of their planes.
@@ -218,18 +214,10 @@ void unshuffleBlock(const std::byte* planes, std::size_t count, std::byte* eleme
 void unshuffleBits(const std::byte* planes, std::size_t count, std::size_t elementSize,
                    std::byte* elements)
 {
-    switch (elementSize) {
-    case 1:
-        return unshuffleBlock<1>(planes, count, elements);
-    case 2:
-        return unshuffleBlock<2>(planes, count, elements);
-    case 4:
-        return unshuffleBlock<4>(planes, count, elements);
-    case 8:
-        return unshuffleBlock<8>(planes, count, elements);
-    default:
-        return unshuffleBitsPlain(planes, count, elementSize, elements);
-    }
+    dispatchElementSize(
+        elementSize,
+        [&]<std::size_t Size>() HWY_ATTR { unshuffleBlock<Size>(planes, count, elements); },
+        [&] { unshuffleBitsPlain(planes, count, elementSize, elements); });
 }
 
 #endif

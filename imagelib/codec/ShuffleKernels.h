@@ -19,7 +19,7 @@ void unshuffleBitsVector(const std::byte* planes, std::size_t count, std::size_t
                          std::byte* elements);
 
 /// Puts `count` elements of any size together from their first bytes, all second bytes, and so on;
-/// by vectors for the sizes 2, 4 and 8.
+/// by vectors for the sizes 1, 2, 4 and 8.
 void unshuffleBytes(const std::byte* shuffled, std::size_t count, std::size_t elementSize,
                     std::byte* elements);
 

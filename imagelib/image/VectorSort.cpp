@@ -32,6 +32,12 @@
 
 #include "imagelib/image/PackLanes-inl.h"
 
+// The types that are sorted by vectors, for the passes over this file.
+#undef TARVIK_SORTS
+#define TARVIK_SORTS(Sort)                                                                         \
+    Sort(sortInt, std::int32_t) Sort(sortUnsigned, std::uint32_t) Sort(sortLong, std::int64_t)     \
+        Sort(sortUnsignedLong, std::uint64_t) Sort(sortFloat, float) Sort(sortDouble, double)
+
 HWY_BEFORE_NAMESPACE();
 namespace morvend::image::HWY_NAMESPACE {
 
@@ -220,12 +226,7 @@ void sortAll(T* values, T* scratch, std::size_t count)
 
 #define TARVIK_SORT(Name, T)                                                                       \
     void Name(T* values, T* scratch, std::size_t count) { sortAll(values, scratch, count); }
-TARVIK_SORT(sortInt, std::int32_t)
-TARVIK_SORT(sortUnsigned, std::uint32_t)
-TARVIK_SORT(sortLong, std::int64_t)
-TARVIK_SORT(sortUnsignedLong, std::uint64_t)
-TARVIK_SORT(sortFloat, float)
-TARVIK_SORT(sortDouble, double)
+TARVIK_SORTS(TARVIK_SORT)
 #undef TARVIK_SORT
 
 }  // namespace morvend::image::HWY_NAMESPACE
@@ -242,12 +243,7 @@ namespace morvend::image {
         const PixelBufferPtr scratch = PixelBuffer::allocate(count * sizeof(T));                   \
         HWY_DYNAMIC_DISPATCH(Name)(values, reinterpret_cast<T*>(scratch->data()), count);          \
     }
-TARVIK_SORT(sortInt, std::int32_t)
-TARVIK_SORT(sortUnsigned, std::uint32_t)
-TARVIK_SORT(sortLong, std::int64_t)
-TARVIK_SORT(sortUnsignedLong, std::uint64_t)
-TARVIK_SORT(sortFloat, float)
-TARVIK_SORT(sortDouble, double)
+TARVIK_SORTS(TARVIK_SORT)
 #undef TARVIK_SORT
 
 }  // namespace morvend::image

@@ -11,7 +11,9 @@
 #include <chrono>
 #include <cstdio>
 #include <limits>
+#include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace tarvik::bench {
 
@@ -27,6 +29,23 @@ inline double pythonSeconds(const std::string& script, const std::string& argume
         ::pclose(child);
     }
     return seconds;
+}
+
+/// The same. @throws std::runtime_error when it fails
+inline double neededPythonSeconds(const std::string& script, const std::string& arguments)
+{
+    const double seconds = pythonSeconds(script, arguments);
+    if (!(seconds > 0))
+        throw std::runtime_error("the peer gave no time: " + script + ' ' + arguments);
+    return seconds;
+}
+
+/// The value in the middle, the upper one of two.
+inline double median(std::vector<double> values)
+{
+    std::ranges::nth_element(values,
+                             values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2));
+    return values[values.size() / 2];
 }
 
 /// Times the iterations of a benchmark; reports the shortest one in milliseconds, and how many

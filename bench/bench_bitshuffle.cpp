@@ -4,6 +4,7 @@
 // One HDF5 frame from its file to its pixels, the raw read included, against h5py with the filter
 // plug-ins of Debian, and plain LZ4 chunks against liblz4 alone.
 #include "bench/HwyTarget.h"
+#include "bench/Peer.h"
 #include "imagelib/codec/Bitshuffle.h"
 #include "imagelib/codec/ChunkDecoder.h"
 #include "imagelib/codec/Deflate.h"
@@ -12,7 +13,6 @@
 #include "imagelib/image/MImage.h"
 #include "imagelib/io/formats/hdf5/library/Hdf5Filters.h"
 #include "imagelib/io/formats/hdf5/library/Hdf5Handles.h"
-#include "tests/support/SourcePath.h"
 #include "tests/support/TempFolder.h"
 
 #include <benchmark/benchmark.h>
@@ -33,6 +33,8 @@ using namespace morvend::imglib::hdf5;
 using codec::ChunkFilter;
 using codec::ChunkPipeline;
 using Clock = std::chrono::steady_clock;
+using tarvik::bench::median;
+using tarvik::bench::neededPythonSeconds;
 using Bytes = std::vector<std::byte>;
 
 constexpr std::size_t Frames = 3;
@@ -130,25 +132,6 @@ Stored store(const std::string& path, const Size& size, Kind kind)
     return stored;
 }
 
-double peerSeconds(const std::string& path, int rounds)
-{
-    const std::string command = TARVIK_PYTHON " " +
-                                tarvik::tests::sourcePath("/bench/peer_h5py.py ") + path +
-                                " data " + std::to_string(rounds);
-    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(::popen(command.c_str(), "r"), ::pclose);
-    double seconds = 0;
-    if (!pipe || std::fscanf(pipe.get(), "%lf", &seconds) != 1)
-        throw MRuntimeException("the peer gave no time: " + command);
-    return seconds;
-}
-
-double median(std::vector<double> values)
-{
-    std::nth_element(values.begin(), values.begin() + static_cast<long>(values.size() / 2),
-                     values.end());
-    return values[values.size() / 2];
-}
-
 double since(Clock::time_point begin)
 {
     return std::chrono::duration<double>(Clock::now() - begin).count();
@@ -159,7 +142,7 @@ void readFrames(benchmark::State& state, const Size& size, const Kind& kind)
 {
     const tarvik::tests::TempFolder folder;
     const Stored stored = store<T>(folder / "frames.h5", size, kind);
-    const double peer = peerSeconds(stored.path, 5);
+    const double peer = neededPythonSeconds("peer_h5py.py", stored.path + " data 5");
     const File file(H5Fopen(stored.path.c_str(), H5F_ACC_RDONLY, H5P_DEFAULT), "open", stored.path);
     const Dataset data(H5Dopen2(file.id(), "data", H5P_DEFAULT), "open", stored.path);
     imglib::MImage image(static_cast<int>(size.width), static_cast<int>(size.height), T(0));

@@ -4,11 +4,11 @@
 // Colours of whole frames with all special cases on, against the same transfer function in NumPy,
 // and the default contrast against one read of image and mask. One thread.
 #include "bench/HwyTarget.h"
+#include "bench/Peer.h"
 #include "imagelib/display/MColorMap.h"
 #include "imagelib/display/MColorTable.h"
 #include "imagelib/display/MContrast.h"
 #include "imagelib/image/MImage.h"
-#include "tests/support/SourcePath.h"
 #include "tests/support/TempFolder.h"
 
 #include <benchmark/benchmark.h>
@@ -26,6 +26,8 @@ namespace {
 using namespace morvend;
 using namespace morvend::imglib;
 using Clock = std::chrono::steady_clock;
+using tarvik::bench::median;
+using tarvik::bench::neededPythonSeconds;
 
 struct Size {
     const char* name;
@@ -102,22 +104,10 @@ double peerSeconds(const Frame& frame, const MColorTable& table, const char* typ
     folder.write("mask", bytes(frame.mask.cdata(), frame.mask.dataSize()));
     folder.write("linear", bytes(table.linData(), 4 * table.linDataSize()));
     folder.write("logarithmic", bytes(table.logData(), 4 * table.logDataSize()));
-    const std::string command = TARVIK_PYTHON " " +
-                                tarvik::tests::sourcePath("/bench/peer_numpy.py colormap ") +
-                                folder.path() + " " + type + " 5 " + std::to_string(foreground) +
-                                " " + std::to_string(background) + " " + std::to_string(cutoff);
-    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(::popen(command.c_str(), "r"), ::pclose);
-    double seconds = 0;
-    if (!pipe || std::fscanf(pipe.get(), "%lf", &seconds) != 1)
-        throw MRuntimeException("the peer gave no time: " + command);
-    return seconds;
-}
-
-double median(std::vector<double> values)
-{
-    std::nth_element(values.begin(), values.begin() + static_cast<long>(values.size() / 2),
-                     values.end());
-    return values[values.size() / 2];
+    return neededPythonSeconds("peer_numpy.py", "colormap " + folder.path() + ' ' + type + " 5 " +
+                                                    std::to_string(foreground) + ' ' +
+                                                    std::to_string(background) + ' ' +
+                                                    std::to_string(cutoff));
 }
 
 template <class Function>

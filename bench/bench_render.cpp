@@ -6,6 +6,7 @@
 // alone; and of the overlays during a pan. Where no display has graphics hardware this measures the
 // software renderer. Needs a display with OpenGL: xvfb-run -a -s "-screen 0 1600x1200x24"
 // bench_render.
+#include "bench/Peer.h"
 #include "gui/kit/Look.h"
 #include "gui/render/ImageTextures.h"
 #include "gui/render/OpenGlSupport.h"
@@ -33,6 +34,7 @@ using morvend::imglib::MDrawingEllipse;
 using morvend::imglib::MDrawingList;
 using morvend::imglib::MDrawingPixel;
 using morvend::imglib::MImage;
+using tarvik::bench::median;
 
 struct Size {
     int width, height;
@@ -237,12 +239,6 @@ void newImage(benchmark::State& state)
 double milliseconds(std::chrono::steady_clock::duration time)
 {
     return std::chrono::duration<double, std::milli>(time).count();
-}
-
-double median(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
 }
 
 /// Conversion and upload of one image after the other, until the card has them, against plain

@@ -4,6 +4,7 @@
 // Uncompressed EDF and TIFF files, from opening to the image, against plain reads of the same bytes
 // into memory that is reused. The files are in the page cache. The counter "ratio" is the median of
 // our times over that of the plain reads, measured by turns.
+#include "bench/Peer.h"
 #include "imagelib/image/MImage.h"
 #include "imagelib/io/formats/edf/EdfReader.h"
 #include "imagelib/io/formats/tiff/TiffReader.h"
@@ -25,6 +26,7 @@ namespace {
 
 using namespace morvend;
 using namespace morvend::imglib;
+using tarvik::bench::median;
 using tarvik::tests::TempFolder;
 using tarvik::tests::TiffBuilder;
 using Clock = std::chrono::steady_clock;
@@ -97,12 +99,6 @@ std::string writeOurs(const Size& size)
 double seconds(Clock::time_point since)
 {
     return std::chrono::duration<double>(Clock::now() - since).count();
-}
-
-double median(std::vector<double> times)
-{
-    std::ranges::nth_element(times, times.begin() + static_cast<std::ptrdiff_t>(times.size() / 2));
-    return times[times.size() / 2];
 }
 
 void plainRead(const std::string& path, image::PixelBuffer& target)

@@ -4,6 +4,7 @@
 // EDF blocks of every kind: types, headers, compression, several frames, pixels elsewhere, damage.
 #include "imagelib/io/formats/edf/EdfReader.h"
 #include "tests/imagelib/io/FileCases.h"
+#include "tests/support/EdfText.h"
 #include "tests/support/Packed.h"
 
 #include <sys/stat.h>
@@ -33,26 +34,11 @@ std::string valueBytes(const std::vector<std::uint16_t>& values, bool bigEndian 
     return bytes;
 }
 
-/// A header of statements, padded with blanks to a multiple of 512 bytes.
-std::string headerOf(const std::string& statements)
-{
-    std::string text = "{\n" + statements;
-    const std::size_t bytes = text.size() + 2;
-    text.append((bytes + 511) / 512 * 512 - bytes, ' ');
-    return text + "}\n";
-}
-
-/// A block of 16-bit pixels, `width` in a row; `more` statements replace earlier ones.
-std::string blockOf(int width, const std::vector<std::uint16_t>& pixels,
+/// A block of 16-bit pixels, `width` in a row.
+std::string blockOf(std::size_t width, const std::vector<std::uint16_t>& pixels,
                     const std::string& more = {})
 {
-    std::ostringstream header;
-    header << "HeaderID = EH:000001:000000:000000 ;\nByteOrder = LowByteFirst ;\n"
-           << "DataType = UnsignedShort ;\nDim_1 = " << width
-           << " ;\nDim_2 = " << pixels.size() / static_cast<std::size_t>(width)
-           << " ;\nSize = " << 2 * pixels.size() << " ;\n"
-           << more;
-    return headerOf(header.str()) + valueBytes(pixels);
+    return edfFrame(pixels, width, more);
 }
 
 }  // namespace
@@ -125,11 +111,11 @@ DoubleValue Double FloatIEEE64 DoubleIEEE64 Float64 | FLOAT64 1x1: 1449.43
         std::istringstream names(row[0]);
         for (std::string name; names >> name;) {
             const std::string keys = "Dim_1 = 1 ;\nDataType = " + name + " ;\nByteOrder = ";
-            EXPECT_EQ(shownFrame(headerOf(keys + "LowByteFirst ;\n") + low), shown) << name;
-            EXPECT_EQ(shownFrame(headerOf(keys + "HighByteFirst ;\n") + high), shown) << name;
+            EXPECT_EQ(shownFrame(edfHeader(keys + "LowByteFirst ;\n") + low), shown) << name;
+            EXPECT_EQ(shownFrame(edfHeader(keys + "HighByteFirst ;\n") + high), shown) << name;
         }
     }
-    EXPECT_EQ(shownFrame(headerOf("Dim_1 = 2 ;\n") + "\x01\x02\x03\x04"), "UINT16 2x1: 513 1027");
+    EXPECT_EQ(shownFrame(edfHeader("Dim_1 = 2 ;\n") + "\x01\x02\x03\x04"), "UINT16 2x1: 513 1027");
 }
 
 TEST(EdfHeader, OfEveryFormGivesTheSamePixels)
@@ -137,7 +123,7 @@ TEST(EdfHeader, OfEveryFormGivesTheSamePixels)
     const std::string keys = "DataType=UnsignedShort;Dim_1=2;Dim_2=2;Size=8;";
     // The last pixel is "}}": no end of a header is to be looked for in pixels.
     const std::string pixels = "\1\0\2\0\3\0}}"s;
-    std::vector<std::string> headers = {headerOf(keys)};
+    std::vector<std::string> headers = {edfHeader(keys)};
     for (const auto& row : rowsOf(R"(
 {KEYS}\n
 \n{\nKEYS}\n
@@ -199,20 +185,20 @@ TEST(EdfPacked, BlocksAreUnpackedAndDamageIsTold)
             const std::string header = keys + "Dim_2 = 2 ; ByteOrder = " +
                                        (bigEndian ? "HighByteFirst ;" : "LowByteFirst ;");
             const std::string block =
-                headerOf(header + "Size = " + std::to_string(packed.size()) + " ;") + packed;
-            const std::string bytes = block + block + headerOf(header) + packed;
+                edfHeader(header + "Size = " + std::to_string(packed.size()) + " ;") + packed;
+            const std::string bytes = block + block + edfHeader(header) + packed;
             for (const std::size_t frame : {0u, 1u, 2u})
                 EXPECT_EQ(shownFrame(bytes, frame), "UINT16 3x2: 1 2 3 4 5 65535");
         }
         const std::string packed = pack(valueBytes({1, 2, 3}));
-        EXPECT_EQ(failureOfBytes(headerOf(keys + "Dim_2 = 2 ;") + packed),
+        EXPECT_EQ(failureOfBytes(edfHeader(keys + "Dim_2 = 2 ;") + packed),
                   "EDF: pixel data of frame 0 ends after 6 of 12 bytes: /data/x");
-        EXPECT_THAT(failureOfBytes(headerOf("Dim_2 = 1 ;" + keys + "Dim_1 = 2 ;") + packed),
+        EXPECT_THAT(failureOfBytes(edfHeader("Dim_2 = 1 ;" + keys + "Dim_1 = 2 ;") + packed),
                     HasSubstr("unpack to more than 4 bytes: /data/x"));
-        EXPECT_THAT(failureOfBytes(headerOf(keys + "Dim_2 = 1000000000 ;") + packed),
+        EXPECT_THAT(failureOfBytes(edfHeader(keys + "Dim_2 = 1000000000 ;") + packed),
                     HasSubstr("compressed bytes can't hold the 6000000000 bytes of frame 0: /da"));
         for (std::size_t size = 0; size < packed.size(); ++size)
-            EXPECT_NE(failureOfBytes(headerOf(keys) + packed.substr(0, size)), "no failure");
+            EXPECT_NE(failureOfBytes(edfHeader(keys) + packed.substr(0, size)), "no failure");
     }
 }
 
@@ -235,8 +221,8 @@ TEST(EdfFrames, TakeDefaultsFromAGeneralHeader)
     const std::string general = "EDF_DataFormatVersion = 2.40 ;\nDataType = SignedByte ;\n"
                                 "SampleDistance = 0.5 ;\nWaveLength = 1e-10 ;\n";
     const std::string own = "Dim_1 = 2 ;\nWaveLength = 2e-10 ;\n";
-    const auto file = openBytes(openEdf, headerOf(general) + headerOf(own) + "\1\2" +
-                                             headerOf("Dim_1 = 1 ;\n") + "\3");
+    const auto file = openBytes(openEdf, edfHeader(general) + edfHeader(own) + "\1\2" +
+                                             edfHeader("Dim_1 = 1 ;\n") + "\3");
     ASSERT_EQ(file->frameCount(), 2u);
     const MImage first = file->frame(0);
     EXPECT_EQ(shown(first), "INT8 2x1: 1 2");
@@ -255,10 +241,10 @@ TEST(EdfFrames, OfAStackAreItsPlanes)
     EXPECT_EQ(shown(file->frame(3)), "UINT16 1x1: 99");
     EXPECT_EQ(shown(file->frame(6)), "UINT16 2x2: 9 10 11 12");
     const std::string packed = gzipPacked(valueBytes({1, 2, 3, 4}));
-    EXPECT_EQ(shownFrame(headerOf("Dim_1=1;Dim_2=2;Dim_3=2;Compression=gzip;") + packed, 1),
+    EXPECT_EQ(shownFrame(edfHeader("Dim_1=1;Dim_2=2;Dim_3=2;Compression=gzip;") + packed, 1),
               "UINT16 1x2: 3 4");
     // A compressed block of this size could hold the terabyte that its header announces.
-    const std::string header = headerOf("Dim_1=512;Dim_2=1;Dim_3=1073741824;Compression=bzip2;");
+    const std::string header = edfHeader("Dim_1=512;Dim_2=1;Dim_3=1073741824;Compression=bzip2;");
     EXPECT_THAT(failureOfBytes(header + std::string(std::size_t(600) << 10, 'x')),
                 HasSubstr("Not enough memory"));
 }
@@ -338,7 +324,7 @@ folder | it is a directory: FOLDER/folder
 pipe | it is no regular file: FOLDER/pipe
 )")) {
         const std::string path = folder.write(
-            "x.edf", headerOf("Dim_1 = 2 ;\nEDF_BinaryFileName = " + row.at(0) + " ;\n"));
+            "x.edf", edfHeader("Dim_1 = 2 ;\nEDF_BinaryFileName = " + row.at(0) + " ;\n"));
         const auto file = openEdf(ByteSource::open(path));
         EXPECT_EQ(file->framePath(0), path);
         std::string expected = row.at(1);
@@ -376,7 +362,7 @@ EDF_BinaryFileName = a/.. ;   | EDF_BinaryFileName can't be "a/.."
         EXPECT_THAT(text, HasSubstr(row.at(1)));
         EXPECT_THAT(text, EndsWith(": /data/x"));
     }
-    EXPECT_THAT(failureOfBytes(headerOf("DataType = UnsignedShort ;\n") + "ab"),
+    EXPECT_THAT(failureOfBytes(edfHeader("DataType = UnsignedShort ;\n") + "ab"),
                 HasSubstr("the header has no Dim_1"));
 }
 

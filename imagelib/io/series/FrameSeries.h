@@ -4,8 +4,8 @@
 // The frames of one container: a file of several images, an HDF5 master, or a file without number.
 #pragma once
 
+#include "imagelib/io/formats/base/FileStamp.h"
 #include "imagelib/io/formats/base/ImageFile.h"
-#include "imagelib/io/series/FileStamp.h"
 #include "imagelib/io/series/Series.h"
 
 #include <chrono>

@@ -4,7 +4,7 @@
 // The image that a movie waits for.
 #pragma once
 
-#include "imagelib/io/series/FileStamp.h"
+#include "imagelib/io/formats/base/FileStamp.h"
 
 #include <chrono>
 

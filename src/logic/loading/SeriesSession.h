@@ -5,7 +5,7 @@
 #pragma once
 
 #include "imagelib/io/MImageSeries.h"
-#include "imagelib/io/series/FileStamp.h"
+#include "imagelib/io/formats/base/FileStamp.h"
 #include "logic/loading/AwaitedImage.h"
 #include "logic/loading/LoaderData.h"
 #include "logic/loading/MaskFixup.h"

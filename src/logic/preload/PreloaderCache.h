@@ -5,7 +5,7 @@
 #pragma once
 
 #include "imagelib/image/MImage.h"
-#include "imagelib/io/series/FileStamp.h"
+#include "imagelib/io/formats/base/FileStamp.h"
 
 #include <atomic>
 #include <cstdint>

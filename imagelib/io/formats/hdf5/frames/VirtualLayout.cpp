@@ -242,7 +242,7 @@ ObjectPath VirtualLayout::_sourceOf(const Mapping& mapping, hsize_t block) const
         return {own, path};
     const std::string located = OpenFiles::locate(own, file);
     // Some writers store their own file's name, which a renamed file no longer has.
-    if (!FileState::of(located).exists() && path != _set.path() &&
+    if (!FileStamp(located).exists() && path != _set.path() &&
         H5Lexists(_set.file()->id(), path.c_str(), H5P_DEFAULT) > 0)
         return {own, path};
     takeErrorText();

@@ -14,7 +14,6 @@
 #include <filesystem>
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace morvend::imglib::hdf5 {
@@ -197,23 +196,13 @@ private:
 
 }  // namespace
 
-FileState FileState::of(const std::string& path)
-{
-    struct stat status = {};
-    if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode))
-        return {};
-    return {static_cast<std::uint64_t>(status.st_dev), static_cast<std::uint64_t>(status.st_ino),
-            static_cast<std::uint64_t>(status.st_size),
-            std::int64_t(status.st_mtim.tv_sec) * 1'000'000'000 + status.st_mtim.tv_nsec};
-}
-
 Hdf5File::Hdf5File(const std::string& path)
     : _path(path)
-    , _state(FileState::of(path))
+    , _stamp(path)
 {
     silenceErrors();
     registerFilters();
-    if (!_state.exists())
+    if (!_stamp.exists())
         throw MNoFileAccessException("HDF5: there is no such file: " + path);
     const Properties access = sourceAccess();
     _file = File(H5Fopen(path.c_str(), H5F_ACC_RDONLY, access.id()));

@@ -5,6 +5,7 @@
 // links from file to file.
 #pragma once
 
+#include "imagelib/io/formats/base/FileStamp.h"
 #include "imagelib/io/formats/hdf5/library/Hdf5Handles.h"
 
 #include <cstdint>
@@ -15,19 +16,6 @@
 #include <vector>
 
 namespace morvend::imglib::hdf5 {
-
-/// Tells one state of a file on disk from another.
-struct FileState {
-    std::uint64_t device = 0;
-    std::uint64_t node = 0;
-    std::uint64_t size = 0;
-    std::int64_t changed = 0;  // nanoseconds
-    bool operator==(const FileState&) const = default;
-
-    /// The state of a path now; all zero when there is no regular file.
-    static FileState of(const std::string& path);
-    bool exists() const { return *this != FileState(); }
-};
 
 /// An open file. Holds no lock, so that a writer may go on; what it shows is the state at opening.
 /// Thread: any, one at a time.
@@ -41,13 +29,13 @@ public:
     hid_t id() const { return _file.id(); }
     /// Bytes of the file at opening: what it holds can't be larger than this times the best ratio
     /// of a compression.
-    std::uint64_t size() const { return _state.size; }
+    std::uint64_t size() const { return _stamp.size(); }
     /// Is the file on disk still the one that was opened, unchanged?
-    bool current() const { return FileState::of(_path) == _state; }
+    bool current() const { return FileStamp(_path) == _stamp; }
 
 private:
     std::string _path;
-    FileState _state;
+    FileStamp _stamp;
     File _file;
 };
 

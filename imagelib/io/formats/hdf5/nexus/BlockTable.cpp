@@ -61,7 +61,7 @@ FrameSourcePtr BlockTable::_setOf(Block& block)
 bool BlockTable::_fileExists(Block& block)
 {
     try {
-        return FileState::of(_target(block).file).exists();
+        return FileStamp(_target(block).file).exists();
     } catch (const MException&) {
         return false;  // a damaged link leads to nothing that exists
     }
@@ -231,8 +231,7 @@ std::string BlockTable::path(std::size_t position)
     try {
         Block& block = _blocks[at->block];
         const std::string file = _target(block).file;
-        const FrameSourcePtr set =
-            FileState::of(file).exists() ? _sets->at(*block.target) : nullptr;
+        const FrameSourcePtr set = FileStamp(file).exists() ? _sets->at(*block.target) : nullptr;
         return set && at->frame < set->frames() ? set->holder(at->frame) : file;
     } catch (const MException&) {
         const Block& block = _blocks[at->block];

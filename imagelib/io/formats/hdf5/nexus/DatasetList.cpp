@@ -129,7 +129,7 @@ private:
     bool _fileExists(const std::string& block)
     {
         try {
-            return FileState::of(_files.target(_browser.file(), block).file).exists();
+            return FileStamp(_files.target(_browser.file(), block).file).exists();
         } catch (const MException&) {
             return false;
         }

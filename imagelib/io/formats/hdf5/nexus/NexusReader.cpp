@@ -54,7 +54,7 @@ private:
     struct State {
         std::string source;   // the file of links and header: the master, if there is one
         std::string dataset;  // empty for what the file shows by itself
-        FileState sourceState;
+        FileStamp sourceState;
         std::vector<std::string> dataFiles;  // of a series without a master
         NexusHeader header;
         BlockTable blocks;
@@ -117,7 +117,7 @@ bool NexusSeries::_openMaster(const std::string& path)
 
 NexusSeries::State NexusSeries::_load(const std::string& source)
 {
-    const FileState sourceState = FileState::of(source);
+    const FileStamp sourceState(source);
     const Hdf5FilePtr file = _files.file(source);
     const ImageLinks images =
         _dataset.empty() ? findImages(_files, file) : findImagesAt(_files, file, _dataset);
@@ -139,7 +139,7 @@ bool NexusSeries::_isOwnChoice(const Hdf5FilePtr& file, const ImageLinks& images
 
 NexusSeries::State NexusSeries::_loadDataFiles(const std::string& path)
 {
-    const FileState sourceState = FileState::of(path);
+    const FileStamp sourceState(path);
     const Hdf5FilePtr file = _files.file(path);
     const ImageLinks images = findImages(_files, file);
     NexusHeader header(readMetadata(_files, file), images.entry, images.detector);
@@ -210,7 +210,7 @@ void NexusSeries::update()
 
 void NexusSeries::_updateState()
 {
-    const bool changed = FileState::of(_state->source) != _state->sourceState;
+    const bool changed = FileStamp(_state->source) != _state->sourceState;
     if (!_state->dataFiles.empty() && (changed || dataFilesBeside(_path) != _state->dataFiles)) {
         _state = _loadDataFiles(_path);
         return;

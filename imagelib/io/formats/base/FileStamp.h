@@ -13,11 +13,13 @@ namespace morvend::imglib {
 class FileStamp {
 public:
     FileStamp() = default;
-    /// Of the file at `path` now; of no file when there is none.
+    /// Of the regular file at `path` now; of no file when there is none.
     explicit FileStamp(const std::string& path);
 
     /// Is there a file at all?
     bool exists() const { return _exists; }
+    /// In bytes; 0 when there is none.
+    std::uint64_t size() const { return _size; }
     /// The same file, whatever was written into it?
     bool sameFile(const FileStamp& other) const
     {
@@ -32,7 +34,7 @@ private:
     bool _exists = false;
     std::uint64_t _device = 0;
     std::uint64_t _node = 0;
-    std::int64_t _size = 0;
+    std::uint64_t _size = 0;
     std::int64_t _seconds = 0;
     std::int64_t _nanoseconds = 0;
 };

@@ -1,31 +1,55 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Rethrowing an exception as its own type.
+// The list of all classes, and what needs it.
 #include "imagelib/image/MException.h"
 
-namespace morvend::imglib {
+// Those derived before their bases, since the first that fits is taken.
+#define TARVIK_FOR_EACH_EXCEPTION(X)                                                               \
+    X(MMemoryException)                                                                            \
+    X(MReaderGoneException)                                                                        \
+    X(MRuntimeException)                                                                           \
+    X(MOutOfRangeException)                                                                        \
+    X(MBadParameterException)                                                                      \
+    X(MNoFileAccessException)                                                                      \
+    X(MUnknownFormatException)                                                                     \
+    X(MNotImplementedException)                                                                    \
+    X(MTimeoutException)                                                                           \
+    X(MPeerGoneException)                                                                          \
+    X(MHttpException)                                                                              \
+    X(MTerminateException)                                                                         \
+    X(MException)
 
-namespace {
+namespace morvend {
 
-template <class First, class... Rest>
-void throwAsFirstMatch(const std::exception& exception)
+const char* exceptionClass(const std::exception& exception)
 {
-    if (const auto* match = dynamic_cast<const First*>(&exception))
-        throw First(*match);
-    if constexpr (sizeof...(Rest) > 0)
-        throwAsFirstMatch<Rest...>(exception);
+#define TARVIK_NAME(Class)                                                                         \
+    if (dynamic_cast<const Class*>(&exception))                                                    \
+        return #Class;
+    TARVIK_FOR_EACH_EXCEPTION(TARVIK_NAME)
+#undef TARVIK_NAME
+    return "MRuntimeException";
 }
 
-}  // namespace
-
-void forwardException(const std::exception& exception)
+void throwException(const std::string& className, const std::string& message)
 {
-    throwAsFirstMatch<MRuntimeException, MOutOfRangeException, MBadParameterException,
-                      MNoFileAccessException, MUnknownFormatException, MNotImplementedException,
-                      MTimeoutException, MHttpException, MTerminateException, MException>(
-        exception);
+#define TARVIK_THROW(Class)                                                                        \
+    if (className == #Class)                                                                       \
+        throw Class(message);
+    TARVIK_FOR_EACH_EXCEPTION(TARVIK_THROW)
+#undef TARVIK_THROW
+    throw MRuntimeException(message);
+}
+
+void imglib::forwardException(const std::exception& exception)
+{
+#define TARVIK_FORWARD(Class)                                                                      \
+    if (const auto* match = dynamic_cast<const Class*>(&exception))                                \
+        throw Class(*match);
+    TARVIK_FOR_EACH_EXCEPTION(TARVIK_FORWARD)
+#undef TARVIK_FORWARD
     throw MRuntimeException(exception.what());
 }
 
-}  // namespace morvend::imglib
+}  // namespace morvend

@@ -79,7 +79,17 @@ private:
     double _elapsed;
 };
 
-namespace imglib {
+/// The other end of a connection closed it or died, and what it had sent has been received.
+class MPeerGoneException : public MException {
+public:
+    using MException::MException;
+};
+
+/// The process that read a file has crashed, ended or talked nonsense in the middle of a request.
+class MReaderGoneException : public MRuntimeException {
+public:
+    using MRuntimeException::MRuntimeException;
+};
 
 /// A request to a detector that failed at the protocol level.
 class MHttpException : public MException {
@@ -92,6 +102,18 @@ class MTerminateException : public MException {
 public:
     using MException::MException;
 };
+
+/// The class of a failure by its name, as it travels between processes: the first class of this
+/// file that the exception is, those derived before their bases; "MRuntimeException" for all else.
+const char* exceptionClass(const std::exception& exception);
+/// Throws an exception of a class by its name; an MRuntimeException for a name that is none.
+[[noreturn]] void throwException(const std::string& className, const std::string& message);
+
+namespace imglib {
+
+// Callers know these two by this namespace.
+using morvend::MHttpException;
+using morvend::MTerminateException;
 
 /// Rethrows an exception as its own type in a context that has only the base: each class of this
 /// file as itself, anything else as an MRuntimeException with the same text.

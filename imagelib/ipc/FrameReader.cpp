@@ -4,7 +4,7 @@
 // recvmsg with descriptors, and frames out of the stream.
 #include "imagelib/ipc/FrameReader.h"
 
-#include "imagelib/ipc/MPeerGoneException.h"
+#include "imagelib/image/MException.h"
 #include "imagelib/ipc/WireBytes.h"
 
 #include <algorithm>

@@ -5,7 +5,7 @@
 #include "imagelib/ipc/FrameWriter.h"
 
 #include "imagelib/image/Assert.h"
-#include "imagelib/ipc/MPeerGoneException.h"
+#include "imagelib/image/MException.h"
 
 #include <array>
 #include <cerrno>

@@ -5,8 +5,8 @@
 #pragma once
 
 #include "imagelib/display/MDrawingList.h"
+#include "imagelib/image/MException.h"
 #include "imagelib/image/MImage.h"
-#include "imagelib/ipc/MPeerGoneException.h"
 
 #include <chrono>
 #include <cstdint>

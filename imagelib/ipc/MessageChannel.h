@@ -4,7 +4,7 @@
 // Messages over a connected Unix socket, such as a pair between a parent and its child.
 #pragma once
 
-#include "imagelib/ipc/MPeerGoneException.h"
+#include "imagelib/image/MException.h"
 #include "imagelib/ipc/SegmentPool.h"
 #include "imagelib/ipc/UniqueFd.h"
 #include "imagelib/ipc/WireFormat.h"

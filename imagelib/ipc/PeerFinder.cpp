@@ -4,7 +4,7 @@
 // Listening, connecting and the exchange of hellos.
 #include "imagelib/ipc/PeerFinder.h"
 
-#include "imagelib/ipc/MPeerGoneException.h"
+#include "imagelib/image/MException.h"
 
 #include <cstdio>
 

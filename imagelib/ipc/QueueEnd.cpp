@@ -5,7 +5,6 @@
 #include "imagelib/ipc/QueueEnd.h"
 
 #include "imagelib/image/Assert.h"
-#include "imagelib/ipc/MPeerGoneException.h"
 
 #include <algorithm>
 #include <map>

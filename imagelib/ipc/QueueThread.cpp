@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: MIT
 //
 // The thread of a queue's end: it finds peers, notices their going, and writes what had to wait.
-#include "imagelib/ipc/MPeerGoneException.h"
 #include "imagelib/ipc/QueueEnd.h"
 
 #include <array>

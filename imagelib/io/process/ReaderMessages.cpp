@@ -81,21 +81,6 @@ std::string numberOf(Enumeration value)
     return std::to_string(static_cast<unsigned>(value));
 }
 
-/// Calls visit.template operator()<Class>(name) for the exceptions that keep their class.
-template <class Visit>
-void forEachException(Visit&& visit)
-{
-#define TARVIK_EXCEPTION(Class) visit.template operator()<Class>(#Class);
-    TARVIK_EXCEPTION(MRuntimeException)
-    TARVIK_EXCEPTION(MOutOfRangeException)
-    TARVIK_EXCEPTION(MBadParameterException)
-    TARVIK_EXCEPTION(MNoFileAccessException)
-    TARVIK_EXCEPTION(MUnknownFormatException)
-    TARVIK_EXCEPTION(MNotImplementedException)
-    TARVIK_EXCEPTION(MTimeoutException)
-#undef TARVIK_EXCEPTION
-}
-
 constexpr std::uint64_t MostFrames = UINT64_MAX;
 constexpr std::uint32_t MostNumber = INT32_MAX;
 
@@ -120,22 +105,11 @@ ReaderRequest ReaderRequest::fromText(const std::string& text)
 
 void ReaderAnswer::fail(const std::exception& error)
 {
-    exception = "MRuntimeException";
+    exception = exceptionClass(error);
     message = error.what();
-    forEachException([&]<class Class>(const char* name) {
-        if (dynamic_cast<const Class*>(&error))
-            exception = name;
-    });
 }
 
-void ReaderAnswer::rethrow() const
-{
-    forEachException([&]<class Class>(const char* name) {
-        if (exception == name)
-            throw Class(message);
-    });
-    throw MRuntimeException(message);
-}
+void ReaderAnswer::rethrow() const { throwException(exception, message); }
 
 std::string ReaderAnswer::toText() const
 {

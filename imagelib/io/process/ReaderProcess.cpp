@@ -4,7 +4,7 @@
 // Starting, asking and ending of a reader.
 #include "imagelib/io/process/ReaderProcess.h"
 
-#include "imagelib/io/process/MReaderGoneException.h"
+#include "imagelib/image/MException.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -4,7 +4,7 @@
 // Requests to a reader, and what becomes of them when it dies.
 #include "imagelib/io/process/RemoteFile.h"
 
-#include "imagelib/io/process/MReaderGoneException.h"
+#include "imagelib/image/MException.h"
 
 #include <cstdio>
 #include <utility>

@@ -6,7 +6,6 @@
 
 #include "imagelib/image/MException.h"
 #include "imagelib/io/formats/base/ImagePath.h"
-#include "imagelib/io/process/MReaderGoneException.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -6,7 +6,6 @@
 
 #include "imagelib/image/MException.h"
 #include "imagelib/io/MImageSeries.h"
-#include "imagelib/io/process/MReaderGoneException.h"
 
 #include <algorithm>
 

@@ -3,10 +3,13 @@
 //
 // Names of pixel types, dispatch over one and two of them, and the exceptions.
 #include "imagelib/image/BinaryDispatcher.h"
+#include "imagelib/image/ErrorPlace.h"
 #include "imagelib/image/MImage.h"
 
 #include <gmock/gmock.h>
 
+#include <stdexcept>
+#include <typeinfo>
 #include <utility>
 
 using namespace morvend;
@@ -85,5 +88,22 @@ TEST(Exceptions, AreRethrownAsTheirOwnType)
     }
     EXPECT_THROW(rethrow(MNoFileAccessException("x")), MNoFileAccessException);
     EXPECT_THROW(rethrow(imglib::MTerminateException("x")), imglib::MTerminateException);
+    EXPECT_THROW(rethrow(MReaderGoneException("x")), MReaderGoneException);
     EXPECT_THROW(rethrow(std::out_of_range("y")), MRuntimeException);
+}
+
+TEST(Exceptions, GetThePlaceThatTheyCannotKnow)
+{
+    const auto textOf = [](const auto& error) {
+        try {
+            imglib::withPlace([] { return std::string("/data/x"); }, [&] { throw error; });
+        } catch (const MRuntimeException& failure) {
+            return std::string(typeid(failure) == typeid(MRuntimeException) ? failure.what() : "");
+        }
+        return std::string();
+    };
+    EXPECT_EQ(textOf(MMemoryException("no room")), "no room: /data/x");
+    EXPECT_EQ(textOf(std::bad_alloc()), "Not enough memory: /data/x");
+    EXPECT_EQ(textOf(std::length_error("too long")), "too long: /data/x");
+    EXPECT_EQ(textOf(MRuntimeException("bad: /data/y")), "bad: /data/y");
 }

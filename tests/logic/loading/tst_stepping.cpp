@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 //
 // Steps through a series: what they count from, go over and say.
+#include "imagelib/image/MException.h"
 #include "imagelib/io/MImageSeries.h"
-#include "imagelib/io/process/MReaderGoneException.h"
 #include "logic/loading/ImageLoader.h"
 #include "logic/loading/Steps.h"
 #include "tests/support/EdfFile.h"

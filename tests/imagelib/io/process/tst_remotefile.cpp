@@ -297,6 +297,8 @@ TEST(ReaderMessages, FailuresKeepTheirClass)
     expectKeepsItsClass<MUnknownFormatException>();
     expectKeepsItsClass<MNotImplementedException>();
     expectKeepsItsClass<MTimeoutException>();
+    expectKeepsItsClass<MTerminateException>();
+    expectKeepsItsClass<MException>();
     ReaderAnswer answer;
     answer.fail(std::runtime_error(std::string("a\0b", 3)));
     EXPECT_THROW(ReaderAnswer::fromText(answer.toText()).rethrow(), MRuntimeException);

@@ -3,7 +3,7 @@
 //
 // Frames of one container under numbers, with a container that the test controls, and which files
 // belong to the series of a file name.
-#include "imagelib/io/process/MReaderGoneException.h"
+#include "imagelib/image/MException.h"
 #include "imagelib/io/series/FrameSeries.h"
 #include "imagelib/io/series/SeriesFinder.h"
 #include "tests/imagelib/io/FileCases.h"

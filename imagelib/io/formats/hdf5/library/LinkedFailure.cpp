@@ -6,28 +6,11 @@
 
 namespace morvend::imglib::hdf5 {
 
-namespace {
-
-template <class... Classes>
-void throwAsFirstMatch(const MException& error, const std::string& text)
-{
-    const auto throwIf = [&]<class Class>(const Class* match) {
-        if (match)
-            throw Class(text);
-    };
-    (throwIf(dynamic_cast<const Classes*>(&error)), ...);
-}
-
-}  // namespace
-
 void rethrowWith(const MException& error, const std::string& more)
 {
     if (const auto* memory = dynamic_cast<const MMemoryException*>(&error))
         throw MMemoryException(*memory);
-    const std::string text = error.what() + more;
-    throwAsFirstMatch<MOutOfRangeException, MNoFileAccessException, MUnknownFormatException,
-                      MNotImplementedException>(error, text);
-    throw MRuntimeException(text);
+    throwException(exceptionClass(error), error.what() + more);
 }
 
 }  // namespace morvend::imglib::hdf5

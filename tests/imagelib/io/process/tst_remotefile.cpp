@@ -129,7 +129,7 @@ TEST(RemoteFile, AReaderThatFailsCostsOneRequestAlone)
     } cases[] = {{Violates, "ended with signal 11 (Segmentation fault) while reading image 2"},
                  {Aborts, "ended with signal 6 (Aborted) while reading image 3"},
                  {Exits, "ended with exit code 3 while reading image 4"},
-                 {Throws, "an exception of another family"},
+                 {Throws, "an exception of another family: /data/strange"},
                  {MasksItsMask, "Queue: a mask can't have a mask of its own: /data/9"}};
     RemoteFile file = openStrange();
     const MImage kept = file.frame(Good);

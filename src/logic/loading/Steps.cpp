@@ -13,7 +13,7 @@
 
 Steps::Failure::Failure(const morvend::MException& error)
     : reason(error.what())
-    , crashed(dynamic_cast<const morvend::imglib::MReaderGoneException*>(&error))
+    , crashed(dynamic_cast<const morvend::MReaderGoneException*>(&error))
 {}
 
 int Steps::to(int from, int n)

@@ -82,7 +82,7 @@ TEST_F(Files, StepsLeadOverGapsAndNotBeyondTheEnds)
 
 TEST_F(Files, SearchesEndAfterAFewCrashes)
 {
-    using morvend::imglib::MReaderGoneException;
+    using morvend::MReaderGoneException;
     writeAll(1, 9);
     MImageSeries series(1);
     series.open(path(1));

@@ -9,9 +9,9 @@
 #include "bench/PlainChain.h"
 #include "imagelib/io/FormatRegistry.h"
 #include "imagelib/ipc/MMessageQueue.h"
-#include "logic/PreloaderService.h"
 #include "logic/loading/StepTimes.h"
 #include "logic/preload/PreloaderProcess.h"
+#include "logic/preload/PreloaderService.h"
 #include "logic/support/Console.h"
 
 #include <QCoreApplication>

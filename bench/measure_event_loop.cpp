@@ -9,9 +9,9 @@
 #include "gui/kit/Look.h"
 #include "gui/window/MainWindow.h"
 #include "gui/window/SubWindow.h"
-#include "logic/TarvikService.h"
+#include "logic/core/TarvikCore.h"
+#include "logic/service/TarvikService.h"
 #include "logic/support/Console.h"
-#include "logic/tarvikcore.h"
 
 #include <QApplication>
 #include <QElapsedTimer>

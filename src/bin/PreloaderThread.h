@@ -4,7 +4,7 @@
 // The one worker of the preloader process.
 #pragma once
 
-#include "logic/PreloaderService.h"
+#include "logic/preload/PreloaderService.h"
 
 #include <QThread>
 

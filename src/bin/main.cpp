@@ -10,11 +10,11 @@
 #include "gui/kit/Look.h"
 #include "gui/window/MainWindow.h"
 #include "imagelib/io/FormatRegistry.h"
+#include "logic/core/TarvikCore.h"
 #include "logic/loading/WorkerPool.h"
 #include "logic/preload/PreloaderProcess.h"
 #include "logic/support/Assert.h"
 #include "logic/support/Console.h"
-#include "logic/tarvikcore.h"
 
 #include <QFile>
 

@@ -5,13 +5,13 @@
 #include "bin/image/Play.h"
 
 #include "imagelib/ipc/MMessageQueue.h"
-#include "logic/TarvikService.h"
+#include "logic/core/TarvikCore.h"
 #include "logic/loading/StepTimes.h"
 #include "logic/preload/PreloaderClient.h"
 #include "logic/preload/PreloaderProcess.h"
+#include "logic/service/TarvikService.h"
 #include "logic/support/Console.h"
 #include "logic/support/FailureSummary.h"
-#include "logic/tarvikcore.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

@@ -8,7 +8,7 @@
 #include "gui/render/OpenGlSupport.h"
 #include "gui/render/SceneRenderer.h"
 #include "gui/render/gestures/ZoomPan.h"
-#include "logic/TarvikService.h"
+#include "logic/service/TarvikService.h"
 #include "logic/support/Console.h"
 
 #include <QMouseEvent>

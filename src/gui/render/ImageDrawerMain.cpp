@@ -12,7 +12,7 @@
 #include "gui/render/overlays/Peaks.h"
 #include "gui/render/overlays/PixelValues.h"
 #include "gui/render/overlays/Region.h"
-#include "logic/TarvikService.h"
+#include "logic/service/TarvikService.h"
 
 #include <QGuiApplication>
 #include <QMouseEvent>

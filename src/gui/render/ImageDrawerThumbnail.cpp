@@ -7,7 +7,7 @@
 #include "gui/render/ImageDrawerMain.h"
 #include "gui/render/ThumbnailFrame.h"
 #include "gui/render/gestures/ZoomPan.h"
-#include "logic/TarvikService.h"
+#include "logic/service/TarvikService.h"
 
 #include <QEvent>
 #include <QWheelEvent>

@@ -14,8 +14,8 @@
 #include "gui/window/OpenFileDialog.h"
 #include "gui/window/SubWindow.h"
 #include "gui/window/ToolBarStyle.h"
-#include "logic/TarvikService.h"
-#include "logic/tarvikcore.h"
+#include "logic/core/TarvikCore.h"
+#include "logic/service/TarvikService.h"
 
 #include <QCoreApplication>
 #include <QDropEvent>

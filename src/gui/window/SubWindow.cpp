@@ -9,7 +9,7 @@
 #include "gui/window/DroppedFiles.h"
 #include "gui/window/SubWindowTitleBar.h"
 #include "imagelib/display/MColorTable.h"
-#include "logic/TarvikService.h"
+#include "logic/service/TarvikService.h"
 
 #include <QDropEvent>
 #include <QFile>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "logic/core/ObjectGenerator.h"
 
-#include "logic/tarvikcore.h"
+#include "logic/core/TarvikCore.h"
 
 #include <QThread>
 

@@ -4,7 +4,7 @@
 // The records of a view that its group shares.
 #pragma once
 
-#include "logic/core/RecordGroups.h"
+#include "logic/records/RecordGroups.h"
 #include "logic/service/ViewRegion.h"
 
 #include <QObject>

@@ -4,7 +4,6 @@
 // The parts of a view's service.
 #pragma once
 
-#include "logic/TarvikService.h"
 #include "logic/detector/HalvoClient.h"
 #include "logic/service/Arrival.h"
 #include "logic/service/AutoModes.h"
@@ -12,6 +11,7 @@
 #include "logic/service/Opening.h"
 #include "logic/service/Records.h"
 #include "logic/service/ShownImage.h"
+#include "logic/service/TarvikService.h"
 #include "logic/service/ViewDriver.h"
 
 #include <array>

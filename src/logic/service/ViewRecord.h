@@ -4,7 +4,7 @@
 // A view's own record of one kind and its place in a group.
 #pragma once
 
-#include "logic/core/SyncGroups.h"
+#include "logic/records/SyncGroups.h"
 
 #include <functional>
 #include <string>

@@ -6,8 +6,8 @@
 
 #include "gui/render/ImageDrawerMain.h"
 #include "imagelib/display/MColorTable.h"
-#include "logic/TarvikService.h"
-#include "logic/tarvikcore.h"
+#include "logic/core/TarvikCore.h"
+#include "logic/service/TarvikService.h"
 #include "tests/support/Geometry.h"
 #include "tests/support/WaitFor.h"
 

@@ -5,7 +5,7 @@
 #pragma once
 
 #include "imagelib/display/MColorMap.h"
-#include "logic/TarvikService.h"
+#include "logic/service/TarvikService.h"
 
 #include <QColor>
 #include <QImage>

@@ -5,7 +5,7 @@
 #include "gui/window/MainWindowEventControl.h"
 
 #include "gui/window/MainWindow.h"
-#include "logic/tarvikcore.h"
+#include "logic/core/TarvikCore.h"
 #include "tests/support/WaitFor.h"
 
 #include <gtest/gtest.h>

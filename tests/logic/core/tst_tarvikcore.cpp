@@ -3,9 +3,9 @@
 //
 // Groups, their switches, services and objects made for other threads.
 #include "imagelib/display/MColorTable.h"
-#include "logic/TarvikService.h"
 #include "logic/core/ObjectGenerator.h"
-#include "logic/tarvikcore.h"
+#include "logic/core/TarvikCore.h"
+#include "logic/service/TarvikService.h"
 #include "tests/support/WaitFor.h"
 
 #include <QPointer>

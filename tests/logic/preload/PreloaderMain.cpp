@@ -3,7 +3,7 @@
 //
 // A preloader process for tests: PROGRAM --preloader QUEUE --parent-pid PID. A willing one, as
 // TARVIK_TEST_PRELOADER asks for, has an image for each request.
-#include "logic/PreloaderService.h"
+#include "logic/preload/PreloaderService.h"
 
 #include <csignal>
 #include <cstdlib>

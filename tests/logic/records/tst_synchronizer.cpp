@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 //
 // How a record spreads through a group, and where it ends.
+#include "logic/records/Synchronizer.h"
 #include "logic/records/ViewportData.h"
-#include "logic/synchronizer.h"
 
 #include <gtest/gtest.h>
 

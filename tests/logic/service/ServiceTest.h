@@ -5,8 +5,8 @@
 #pragma once
 
 #include "imagelib/display/MColorTable.h"
-#include "logic/TarvikService.h"
-#include "logic/tarvikcore.h"
+#include "logic/core/TarvikCore.h"
+#include "logic/service/TarvikService.h"
 #include "tests/support/Geometry.h"
 #include "tests/support/SignalLog.h"
 #include "tests/support/WaitFor.h"

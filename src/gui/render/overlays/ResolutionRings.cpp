@@ -6,7 +6,7 @@
 
 #include "gui/render/geometry/RingGeometry.h"
 #include "gui/render/overlays/Marks.h"
-#include "logic/TarvikService.h"
+#include "logic/service/TarvikService.h"
 
 #include <QFontMetrics>
 #include <QPainter>

@@ -4,7 +4,7 @@
 // The groups of views that share one kind of record.
 #pragma once
 
-#include "logic/synchronizer.h"
+#include "logic/records/Synchronizer.h"
 
 #include <map>
 #include <string>

@@ -1,11 +1,11 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-#include "logic/tarvikcore.h"
+#include "logic/core/TarvikCore.h"
 
 #include "imagelib/display/MColorTable.h"
 #include "imagelib/display/MDrawingList.h"
-#include "logic/TarvikService.h"
 #include "logic/detector/HalvoService.h"
+#include "logic/service/TarvikService.h"
 #include "logic/support/Assert.h"
 
 #include <algorithm>

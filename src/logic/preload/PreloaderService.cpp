@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The loop of the preloader process.
-#include "logic/PreloaderService.h"
+#include "logic/preload/PreloaderService.h"
 
 #include "logic/support/Console.h"
 

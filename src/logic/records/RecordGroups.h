@@ -4,10 +4,10 @@
 // The groups of all records that views share.
 #pragma once
 
-#include "logic/core/SyncGroups.h"
 #include "logic/records/ContrastData.h"
 #include "logic/records/PeakData.h"
 #include "logic/records/StatisticsData.h"
+#include "logic/records/SyncGroups.h"
 #include "logic/records/ViewportData.h"
 
 #include <tuple>

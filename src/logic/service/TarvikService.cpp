@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-#include "logic/TarvikService.h"
+#include "logic/service/TarvikService.h"
 
 #include "logic/geometry/RingAdvice.h"
 #include "logic/service/HeaderFiles.h"

@@ -4,7 +4,7 @@
 // The centre of a viewer or daemon process: services of views, their groups, colour tables.
 #pragma once
 
-#include "logic/core/RecordGroups.h"
+#include "logic/records/RecordGroups.h"
 
 #include <QObject>
 #include <QString>

@@ -59,7 +59,7 @@ std::vector<std::byte> base64Decode(std::string_view text)
     std::vector<std::byte> bytes;
     bytes.reserve(text.size() / 4 * 3);
     std::uint32_t bits = 0;
-    unsigned count = 0;  // of bits that wait
+    unsigned count = 0;  // bits not yet written
     for (std::size_t i = 0; i < text.size() && text[i] != '='; ++i) {
         const std::uint8_t value = Values[static_cast<unsigned char>(text[i])];
         if (value == Blank)

@@ -16,7 +16,7 @@ namespace morvend::codec {
 std::string base64Encode(std::span<const std::byte> bytes, std::size_t lineLength = 0);
 
 /// Decodes until the first '=' or the end; blanks and line ends are skipped.
-/// @throws MRuntimeException naming the position of a character that is none of the 64
+/// @throws MRuntimeException naming the position of a character outside the 64
 std::vector<std::byte> base64Decode(std::string_view text);
 
 }  // namespace morvend::codec

@@ -10,7 +10,7 @@ namespace morvend::codec {
 
 namespace {
 
-/// Row k, bit i of an 8 x 8 matrix changes places with row i, bit k.
+/// Row k, bit i of an 8 x 8 matrix is exchanged with row i, bit k.
 std::uint64_t transposeBits(std::uint64_t x)
 {
     const auto swapBits = [&x](int distance, std::uint64_t mask) {

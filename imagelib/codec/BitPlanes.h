@@ -8,7 +8,7 @@
 
 namespace morvend::codec {
 
-/// Puts elements together from their bit planes: bit b of byte k of elements[8 * j + i] is bit i of
+/// Assembles elements from their bit planes: bit b of byte k of elements[8 * j + i] is bit i of
 /// planes[(8 * k + b) * count / 8 + j]. `count` elements, a multiple of 8; the arrays, of
 /// count * elementSize bytes each, don't overlap.
 using UnshuffleBits = void (*)(const std::byte* planes, std::size_t count, std::size_t elementSize,
@@ -22,7 +22,7 @@ void unshuffleBitsPlain(const std::byte* planes, std::size_t count, std::size_t 
 void shuffleBits(const std::byte* elements, std::size_t count, std::size_t elementSize,
                  std::byte* planes);
 
-/// UnshuffleBits for processors with AVX-512 VBMI and GFNI; to be called on those only.
+/// UnshuffleBits for processors with AVX-512 VBMI and GFNI. Call it on those only.
 void unshuffleBitsGfni(const std::byte* planes, std::size_t count, std::size_t elementSize,
                        std::byte* elements);
 

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Bit planes to bytes with the bit-matrix instruction, 512 bytes a step. Compiled with flags of its
-// own: it may include nothing that other files share, or their inline code would need them too
-// (ElementSize.h holds a template alone, which belongs to the file whose lambdas it is made for).
+// Bit planes to bytes with the bit-matrix instruction, 512 bytes a step. Compiled with flags of
+// their its own: it must not include what other files share, or their inline code would need those
+// flags too (ElementSize.h holds only a template, instantiated with lambdas of this file).
 #include "imagelib/codec/BitPlanes.h"
 #include "imagelib/codec/ElementSize.h"
 #include "imagelib/codec/ShuffleKernels.h"
@@ -43,13 +43,13 @@ Rows transposeQwords(const Rows& in)
     return out;
 }
 
-/// Sixty-four places for a permutation of bytes.
+/// The 64 indices of a permutation of bytes.
 struct Places {
     alignas(64) unsigned char of[64] = {};
 };
 
-/// Eight rows of eight bytes: byte j of each row goes to qword j, the last row first, as the matrix
-/// product below wants it.
+/// Eight rows of eight bytes: byte j of each row goes to qword j, last row first, as the matrix
+/// product below needs it.
 constexpr Places columnsOfRows()
 {
     Places places;
@@ -60,7 +60,7 @@ constexpr Places columnsOfRows()
 }
 constexpr Places ColumnsOfRows = columnsOfRows();
 
-/// Part `part` of 64 bytes, one to the lowest byte of each element.
+/// Spreads part `part` of 64 bytes: one byte to the lowest byte of each element.
 template <std::size_t Size>
 constexpr Places lowestBytes(std::size_t part)
 {
@@ -72,8 +72,8 @@ constexpr Places lowestBytes(std::size_t part)
 template <std::size_t Size, std::size_t Part>
 constexpr Places LowestBytes = lowestBytes<Size>(Part);
 
-/// Are the bits of `count` planes, 64 bytes of each, the same as those of the first one? Zeros
-/// above small counts are, and so are gaps of all ones among them.
+/// True if the 64 bytes of each of `count` planes equal those of the first plane. Zeros
+/// above small counts do, and so do gaps of all ones among them.
 bool equalPlanes(const std::byte* planes, std::size_t stride, std::size_t count)
 {
     const __m512i first = _mm512_loadu_si512(planes);
@@ -111,7 +111,7 @@ void join(const std::byte* planes, std::size_t stride, __m512i (&bytes)[8])
             _mm512_gf2p8affine_epi64_epi8(unit, _mm512_permutexvar_epi8(columns, pieces.row[q]), 0);
 }
 
-/// Bits above the lowest byte of those of 64 / Size elements whose bit is set.
+/// Sets the bits above the lowest byte in those of 64 / Size elements whose bit is set.
 template <std::size_t Size>
 __m512i upperBytes(std::uint64_t bits)
 {

@@ -24,7 +24,7 @@ namespace {
 
 constexpr std::size_t Line = 64;
 
-/// Memory for one block, kept by the thread as long as blocks have a usual size.
+/// Memory for one block, kept by the thread while blocks have a usual size.
 class Scratch {
 public:
     explicit Scratch(std::size_t bytes)
@@ -134,7 +134,7 @@ void bitshuffleDecode(std::span<const std::byte> stored, std::size_t elementSize
             if (streams) {
                 image::streamCopy(elements, target, block.bytes);
                 if (threads > 1)
-                    image::finishStreaming();  // each thread answers for what it has stored
+                    image::finishStreaming();  // each thread orders its own stores
             }
         }).rest();
     image::finishStreaming();

@@ -20,10 +20,10 @@ std::size_t defaultBlockElements(std::size_t elementSize);
 /// Decodes a chunk into exactly decoded.size() bytes, by up to `threads` threads.
 ///
 /// With a packing the stored bytes begin with an 8-byte decoded length and a 4-byte block length in
-/// bytes (big-endian), then each block follows with a 4-byte stored length; without one there is no
-/// head, and blocks have `blockElements` elements (0: the default). The last block is shortened to
-/// a multiple of 8 elements, the rest (fewer than 8) follows as it is. Within a block of n elements
-/// each bit of the element has n / 8 bytes of its own, lowest bit first.
+/// bytes (big-endian), then each block follows with a 4-byte stored length; without packing there
+/// is no head, and blocks have `blockElements` elements (0: the default). The last block is
+/// shortened to a multiple of 8 elements, the rest (fewer than 8) follows as it is. Within a block
+/// of n elements each bit of the element has n / 8 bytes of its own, lowest bit first.
 /// @throws MRuntimeException with the reason when any length disagrees or a block is damaged
 void bitshuffleDecode(std::span<const std::byte> stored, std::size_t elementSize,
                       BlockPacking packing, std::size_t blockElements, std::span<std::byte> decoded,

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Distrustful walking over blocks, alone or on several threads.
+// Walks over blocks without trusting their lengths, on one or several threads.
 #include "imagelib/codec/BlockStream.h"
 
 #include "imagelib/image/MException.h"
@@ -39,8 +39,8 @@ void decodeBlocks(BlockStream& stream, const Decode& decode,
         decode(stream.next());
 }
 
-/// Walks `stream` to its end, or to the block whose length is wrong; returns the places where tasks
-/// begin.
+/// Walks `stream` to its end, or to the block whose length is wrong; returns the positions at which
+/// tasks begin.
 std::vector<BlockStream> splitIntoTasks(BlockStream& stream)
 {
     std::vector<BlockStream> tasks;
@@ -135,7 +135,7 @@ BlockStream forEachBlock(BlockStream stream, unsigned threads, const Decode& dec
     tbb::task_arena arena(std::min(static_cast<int>(std::min(threads, 1024U)), most));
     arena.execute(
         [&] { tbb::parallel_for(tbb::blocked_range<std::size_t>(0, tasks.size()), run); });
-    // Once more, alone: so the first failure in order is told, not the first in time.
+    // Once more on one thread: reports the first failure in order, not in time.
     if (failed < tasks.size()) {
         BlockStream blocks = tasks[failed];
         decodeBlocks(blocks, decode, BlocksOfTask);

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The framing that LZ4 chunks and packed bitshuffle chunks share: a head of two lengths, then
-// blocks, each behind its stored length.
+// blocks, each after its stored length.
 #pragma once
 
 #include <cstddef>
@@ -18,7 +18,7 @@ namespace morvend::codec {
 struct StoredBlock {
     std::size_t index = 0;
     std::span<const std::byte> stored;
-    std::size_t readable = 0;  ///< bytes of the chunk behind the stored ones
+    std::size_t readable = 0;  ///< bytes of the chunk after the stored ones
     std::size_t at = 0;
     std::size_t bytes = 0;
 
@@ -43,11 +43,11 @@ public:
     bool atEnd() const { return _at == _end; }
     /// The next block. @throws MRuntimeException when its length runs beyond the chunk
     StoredBlock next();
-    /// The rest behind the last block, stored as it is. @throws MRuntimeException when it is cut
+    /// The rest after the last block, stored as it is. @throws MRuntimeException when it is cut
     std::span<const std::byte> rest() const;
 
 private:
-    std::span<const std::byte> _stored;  // what is not read yet
+    std::span<const std::byte> _stored;  // not read yet
     std::size_t _decodedBytes = 0;
     std::size_t _blockBytes = 0;
     std::size_t _end = 0;  // decoded length of all blocks
@@ -56,7 +56,7 @@ private:
 };
 
 /// Calls decode(block) for every block, on up to `threads` threads; returns the stream at its end.
-/// @throws what the first block in order throws that fails, whatever the number of threads
+/// @throws the failure of the first block in order, whatever the number of threads
 BlockStream forEachBlock(BlockStream stream, unsigned threads,
                          const std::function<void(const StoredBlock&)>& decode);
 

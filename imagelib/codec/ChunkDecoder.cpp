@@ -36,7 +36,7 @@ BlockPacking packingOf(const ChunkFilter& filter)
     return static_cast<BlockPacking>(valueAt(filter, 4));
 }
 
-/// Does the filter leave the number of bytes as it is?
+/// True if the filter keeps the number of bytes.
 bool keepsSize(const ChunkFilter& filter)
 {
     return filter.id == ShuffleFilter ||
@@ -151,7 +151,7 @@ void decodeChunk(const ChunkPipeline& pipeline, std::span<const std::byte> store
             auto next = image::PixelBuffer::allocate(decoded.size());
             const std::span<std::byte> target(next->data(), decoded.size());
             undo(*steps[i], pipeline.elementSize, stored, target, threads);
-            between = std::move(next);  // frees the step before only now that it was read
+            between = std::move(next);  // frees the input of this step only after it was read
             stored = target;
         }
     }

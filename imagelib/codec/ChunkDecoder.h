@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Raw chunks of HDF5 data sets, undone outside the HDF5 library: no global lock, no scratch copies.
+// Raw chunks of HDF5 data sets, decoded outside the HDF5 library: no global lock, no scratch
+// copies.
 #pragma once
 
 #include <cstddef>
@@ -20,14 +21,14 @@ enum FilterId : unsigned {
     BitshuffleFilter = 32008
 };
 
-/// One filter of a data set, as H5Pget_filter2 tells it.
+/// One filter of a data set, as H5Pget_filter2 reports it.
 struct ChunkFilter {
     unsigned id = 0;
     std::vector<unsigned> values;  ///< the cd_values
 };
 
 /// How the chunks of a data set are stored: its filters in the order in which the writer applied
-/// them, none for plain chunks.
+/// them, empty for plain chunks.
 struct ChunkPipeline {
     std::vector<ChunkFilter> filters;
     std::size_t elementSize = 0;  ///< bytes of one element of the stored type
@@ -35,17 +36,17 @@ struct ChunkPipeline {
 };
 
 /// Why chunks of this pipeline can't be decoded here, as in "filter 32015 (zstd) is not known";
-/// empty when they can. `filterMask` as for decodeChunk. What can't be decoded here may still be
+/// empty if they can. `filterMask` as for decodeChunk. What can't be decoded here may still be
 /// read through the HDF5 library with a plug-in.
 std::string decodingObstacle(const ChunkPipeline& pipeline, std::uint32_t filterMask = 0);
 
-/// Can every chunk of this pipeline be decoded here?
+/// True if every chunk of this pipeline can be decoded here.
 inline bool canDecode(const ChunkPipeline& pipeline) { return decodingObstacle(pipeline).empty(); }
 
 /// A filter's number with its name where it is known, as in "filter 32008 (bitshuffle)".
 std::string filterText(unsigned id);
 
-/// Decodes one chunk straight into its final place. All lengths inside `stored` are distrusted.
+/// Decodes one chunk straight into its final place. No length inside `stored` is trusted.
 ///
 /// @param stored      the bytes as H5Dread_chunk gives them
 /// @param filterMask  bit i set: filter i was left out for this chunk

@@ -10,7 +10,7 @@
 
 namespace morvend::codec {
 
-/// Unpacks one zlib stream, which must fill `unpacked` exactly. Bytes behind the stream are
+/// Unpacks one zlib stream, which must fill `unpacked` exactly. Bytes after the stream are
 /// ignored.
 /// @throws MRuntimeException with the reason
 void inflateExactly(std::span<const std::byte> packed, std::span<std::byte> unpacked);

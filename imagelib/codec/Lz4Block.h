@@ -15,8 +15,8 @@ bool lz4Block(std::span<const std::byte> packed, std::span<std::byte> to);
 
 /// Memory around a block that may be touched too, which saves careful steps at its ends.
 struct BlockMargins {
-    std::size_t readable = 0;  ///< bytes behind the packed ones
-    std::size_t writable = 0;  ///< bytes behind the unpacked ones; their content is lost
+    std::size_t readable = 0;  ///< bytes after the packed ones
+    std::size_t writable = 0;  ///< bytes after the unpacked ones; they are overwritten
 };
 
 /// Margins beyond these gain nothing.
@@ -26,11 +26,11 @@ inline constexpr BlockMargins UsefulMargins{128, 128};
 using UnpackLz4Planes = bool (*)(std::span<const std::byte> packed, std::span<std::byte> to,
                                  const BlockMargins& margins);
 
-/// The fastest one of this processor, to be asked for once a chunk. It keeps to the targets of
-/// hwy::SupportedTargets(), by which tests and measurements choose a lesser one.
+/// The fastest one of this processor, fetched once per chunk. It respects the targets of
+/// hwy::SupportedTargets(), with which tests and benchmarks choose a slower one.
 UnpackLz4Planes lz4PlanesUnpacker();
 
-/// Packs one LZ4 block and appends it to `to` behind its 4-byte length, big-endian. With
+/// Packs one LZ4 block and appends it to `to` after its 4-byte length, big-endian. With
 /// `mayStore`, a block that doesn't shrink is appended as it is.
 void appendLz4Block(std::vector<std::byte>& to, std::span<const std::byte> block, bool mayStore);
 

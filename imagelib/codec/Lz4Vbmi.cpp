@@ -3,7 +3,7 @@
 //
 // LZ4 sequences by copies of 64 bytes. Bit planes have some ten sequences in a KiB, most of them
 // without literals and with matches longer than 18 bytes, for which other decoders branch most.
-// Compiled with flags of its own: it may include nothing that other files share.
+// Compiled with flags of its own: it must not include what other files share.
 #include "imagelib/codec/Lz4Vbmi.h"
 
 #include <cstdint>
@@ -16,13 +16,13 @@ namespace {
 
 constexpr std::size_t Vector = 64;
 constexpr std::size_t LeastMatch = 4;
-constexpr std::size_t Extended = 15;  // a length in a token that more bytes add to
-constexpr std::size_t Full = 255;     // a byte behind which another one adds to a length
+constexpr std::size_t Extended = 15;  // a length in a token to which more bytes are added
+constexpr std::size_t Full = 255;     // a byte of a length after which another one follows
 /// Bytes from a token on that may be read at once: token, length, literals, offset, length.
 constexpr std::size_t MostRead = 1 + 1 + Vector + 2 + 1;
 
-/// A match nearer than a vector repeats its first bytes: their places, and how many of the 64 are
-/// whole repetitions.
+/// A match nearer than a vector repeats its first bytes: the indices of those, and how many of the
+/// 64 are whole repetitions.
 struct Repetition {
     alignas(Vector) std::uint8_t places[Vector][Vector] = {};
     std::uint8_t whole[Vector] = {};
@@ -68,7 +68,7 @@ inline bool addBytes(const std::byte*& in, const std::byte* end, std::size_t& le
     return true;
 }
 
-/// Copies a match, and up to a vector more than it has.
+/// Copies a match, and up to a vector beyond its end.
 inline void copyMatch(std::byte* to, std::byte* end, std::size_t offset)
 {
     const std::byte* from = to - offset;
@@ -83,8 +83,8 @@ inline void copyMatch(std::byte* to, std::byte* end, std::size_t offset)
         _mm512_storeu_si512(to, pattern);
 }
 
-/// Unpacks sequences as long as they keep their distance from all ends and look sound, with at
-/// most 64 literals each. Leaves `at` before the first one that doesn't.
+/// Unpacks sequences while they keep their distance from all ends and look sound, with at
+/// most 64 literals each. Stops with `at` before the first other one.
 void unpackMost(Lz4Place& at)
 {
     const std::byte* in = at.in;
@@ -125,7 +125,7 @@ void unpackMost(Lz4Place& at)
 
 enum class Outcome { GoesOn, Ends, IsDamaged };
 
-/// Unpacks one sequence, byte by byte where that must be.
+/// Unpacks one sequence, byte by byte where needed.
 Outcome unpackOne(Lz4Place& at)
 {
     if (at.in == at.inEnd)

@@ -20,7 +20,7 @@ struct Lz4Place {
 };
 
 /// Unpacks from `in` and `out` on to exactly outEnd; false when the block is damaged. Never reads
-/// or writes outside the memory told, whatever the block holds. To be called on processors with
+/// or writes outside the memory given, whatever the block holds. Call it on processors with
 /// AVX-512 VBMI only.
 bool lz4BlockVbmi(Lz4Place at);
 

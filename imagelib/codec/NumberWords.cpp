@@ -27,7 +27,7 @@ std::string_view takeWord(std::string_view& line)
     return word;
 }
 
-/// What the first word of a line says of the others.
+/// What the first word of a line states about the others.
 struct LineForm {
     int base = 0;
     std::size_t bytes = 0;
@@ -55,7 +55,7 @@ struct LineForm {
         const char* const end = digits + (word.size() - marks);
         const std::size_t present = bytes - std::min(bytes, marks / 2);
         std::uint64_t value = 0;
-        // Marks within the digits leave characters that are none to the number.
+        // Marks within the digits leave characters that are no digits.
         const auto [stop, error] = std::from_chars(digits, end, value, base);
         if (error != std::errc() || stop != end || marks % 2 != 0 || marks > 2 * bytes ||
             (present < 8 && value >> 8 * present != 0))

@@ -13,8 +13,8 @@ namespace morvend::codec {
 
 /// Decodes lines such as "H4< FF0700 ====00": H, O or D for the base, the bytes of a word (1 to 8),
 /// '<' where the first byte of a word is its highest and '>' where it is its lowest, then words.
-/// Leading zeros of a word may be missing; each byte that the last word lacks is "==". '#' begins a
-/// comment.
+/// Leading zeros of a word may be missing; each byte missing from the last word is "==". '#' begins
+/// a comment.
 /// @throws MRuntimeException that quotes a line or word of another form
 std::vector<std::byte> numberWordsDecode(std::string_view text);
 

@@ -12,7 +12,7 @@ namespace morvend::codec {
 
 /// Decodes "=XX" to one byte and drops "=" at the end of a line together with that end; all other
 /// characters stay. Blanks before the end of a line are padding of the transport and dropped.
-/// @throws MRuntimeException naming the position of a '=' with anything else behind it
+/// @throws MRuntimeException naming the position of a '=' followed by anything else
 std::vector<std::byte> quotedPrintableDecode(std::string_view text);
 
 }  // namespace morvend::codec

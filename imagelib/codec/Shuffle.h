@@ -9,7 +9,7 @@
 
 namespace morvend::codec {
 
-/// Puts the elements together again. Bytes behind the last whole element are copied as they are.
+/// Puts the elements together again. Bytes after the last whole element are copied as they are.
 /// `shuffled` and `elements` have equal size (asserted) and don't overlap; elementSize >= 1.
 void byteUnshuffle(std::span<const std::byte> shuffled, std::size_t elementSize,
                    std::span<std::byte> elements);

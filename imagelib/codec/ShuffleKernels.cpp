@@ -89,7 +89,7 @@ HWY_INLINE Vector transposeBits(Vector matrices)
     return hn::BitCast(Bytes(), x);
 }
 
-/// Lanes bytes of 0 or 255 for as many bits.
+/// Expands bits to as many (Lanes) bytes of 0 or 255.
 HWY_INLINE Vector spreadBits(const std::byte* bits)
 {
     alignas(32) static constexpr std::uint8_t Place[32] = {0, 0, 0, 0, 0, 0, 0, 0, 1, 1, 1,
@@ -104,8 +104,8 @@ HWY_INLINE Vector spreadBits(const std::byte* bits)
     return hn::VecFromMask(d, hn::TestBit(placed, bit));
 }
 
-/// Are the bits of eight or more planes from `from` on, Lanes bytes of each, the same as those of
-/// the first one? Zeros above small counts are, and so are gaps of all ones among them.
+/// True if Lanes bytes of each of eight or more planes from `from` on equal those of
+/// the first plane. Zeros above small counts do, and so do gaps of all ones among them.
 HWY_INLINE bool equalPlanes(const std::byte* from, std::size_t stride, std::size_t count)
 {
     const Bytes d;

@@ -10,15 +10,15 @@
 
 namespace morvend::codec {
 
-/// The fastest UnshuffleBits that this processor runs. It keeps to the targets of
-/// hwy::SupportedTargets(), by which tests and measurements choose lesser ones.
+/// The fastest UnshuffleBits that this processor runs. It respects the targets of
+/// hwy::SupportedTargets(), with which tests and benchmarks choose slower ones.
 UnshuffleBits bitUnshuffler();
 
 /// UnshuffleBits by the widest vectors of up to 32 bytes.
 void unshuffleBitsVector(const std::byte* planes, std::size_t count, std::size_t elementSize,
                          std::byte* elements);
 
-/// Puts `count` elements of any size together from their first bytes, all second bytes, and so on;
+/// Assembles `count` elements of any size from all first bytes, all second bytes, and so on;
 /// by vectors for the sizes 1, 2, 4 and 8.
 void unshuffleBytes(const std::byte* shuffled, std::size_t count, std::size_t elementSize,
                     std::byte* elements);

@@ -30,7 +30,7 @@ HWY_INLINE auto distance(V pixels, V background)
     }
 }
 
-/// Which lanes are at or above a limit? A NaN is not.
+/// The lanes at or above a limit; NaN never is.
 template <class V>
 HWY_INLINE auto atLeast(V value, V limit)
 {
@@ -79,7 +79,8 @@ private:
     template <class V, class F>
     HWY_INLINE auto _linear(V value, F far) const
     {
-        // Held before the conversion: lanes that don't belong to the linear part may hold anything.
+        // Clamped before the conversion: lanes that don't belong to the linear part may hold
+        // anything.
         const auto place = hn::Min(hn::Mul(hn::Set(_df, _rule.slope), far),
                                    hn::Set(_df, static_cast<float>(_rule.lastLinear)));
         const auto above = hn::RebindMask(_du, hn::Gt(value, hn::Set(_d, _rule.background)));
@@ -106,7 +107,7 @@ private:
     {
         const auto bits = hn::BitCast(_du, far);
         const auto lastBin = static_cast<std::uint32_t>(_rule.bins.size() - 1);
-        // The minimum keeps lanes in the table that don't belong to the logarithmic part.
+        // The minimum keeps lanes outside the logarithmic part within the table.
         const auto bin =
             hn::Min(hn::Sub(hn::ShiftRightSame(bits, _rule.binShift), hn::Set(_du, _rule.firstBin)),
                     hn::Set(_du, lastBin));
@@ -142,7 +143,7 @@ HWY_INLINE void colorRun(const ColorRule<T>& rule, const T* pixels, const std::u
     const std::size_t lanes = hn::Lanes(hn::ScalableTag<T>());
     std::size_t i = 0;
     for (; i + lanes <= size; i += lanes) {
-        // One stream after the other leaves the hardware prefetcher behind.
+        // One stream after the other would outrun the hardware prefetcher.
         hwy::Prefetch(pixels + i + 1024);
         if (mask)
             hwy::Prefetch(mask + i + 1024);

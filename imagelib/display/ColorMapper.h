@@ -18,7 +18,7 @@ class MImage;
 /// Thread: any; run() may be called from several threads at once.
 class ColorMapper {
 public:
-    /// @param type  kind of the images that come
+    /// @param type  type of the images to come
     ColorMapper(const ColorSettings& settings, datatypes::Type type);
 
     /// Colours as many pixels as `colors` holds, in storage order from index `first` on: part of a

@@ -33,7 +33,7 @@ std::uint32_t colorWord(std::uint32_t argb, bool rgba)
     return colorWord(argb >> 16 & 255, argb >> 8 & 255, argb & 255, rgba);
 }
 
-/// The float bits from which on the logarithmic part has reached each entry, ascending.
+/// For each entry the float bits at which the logarithmic part reaches it, ascending.
 std::vector<std::uint32_t> entryBorders(double logSlope, double logOffset, std::size_t entries)
 {
     std::vector<std::uint32_t> borders(entries, 0);
@@ -73,7 +73,7 @@ ColorRule<T>::ColorRule(const ColorSettings& settings)
     foreground = levels.foreground;
     background = levels.background;
     slope = static_cast<float>(levels.slope);
-    // A foreground that isn't a number is above nothing.
+    // A foreground that is NaN is above nothing.
     special = highlightSaturated && !(foreground <= cutoff) ? cutoff : foreground;
     if constexpr (std::is_integral_v<T>) {
         const double farthest = static_cast<double>(background) + 2147483647.0;

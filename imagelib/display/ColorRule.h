@@ -29,9 +29,9 @@ struct ColorSettings {
 
 /// Everything between an intensity of a display type (int, unsigned int, float) and its colour.
 ///
-/// The linear part computes the entry as the shaders do: float(slope) * float(i - background), cut
-/// to an integer. The logarithmic part takes no logarithm: the bits of the float i - background,
-/// shifted, name a bin; a bin holds at most one border between entries.
+/// The linear part computes the entry as the shaders do: float(slope) * float(i - background),
+/// truncated to an integer. The logarithmic part takes no logarithm: the bits of the float i -
+/// background, shifted, name a bin; a bin holds at most one border between entries.
 template <class T>
 struct ColorRule {
     explicit ColorRule(const ColorSettings& settings);
@@ -45,7 +45,7 @@ struct ColorRule {
     /// Below it, pixels are in the linear part or at the background, and not saturated; integers
     /// are less than 2^31 above the background.
     T special;
-    /// Mask bits that mark a defective pixel; 0 when those aren't highlighted.
+    /// Mask bits that mark a defective pixel; 0 when they aren't highlighted.
     std::uint32_t defectiveBits;
     float slope;
 

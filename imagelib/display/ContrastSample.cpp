@@ -42,7 +42,7 @@ std::uint64_t mixed(std::uint64_t counter)
     return z ^ (z >> 31);
 }
 
-/// Asks the memory for pixels that are wanted soon: runs far apart wait for it otherwise.
+/// Prefetches pixels that are needed soon; runs far from each other would wait for memory.
 template <class T>
 void announce(const T* first, std::size_t size)
 {
@@ -61,7 +61,7 @@ void judge(const MImage& mask, std::size_t first, std::size_t size, unsigned cha
     });
 }
 
-/// Where the runs of a sample begin, all of one length, and which of their pixels are good.
+/// The starts of a sample's runs, all of one length, and which of their pixels are good.
 class Runs {
 public:
     Runs(std::size_t pixels, const MImage* mask, std::size_t wanted)
@@ -87,7 +87,7 @@ public:
         for (std::size_t i = 0; i < _first.size(); ++i) {
             announce(pixels + _first[std::min(i + Ahead, _first.size() - 1)], _length);
             const T* run = pixels + _first[i];
-            // Written in any case and kept or not: branches would be guessed wrong at each gap.
+            // Always written, then kept or not: branches would be mispredicted at each gap.
             for (std::size_t k = 0; k < _length; ++k) {
                 *end = static_cast<double>(run[k]);
                 end += *good++ & static_cast<unsigned char>(isIntensity(run[k]));
@@ -103,7 +103,7 @@ private:
     Flags _good;
 };
 
-/// The runs for a mask; those of the last one are kept, as all images of a series share it.
+/// The runs for a mask; the last mask's are kept, as all images of a series share it.
 std::shared_ptr<const Runs> runsFor(const MImage& image, const MImage* mask, std::size_t wanted)
 {
     // Images of other types and sizes may show the same memory.
@@ -143,7 +143,7 @@ ContrastSample ofAllPixels(const MImage& image, const MImage* mask, std::size_t 
         });
         if (sample.size() <= 2 * most)
             continue;
-        // Every second value stays, and of those to come every second of what was kept so far.
+        // Keeps every second value, now and of those to come.
         for (std::size_t i = 0; 2 * i < sample.size(); ++i)
             sample[i] = sample[2 * i];
         sample.resize((sample.size() + 1) / 2);
@@ -162,7 +162,7 @@ ContrastSample contrastSample(const MImage& image, const MImage* mask, std::size
             return runs->intensities(image.pixels<T>());
         });
     if (image.size() > wanted && sample.size() < wanted / 64)
-        sample = ofAllPixels(image, mask, wanted);  // nearly all is masked
+        sample = ofAllPixels(image, mask, wanted);  // nearly all pixels are masked
     image::sortPixels(sample.data(), sample.size());
     return sample;
 }

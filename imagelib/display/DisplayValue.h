@@ -13,8 +13,8 @@
 
 namespace morvend::imglib {
 
-/// A pixel as a value of its display type (int, unsigned int, float); wider integers are held at
-/// the ends.
+/// A pixel as a value of its display type (int, unsigned int, float); wider integers are clamped to
+/// the range.
 template <class To, class From>
 constexpr To displayValue(From value)
 {

@@ -11,7 +11,7 @@ namespace morvend::imglib {
 
 namespace {
 
-/// Rows between two ticks at least: room for their texts.
+/// Least number of rows between two ticks: room for their texts.
 constexpr int spacing = 24;
 
 double powerOfTen(int exponent) { return std::pow(10.0, exponent); }
@@ -67,7 +67,7 @@ std::map<int, double> LegendScale::ticks() const
     return ticks;
 }
 
-/// Where the texts of the ticks that are there already leave room.
+/// True where the texts of the existing ticks leave room.
 void LegendScale::_add(Ticks& ticks, double intensity) const
 {
     const auto place = row(intensity);

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Places of intensities along a colour bar, and the round ones among them worth a tick.
+// Places of intensities along a colour bar, and the round ones among them that deserve a tick.
 #pragma once
 
 #include <map>
@@ -22,7 +22,7 @@ public:
     /// The row of an intensity, counted from the top; nothing outside the scale.
     std::optional<int> row(double intensity) const;
     /// Round intensities by row: multiples of 1, 2 or 5 in the linear part, decades and, where
-    /// there is room, twice and five times them in the logarithmic one. None without a range.
+    /// there is room, twice and five times them in the logarithmic one. Empty without a range.
     std::map<int, double> ticks() const;
 
 private:

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// MColorMap: checks of the parameters, and the way row by row through a rectangle.
+// MColorMap: checks of the parameters, and the walk row by row through a rectangle.
 #include "imagelib/display/MColorMap.h"
 
 #include "imagelib/display/ColorMapper.h"
@@ -67,8 +67,8 @@ void MColorMap::rgb(MImage& result, const MImage& image, double foreground, doub
         foreground,     background,  logForeground,      &table,
         isRgba(format), countCutoff, highlightDefective, highlightSaturated};
 
-    // The result may be the image or the mask itself. Otherwise its memory is given back first, so
-    // that it comes again, warm, for the new colours.
+    // The result may be the image or the mask itself. Otherwise its memory is released first, so
+    // that the new colours reuse it while it is warm.
     if (&result != &image && &result != mask)
         result = MImage();
     MImage colors(part.width(), part.height(), datatypes::UINT, 32);

@@ -34,7 +34,7 @@ public:
     /// Entries of the linear part, 4 bytes each in the order blue, green, red, alpha.
     const unsigned char* linData() const { return _linear.data(); }
     std::size_t linDataSize() const { return _linear.size() / 4; }
-    /// Entries of the logarithmic part, or none: the size is then 0.
+    /// Entries of the logarithmic part, or an empty array.
     const unsigned char* logData() const { return _logarithmic.data(); }
     std::size_t logDataSize() const { return _logarithmic.size() / 4; }
 

@@ -47,7 +47,7 @@ double photonNoise(const ContrastSample& sample, double highest)
     return std::sqrt(std::max(std::reduce(sample.begin(), end) / number, 0.0));
 }
 
-/// Where more than half of the pixels are equal: what the others add.
+/// The contribution of the others where more than half of the pixels are equal.
 double spreadOfOthers(const ContrastSample& sample, double median, double factor)
 {
     for (const double share : {0.95, 0.99, 0.999, 1.0})
@@ -80,7 +80,7 @@ Levels chooseLevels(const ContrastSample& sample, double factor, bool counts)
 
     double foreground = median + factor * deviation;
     double background = median - factor / 2.0 * deviation;
-    // A distribution without tails ends where it ends.
+    // Beyond the end of a distribution without tails there is nothing to show.
     if (spread && highest > median && highest < median + 2.0 * deviation)
         foreground = highest;
     if (spread && lowest < median)
@@ -101,7 +101,7 @@ Levels madeValid(Levels levels, bool counts)
         levels.background = std::floor(levels.background);
         levels.foreground = std::ceil(levels.foreground);
     }
-    // The display works with 32-bit floats: a narrower range would be none.
+    // The display works with 32-bit floats: a narrower range would be empty.
     const double size = std::max(std::abs(levels.background), std::abs(levels.foreground));
     const double least = counts ? std::max(2.0, std::ceil(size * 1e-6))
                                 : std::max(size * 1e-6, std::numeric_limits<double>::min());

@@ -10,14 +10,14 @@ namespace morvend::imglib {
 
 class MImage;
 
-/// Chooses background and foreground for an image under its mask from order statistics of its good
-/// pixels, so that hot pixels, sentinels and strong spots don't count; docs/display.md tells how.
-/// Thread: any; the result depends on the pixels only. Cost: reads a sample, not the image.
+/// Chooses background and foreground for a masked image from order statistics of its good
+/// pixels, so that hot pixels, sentinels and strong spots don't count; docs/display.md explains
+/// how. Thread: any; the result depends on the pixels only. Cost: reads a sample, not the image.
 class MContrast {
 public:
-    /// @param factor  the foreground lies this many standard deviations of the background above the
+    /// @param factor  the foreground is this many standard deviations of the background above the
     /// median
-    /// @param bins  how finely the distribution is resolved: 8 pixels are looked at for each bin
+    /// @param bins  how finely the distribution is resolved: 8 pixels are examined for each bin
     MContrast(double factor, std::size_t bins);
 
     /// Both levels are finite and background < foreground; for integer images both are integers.

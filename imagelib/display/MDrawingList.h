@@ -18,7 +18,7 @@ namespace morvend::imglib {
 
 /// Primitives in drawing order. A value type: it keeps a copy of each primitive of its own, with
 /// its class, and a copy of the list copies them. The allocator parameter is part of the
-/// interface; memory comes from the heap whatever it says.
+/// interface; it does not change where memory comes from.
 template <class Allocator = std::allocator<char>>
 class MDrawingList {
 public:

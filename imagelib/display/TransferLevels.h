@@ -29,14 +29,14 @@ struct TransferLevels {
     double logOffset;
 };
 
-/// Converts a level: truncated for integers, and held at the ends of the type.
+/// Converts a level: truncated for integers, and clamped to the type's range.
 template <class T>
 T displayLevel(double level)
 {
     static_assert(std::is_same_v<T, int> || std::is_same_v<T, unsigned int> ||
                   std::is_same_v<T, float>);
     if constexpr (std::is_same_v<T, float>) {
-        // A NaN stays one: nothing is above it.
+        // A NaN stays NaN: nothing is above it.
         const double highest = std::numeric_limits<float>::max();
         return static_cast<float>(std::isnan(level) ? level : std::clamp(level, -highest, highest));
     } else {
@@ -65,7 +65,7 @@ TransferLevels<T> transferLevels(double foreground, double background, double lo
     if (f > b)
         levels.slope = static_cast<double>(linSize) / (f - b);
     if (g > b && logSize != 0 && f > b) {
-        // A range too narrow for doubles has an infinite slope; it is then taken as empty.
+        // A range too narrow for doubles has an infinite slope and counts as empty.
         const double slope = last / std::log((g - b) / (f - b));
         levels.logSlope = std::isfinite(slope) ? slope : 0.0;
         levels.logOffset = -std::log(f - b) * levels.logSlope;

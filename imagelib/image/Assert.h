@@ -4,8 +4,8 @@
 // Assertions of programmer errors, active in the product.
 #pragma once
 
-// A breach prints the source expression and the file and ends the process. A packager's flags must
-// not take the checks away, so NDEBUG has no say here. tools/check-includes.py sees to it that no
-// assertion comes from elsewhere.
+// A failed assertion prints the source expression and the file and ends the process. A packager's
+// flags must not take the checks away, so NDEBUG has no effect here. tools/check-includes.py
+// ensures that no assertion comes from elsewhere.
 #undef NDEBUG
 #include <cassert>

@@ -19,7 +19,7 @@ template <class Functor, class LeftArg, class RightArg, class Result, class... L
           class... RightTypes>
 struct BinaryDispatcher<Functor, LeftArg, RightArg, Result, std::tuple<LeftTypes...>,
                         std::tuple<RightTypes...>> {
-    /// @throws MNotImplementedException naming the type of the image whose list ran out
+    /// @throws MNotImplementedException naming the type that is missing from its list
     static Result Go(LeftArg& left, RightArg& right, Functor functor)
     {
         return goLeft<LeftTypes...>(left, right, functor);

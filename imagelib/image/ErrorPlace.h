@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// The place of a failure that can't know it itself.
+// Adds the place to failures that don't know it.
 #pragma once
 
 #include "imagelib/image/MException.h"
@@ -11,9 +11,10 @@
 
 namespace morvend::imglib {
 
-/// Runs an operation and returns what it returns. An MException says where it happened and passes;
-/// a lack of memory and what is no MException become an MRuntimeException "<reason>: <place>".
-/// @param place  gives the file, called after a failure only
+/// Runs an operation and returns what it returns. An MException states its place and passes
+/// unchanged; lack of memory and every other exception become an MRuntimeException "<reason>:
+/// <place>".
+/// @param place  returns the file; called only after a failure
 template <class Place, class Operation>
 auto withPlace(Place&& place, Operation&& operation)
 {

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Looking for marks, and the masks made of them.
+// Search for marks, and the masks made from them.
 #include "imagelib/image/GapValues.h"
 
 #include "imagelib/image/PixelTypes.h"
@@ -33,7 +33,7 @@ std::uint8_t markOf(T value, bool negatives, bool top)
     return static_cast<std::uint8_t>(mark);
 }
 
-/// Is the largest value of a narrow type a count that the detector can reach?
+/// True if the largest value of a narrow type is a count that the detector can reach.
 template <class T>
 bool reachesTop(const MImage& image)
 {
@@ -44,7 +44,7 @@ bool reachesTop(const MImage& image)
         return false;
 }
 
-/// What kinds of marks an image has.
+/// The kinds of marks in an image.
 struct Kinds {
     bool negatives = false;
     bool top = false;

@@ -14,8 +14,8 @@ namespace morvend::imglib {
 
 /// Which values of a pixel type are marks (docs/display.md): -1 gap and -2 defective, if no other
 /// value of the image is negative; as unsigned numbers of 32 and 64 bits these are the two largest;
-/// and the largest value of types that it does not fit as a count, beyond which floating ones have
-/// infinity, as of a division by a flat field of 0. The types bool and char have none.
+/// and the largest value of types in which it is no plausible count, beyond which floating ones
+/// have infinity, as of a division by a flat field of 0. The types bool and char have none.
 template <class T>
 struct GapRule {
     static constexpr bool plain = std::is_same_v<T, bool> || std::is_same_v<T, char>;
@@ -36,8 +36,8 @@ MImage gapMask(const MImage& image);
 /// gapMask(). Thread: any.
 MImage maskOrGaps(const MImage& image);
 
-/// Does each pixel that a mask of gapMask() marks have the value of its mark in an image of the
-/// same size? Cost: reads the mask, and of the image the marked pixels.
+/// True if each pixel marked by a mask of gapMask() has the value of its mark in an image of the
+/// same size. Cost: reads the mask and the marked pixels of the image.
 bool marksAreIn(const MImage& mask, const MImage& image);
 
 }  // namespace morvend::imglib

@@ -10,7 +10,7 @@
 
 namespace laneorders {
 
-/// For each word of Lanes bits: the lanes whose bit is set, then the others, each as the numbers of
+/// For each word of Lanes bits: the lanes whose bit is set, then the others, each as the indices of
 /// its Words words of 4 bytes.
 template <std::size_t Lanes, std::size_t Words>
 alignas(64) inline constexpr auto SetFirst = [] {
@@ -25,7 +25,7 @@ alignas(64) inline constexpr auto SetFirst = [] {
     return table;
 }();
 
-/// From element 16 - n on: the order that moves lane 0 of 16 to lane n, round about.
+/// From element 16 - n on: the order that moves lane 0 of 16 to lane n, cyclically.
 alignas(64) inline constexpr auto Rotation = [] {
     std::array<std::uint32_t, 32> order{};
     for (std::size_t i = 0; i < order.size(); ++i)

@@ -14,7 +14,7 @@
 namespace morvend::image {
 
 /// Pixels of one type, shared by reference count and copied on write. The allocator parameter is
-/// part of the interface; memory comes from PixelBuffer whatever it says.
+/// part of the interface; memory always comes from PixelBuffer.
 /// Thread: a value; copies may go to other threads.
 template <class Allocator = std::allocator<char>>
 class MBasicImage {
@@ -80,7 +80,7 @@ public:
     /// The elements; null when there is no buffer. Never copies.
     const void* cdata() const { return _buffer ? _buffer->cdata() : nullptr; }
     const void* data() const { return cdata(); }
-    /// The elements as the caller's own: copies them first when they are shared.
+    /// The elements for writing: copied first when they are shared.
     void* data()
     {
         if (!_buffer)

@@ -75,7 +75,8 @@ public:
     /// The metadata tree of a NeXus file; empty for other files.
     const nexus::MBasicNeXusTree& nexusTree() const { return _tree.read(); }
     void setNexusTree(nexus::MBasicNeXusTree tree) { _tree.write() = std::move(tree); }
-    /// Takes over the tree of another header without a copy, and tells whether it is that very one.
+    /// Takes over the tree of another header without a copy, and returns true if it is the same
+    /// tree.
     void shareNexusTree(const MBasicImageOptionalData& other) { _tree = other._tree; }
     bool sharesNexusTree(const MBasicImageOptionalData& other) const
     {
@@ -109,7 +110,7 @@ private:
     {
         field = value;
         if constexpr (std::is_same_v<T, float>) {
-            // The wavelength alone is kept in the tree too, where writers of NeXus files look.
+            // Only the wavelength is kept in the tree too, where writers of NeXus files look.
             if (&field == &_wavelength && value)
                 _tree.write().setNumber("/entry/instrument/beam/wavelength", double(*value),
                                         "angstrom");

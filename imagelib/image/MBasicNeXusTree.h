@@ -31,9 +31,9 @@ public:
     void clear() { _nodes.clear(); }
 
     const std::map<std::string, Node>& nodes() const { return _nodes; }
-    /// The node of a path, null when there is none.
+    /// The node of a path, null if it doesn't exist.
     const Node* find(const std::string& path) const;
-    /// The node of a path, made when there is none.
+    /// The node of a path, created if it doesn't exist.
     Node& node(const std::string& path) { return _nodes[path]; }
 
     /// Sets a scalar; `units` becomes its attribute unless empty.

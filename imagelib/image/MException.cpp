@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// The list of all classes, and what needs it.
+// The list of all classes, and the functions that need it.
 #include "imagelib/image/MException.h"
 
-// Those derived before their bases, since the first that fits is taken.
+// Derived classes come before their bases, since the first match is taken.
 #define TARVIK_FOR_EACH_EXCEPTION(X)                                                               \
     X(MMemoryException)                                                                            \
     X(MReaderGoneException)                                                                        \

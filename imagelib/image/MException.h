@@ -11,7 +11,7 @@
 
 namespace morvend {
 
-/// Base of all failures. what() says file, place and reason in words that a user understands.
+/// Base of all failures. what() states file, place and reason in words that a user understands.
 class MException : public std::exception {
 public:
     explicit MException(std::string message)
@@ -23,19 +23,20 @@ private:
     std::string _message;
 };
 
-/// A failed operation: damaged data, a rejected request, a series that takes no pushed image.
+/// A failed operation: damaged data, a rejected request, a series that doesn't accept a pushed
+/// image.
 class MRuntimeException : public MException {
 public:
     using MException::MException;
 };
 
-/// Memory that the system does not give. Names no file: whoever reads one adds its name.
+/// The system gives no memory. Names no file: the reader of a file adds its name.
 class MMemoryException : public MRuntimeException {
 public:
     using MRuntimeException::MRuntimeException;
 };
 
-/// An index beyond what exists.
+/// An index out of range.
 class MOutOfRangeException : public MException {
 public:
     using MException::MException;
@@ -79,13 +80,13 @@ private:
     double _elapsed;
 };
 
-/// The other end of a connection closed it or died, and what it had sent has been received.
+/// The other end of a connection closed it or died, and all that it sent has been received.
 class MPeerGoneException : public MException {
 public:
     using MException::MException;
 };
 
-/// The process that read a file has crashed, ended or talked nonsense in the middle of a request.
+/// The process that read a file has crashed, ended or sent invalid data in the middle of a request.
 class MReaderGoneException : public MRuntimeException {
 public:
     using MRuntimeException::MRuntimeException;
@@ -104,9 +105,10 @@ public:
 };
 
 /// The class of a failure by its name, as it travels between processes: the first class of this
-/// file that the exception is, those derived before their bases; "MRuntimeException" for all else.
+/// file that the exception is, derived classes before their bases; "MRuntimeException" for all
+/// else.
 const char* exceptionClass(const std::exception& exception);
-/// Throws an exception of a class by its name; an MRuntimeException for a name that is none.
+/// Throws an exception of a class by its name; an MRuntimeException for any other name.
 [[noreturn]] void throwException(const std::string& className, const std::string& message);
 
 namespace imglib {

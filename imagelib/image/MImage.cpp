@@ -81,7 +81,7 @@ MBasicImageOptionalData<>& MImage::optionalData() { return _header.write(); }
 
 void MImage::setOptionalData(const MBasicImageOptionalData<>& header)
 {
-    // The argument may be the header of this very image, or one that its mask holds.
+    // The argument may be the header of this very image, or one held by its mask.
     MBasicImageOptionalData<> copy(header);
     _header.write() = std::move(copy);
 }

@@ -32,12 +32,12 @@ public:
     MImage(int width, int height, datatypes::Type type, std::size_t bits);
     /// One row of all the pixels of a buffer, with a header.
     MImage(const BasicImage& pixels, const MBasicImageOptionalData<>& header);
-    /// The pixels of a buffer under a geometry; the buffer holds at least width * height of them.
+    /// The pixels of a buffer with a geometry; the buffer holds at least width * height of them.
     MImage(int width, int height, const BasicImage& pixels);
-    /// An image of one value.
+    /// An image with all pixels set to one value.
     template <class T>
     MImage(int width, int height, const T& value);
-    /// An image of the size of another one, of one value.
+    /// As before, with the size of another image.
     template <class T>
     MImage(const MImage& other, const T& value);
     MImage(const MImage& other);
@@ -59,7 +59,7 @@ public:
     /// The pixels; never copies. Null for the empty image.
     const void* cdata() const { return _pixels.cdata(); }
     const void* data() const { return _pixels.cdata(); }
-    /// The pixels as this object's own: copies them first when they are shared.
+    /// The pixels for writing: copied first when they are shared.
     void* data() { return _pixels.data(); }
     /// The pixels as values of T, which must be the pixel type (asserted).
     template <class T>
@@ -90,7 +90,7 @@ private:
     image::CowPtr<MBasicImageOptionalData<>> _header;
 };
 
-/// Are type, size and all pixel bytes equal? Headers are not compared.
+/// True if type, size and all pixel bytes are equal. Headers are not compared.
 bool samePixels(const MImage& left, const MImage& right);
 
 }  // namespace morvend::imglib

@@ -13,7 +13,7 @@ constexpr unsigned int Excluding = 31;
 /// A pixel with one of these bits counts as defective; transferfunction.glsl names them too.
 constexpr unsigned int Defective = 30;
 
-/// The bits of a mask pixel by which a pixel is judged.
+/// The bits of a mask pixel that decide about a pixel.
 template <class M>
 constexpr unsigned int bits(M mask)
 {
@@ -22,21 +22,21 @@ constexpr unsigned int bits(M mask)
     else if constexpr (std::is_floating_point_v<M>)
         return mask == M(0) ? 0U : 1U;
     else if constexpr (std::is_signed_v<M>)
-        // The magnitude, which also the smallest value has when it is unsigned.
+        // The magnitude; unsigned, since that of the smallest value fits no signed type.
         return static_cast<unsigned int>(mask < 0 ? 0ULL - static_cast<unsigned long long>(mask)
                                                   : static_cast<unsigned long long>(mask));
     else
         return static_cast<unsigned int>(mask);
 }
 
-/// Does a pixel take part in statistics?
+/// True if a pixel takes part in statistics.
 template <class M>
 constexpr bool good(M mask)
 {
     return (bits(mask) & Excluding) == 0;
 }
 
-/// Does a pixel that is not good count as defective?
+/// True if a pixel that is not good counts as defective.
 template <class M>
 constexpr bool defective(M mask)
 {

@@ -1,8 +1,9 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Some lanes of a vector moved together, for each instruction set. Always in registers: processors
-// of one maker take a hundred cycles for an AVX-512 instruction that compresses to memory.
+// Moves selected lanes of a vector together, for each instruction set. Always in registers:
+// processors of one maker take a hundred cycles for an AVX-512 instruction that compresses to
+// memory.
 
 // Included once for each instruction set.
 #if defined(TARVIK_PACKLANES_INL) == defined(HWY_TARGET_TOGGLE)

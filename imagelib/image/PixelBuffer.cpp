@@ -23,9 +23,9 @@ constexpr std::size_t Alignment = 64;
 constexpr std::size_t Padding = 64;
 constexpr std::size_t HugePage = std::size_t(2) << 20;
 constexpr std::size_t SmallestPooled = std::size_t(256) << 10;
-constexpr std::size_t MostBytes = std::size_t(1) << 38;  // beyond any machine: a lying size
+constexpr std::size_t MostBytes = std::size_t(1) << 38;  // beyond any machine: a false size
 constexpr std::size_t MostPooled = std::size_t(512) << 20;
-/// Blocks that come back meanwhile before one that nobody takes is freed.
+/// An unused block is freed after this many others have come back.
 constexpr std::size_t MostPassedOver = 32;
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -143,7 +143,7 @@ std::uint64_t nextIdentity()
 
 PixelBufferPtr PixelBuffer::allocate(std::size_t bytes)
 {
-    // The object goes first, so that a block can't be lost when memory is short.
+    // The object is made first, so that no block is lost when memory is short.
     PixelBufferPtr buffer(new PixelBuffer);
     Block block;
     if (bytes <= MostBytes) {

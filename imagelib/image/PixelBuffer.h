@@ -17,11 +17,11 @@ namespace morvend::image {
 class PixelBuffer;
 using PixelBufferPtr = boost::intrusive_ptr<PixelBuffer>;
 
-/// Another place that memory of images may come from.
+/// Another source of memory for images.
 class PixelSource {
 public:
     virtual ~PixelSource() = default;
-    /// Writable memory as of PixelBuffer::adopt, or null to leave the request to the pool.
+    /// Writable memory as from PixelBuffer::adopt, or null to leave the request to the pool.
     virtual PixelBufferPtr allocate(std::size_t bytes) = 0;
 
     /// While it lives, new images of the thread that made it take their pixels from `source`, so
@@ -43,7 +43,7 @@ public:
 ///
 /// Large blocks come from a pool of reused, 2 MiB-aligned buffers on huge pages: the first touch of
 /// fresh 4 KiB pages costs more than decoding an image into them.
-/// Thread: any; the pool and the count are thread-safe, the bytes are the caller's matter.
+/// Thread: any; the pool and the count are thread-safe, access to the bytes is up to the caller.
 class PixelBuffer {
 public:
     /// A block of `bytes` with undefined content.
@@ -58,7 +58,7 @@ public:
     /// 64 bytes past its end.
     static PixelBufferPtr lease(const void* data, std::size_t bytes, std::function<void()> release);
 
-    /// As lease(), of memory that the sole owner of the block may write until it is frozen.
+    /// As lease(), for memory that the sole owner of the block may write until it is frozen.
     static PixelBufferPtr adopt(void* data, std::size_t bytes, std::function<void()> release);
     /// Makes an adopted block read-only for good, since somebody outside looks at it. The caller
     /// holds a reference; other holders may live on other threads.
@@ -68,7 +68,7 @@ public:
     /// Writable bytes; only for the sole owner of a block that is not leased.
     std::byte* data() { return _data; }
     std::size_t size() const { return _size; }
-    /// To be asked by the sole owner: others may freeze the block meanwhile.
+    /// Called by the sole owner: others may freeze the block at any time.
     bool readOnly() const { return _readOnly.load(std::memory_order_relaxed); }
 
     /// Number of this content, unique in the process and never 0: two images of equal identity
@@ -77,7 +77,7 @@ public:
     /// Gives the block a new identity. Called before its bytes are changed.
     void renew();
 
-    /// No other reference exists; whoever sees true may write.
+    /// True if no other reference exists; the caller may then write.
     bool unique() const { return _references.load(std::memory_order_acquire) == 1; }
 
     /// Frees the blocks that wait in the pool for reuse.

@@ -32,7 +32,7 @@ inline constexpr Type typeOf = std::is_same_v<T, bool>       ? BOOL
 template <class T>
 inline constexpr std::size_t bitsOf = 8 * sizeof(T);
 
-/// The text of the failure of every dispatch.
+/// The error text of every dispatch.
 inline std::string missingImplementation(Type type, std::size_t bits)
 {
     return "Missing implementation for type " + typeStr(type) + " of size " + std::to_string(bits);
@@ -55,7 +55,7 @@ Result dispatchOver(Type type, std::size_t bits, Functor& functor, std::tuple<He
 }  // namespace detail
 
 /// Calls functor.template operator()<T>() with the C++ type of a run-time pixel type.
-/// @throws MNotImplementedException for a pair that is none of the twelve
+/// @throws MNotImplementedException for any other pair
 template <class Functor>
 auto dispatchPixelType(Type type, std::size_t bits, Functor&& functor)
 {
@@ -63,7 +63,7 @@ auto dispatchPixelType(Type type, std::size_t bits, Functor&& functor)
     return detail::dispatchOver<Result>(type, bits, functor, static_cast<PixelTypes*>(nullptr));
 }
 
-/// One of the twelve pixel types?
+/// True for one of the twelve pixel types.
 inline bool isPixelType(Type type, std::size_t bits)
 {
     switch (type) {
@@ -81,8 +81,8 @@ inline bool isPixelType(Type type, std::size_t bits)
     return false;
 }
 
-/// Converts a pixel value. Integers wrap as in C++; floating values are truncated and held at the
-/// ends of an integer type, and NaN becomes 0, so that no value is undefined.
+/// Converts a pixel value. Integers wrap as in C++; floating values are truncated and clamped to
+/// the range of an integer type, and NaN becomes 0, so that no value is undefined.
 template <class To, class From>
 constexpr To convertPixel(From value)
 {

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Texts of foreign origin in messages.
+// Texts from outside, made fit for messages.
 #pragma once
 
 #include <cstddef>

@@ -9,7 +9,7 @@
 
 namespace morvend::image {
 
-/// Is it worth while to fill this memory by streamCopy? From 32 MiB on: an ordinary store that
+/// True if it pays to fill this memory by streamCopy: from 32 MiB on. An ordinary store that
 /// misses the caches first reads the line that it overwrites. Lines must be whole, so the memory
 /// begins at a multiple of 64 bytes.
 inline bool isWorthStreaming(const void* to, std::size_t bytes)

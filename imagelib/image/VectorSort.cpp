@@ -32,7 +32,7 @@
 
 #include "imagelib/image/PackLanes-inl.h"
 
-// The types that are sorted by vectors, for the passes over this file.
+// The types that are sorted by vectors, for each pass over this file.
 #undef TARVIK_SORTS
 #define TARVIK_SORTS(Sort)                                                                         \
     Sort(sortInt, std::int32_t) Sort(sortUnsigned, std::uint32_t) Sort(sortLong, std::int64_t)     \
@@ -56,9 +56,9 @@ void sortAll(T* values, T*, std::size_t count)
 using tarvik_simd::HWY_NAMESPACE::laneBits;
 using tarvik_simd::HWY_NAMESPACE::partLanes;
 
-/// Ranges that are worth a task of their own.
+/// Least length of a range that is worth its own task.
 constexpr std::size_t TaskSize = 1 << 16;
-/// A side with less than one part of so many makes a bad split.
+/// A split is bad if one side has less than one part in this many.
 constexpr std::size_t LeastShare = 16;
 
 /// The value in the middle of the values of the type between two that differ: above the lower one,
@@ -119,7 +119,7 @@ private:
                                   ? std::numeric_limits<T>::infinity()
                                   : std::numeric_limits<T>::max();
 
-    /// Sorts a matrix of 16 rows and at most as many columns as lanes; a vector after it is
+    /// Sorts a matrix of 16 rows and at most as many columns as lanes; one vector after it is
     /// written.
     static void _sortMatrix(T* matrix, std::size_t columns)
     {
@@ -137,7 +137,7 @@ private:
         std::copy_n(matrix.begin(), count, target);
     }
 
-    /// A value that is above some of the values and not above others; none when all are equal.
+    /// A value that is above some of the values and not above others; empty when all are equal.
     static std::optional<T> _pivot(const T* values, std::size_t count, bool badSplit)
     {
         std::optional<T> pivot;
@@ -183,7 +183,7 @@ private:
         return {hn::GetLane(hn::MinOfLanes(d, lowest)), hn::GetLane(hn::MaxOfLanes(d, highest))};
     }
 
-    /// Writes the values below the pivot from the begin of the target on, the others towards its
+    /// Writes the values below the pivot from the start of the target on, the others towards its
     /// end. Returns how many are below.
     static std::size_t _part(const T* values, std::size_t count, T pivot, T* target)
     {

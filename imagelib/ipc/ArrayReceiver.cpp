@@ -32,7 +32,7 @@ void ArrayReceiver::forget(const wire::Forget& forgotten)
         if (number >= _segments.size() || !_segments[number])
             malformed("the segment " + std::to_string(number) +
                       " is forgotten, which was never there");
-        _segments[number] = nullptr;  // images that lie there hold on to it
+        _segments[number] = nullptr;  // images in it keep it alive
     }
 }
 
@@ -68,7 +68,7 @@ image::PixelBufferPtr ArrayReceiver::outside(const wire::ArrayPlace& place, std:
         if (!memory)
             malformed("pixels in the segment " + std::to_string(place.number) +
                       ", which was never sent");
-        // From here on the lease goes back, whatever becomes of the message.
+        // From here on the lease is returned, whatever happens to the message.
         release = [memory, returns = _returns, number = place.number] {
             returns->giveBack(number);
         };

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// The pixels that incoming frames only name.
+// Finds the pixels that incoming frames only name.
 #pragma once
 
 #include "imagelib/ipc/LeasePage.h"
@@ -12,8 +12,8 @@
 
 namespace morvend::imglib {
 
-/// The arrays of one connection and direction, at the receiver. Everything asked for is checked.
-/// Thread: one at a time; the buffers that it gives may go to other threads.
+/// The arrays of one connection and direction, at the receiver. Every request is checked.
+/// Thread: one at a time; the buffers it returns may go to other threads.
 class ArrayReceiver : public wire::ArraySource {
 public:
     /// The page that came with the peer's hello.

@@ -56,7 +56,7 @@ ArrayPlace ArraySender::place(const wire::Parcel::Array& array, std::size_t bulk
             segment = _pool->find(*buffer);
         }
         if (segment) {
-            buffer->freeze();  // the peer looks at it from now on
+            buffer->freeze();  // the peer reads it from now on
             place = inSegment(segment, descriptors);
         }
         if (place.place == Place::Nowhere)
@@ -70,7 +70,7 @@ ArrayPlace ArraySender::place(const wire::Parcel::Array& array, std::size_t bulk
     return place;
 }
 
-/// Names a segment by the number it has on this connection, or gets on it now.
+/// Names a segment by the number it has on this connection, or gets now.
 ArrayPlace ArraySender::inSegment(const std::shared_ptr<Segment>& segment, Descriptors& descriptors)
 {
     auto known = std::ranges::find_if(_segments, [&](const Known& each) {
@@ -98,7 +98,7 @@ ArrayPlace ArraySender::inSegment(const std::shared_ptr<Segment>& segment, Descr
     return place;
 }
 
-/// Copies an array to a file that the peer alone will hold.
+/// Copies an array to a file that only the peer will hold.
 ArrayPlace ArraySender::inOwnFile(const image::MBasicImage<>& pixels, std::size_t bytes,
                                   Descriptors& descriptors)
 {

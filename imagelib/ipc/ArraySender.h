@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Where the pixels of outgoing images are put: inline, in segments, in files of their own, or by
-// reference to what the peer has kept.
+// Decides where the pixels of outgoing images are put: inline, in segments, in files of their own,
+// or by reference to what the peer has kept.
 #pragma once
 
 #include "imagelib/ipc/LeasePage.h"
@@ -36,10 +36,10 @@ public:
     wire::ArrayPlace place(const wire::Parcel::Array& array, std::size_t bulk,
                            Descriptors& descriptors);
 
-    /// The frame of a place that was given out is not sent.
+    /// Takes back a place: its frame is not sent.
     void undo(const wire::ArrayPlace& place);
 
-    /// Numbers of segments that exist no more, to be told to the peer before the next image.
+    /// Numbers of segments that no longer exist; the peer must learn them before the next image.
     std::vector<std::uint32_t> takeForgotten();
 
 private:

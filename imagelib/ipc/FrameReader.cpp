@@ -106,7 +106,7 @@ std::optional<wire::Frame> FrameReader::nextFrame()
     return frame;
 }
 
-/// Acts on what is for this layer alone.
+/// Handles the messages meant for this layer only.
 std::optional<Message> FrameReader::take(wire::Frame frame)
 {
     if (auto* message = std::get_if<Message>(&frame))
@@ -122,8 +122,8 @@ std::optional<Message> FrameReader::take(wire::Frame frame)
     return std::nullopt;
 }
 
-/// Makes room behind the bytes that are there for those of the frame that begins with them.
-/// Grows step by step, since a size that a frame claims is paid for only when it arrives.
+/// Makes room after the received bytes for the rest of the frame that they begin.
+/// Grows step by step, since a size that a frame claims costs memory only as it arrives.
 void FrameReader::makeRoom(std::size_t wanted)
 {
     const std::size_t have = _end - _begin;
@@ -153,7 +153,7 @@ bool FrameReader::fill()
     const std::span<const std::byte> have(_buffer.get() + _begin, _end - _begin);
     makeRoom(have.size() < wire::HeadBytes ? UsualCapacity : wire::decodeHead(have).frameBytes());
     iovec piece{_buffer.get() + _end, _capacity - _end};
-    // The most descriptors that a system sends at once, so that none is lost unseen.
+    // The most descriptors that a system sends at once, so that none is lost unnoticed.
     alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof(int) * 253)> control;
     msghdr message{};
     message.msg_iov = &piece;

@@ -17,13 +17,14 @@ namespace morvend::imglib {
 /// The receiving half of a connection. Thread: one at a time.
 class FrameReader {
 public:
-    /// Does not own the socket. The peer's hello must say the same name.
+    /// Does not own the socket. The peer's hello must give the same name.
     FrameReader(int socket, std::string name);
 
-    /// A message that can be had without waiting, if any.
-    /// @throws MPeerGoneException after the last one, MRuntimeException for what follows no rule
+    /// The next message that is available without waiting, if any.
+    /// @throws MPeerGoneException after the last one, MRuntimeException for a breach of the
+    /// protocol
     std::optional<Message> poll();
-    /// A message that has been read from the socket before.
+    /// A message that was read from the socket earlier.
     std::optional<Message> buffered();
     /// Reads no further than the hello; true when that has come. Throws as poll().
     bool greet();
@@ -44,7 +45,7 @@ private:
     std::size_t _capacity = 0;
     std::size_t _begin = 0;
     std::size_t _end = 0;
-    std::deque<UniqueFd> _descriptors;  // come, not yet claimed by a frame
+    std::deque<UniqueFd> _descriptors;  // received, not yet claimed by a frame
 };
 
 }  // namespace morvend::imglib

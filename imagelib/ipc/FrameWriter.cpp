@@ -19,7 +19,7 @@ namespace morvend::imglib {
 
 namespace {
 
-/// Images beyond this in shared memory, sent and not yet read, hold up those that follow.
+/// More unread bytes than this in shared memory hold up the images that follow.
 constexpr std::size_t MostUnreadBytes = std::size_t(512) << 20;
 
 std::size_t bytesOf(const image::MBasicImage<>& pixels)
@@ -78,7 +78,7 @@ bool FrameWriter::flush()
     return true;
 }
 
-/// Makes a frame of the parcel that waits first.
+/// Makes a frame of the first waiting parcel.
 void FrameWriter::start()
 {
     if (_waiting.front().kind == wire::Kind::Image) {
@@ -170,7 +170,7 @@ bool FrameWriter::writeSome()
     if (sent < 0) {
         if (errno == EINTR)
             return true;
-        // Too many references: the peer has to take descriptors out of its socket first.
+        // Too many descriptors under way: the peer has to take some out of its socket first.
         _refused = errno == ETOOMANYREFS || errno == ENOBUFS || errno == ENOMEM;
         if (_refused || errno == EAGAIN || errno == EWOULDBLOCK)
             return false;

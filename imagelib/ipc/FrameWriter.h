@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Writes messages to a socket, as far as it takes them.
+// Writes messages to a socket, as far as the socket takes them.
 #pragma once
 
 #include "imagelib/ipc/ArraySender.h"
@@ -22,15 +22,15 @@ public:
     void enqueue(wire::Parcel parcel) { _waiting.push_back(std::move(parcel)); }
     bool idle() const { return _waiting.empty(); }
     std::size_t waiting() const { return _waiting.size(); }
-    /// Writes until nothing waits any more, true, or until nothing can be written now, false.
-    /// @throws MPeerGoneException, and MRuntimeException for an image that no memory can be had
-    /// for: that one is dropped
+    /// Writes until nothing is left (true) or nothing more can be written now (false).
+    /// @throws MPeerGoneException, and MRuntimeException for an image that gets no shared
+    /// memory: that image is dropped
     bool flush();
-    /// Nothing can be written before the peer has read on, though the socket may have room: so many
-    /// bytes of unread images lie in shared memory.
+    /// True if the peer must read before more is written, though the socket may have room: too many
+    /// bytes of unread images are in shared memory.
     bool stalled();
 
-    /// The messages that have not been written to their end.
+    /// The messages that are not completely written.
     std::deque<wire::Parcel> takeUnsent();
 
 private:
@@ -57,7 +57,7 @@ private:
     std::uint64_t _frames = 0;   // begun
     std::deque<Unread> _unread;  // images that the peer may not have taken yet
     std::size_t _unreadBytes = 0;
-    bool _refused = false;  // by the system, though the socket may have room
+    bool _refused = false;  // by the system, although the socket may have room
 };
 
 }  // namespace morvend::imglib

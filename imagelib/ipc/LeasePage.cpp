@@ -46,7 +46,7 @@ LeaseBook::LeaseBook()
 
 bool LeaseBook::isBack(std::uint32_t number) const
 {
-    // Acquire: the receiver's last look at the pixels lies before what is written there next.
+    // Acquire: the receiver's last read of the pixels comes before the next write there.
     return counter(_page, number).load(std::memory_order_acquire) ==
            _given[number].load(std::memory_order_relaxed);
 }

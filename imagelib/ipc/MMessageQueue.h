@@ -17,12 +17,12 @@ namespace morvend::imglib {
 
 class QueueEnd;
 
-/// One end of a pair of processes that know nothing of each other but a name.
+/// One end of a queue between two processes that share nothing but its name.
 ///
-/// Either side may come first, and a peer that goes or is killed may come back: messages sent
+/// Either side may come first, and a peer that ends or is killed may come back: messages sent
 /// meanwhile wait in this process, in order. Each message arrives whole, once and in the order of
-/// its direction, or not at all when a peer dies that it has been handed to. All objects of a
-/// process with one name share one end. Only processes of the same user are spoken to; a third one
+/// its direction, or not at all if the peer that received it dies. All objects of a
+/// process with one name share one end. Only processes of the same user can connect; a third one
 /// waits until one of the two has gone.
 ///
 /// Text, images and drawing lists share one order. A receive takes the first message of its own
@@ -31,10 +31,10 @@ class QueueEnd;
 ///
 /// Large images cross by naming a segment of shared memory; one whose pixels lie in
 /// SegmentPool::process() is not copied at all. What is sent may be changed afterwards: the queue
-/// keeps the pixels as they are. A received image shows the sender's memory, read-only, and stays
-/// valid whatever becomes of the sender.
+/// keeps the pixels as they are. A received image shares the sender's memory, read-only, and stays
+/// valid whatever happens to the sender.
 ///
-/// Thread: any, also several at a time; nobody destroys an object that another thread waits in.
+/// Thread: any, also several at a time; don't destroy an object that another thread waits in.
 class MMessageQueue {
 public:
     /// One connection with a peer, numbered from 1; greater for each that follows.
@@ -42,14 +42,14 @@ public:
     static constexpr Peer NoPeer = 0;
     /// Longest text of a message, in bytes.
     static constexpr std::size_t LongestText = std::size_t(64) << 20;
-    /// The time-out of those who wait without end.
+    /// A time-out that never passes.
     static constexpr std::chrono::milliseconds Forever{-1};
 
     /// Opens the queue of that name, any non-empty text.
     /// @throws MBadParameterException without a name, MRuntimeException when another user holds it
     explicit MMessageQueue(const char* name);
-    /// The last object of a name closes the end: what a peer that is there has not been handed yet
-    /// is handed over, as long as that takes about a second; the rest is dropped.
+    /// The last object of a name closes the end: what the connected peer has not received yet
+    /// is handed over, if that takes no longer than about a second; the rest is dropped.
     ~MMessageQueue();
     MMessageQueue(const MMessageQueue&) = delete;
     MMessageQueue& operator=(const MMessageQueue&) = delete;
@@ -61,14 +61,14 @@ public:
     void send(const MImage& image);
     void send(const MDrawingList<>& list);
 
-    /// Blocks until a message of that kind is there, through all goings and comings of peers.
+    /// Blocks until a message of that kind is there, while peers come and go.
     /// @throws MRuntimeException when another user holds the name
     std::string receive();
     void receive(MImage& image);
     void receive(MDrawingList<>& list);
 
-    /// Number of messages that wait in this process, for a peer or for room in its socket: what a
-    /// producer that is faster than its peer looks at.
+    /// Number of messages that wait in this process, for a peer or for room in its socket. A
+    /// producer that is faster than its peer watches it.
     std::size_t waiting() const;
 
     /// The connected peer, or NoPeer.
@@ -81,7 +81,7 @@ public:
 
     /// Questions and answers with one peer, for those who can go on without it: as send() and
     /// receive(), but to and from `peer` alone.
-    /// @throws MPeerGoneException when it has gone, for a receive: and has left no such message;
+    /// @throws MPeerGoneException when it has gone (for a receive: and left no such message);
     /// MTimeoutException when the time-out passes first
     void sendTo(Peer peer, const std::string& text);
     void sendTo(Peer peer, const MImage& image);

@@ -18,7 +18,8 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// The point in time `seconds` from now; far ones lie thirty years ahead, within the clock's range.
+/// The point in time `seconds` from now; far ones are held at thirty years, within the clock's
+/// range.
 Clock::time_point deadlineIn(double seconds)
 {
     constexpr double never = 1e9;
@@ -29,7 +30,7 @@ Clock::time_point deadlineIn(double seconds)
 
 }  // namespace
 
-/// Shared with the thread, so that it outlives a timer that its own function destroys.
+/// Shared with the thread, so that it outlives a timer destroyed by its own function.
 struct MTimer::State {
     std::mutex mutex;
     std::condition_variable changed;
@@ -46,7 +47,7 @@ struct MTimer::State {
     void loop();
 };
 
-/// Takes the function out, and waits for a call of it to end unless that call is the caller's own.
+/// Takes the function out, and waits for a call of it to end unless the caller runs within it.
 std::function<void()> MTimer::State::disarm(std::unique_lock<std::mutex>& lock)
 {
     armed = false;
@@ -75,11 +76,11 @@ void MTimer::State::loop()
                 lock.unlock();
                 if (call)
                     call();
-                // What the function holds is released here, before others see it as ended.
+                // What the function holds is released here, before others see the call as ended.
             }
             lock.lock();
             running = false;
-            // Who waits has the last word, though the function may have started the timer anew.
+            // A waiting stop() wins, even if the function has restarted the timer.
             armed = armed && waiters == 0;
             changed.notify_all();
         }

@@ -11,7 +11,7 @@ namespace morvend::imglib {
 
 /// Calls a function on a thread of its own unless stop() comes first.
 ///
-/// Once stop() has returned, the function is not running and won't be called. From within the
+/// Once stop() has returned, the function is not running and will not be called. From within the
 /// function itself start(), stop() and the destructor may be called too: they don't wait for it.
 /// Thread: any. The caller must hold no lock that the function takes; the function must not throw.
 class MTimer {

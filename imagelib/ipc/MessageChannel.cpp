@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// The blocking face of a frame writer and a frame reader.
+// A blocking interface over a frame writer and a frame reader.
 #include "imagelib/ipc/MessageChannel.h"
 
 #include "imagelib/ipc/FrameReader.h"
@@ -22,7 +22,7 @@ struct MessageChannel::Private {
         , reader(socket.get(), name)
     {}
 
-    /// Runs a step of the reader; after a malformed frame the peer is let go.
+    /// Runs a step of the reader; a malformed frame ends the connection.
     template <class Step>
     auto read(Step step)
     {
@@ -40,7 +40,7 @@ struct MessageChannel::Private {
     void drain(const Deadline& deadline)
     {
         while (!writer.flush()) {
-            // What the peer has to do before it goes on without the socket's help is looked for.
+            // The socket doesn't signal what the peer has to do first, so it is polled.
             const bool stalled = writer.stalled();
             if (!waitFor(socket.get(), stalled ? 0 : POLLOUT,
                          stalled ? deadline.sooner(std::chrono::milliseconds(1)) : deadline) &&
@@ -60,7 +60,7 @@ MessageChannel::MessageChannel(UniqueFd socket, std::shared_ptr<SegmentPool> poo
     try {
         _d->writer.flush();  // the hello
     } catch (const MPeerGoneException&) {
-        // The first receive says so, behind what the peer may have left.
+        // The first receive reports it, after what the peer may have left.
     }
 }
 

@@ -19,7 +19,7 @@ namespace morvend::imglib {
 /// One end of a connection; the other end is a channel too. Both say hello first.
 ///
 /// Nothing that comes from the other end is trusted: a malformed frame is an MRuntimeException that
-/// says what is wrong, and the channel is of no use afterwards. Received images stay valid
+/// says what is wrong, and the channel is unusable afterwards. Received images stay valid
 /// after the channel and the peer have gone.
 /// Thread: one that sends and one that receives at a time.
 class MessageChannel {
@@ -39,10 +39,10 @@ public:
     static std::pair<UniqueFd, UniqueFd> socketPair();
 
     /// Sends a message; blocks while the socket is full.
-    /// @throws MPeerGoneException, MTimeoutException (the channel is then of no use),
+    /// @throws MPeerGoneException, MTimeoutException (the channel is then unusable),
     /// MBadParameterException as MMessageQueue::send
     void send(const Message& message, std::chrono::milliseconds timeout = Forever);
-    /// Sends two messages, which wake the peer once. Where one of them is refused with an
+    /// Sends two messages, which wake the peer once. If one of them is refused with an
     /// MBadParameterException, neither is sent.
     void sendBoth(Message first, Message second);
     /// The next message.
@@ -50,16 +50,16 @@ public:
     /// MTimeoutException when nothing came in time, MRuntimeException for a malformed frame
     Message receive(std::chrono::milliseconds timeout = Forever);
 
-    /// Puts a message behind those that wait to be written.
+    /// Appends a message to those that wait to be written.
     void enqueue(Message message);
-    /// Writes what can be written without waiting. Returns true when nothing waits any more.
+    /// Writes what can be written without waiting. Returns true when nothing is left.
     bool flush();
-    /// A message that can be had without waiting, if any.
+    /// The next message that is available without waiting, if any.
     std::optional<Message> poll();
 
-    /// The socket, to wait on. Readable without a message: more of one has come.
+    /// The socket, to wait on. It may be readable before a message is complete.
     int fd() const;
-    /// Wakes all who wait here; they see the peer gone.
+    /// Wakes all who wait here; to them the peer has gone.
     void shutdown();
 
 private:

@@ -14,11 +14,12 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// A process of the same user that connects and then says nothing holds up others no longer.
+/// A silent process of the same user that has connected holds up others no longer than this.
 constexpr auto HelloTime = 2s;
-/// Between two tries when a name is neither free nor answers, a moment in the life of its holder.
+/// Between two tries when a name is neither free nor answers, a short moment while its holder
+/// starts or ends.
 constexpr auto RetryTime = 2ms;
-/// Before one that spoke no sense is met again.
+/// Before the next try with one that broke the protocol.
 constexpr auto FaultTime = 100ms;
 
 }  // namespace
@@ -58,7 +59,7 @@ PeerFinder::Step PeerFinder::meet()
             return Step::Wait;
         complain(_name, "a peer is turned away: no hello came");
     } catch (const MPeerGoneException&) {
-        // The usual end of the one who waited behind another, or of one who was killed.
+        // The usual end of a peer that waited in the backlog, or of one that was killed.
     } catch (const MException& exception) {
         complain(_name, std::string("a peer is turned away: ") + exception.what());
         _retry = FaultTime;
@@ -67,7 +68,7 @@ PeerFinder::Step PeerFinder::meet()
     return _retry > 0ms ? Step::Wait : Step::Again;
 }
 
-/// Looks for somebody to talk to.
+/// Looks for a peer.
 PeerFinder::Step PeerFinder::look()
 {
     if (!_listener)
@@ -79,7 +80,7 @@ PeerFinder::Step PeerFinder::look()
         return Step::Wait;
     }
     _candidate = std::make_shared<QueueLink>(std::move(socket), _pool, _name);
-    // Who connects waits without end: the listener may be busy with somebody else.
+    // The connecting side waits without end: the listener may be busy with another.
     _candidateUntil = Deadline(listening ? HelloTime : -1ms);
     return Step::Again;
 }

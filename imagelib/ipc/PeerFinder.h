@@ -25,24 +25,24 @@ struct QueueLink {
     const UniqueFd socket;
     FrameWriter writer;
     FrameReader reader;
-    std::uint64_t peer = 0;  // its number, given when it counts as connected
+    std::uint64_t peer = 0;  // its number, given once it counts as connected
 };
 
-/// Listens under the name, or connects to the one who does, until a peer of the same user has said
-/// hello. Whoever comes while two are connected waits in the listener's backlog.
+/// Listens under the name, or connects to the listener, until a peer of the same user has said
+/// hello. A third process waits in the listener's backlog.
 /// Thread: one at a time. Nothing here blocks.
 class PeerFinder {
 public:
     PeerFinder(const std::string& name, std::shared_ptr<SegmentPool> pool);
 
-    /// Goes on with the search. Returns a connection when one stands; null: wait and call again.
+    /// Continues the search. Returns a connection once there is one; null: wait and call again.
     /// @throws QueueNameTaken, MRuntimeException when the system refuses a socket
     std::shared_ptr<QueueLink> seek();
     /// What to wait for until then: readable, or `patience()` over. -1: for the time alone.
     int fd() const;
     Deadline patience() const;
 
-    /// Is somebody there who has not said hello yet?
+    /// True if a candidate is connected that has not said hello yet.
     bool meeting() const { return bool(_candidate); }
 
     /// Gives the name up.
@@ -62,7 +62,7 @@ private:
     std::chrono::milliseconds _retry{0};  // to wait before the next try
 };
 
-/// A line on standard error about a fault that no caller can be told.
+/// A line on standard error about a fault that can't be reported to a caller.
 void complain(const std::string& queue, const std::string& what);
 
 }  // namespace morvend::imglib

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Abstract Unix sockets and the credentials behind them.
+// Abstract Unix sockets and the credentials of their peers.
 #include "imagelib/ipc/QueueAddress.h"
 
 #include <algorithm>
@@ -47,7 +47,7 @@ UniqueFd makeSocket()
     return socket;
 }
 
-/// The user at the other end; -1 when that can't be learnt.
+/// The user at the other end; -1 if unknown.
 std::int64_t peerUser(const UniqueFd& socket)
 {
     ucred credentials{};
@@ -64,7 +64,7 @@ std::string queueAddress(const std::string& name, unsigned userId)
     const std::string folder = "tarvik/" + std::to_string(userId) + "/";
     if (folder.size() + name.size() <= LongestAddress)
         return folder + name;
-    // FNV-1a; two names that share it tell by their hellos that they are not the same.
+    // FNV-1a; names that collide are told apart by their hellos.
     std::uint64_t hash = 0xcbf29ce484222325;
     for (const char each : name)
         hash = (hash ^ static_cast<unsigned char>(each)) * 0x100000001b3;

@@ -12,7 +12,7 @@
 namespace morvend::imglib {
 
 /// The socket address of a queue name, in the abstract namespace of Unix sockets: it exists as long
-/// as a process holds it, whatever way that process ends. Bytes without the leading zero.
+/// as a process holds it, however that process ends. Bytes without the leading zero.
 std::string queueAddress(const std::string& name, unsigned userId);
 
 /// Another user holds a name.
@@ -26,13 +26,13 @@ class QueueAddress {
 public:
     explicit QueueAddress(const std::string& name);
 
-    /// A listening socket, or none when another one holds the address.
+    /// A listening socket, or none if the address is taken.
     /// @throws MRuntimeException when the system has no socket to give
     UniqueFd listen() const;
-    /// A socket connected to whoever listens, which may be busy with another one; none when nobody
+    /// A socket connected to the listener, which may be busy with another peer; none if nobody
     /// listens. @throws MRuntimeException as above, QueueNameTaken when another user listens there
     UniqueFd connect() const;
-    /// The next one that wants to connect, if it is of the same user; others are turned away.
+    /// The next connection, if its process is of the same user; others are refused.
     /// @throws MRuntimeException as above
     static UniqueFd accept(const UniqueFd& listener);
 

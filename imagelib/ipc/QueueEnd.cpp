@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Sending and receiving; the thread's part stands in QueueThread.cpp.
+// Sending and receiving; the thread's part is in QueueThread.cpp.
 #include "imagelib/ipc/QueueEnd.h"
 
 #include "imagelib/image/Assert.h"
@@ -19,7 +19,7 @@ namespace morvend::imglib {
 
 namespace {
 
-/// Messages that a receive passes over, being of other kinds, before it reads no further.
+/// Messages of other kinds that a receive passes over before it reads no further.
 constexpr std::size_t MostPassedOver = 1024;
 /// Messages that one turn of reading takes at most.
 constexpr std::size_t MostAtOnce = 256;
@@ -105,9 +105,10 @@ void QueueEnd::send(Message message, Peer peer)
         } catch (const MPeerGoneException&) {
             if (peer != NoPeer)
                 throw;
-            return;  // the thread sees it too, and keeps what is unsent for the next peer
+            return;  // the thread sees it too and keeps what is unsent for the next peer
         } catch (const MException& error) {
-            // One was dropped. This message stands last: while any waits, it was another's.
+            // One was dropped. This message is the last: while any waits, the dropped one was
+            // another.
             if (_sending->writer.idle())
                 throw;
             complain(_name, error.what());
@@ -145,7 +146,7 @@ std::optional<Message> QueueEnd::takeFromInbox(std::size_t kind, Peer peer)
     Message message = std::move(found->message);
     const Peer from = found->peer;
     _inbox.erase(found);
-    // What former peers left, and nobody asked for, belongs to no conversation any more.
+    // What former peers left, unclaimed, no longer belongs to any conversation.
     while (!_inbox.empty() && _inbox.front().peer < from)
         _inbox.pop_front();
     _changed.notify_all();

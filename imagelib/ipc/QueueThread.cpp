@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// The thread of a queue's end: it finds peers, notices their going, and writes what had to wait.
+// The thread of a queue's end: it finds peers, notices when they go, and writes what had to wait.
 #include "imagelib/ipc/QueueEnd.h"
 
 #include <array>
@@ -19,7 +19,7 @@ namespace {
 /// How long an end that closes tries to hand over what waits.
 constexpr auto LingerTime = 1s;
 constexpr auto HelloTime = 250ms;
-/// Between two looks at something that gives no sign.
+/// Interval for polling what gives no signal.
 constexpr auto PollTime = 1ms;
 constexpr auto FaultTime = 100ms;
 
@@ -58,7 +58,7 @@ void QueueEnd::run()
 
 void QueueEnd::handOver()
 {
-    Link link = _link;  // nobody else is left to change it
+    Link link = _link;  // no other thread is left to change it
     const Deadline hello(HelloTime);
     while (!link && !_outbox.empty() && !hello.passed()) {
         if ((link = _finder.seek()))
@@ -146,7 +146,7 @@ bool QueueEnd::flush(const Link& link, bool& stalled)
         stalled = !done && link->writer.stalled();
         return done;
     } catch (const MPeerGoneException&) {
-        return true;  // its end is seen on the socket
+        return true;  // the socket shows its end
     }
 }
 
@@ -157,7 +157,7 @@ void QueueEnd::serve(const Link& link)
     bool hungUp = false;
     {
         const std::lock_guard lock(_mutex);
-        hungUp = _hungUp && _reading;  // the one who reads comes to the end by itself
+        hungUp = _hungUp && _reading;  // the reading thread reaches the end by itself
     }
     const short events = static_cast<short>(POLLRDHUP | (done || stalled ? 0 : POLLOUT));
     std::array<pollfd, 2> fds{pollfd{_wake.get(), POLLIN, 0},
@@ -177,7 +177,7 @@ void QueueEnd::readToTheEnd(const Link& link)
         _reading = true;
     }
     std::deque<Message> arrived;
-    // Nothing more comes, so that what the socket holds is all.
+    // Nothing more will come: the socket holds all that is left.
     while (!collect(link, arrived, std::size_t(-1)))
         continue;
     store(link, arrived);

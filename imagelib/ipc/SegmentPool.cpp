@@ -31,7 +31,7 @@ Segment::Leases Segment::leases()
     const std::lock_guard lock(_mutex);
     auto result = Leases::Back;
     std::erase_if(_leases, [&](const Lease& lease) {
-        // In this order: what comes back after the look at it is lost, never taken for back.
+        // In this order: what is returned after the check counts as lost, never as back.
         const bool closed = lease.book->closed();
         const bool back = lease.book->isBack(lease.number);
         if (!back)
@@ -43,8 +43,8 @@ Segment::Leases Segment::leases()
 
 void Segment::discard()
 {
-    // A peer learns with the next image only that the segment is gone; a hole frees the memory now.
-    // Without one, on a system that can't, it is freed then.
+    // A peer learns only with the next image that the segment is gone; a hole frees the memory now.
+    // On a system without holes it is freed then.
     if (leases() == Leases::Back)
         ::fallocate(_file.get(), FALLOC_FL_PUNCH_HOLE | FALLOC_FL_KEEP_SIZE, 0,
                     static_cast<off_t>(capacity()));
@@ -53,7 +53,7 @@ void Segment::discard()
 struct SegmentPool::State {
     struct Entry {
         std::shared_ptr<Segment> segment;
-        bool inUse = false;  // an image of this process lies there
+        bool inUse = false;  // it holds an image of this process
     };
 
     explicit State(const Limits& limits_)
@@ -87,7 +87,7 @@ std::size_t capacityFor(std::size_t bytes)
 
 }  // namespace
 
-/// Takes an entry out; its memory is given back when the caller drops it, outside the lock.
+/// Takes an entry out; its memory is given back when the caller drops the entry, outside the lock.
 void SegmentPool::State::drop(std::size_t index, std::vector<std::shared_ptr<Segment>>& dropped)
 {
     std::shared_ptr<Segment>& segment = entries[index].segment;
@@ -98,7 +98,7 @@ void SegmentPool::State::drop(std::size_t index, std::vector<std::shared_ptr<Seg
     entries.erase(entries.begin() + static_cast<std::ptrdiff_t>(index));
 }
 
-/// A segment that nobody looks at and that fits, if there is one.
+/// A segment of fitting size that nobody uses, if there is one.
 std::shared_ptr<Segment> SegmentPool::State::take(std::size_t size)
 {
     const std::size_t capacity = capacityFor(size);
@@ -208,7 +208,7 @@ image::PixelBufferPtr SegmentPool::allocate(std::size_t bytes)
             const std::lock_guard lock(_state->mutex);
             --_state->segments;
             _state->bytes -= capacity;
-            return nullptr;  // ordinary memory, and a copy when it is sent, serve as well
+            return nullptr;  // ordinary memory, copied when it is sent, will do
         }
         const std::lock_guard lock(_state->mutex);
         _state->entries.push_back({segment, true});

@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Segments of shared memory for images that cross to another process, reused when all have let go.
+// Segments of shared memory for images that cross to another process, reused when all have released
+// them.
 #pragma once
 
 #include "imagelib/image/PixelBuffer.h"
@@ -28,11 +29,11 @@ public:
     void lend(const std::shared_ptr<LeaseBook>& book, std::uint32_t number);
 
     enum class Leases { Back, Out, Lost };
-    /// Are all back? Lost: a connection has ended before they were. The peer may be dead, or may be
-    /// showing the image still, so that the memory must not be written again.
+    /// Whether all are back. Lost: a connection ended before they were. The peer may be dead, or
+    /// may still show the image, so that the memory must not be written again.
     Leases leases();
 
-    /// Gives the memory back to the system if no peer shows the image, even while one has the
+    /// Returns the memory to the system if no peer shows the image, even while one has the
     /// segment mapped. Only for a segment without an image, which is not used again.
     void discard();
 
@@ -53,7 +54,7 @@ private:
 ///     const image::PixelSource::Scope scope(*SegmentPool::process());
 ///     MImage image = series[index];   // decoded straight into shared memory
 ///     queue.send(image);
-/// A segment is taken again when its last image here is gone and every peer that it was sent to
+/// A segment is reused when its last image here is gone and every peer that it was sent to
 /// has given it back. Thread: any.
 class SegmentPool : public image::PixelSource, public std::enable_shared_from_this<SegmentPool> {
 public:
@@ -62,7 +63,7 @@ public:
         std::size_t bytes = std::size_t(3) << 30;        // of all segments
         std::size_t idleBytes = std::size_t(512) << 20;  // of those that wait for reuse
     };
-    /// Smaller images go through the socket and are left to ordinary memory.
+    /// Smaller images use ordinary memory and go through the socket.
     static constexpr std::size_t SmallestBytes = std::size_t(256) << 10;
 
     /// The pool that the queues of this process use.
@@ -77,7 +78,7 @@ public:
     /// The segment whose memory a buffer of this pool shows, null for other buffers.
     std::shared_ptr<Segment> find(const image::PixelBuffer& buffer) const;
 
-    /// Gives back the memory of the segments that wait for reuse, at once.
+    /// Frees the memory of the segments that wait for reuse.
     void trim();
     struct Usage {
         std::size_t segments = 0;

@@ -41,7 +41,7 @@ UniqueFd makeMemoryFile(const char* name, std::size_t bytes)
     UniqueFd file(::memfd_create(name, MFD_CLOEXEC | MFD_ALLOW_SEALING));
     if (!file)
         fail("no shared memory");
-    // Reserved here, lack of memory is an error of this call and no signal in a later loop.
+    // Reserved here, so that lack of memory is an error of this call, not a signal later.
     if (::fallocate(file.get(), 0, 0, static_cast<off_t>(bytes)) != 0)
         fail("no shared memory of " + std::to_string(bytes) + " bytes");
     if (::fcntl(file.get(), F_ADD_SEALS, F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL) != 0)
@@ -62,7 +62,7 @@ std::size_t checkedMemoryFile(const UniqueFd& file)
     constexpr off_t most = off_t(1) << 39;
     if (status.st_size <= 0 || status.st_size > most)
         wire::malformed("a memory file of " + std::to_string(status.st_size) + " bytes");
-    // A hole would be filled when it is read: memory that the sender has not paid for.
+    // Reading a hole would fill it: memory that the sender has not reserved.
     if (status.st_blocks < status.st_size / 512)
         wire::malformed("a memory file with holes");
     return static_cast<std::size_t>(status.st_size);

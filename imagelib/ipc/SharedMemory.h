@@ -10,7 +10,7 @@
 
 namespace morvend::imglib {
 
-/// A stretch of memory that is unmapped when it goes.
+/// A mapping of memory, unmapped on destruction.
 class Mapping {
 public:
     enum class Access { Read, Write };
@@ -34,7 +34,7 @@ private:
 UniqueFd makeMemoryFile(const char* name, std::size_t bytes);
 
 /// The size of a memory file that came from another process.
-/// @throws MRuntimeException when it is no such file, could shrink, or has holes
+/// @throws MRuntimeException if it isn't such a file, could shrink, or has holes
 std::size_t checkedMemoryFile(const UniqueFd& file);
 
 }  // namespace morvend::imglib

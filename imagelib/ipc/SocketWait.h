@@ -30,7 +30,7 @@ public:
         other._at = std::min(other._at, _at);
         return other;
     }
-    /// For poll(): -1 without end, never less than what is left.
+    /// For poll(): -1 for no deadline, never less than the time left.
     int milliseconds() const
     {
         if (never())

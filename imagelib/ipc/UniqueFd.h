@@ -10,7 +10,7 @@
 
 namespace morvend::imglib {
 
-/// Closes its descriptor when it goes; -1 is none.
+/// Closes its descriptor on destruction; -1 means none.
 class UniqueFd {
 public:
     UniqueFd() = default;

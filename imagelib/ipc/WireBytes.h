@@ -21,7 +21,7 @@ namespace morvend::imglib::wire {
 static_assert(std::endian::native == std::endian::little,
               "pixels cross in the byte order of the machine, which the protocol calls little");
 
-/// Ends a connection: what came does not follow the protocol.
+/// Ends a connection: the received bytes break the protocol.
 [[noreturn]] inline void malformed(const std::string& reason)
 {
     throw MRuntimeException("Queue: " + reason);
@@ -87,7 +87,7 @@ public:
         _bytes = _bytes.subspan(size);
         return front;
     }
-    /// A number of items of at least `least` bytes each, none of which may be missing.
+    /// A number of items of at least `least` bytes each, all of which must be present.
     std::uint32_t count(std::size_t least)
     {
         const auto items = get<std::uint32_t>();

@@ -86,7 +86,7 @@ private:
         if (width < 0 || height < 0)
             malformed("an image of " + std::to_string(width) + " x " + std::to_string(height) +
                       " pixels");
-        // At most 2^62 pixels, so that bytes are compared before they are computed.
+        // At most 2^62 pixels, so that the product with the element size fits.
         const auto count = static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height);
         if (count > MostPixelBytes / (bits / 8))
             malformed("an image of " + std::to_string(count) + " pixels");
@@ -112,7 +112,8 @@ private:
         }
         if (place.place != Place::Inline) {
             const image::PixelBufferPtr lent = _source.outside(place, bytes);
-            // Values of a bool other than 0 and 1 are no values: these are copied and mended.
+            // Values of a bool other than 0 and 1 are invalid: such pixels are copied and
+            // corrected.
             return type == datatypes::BOOL ? copied(type, bits, {lent->cdata(), bytes})
                                            : image::MBasicImage<>(lent, type, bits, count);
         }

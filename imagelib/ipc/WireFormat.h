@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// The form of the frames between processes; docs/protocols/queue.md tells each byte.
+// The form of the frames between processes; docs/protocols/queue.md specifies each byte.
 #pragma once
 
 #include "imagelib/display/MDrawingList.h"
@@ -34,12 +34,12 @@ inline constexpr std::uint32_t MostSegments = 1024;
 /// Arrays that a receiver keeps for later messages are numbered below this.
 inline constexpr std::uint8_t MostKept = 8;
 inline constexpr std::uint8_t NotKept = 0xff;
-/// Most file descriptors of one frame: an image and its mask.
+/// Most file descriptors of one frame: those of an image and its mask.
 inline constexpr std::uint32_t MostDescriptors = 2;
-/// Bytes that stand behind the pixels in a segment or file, for the sake of vector loops.
+/// Padding after the pixels in a segment or file, for vector loops.
 inline constexpr std::size_t Padding = 64;
 
-/// Where the pixels of an image lie.
+/// Where the pixels of an image are.
 enum class Place : std::uint8_t { Nowhere = 0, Inline = 1, Segment = 2, OwnFile = 3, Kept = 4 };
 
 /// The first bytes of each frame.
@@ -53,7 +53,7 @@ struct Head {
     std::size_t frameBytes() const { return HeadBytes + metaBytes + std::size_t(bulkBytes); }
 };
 
-/// The place of an array as its frame says it.
+/// The place of an array as its frame states it.
 struct ArrayPlace {
     Place place = Place::Nowhere;
     std::uint8_t keep = NotKept;   // number under which the receiver keeps the array
@@ -62,8 +62,8 @@ struct ArrayPlace {
     std::uint64_t offset = 0;      // of the first byte in the inline data, segment or file
 };
 
-/// Gives the pixels that a frame only names. What it is asked for has been checked for form alone.
-/// @throws MRuntimeException for what it does not have
+/// Gives the pixels that a frame only names. Only the form of a request has been checked before.
+/// @throws MRuntimeException for what does not exist
 class ArraySource {
 public:
     virtual ~ArraySource() = default;
@@ -79,13 +79,13 @@ struct Hello {
     std::uint32_t process = 0;  // for messages to people
     bool leases = false;        // the frame brings a page for returned leases
 };
-/// The sender's segments of these numbers exist no more.
+/// The sender's segments with these numbers no longer exist.
 struct Forget {
     std::vector<std::uint32_t> numbers;
 };
 using Frame = std::variant<Message, Hello, Forget>;
 
-/// Reads the head of a frame. @throws MRuntimeException when it is none, or its sizes are beyond
+/// Reads the head of a frame. @throws MRuntimeException if it is invalid or its sizes are beyond
 /// the limits
 Head decodeHead(std::span<const std::byte> bytes);
 std::array<std::byte, HeadBytes> encodeHead(const Head& head);
@@ -95,8 +95,8 @@ std::array<std::byte, HeadBytes> encodeHead(const Head& head);
 /// @throws MRuntimeException "Queue: ..." for anything that does not follow the protocol
 Frame decodeFrame(std::span<const std::byte> frame, ArraySource& source);
 
-/// A message in the form of the wire, but for the places of its arrays, which depend on the
-/// connection that it will take.
+/// A message in wire form, except for the places of its arrays, which depend on the
+/// connection that it will use.
 struct Parcel {
     struct Array {
         image::MBasicImage<> pixels;

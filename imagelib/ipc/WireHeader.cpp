@@ -24,7 +24,7 @@ void readItem(ByteReader& in, std::string& value) { value = in.text(); }
 
 void writeValue(ByteWriter& out, const Value& value)
 {
-    // The alternatives of a value stand in the order of the tags.
+    // The alternatives of a value are in the order of the tags.
     putTag(out, static_cast<Tag>(value.index()));
     const auto write = [&]<class T>(const T& held) {
         if constexpr (requires { held.begin(); } && !std::is_same_v<T, std::string>) {
@@ -145,7 +145,7 @@ void writeField(ByteWriter& out, const MImage& value,
     mask(value);
 }
 
-/// The value of a field of type T, whatever number came.
+/// The value of a field of type T, whatever number was received.
 template <class T>
 T fieldValue(const std::string& name, const Value& value)
 {
@@ -198,7 +198,7 @@ void readHeader(ByteReader& in, MBasicImageOptionalData<>& header,
         else if (name != "pixel_mask")
             malformed("the header field " + quoted(name) + " can't be an image");
         else if (header.pixel_mask())
-            malformed("a header with two masks");  // a million of them would keep us copying
+            malformed("a header with two masks");  // a million of them would cost endless copying
         else
             header.set_pixel_mask(mask());
     }
@@ -207,7 +207,7 @@ void readHeader(ByteReader& in, MBasicImageOptionalData<>& header,
 
 namespace {
 
-/// The numbers of a primitive behind its type and colour.
+/// The numbers of a primitive after its type and colour.
 std::vector<double> numbersOf(const MDrawingPrimitive& item)
 {
     switch (item.type()) {

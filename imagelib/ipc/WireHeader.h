@@ -27,7 +27,7 @@ enum class Tag : std::uint8_t {
     Image = 7
 };
 
-/// Writes all fields and the tree; `mask` writes an image in their midst.
+/// Writes all fields and the tree; `mask` writes the image among them.
 void writeHeader(ByteWriter& out, const MBasicImageOptionalData<>& header,
                  const std::function<void(const MImage&)>& mask);
 /// Reads what writeHeader wrote; fields of unknown names are skipped.

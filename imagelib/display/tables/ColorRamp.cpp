@@ -100,7 +100,7 @@ std::vector<unsigned char> colorRamp(const std::vector<Rgb>& anchors, std::size_
     std::vector<Lab> points(anchors.size());
     std::transform(anchors.begin(), anchors.end(), points.begin(), labFromRgb);
 
-    // The way along the curve at fine steps, then the places of equal parts of it.
+    // The length along the curve in fine steps, then the points that divide it equally.
     const std::size_t steps = 256 * (anchors.size() - 1);
     const auto place = [&](double step) { return curve(points, step / 256.0); };
     std::vector<double> way(steps + 1, 0.0);

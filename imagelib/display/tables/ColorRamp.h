@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Colour ramps of even steps to the eye, made from a few anchor colours.
+// Colour ramps in steps that look even, made from a few anchor colours.
 #pragma once
 
 #include <array>
@@ -17,11 +17,11 @@ using Rgb = std::uint32_t;
 using Lab = std::array<double, 3>;
 
 Lab labFromRgb(Rgb color);
-/// Colours outside sRGB are held at its border.
+/// Colours outside sRGB are moved to its border.
 Rgb rgbFromLab(const Lab& lab);
 
 /// `size` colours from the first to the last anchor through all of them, as BGRA bytes. Entries
-/// stand at even steps of CIE distance along the way, so that equal steps of the table look equally
+/// are at even steps of CIE distance along the curve, so that equal steps of the table look equally
 /// large.
 std::vector<unsigned char> colorRamp(const std::vector<Rgb>& anchors, std::size_t size);
 

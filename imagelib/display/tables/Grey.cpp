@@ -6,7 +6,7 @@
 
 namespace morvend::imglib {
 
-// All the greys there are, each once.
+// All greys, each once.
 ColorTableData greyTable()
 {
     std::vector<unsigned char> entries;

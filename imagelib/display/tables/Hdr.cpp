@@ -6,9 +6,9 @@
 
 namespace morvend::imglib {
 
-// Linear part: white paper, photons as ink. A gap of the detector is black and so stands out from
-// pixels without photons. Logarithmic part: from the dark end of the ink through a glow that gets
-// lighter with each decade: violet, red, orange, yellow.
+// Linear part: white paper, photons as ink. A gap of the detector is black and so differs clearly
+// from pixels without photons. Logarithmic part: from the dark end of the ink through a glow that
+// gets lighter with each decade: violet, red, orange, yellow.
 ColorTableData hdrTable()
 {
     return {"High Dynamic Range",

@@ -22,7 +22,7 @@ namespace {
 
 std::atomic<bool> hdf5OutOfProcess = false;
 
-/// The program that reads out of process; empty where it is not wanted or not installed.
+/// The program that reads out of process; empty if not wanted or not installed.
 const std::string& readerProgram()
 {
     static const std::string none;
@@ -54,7 +54,7 @@ std::unique_ptr<ImageFile> openHdf5WhereChosen(Source source, const std::string&
     return std::make_unique<RemoteFile>(source->path(), "HDF5", std::move(options), dataset);
 }
 
-/// A reader in this process, which nothing stops, of a format without data sets.
+/// A reader in this process, which can't be stopped, for a format without data sets.
 template <ImageFileOpener open>
 std::unique_ptr<ImageFile> inPlace(Source source, const std::string& dataset,
                                    const std::stop_token& /*stop*/)
@@ -77,7 +77,7 @@ struct Format {
     std::uint64_t (*need)(std::string_view head);
 };
 
-/// In the order in which they are asked: those with the surest marks first. EDF comes last: its
+/// In the order of asking: those with the surest marks first. EDF comes last: its
 /// mark, an opening brace, also begins other files.
 constexpr Format Formats[] = {{"CBF", inPlace<openCbf>, cbfNeed},
                               {"TIFF", inPlace<openTiff>, tiffNeed},

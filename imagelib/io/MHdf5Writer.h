@@ -13,16 +13,16 @@
 namespace morvend::imglib {
 
 /// Writes images one after the other; their numbers begin with 1. The files appear under their
-/// names with the first flush(), which also makes the frames so far readable, at the latest with
-/// the destructor; when nothing was written none remains. Errors: MExceptions naming the file.
+/// names with the first flush(), which also makes the frames so far readable, at the latest in
+/// the destructor; if nothing was written, no file remains. Errors: MExceptions naming the file.
 /// Thread: one at a time.
 class MHdf5Writer {
 public:
     /// @param path    the master file, usually "<stem>_master.h5"; data files go beside it as
     ///                "<stem>_data_000001.h5" and so on
-    /// @param images  number of images to come as far as it is known, else 0; files grow as images
-    ///                come, whatever it says
-    /// @param tree    metadata of the series; the header of the first image goes before it
+    /// @param images  expected number of images, 0 if unknown; files grow as images
+    ///                come, whatever it is
+    /// @param tree    metadata of the series; the header of the first image takes precedence
     /// @throws MNoFileAccessException when the file can't be created
     MHdf5Writer(const std::string& path, int images, const nexus::MBasicNeXusTree& tree,
                 MCompression::FILTER filter);

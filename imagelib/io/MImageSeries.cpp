@@ -31,7 +31,7 @@ public:
 
 namespace {
 
-/// The path from the root on, so that a later change of the working directory does no harm.
+/// The absolute path, so that a later change of the working directory does no harm.
 std::string absolutePath(const std::string& path)
 {
     if (path.empty())
@@ -40,12 +40,12 @@ std::string absolutePath(const std::string& path)
     const std::filesystem::path absolute = std::filesystem::absolute(path, error);
     if (error)
         throw MNoFileAccessException("Cannot open file: " + error.message() + ": " + path);
-    // ".." stays: behind a symbolic link it is not the folder that the text suggests.
+    // ".." stays: after a symbolic link it is not the folder that the text suggests.
     const bool climbs = std::find(absolute.begin(), absolute.end(), "..") != absolute.end();
     return climbs ? absolute.string() : absolute.lexically_normal().string();
 }
 
-/// The number as an int: one that is too large for it is beyond every series.
+/// The number as an int: a larger one is beyond every series.
 int toInt(std::size_t number)
 {
     if (number > std::size_t(std::numeric_limits<int>::max()))
@@ -54,7 +54,7 @@ int toInt(std::size_t number)
     return static_cast<int>(number);
 }
 
-/// The file of an image, for messages; "image 12" where there is none.
+/// The file of an image, for messages; "image 12" if there isn't one.
 std::string placeOf(const Series& series, int number)
 {
     try {

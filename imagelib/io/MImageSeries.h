@@ -42,22 +42,22 @@ public:
     /// file once, opens no other file than the one named. "FILE::/path/in/file" opens one data set
     /// of an HDF5 file, or the images of one of its groups, as a series (see ImagePath).
     /// @returns the number of the image that `path` names
-    /// @throws MNoFileAccessException, MUnknownFormatException, or what the format's reader says
+    /// @throws MNoFileAccessException, MUnknownFormatException, or what the format's reader throws
     int open(const std::string& path);
     /// Becomes an empty series in memory that keeps up to `memorySize` images, at least one.
     /// @throws MBadParameterException when it is negative
     void open(int memorySize);
-    /// An empty series that cancel() reaches together with this one: for a series that is to take
-    /// the place of this one when it has shown its worth.
+    /// An empty series that cancel() reaches together with this one: for a series that will take
+    /// the place of this one once its first image is read.
     MImageSeries beside() const;
-    /// Becomes the series that another one is, which becomes what this one was.
+    /// Exchanges the two series.
     void exchange(MImageSeries& other) noexcept;
     /// Appends an image to a series in memory.
     /// @throws MRuntimeException when the series was opened from a file
     void pushBack(const MImage& image);
 
-    /// The image of a number. A number that the last look at the folder did not show is tried all
-    /// the same: its file may have come since.
+    /// The image with a number. A number that the last listing of the folder lacked is tried
+    /// too: its file may have appeared since.
     /// @throws MOutOfRangeException for a number outside of first() to last() that has no image,
     /// another MException for an image in between that is missing or can't be read
     MImage at(int number) const;
@@ -65,13 +65,13 @@ public:
     MImage operator[](int number) const { return at(number); }
     MImage operator[](std::size_t number) const { return at(number); }
 
-    /// No series is open, or none of its images is there yet.
+    /// True if no series is open, or it has no image yet.
     bool empty() const;
     /// Lowest and highest number; -1 for an empty series.
     int first() const;
     int last() const;
-    /// Lowest number of the series above the given one, and highest below it, -1 when there is
-    /// none: the way over gaps.
+    /// Lowest number of the series above the given one, and highest below it, -1 if there isn't
+    /// one: steps over gaps.
     int next(int number) const;
     int previous(int number) const;
     /// The file that holds the image of a number, as an absolute path.
@@ -79,12 +79,12 @@ public:
     /// series can't have
     std::string pathToImage(int number) const;
     std::string pathToImage(std::size_t number) const;
-    /// Looks for images that were added or removed since the last look. A folder or file that
+    /// Looks for images that were added or removed since the last call. A folder or file that
     /// can't be read now leaves what is known: its writer may be at work.
     void update();
-    /// Ends the work for a series that nobody wants any more: the running call and every later one
-    /// that reads fail with an MTerminateException, at once where another process reads, and
-    /// between two blocks of the file here. Thread: any, during other calls too.
+    /// Ends the work for a series that is no longer wanted: the running call and every later one
+    /// that reads fail with an MTerminateException, at once if another process reads, and
+    /// between two blocks if this process does. Thread: any, during other calls too.
     void cancel();
 
     /// "CBF", "TIFF", "EDF" or "HDF5"; "memory" for images in memory, empty before the first image.

@@ -18,7 +18,7 @@ bool same(const boost::optional<T>& left, const boost::optional<T>& right)
     return left == right;
 }
 
-/// A mask is the same when it is the very same pixels: comparing them would cost too much.
+/// A mask is the same only if it shares the same pixel memory: comparing them would cost too much.
 bool same(const boost::optional<MImage>& left, const boost::optional<MImage>& right)
 {
     return left.has_value() == right.has_value() &&
@@ -37,7 +37,7 @@ Header difference(const Header& from, const Header& to)
     return changed;
 }
 
-/// Has `to` lost a field that `from` has? That can't be told as a change.
+/// True if `to` lacks a field that `from` has. That can't be sent as a change.
 bool lacksField(const Header& from, const Header& to)
 {
     bool lacks = false;
@@ -71,7 +71,7 @@ void HeaderChange::complete(Header& header, HeaderForm form)
     if (form != HeaderForm::Whole) {
         Header whole = _last;
         header.override(whole);
-        // Setting a wavelength has changed the tree, which is to be the file's own.
+        // Setting a wavelength has changed the tree, which should stay as in the file.
         whole.shareNexusTree(form == HeaderForm::SameTree ? _last : header);
         header = std::move(whole);
     }

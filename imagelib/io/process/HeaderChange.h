@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// The headers of a series' images differ in a few fields: only those cross between processes.
+// Headers within a series differ in a few fields; only those are sent between processes.
 #pragma once
 
 #include "imagelib/image/MImage.h"
@@ -9,13 +9,13 @@
 
 namespace morvend::imglib {
 
-/// Remembers the header of the last image; one at each end keeps both in step.
+/// Remembers the header of the last image; one object at each end keeps both in step.
 /// Thread: one at a time.
 class HeaderChange {
 public:
     using Header = MBasicImageOptionalData<>;
 
-    /// Leaves of a header what the other end does not know, and says how.
+    /// Removes from a header what the other end knows already, and returns how.
     HeaderForm shorten(Header& header);
     /// Makes a shortened header whole again.
     void complete(Header& header, HeaderForm form);

@@ -18,14 +18,14 @@ struct ReaderRequest {
     Kind kind = Kind::Open;
     std::string path;            ///< Open: the file
     std::uint64_t position = 0;  ///< Frame and Path: of the frame, from 0
-    std::string dataset = {};    ///< Open: what of it, empty for what it shows by itself
+    std::string dataset = {};    ///< Open: the data set, empty for the default
 
     std::string toText() const;
-    /// @throws MRuntimeException for a text that is no request
+    /// @throws MRuntimeException for a text that isn't a request
     static ReaderRequest fromText(const std::string& text);
 };
 
-/// How an image's header is told.
+/// How an image's header is sent.
 enum class HeaderForm {
     Whole,    ///< all of it
     Change,   ///< the fields that differ from those of the last image, and its metadata tree
@@ -43,18 +43,18 @@ struct ReaderAnswer {
     std::uint32_t firstNumber = 0;
     std::string mainPath;
     std::string dataset;
-    // Of the frame that was asked for.
+    // Of the requested frame.
     std::string framePath;
     HeaderForm header = HeaderForm::Whole;
 
     bool failed() const { return !exception.empty(); }
-    /// Makes the answer a failure. What is no MException becomes an MRuntimeException.
+    /// Makes the answer a failure. Any other exception becomes an MRuntimeException.
     void fail(const std::exception& error);
     /// Throws a failure as the class that it was.
     [[noreturn]] void rethrow() const;
 
     std::string toText() const;
-    /// @throws MRuntimeException for a text that is no answer
+    /// @throws MRuntimeException for a text that isn't an answer
     static ReaderAnswer fromText(const std::string& text);
 };
 

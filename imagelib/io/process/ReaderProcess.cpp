@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Starting, asking and ending of a reader.
+// Starts, asks and ends a reader.
 #include "imagelib/io/process/ReaderProcess.h"
 
 #include "imagelib/image/MException.h"
@@ -30,10 +30,10 @@ using Clock = std::chrono::steady_clock;
 
 /// A killed process goes at once, unless the system is in the middle of a read for it.
 constexpr std::chrono::milliseconds KillPatience = 100ms;
-/// What has closed its socket is on its way out.
+/// A process that has closed its socket is about to end.
 constexpr std::chrono::milliseconds GonePatience = 2s;
 
-/// Processes that could not be collected in time, so that none stays behind as a zombie.
+/// Processes that could not be collected in time, so that none remains as a zombie.
 class Leftovers {
 public:
     static Leftovers& instance()
@@ -57,7 +57,7 @@ private:
     std::vector<pid_t> _pids;
 };
 
-/// The attributes of a new process: nothing of this one's files and signals but the socket.
+/// The attributes of a new process: none of this one's files and signals but the socket.
 class SpawnPlan {
 public:
     explicit SpawnPlan(int socket)
@@ -130,7 +130,7 @@ ReaderProcess::ReaderProcess(const Options& options)
     Leftovers::instance().collect();
     auto [mine, theirs] = MessageChannel::socketPair();
     _pid = SpawnPlan(theirs.get()).start(_options.program);
-    // Images come from the reader's memory; this end has none to lend.
+    // Images come from the reader's memory; this end lends none.
     _channel = std::make_unique<MessageChannel>(std::move(mine), SegmentPool::process(), Greeting);
 }
 
@@ -144,7 +144,7 @@ bool ReaderProcess::_reap()
     if (got == 0 || (got < 0 && errno == EINTR))
         return false;
     if (got < 0)
-        _status = 0;  // collected by somebody else: nobody knows how it ended
+        _status = 0;  // collected elsewhere: how it ended is unknown
     _pid = -1;
     return true;
 }

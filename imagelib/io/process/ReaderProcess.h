@@ -26,7 +26,8 @@ public:
         std::string program;
         /// How long a request may take. Beyond it the file system hangs or the library loops.
         std::chrono::milliseconds limit = std::chrono::minutes(1);
-        /// Asked to stop, by any thread, it ends the running request and each later one at once.
+        /// On a stop request, from any thread, it ends the running request and each later one at
+        /// once.
         std::stop_token stop = {};
     };
     /// The descriptor of the reader's end of the pair in the reader.
@@ -35,7 +36,7 @@ public:
     static constexpr const char* Greeting = "tarvik-reader 2";
 
     /// The reader that came with this program: beside it, as built, or in ../libexec/tarvik, as
-    /// installed; empty when there is none.
+    /// installed; empty if there isn't one.
     static const std::string& installedProgram();
 
     /// @throws MRuntimeException when the process can't be started
@@ -45,18 +46,18 @@ public:
     ~ReaderProcess();
 
     pid_t pid() const { return _pid; }
-    /// Has it not ended yet?
+    /// True if it has not ended yet.
     bool alive();
 
     /// The answer to a request, and the image that follows it.
-    /// @throws MReaderGoneException that says what became of the reader, as in "ended with signal
+    /// @throws MReaderGoneException that says how the reader ended, as in "ended with signal
     /// 11 (Segmentation fault)", MTimeoutException, or an MTerminateException after a stop; the
-    /// object is of no more use then
+    /// object is then unusable
     ReaderAnswer ask(const ReaderRequest& request, MImage& image);
 
 private:
     Message _receive();
-    /// Ends the process if it has not ended by itself, and tells how it did.
+    /// Ends the process if it has not ended by itself, and returns how it ended.
     std::string _end(std::chrono::milliseconds patience);
     bool _reap();
 

@@ -20,7 +20,7 @@ using Kind = ReaderRequest::Kind;
 constexpr SegmentPool::Limits Memory{
     .segments = 64, .bytes = std::size_t(2) << 30, .idleBytes = std::size_t(256) << 20};
 
-/// Without a request for so long, memory that waits for reuse is given back: a view that is fed by
+/// After this long without a request, memory that waits for reuse is freed: a view that is fed by
 /// the preloader asks its own reader for nothing.
 constexpr std::chrono::milliseconds IdlePeriod{1000};
 

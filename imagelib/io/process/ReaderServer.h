@@ -29,7 +29,7 @@ private:
     ReaderAnswer _answer(const ReaderRequest& request, MImage& image);
     void _send(ReaderAnswer& answer, MImage image);
     void _describe(ReaderAnswer& answer) const;
-    /// Runs a step towards an answer; makes a failure of the step one of the answer.
+    /// Runs a step of an answer; a failure of the step becomes the answer.
     template <class Step>
     void _attempt(ReaderAnswer& answer, Step step) const;
     void _do(const ReaderRequest& request, ReaderAnswer& answer, MImage& image);

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Requests to a reader, and what becomes of them when it dies.
+// Requests to a reader, and what happens to them when it dies.
 #include "imagelib/io/process/RemoteFile.h"
 
 #include "imagelib/image/MException.h"
@@ -45,7 +45,7 @@ std::string RemoteFile::framePath(std::size_t position) const
 
 void RemoteFile::update()
 {
-    // Looks come by themselves, many a second: a file that kills each reader would get as many.
+    // Looks are frequent and unasked: a file that kills each reader would kill as many.
     if (!_process)
         return;
     try {
@@ -53,7 +53,7 @@ void RemoteFile::update()
     } catch (const MTerminateException&) {
         throw;
     } catch (const MException& error) {
-        // Callers take a refusal for a file that is being written, but no reader dies of that.
+        // Callers take a refusal to mean that the file is being written; no reader dies of that.
         if (!_process && !std::exchange(_lookFailed, true))
             std::fprintf(stderr, "WARNING: %s\n", error.what());
         throw;
@@ -102,7 +102,7 @@ ReaderAnswer RemoteFile::_exchange(const ReaderRequest& request, const std::stri
 ReaderAnswer RemoteFile::_ask(const ReaderRequest& request, const std::string& doing,
                               MImage* image) const
 {
-    // A reader that died while nobody needed it is no failure.
+    // It is no failure if a reader died while idle.
     if (!_process || !_process->alive())
         _start();
     MImage none;

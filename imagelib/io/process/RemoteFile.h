@@ -12,15 +12,15 @@ namespace morvend::imglib {
 
 /// Asks a reader process for everything. When the reader dies or does not answer in time, that
 /// request alone fails, with a text that says so; the next one starts a new reader, which opens the
-/// file again. No request is tried twice, so that a file which kills each reader only fails; and no
-/// look for new images starts a reader after a failure, which the next request for an image does.
+/// file again. No request is tried twice, so that a file which kills each reader only fails; and a
+/// look for new images starts no reader after a failure; the next request for an image does.
 ///
 /// Images lie in memory that is shared with the reader, read-only; they outlive it.
 class RemoteFile : public ImageFile {
 public:
     /// Opens a file.
     /// @param format  its format, for messages
-    /// @param dataset  what of the file; empty for what it shows by itself
+    /// @param dataset  the data set; empty for the default
     /// @throws MException as the reader in this process would, MReaderGoneException or
     /// MTimeoutException when the reader fails, MTerminateException when it is stopped
     RemoteFile(std::string path, std::string format, ReaderProcess::Options options,
@@ -36,14 +36,14 @@ public:
     std::size_t openedFrame() const override { return _state.openedFrame; }
     int firstNumber() const override { return static_cast<int>(_state.firstNumber); }
     /// Does nothing between a failure of the reader and the next other request. The first failure
-    /// of a reader in here is told on standard error, too.
+    /// of a reader in here is also reported on standard error.
     void update() override;
 
-    /// The reader's process, -1 when it has ended.
+    /// The reader's process, -1 if it has ended.
     pid_t pid() const;
 
 private:
-    /// @param doing  what the reader is asked for, as in "reading image 12"
+    /// @param doing  the running request, as in "reading image 12"
     ReaderAnswer _ask(const ReaderRequest& request, const std::string& doing,
                       MImage* image = nullptr) const;
     void _start() const;
@@ -54,12 +54,12 @@ private:
     std::string _format;
     std::string _dataset;
     ReaderProcess::Options _options;
-    // A request may need a new reader: the state behind the constant interface changes.
+    // A request may need a new reader: so the state changes behind a const interface.
     mutable std::unique_ptr<ReaderProcess> _process;
     mutable HeaderChange _header;
     mutable ReaderAnswer _state;
     mutable std::size_t _framePosition = 0;  // of _state.framePath
-    bool _lookFailed = false;                // and was told
+    bool _lookFailed = false;                // and was reported
 };
 
 }  // namespace morvend::imglib

@@ -103,7 +103,7 @@ FrameSeries::Change FrameSeries::changeSince(const FileStamp& now) const
 
 void FrameSeries::reopen() const
 {
-    // Stamped before the reading: what is written meanwhile counts as a change.
+    // Stamped before reading, so that what is written meanwhile counts as a change.
     const FileStamp stamp(_path);
     try {
         _file = _open(_path);
@@ -118,8 +118,8 @@ void FrameSeries::reopen() const
 
 void FrameSeries::postponeRetry(const FileStamp& stamp, const MException& error) const
 {
-    // Looks come many a second, and each may cost a process: one that the file crashes is for
-    // nothing, one that hangs holds up the view, but a mount that hung may answer again. An
+    // Looks are frequent, and each may cost a process: one that the file crashes is
+    // wasted, one that hangs holds up the view, but a mount that hung may answer again. An
     // incomplete file may be waiting for others, which its stamp does not show.
     const bool crashed = dynamic_cast<const MReaderGoneException*>(&error) != nullptr;
     const bool hung = dynamic_cast<const MTimeoutException*>(&error) != nullptr;

@@ -14,16 +14,16 @@
 namespace morvend::imglib {
 
 /// Keeps the container open. One that was replaced or rewritten is opened anew; where frames are
-/// appended to several, and for HDF5 always, its reader follows the writer by itself.
+/// appended to several, and for HDF5 always, the reader itself follows the writer.
 class FrameSeries : public Series {
 public:
-    /// `file` was opened from `path`; `open` opens what takes its place.
+    /// `file` was opened from `path`; `open` opens its successor.
     FrameSeries(std::string path, std::unique_ptr<ImageFile> file, ImagePathOpener open);
 
-    /// Is the file a series by itself, whatever its name? True for several frames and for HDF5,
+    /// True if the file is a series by itself, whatever its name: for several frames and for HDF5,
     /// whose writers append to the container even while it has one frame. A second and last frame
-    /// that can't be read is none, with a line on standard error: some writers leave junk behind
-    /// their image, and it stays a member of its numbered set.
+    /// that can't be read doesn't count (a line on standard error says so): some writers leave junk
+    /// after their image, and it stays a member of its numbered set.
     static bool isSeriesByItself(const ImageFile& file);
 
     /// The number of the frame that the path names.
@@ -43,7 +43,7 @@ private:
     /// The position of a frame in its container. @throws MOutOfRangeException
     std::size_t position(int number) const;
     enum class Change { None, Grown, Replaced };
-    /// What became of the container since it was opened or last seen to grow.
+    /// What happened to the container since it was opened or last seen to grow.
     Change changeSince(const FileStamp& now) const;
     void reopen() const;
     /// Notes that the file in this state can't be opened, and when it is worth another try.

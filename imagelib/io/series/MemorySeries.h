@@ -11,7 +11,7 @@
 
 namespace morvend::imglib {
 
-/// Counts images from 0 and keeps the newest ones.
+/// Numbers images from 0 and keeps the newest ones.
 class MemorySeries : public Series {
 public:
     /// Keeps up to `bound` images, at least the last one.

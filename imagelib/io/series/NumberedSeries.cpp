@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Numbered files: which there are, and their images.
+// Numbered files: which exist, and their images.
 #include "imagelib/io/series/NumberedSeries.h"
 
 #include <algorithm>
@@ -80,7 +80,7 @@ int NumberedSeries::previous(int number) const
 
 MImage NumberedSeries::at(int number) const
 {
-    // What was opened serves once, right after the opening: later the file may have changed.
+    // The opened file serves once, right after the opening: later the file may have changed.
     std::unique_ptr<ImageFile> file = std::exchange(_opened, nullptr);
     const std::string path = pathToImage(number);
     if (number != _finder.number() || !file) {

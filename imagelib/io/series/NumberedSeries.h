@@ -33,7 +33,7 @@ public:
 private:
     /// Lists the folder anew; keeps the members where that fails.
     void relist();
-    /// The file of a number; of one that is not listed with the usual width.
+    /// The file of a number; for one that is not listed, with the usual width.
     SeriesFinder::Member member(int number) const;
 
     SeriesFinder _finder;

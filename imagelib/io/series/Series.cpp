@@ -29,7 +29,7 @@ void Series::describe(MImage& image, const std::string& text)
 
 std::string Series::fileName(const std::string& path)
 {
-    return path.substr(path.rfind('/') + 1);  // all of it without a slash
+    return path.substr(path.rfind('/') + 1);  // the whole path if it has no slash
 }
 
 void Series::outOfRange(int number, const std::string& path) const

@@ -10,7 +10,7 @@
 
 namespace morvend::imglib {
 
-/// One kind of series; the meaning of each operation is told at MImageSeries. Numbers are never
+/// One kind of series; MImageSeries documents each operation. Numbers are never
 /// negative here. Thread: callers take turns.
 class Series {
 public:

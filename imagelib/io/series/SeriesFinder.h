@@ -15,7 +15,7 @@ namespace morvend::imglib {
 /// double extension such as ".cbf.gz", and an extension of digits only is the number itself.
 class SeriesFinder {
 public:
-    /// A file of the set. Its name has the number in `digits` digits, with zeros in front.
+    /// A file of the set. Its name has the number in `digits` digits, with leading zeros.
     struct Member {
         int number = 0;
         int digits = 0;
@@ -28,7 +28,7 @@ public:
     int number() const { return _opened.number; }
     const Member& opened() const { return _opened; }
 
-    /// Lists the folder once, without a look at any file.
+    /// Lists the folder once, without opening any file.
     /// @returns the files of the set by rising number, each number once: of several names with the
     /// same number the one whose width is nearest to that of the opened name. Empty when the folder
     /// can't be listed.
@@ -38,9 +38,9 @@ public:
     std::string path(const Member& member) const;
 
 private:
-    /// Takes the name of a file apart; false for one that is not of the set.
+    /// Takes the name of a file apart; false if it doesn't belong to the set.
     bool parse(const char* name, Member& member) const;
-    /// Is a number of `digits` digits nearer to the opened name than one of `than` digits?
+    /// True if a width of `digits` digits is nearer to the opened name than `than` digits.
     bool isNearer(int digits, int than) const;
     /// Sorts by number and keeps one member a number: by a table, where there are few gaps ...
     void sortByNumber(std::vector<Member>& members) const;

@@ -10,12 +10,13 @@
 namespace morvend::imglib {
 
 /// A name for a temporary file in the folder of `path`: hidden, ending in ".tmp", given only once.
-/// Not made from the file's own name, which may be as long as a name can be. Thread: any.
+/// It doesn't contain the file's own name, which may have the greatest possible length. Thread:
+/// any.
 std::string temporaryName(const std::string& path);
 
 /// Writes beside the target under a temporary name (hidden, ending in ".tmp") and renames it by
 /// commit(): readers see the old file or the new one, never a part. Without commit() nothing is
-/// left behind. A file that is replaced keeps its permissions.
+/// left behind. A replaced file keeps its permissions.
 /// Thread: one at a time; several objects may write to one path, the last commit wins.
 class AtomicFile {
 public:
@@ -26,7 +27,7 @@ public:
     AtomicFile& operator=(const AtomicFile&) = delete;
 
     const std::string& path() const { return _path; }
-    /// The open file, for libraries that write to one. Stays this object's.
+    /// The open file, for libraries that write to one. This object keeps owning it.
     int descriptor() const { return _file; }
     /// Appends bytes. @throws MRuntimeException with the system's reason, such as a full disk
     void write(const void* bytes, std::size_t count);

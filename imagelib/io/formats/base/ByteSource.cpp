@@ -22,7 +22,7 @@ namespace morvend::imglib {
 
 namespace {
 
-/// Bytes that are read without a look whether they are still wanted.
+/// Bytes read between two checks whether they are still wanted.
 constexpr std::size_t ReadBlock = std::size_t(8) << 20;
 
 std::string systemError(int number) { return std::generic_category().message(number); }
@@ -59,7 +59,7 @@ public:
 
     std::size_t readSome(std::uint64_t offset, void* target, std::size_t count) const override
     {
-        // The system refuses offsets that no file can have; there is nothing to read at them.
+        // The system refuses offsets that no file can have; nothing can be read there.
         constexpr std::uint64_t LargestFile = std::numeric_limits<off_t>::max();
         if (offset > LargestFile || count > LargestFile - offset)
             return 0;
@@ -112,7 +112,8 @@ private:
     std::span<const std::byte> _bytes;
 };
 
-/// Does another image begin after the first one of a compressed file, which has so many bytes?
+/// True if another image begins after the first one of a compressed file, which has this many
+/// bytes.
 bool anotherFollows(const ByteSource& file, Packing packing, std::uint64_t first,
                     const ByteSource::ImageNeed& need)
 {
@@ -146,7 +147,7 @@ std::shared_ptr<const ByteSource> ByteSource::open(const std::string& path, cons
         const std::string packedHead = file->head(16 * HeadBytes);
         const std::string head =
             unpackHead(std::as_bytes(std::span(packedHead)), packing, HeadBytes);
-        // A shorter file, or a damaged one, of which the unpacking of all knows more to say.
+        // A short or a damaged file: unpacking all of it gives the better message.
         if (head.size() == HeadBytes)
             needed = need(head);
         if (needed == 0) {
@@ -163,7 +164,7 @@ std::shared_ptr<const ByteSource> ByteSource::open(const std::string& path, cons
             if (most >= AnyImage || !anotherFollows(*file, packing, needed, need))
                 throw;
             return unpackFile(*file, packing,
-                              AnyImage);  // a series of images that are nearly empty
+                              AnyImage);  // a series of nearly empty images
         }
     }();
     return fromMemory(path, std::move(unpacked.buffer), unpacked.size);

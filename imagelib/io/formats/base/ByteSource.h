@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// The bytes of an image file, whether it lies plain on disk or is compressed as a whole.
+// The bytes of an image file, plain or compressed as a whole.
 #pragma once
 
 #include "imagelib/image/PixelBuffer.h"
@@ -17,23 +17,23 @@
 
 namespace morvend::imglib {
 
-/// Random access to the bytes of a file. Files that begin as gzip or bzip2 are unpacked into memory
-/// once, at opening; all others are read by position, never mapped, so that a file which shrinks
-/// while it is read is an error and not a crash.
+/// Random access to the bytes of a file. Files that begin like gzip or bzip2 are unpacked into
+/// memory once, at opening; all others are read by position, never mapped, so that a file which
+/// shrinks while it is read is an error and not a crash.
 /// Thread: any number of threads may read one source.
 class ByteSource {
 public:
-    /// Largest size of an unpacked file; one that unpacks to so many times its own size is a trap,
-    /// unless it stays below the size that its image needs, or below AnyImage where a second image
-    /// follows the first one.
+    /// Largest size of an unpacked file; one that unpacks to this many times its own size is a
+    /// trap, unless it stays below the size that its image needs, or below AnyImage where a second
+    /// image follows the first one.
     static constexpr std::uint64_t MostUnpacked = std::uint64_t(4) << 30;
     static constexpr std::uint64_t BestRatio = 64;
-    /// What an image needs whose size the head of its file does not tell.
+    /// The need of an image whose size is not in the head of its file.
     static constexpr std::uint64_t AnyImage = std::uint64_t(192) << 20;
-    /// The bytes that a compressed file is judged by before the rest of it is unpacked.
+    /// The unpacked bytes by which a compressed file is judged before the rest is unpacked.
     static constexpr std::size_t HeadBytes = std::size_t(64) << 10;
-    /// The bytes of a file with one image that begins so, at most; 0 when no image begins so: then
-    /// the head is all that is unpacked.
+    /// The most bytes of a one-image file that begins like this; 0 when no image begins like this:
+    /// then the head is all that is unpacked.
     using ImageNeed = std::function<std::uint64_t(std::string_view head)>;
 
     /// @throws MNoFileAccessException when the file can't be opened or is no regular file,
@@ -51,12 +51,12 @@ public:
 
     /// The path as it was opened; belongs into every error message.
     const std::string& path() const { return _path; }
-    /// Size in bytes after unpacking. Asked from the file anew, which may have grown.
+    /// Size in bytes after unpacking. Asked from the file each time, as it may have grown.
     virtual std::uint64_t size() const = 0;
     /// Reads up to `count` bytes at `offset`, fewer only at the end of the file.
     /// @throws MRuntimeException when the system reports an error
     virtual std::size_t readSome(std::uint64_t offset, void* target, std::size_t count) const = 0;
-    /// All bytes when they lie in memory, else an empty span.
+    /// All bytes when they are in memory, else an empty span.
     virtual std::span<const std::byte> memory() const { return {}; }
 
     /// Reads exactly `count` bytes. `what` names them in the message, as in "pixel data".

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// The end of work on a file that nobody wants any more.
+// Ends work on a file that is no longer wanted.
 #pragma once
 
 #include <stop_token>
@@ -22,7 +22,7 @@ private:
     const std::stop_token* const _before;
 };
 
-/// For loops over a file's bytes, between blocks that take milliseconds.
+/// For loops over a file's bytes: call it between blocks that take milliseconds.
 /// @throws MTerminateException when the work of this thread is to end
 void checkCancelled();
 

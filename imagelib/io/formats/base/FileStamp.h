@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// What tells whether a path still leads to the same file with the same content.
+// Shows whether a path still leads to the same file with the same content.
 #pragma once
 
 #include <cstdint>
@@ -13,21 +13,21 @@ namespace morvend::imglib {
 class FileStamp {
 public:
     FileStamp() = default;
-    /// Of the regular file at `path` now; of no file when there is none.
+    /// Of the regular file at `path` now; of no file if there isn't one.
     explicit FileStamp(const std::string& path);
 
-    /// Is there a file at all?
+    /// True if there is a file at all.
     bool exists() const { return _exists; }
-    /// In bytes; 0 when there is none.
+    /// In bytes; 0 if there isn't one.
     std::uint64_t size() const { return _size; }
-    /// The same file, whatever was written into it?
+    /// True for the same file, whatever was written into it.
     bool sameFile(const FileStamp& other) const
     {
         return _exists == other._exists && _device == other._device && _node == other._node;
     }
-    /// The same file with more bytes?
+    /// True for the same file with more bytes.
     bool grownFrom(const FileStamp& other) const { return sameFile(other) && _size > other._size; }
-    /// The same file with the same size and time?
+    /// True for the same file with the same size and time.
     bool operator==(const FileStamp&) const = default;
 
 private:

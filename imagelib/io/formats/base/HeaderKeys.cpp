@@ -87,7 +87,7 @@ constexpr HeaderKey text(std::string_view name, HeaderItem item, bool own = fals
     return {name, item, shape, {}, 0, 0, own};
 }
 
-// What a bare number means where programs differ is told by its magnitude, or not at all: nobody
+// Where programs differ, only the magnitude can give a bare number its unit: nobody
 // measures a camera length of 100 m or a pixel of 1 cm.
 constexpr double Far = 100;
 constexpr double Wide = 0.01;
@@ -219,7 +219,7 @@ constexpr HeaderKey Keys[] = {
     key("rotationanglestep", AngleIncrement, Angles, Any),
 };
 
-/// Does a ':' or '=' stand between two words of a line?
+/// True if a ':' or '=' is between two words of a line.
 bool endsKey(std::string_view word, std::string_view next)
 {
     const char* const end = word.data() + word.size();

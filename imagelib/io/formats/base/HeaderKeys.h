@@ -14,7 +14,7 @@
 
 namespace morvend::imglib {
 
-/// What a key tells.
+/// What a key states.
 enum class HeaderItem : unsigned char {
     Detector,
     DetectorNumber,
@@ -41,7 +41,7 @@ inline constexpr std::size_t HeaderItems = std::size_t(HeaderItem::AngleIncremen
 struct HeaderKey {
     enum Shape : unsigned char {
         Number,
-        Pair,    ///< numbers for the item and for the next one; a size alone is that of both
+        Pair,    ///< numbers for the item and for the next one; a single size is that of both
         Energy,  ///< in eV, of the photons whose wavelength is the item
         Text,
         Description,  ///< text, which may end with a serial number
@@ -54,7 +54,7 @@ struct HeaderKey {
     /// Bare numbers have the unit of the field if their magnitude is in this range.
     double least = 0;
     double below = 0;
-    /// The spelling that is written here, or that has always been brought up to date like it.
+    /// The spelling that we write, or one that we update like it.
     bool own = false;
 
     bool takesBare(double value) const;
@@ -70,7 +70,7 @@ struct KeyMatch {
 };
 KeyMatch matchKey(const Words& words);
 
-/// Units of lengths in m. A beam centre has them too, where it is not in pixels.
+/// Units of lengths in m. A beam centre has them too, if it is not in pixels.
 extern const Units Metres;
 extern const Units PixelCounts;
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Writing of header lines, and bringing them up to date.
+// Writes header lines and updates them.
 #include "imagelib/io/formats/base/HeaderLines.h"
 
 #include "imagelib/io/formats/base/HeaderValues.h"
@@ -97,7 +97,7 @@ std::string writeBeam(const Header& header)
            ") pixels";
 }
 
-/// One line as it is written, by the first of the items that it tells.
+/// One line as it is written, by the first item that it states.
 struct Line {
     HeaderItem item;
     std::string (*write)(const Header& header);
@@ -143,7 +143,7 @@ constexpr std::array Lines{
          }},
 };
 
-/// The place in the order of writing of the line that tells an item.
+/// The place in the order of writing of the line that states an item.
 std::size_t placeOf(HeaderItem item)
 {
     // Items that share a line follow each other.
@@ -157,7 +157,7 @@ bool consistsOfHeaderLines(std::string_view text)
     return text.starts_with('#') && !text.starts_with("###");
 }
 
-/// A text of header lines as it is brought up to date.
+/// A text of header lines while it is updated.
 class Merger {
 public:
     Merger(std::string_view raw, const Header& header)
@@ -191,7 +191,7 @@ private:
         const auto write = Lines[place].write;
         const std::string now = write(_header);
         if (!key->own) {
-            // Another program's spelling stays as long as what it tells does.
+            // Another program's spelling stays while its content does.
             if (_unchanged(place)) {
                 _told[place] = true;
                 _add(shown);
@@ -204,10 +204,10 @@ private:
             _add(now == write(stated) ? shown : now);
     }
 
-    /// Does a line tell the same as it did, and anything at all?
+    /// True if a line states something, and the same as before.
     bool _unchanged(std::size_t place) const
     {
-        // Two fields in one line, which lacks while one of them does.
+        // Two fields in one line, which is missing while one of them is.
         if (Lines[place].item == HeaderItem::PixelSizeX)
             return _header.x_pixel_size() == _read.x_pixel_size() &&
                    _header.y_pixel_size() == _read.y_pixel_size();
@@ -225,7 +225,7 @@ private:
     }
 
     const Header& _header;
-    Header _read;  // what the text told before
+    Header _read;  // what the text stated before
     std::array<bool, Lines.size()> _done{};
     std::array<bool, Lines.size()> _told{};
     std::string _text;

@@ -15,7 +15,7 @@ namespace morvend::imglib {
 /// units and their order of precedence are those of HeaderKeys.h; of several lines with the same
 /// key the first one with a value counts. Accepts CR LF, LF and mixed line ends, "key: value", "key
 /// = value" and "key value unit", lines continued by a backslash, lines with or without the leading
-/// '#', and comments that begin with '#' within other lines. Values that are no numbers, or have a
+/// '#', and comments that begin with '#' within other lines. Values that aren't numbers, or have a
 /// unit that is not known, are skipped, never guessed. Sets neither rawHeader nor imageDescription.
 void parseHeaderLines(std::string_view text, MBasicImageOptionalData<>& header);
 

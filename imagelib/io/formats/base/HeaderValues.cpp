@@ -15,7 +15,7 @@ namespace {
 
 using Header = MBasicImageOptionalData<>;
 
-// A NUL ends a line too: it may stand between texts in TIFF files.
+// A NUL ends a line too: in TIFF files it may be between texts.
 constexpr std::string_view LineEnds("\n\0", 2);
 
 const HeaderKey& keyNamed(std::string_view name)
@@ -30,7 +30,7 @@ std::optional<float> toFloat(double value)
     return static_cast<float>(value);
 }
 
-/// A serial number and what stands before it.
+/// A serial number and the text before it.
 struct DetectorText {
     std::string_view description;
     std::string_view number;
@@ -56,7 +56,7 @@ DetectorText splitDetector(std::string_view text)
     return {description, number == "(nil)" ? std::string_view() : number};
 }
 
-/// Does a text begin with words and a colon, as the rest of a longer key does?
+/// True if a text begins with words and a colon, like the rest of a longer key.
 bool goesOnAsKey(std::string_view text)
 {
     const std::string_view words = trimmed(text.substr(0, text.find_first_of(":=")));
@@ -64,7 +64,7 @@ bool goesOnAsKey(std::string_view text)
            !words.ends_with("S/N") && !words.ends_with("SN");
 }
 
-/// What follows a key in its line; nothing where the key is only the begin of another one.
+/// What follows a key in its line; nothing where the key is only the start of another one.
 std::string_view textAfter(std::string_view line, std::string_view lastWord)
 {
     const char* end = lastWord.data() + lastWord.size();
@@ -78,7 +78,7 @@ std::string_view textAfter(std::string_view line, std::string_view lastWord)
     return rest == "(nil)" ? std::string_view() : rest;
 }
 
-/// Is a text a time with its unit, as in "Time: 0.5 s", and so no date?
+/// True for a time with its unit, as in "Time: 0.5 s", which is not a date.
 bool isDuration(std::string_view text)
 {
     const Words words = wordsOf(text);
@@ -91,7 +91,7 @@ bool isBeam(const HeaderKey& key)
     return key.item == HeaderItem::BeamX || key.item == HeaderItem::BeamY;
 }
 
-/// A number with its unit, which for a beam centre may be that of a length.
+/// A number with its unit, for a beam centre possibly a unit of length.
 struct Measured {
     double number = 0;
     std::optional<double> factor;
@@ -127,7 +127,7 @@ std::optional<Measured> unitOfKey(const HeaderKey& key, const Words& words, std:
     return factor ? std::optional(Measured{0, factor, true}) : std::nullopt;
 }
 
-/// In the unit of the field, if it can be told.
+/// The value in the unit of the field, if known.
 std::optional<double> inFieldUnit(const HeaderKey& key, const Measured& measured)
 {
     if (measured.factor)
@@ -240,7 +240,7 @@ const HeaderKey* HeaderValues::addLine(std::string_view line)
         if (!_within || within)
             first = first ? first : key;
         if (key && key->shape >= HeaderKey::Text)
-            break;  // a text goes to the end of the line
+            break;  // a text extends to the end of the line
         at = end + 1;
         _within = true;
     }
@@ -328,7 +328,7 @@ void HeaderValues::_addNumbers(const HeaderKey& key, const Words& words, std::si
         return;
     if (!second)
         second = first;
-    // A unit at the end alone holds for both.
+    // A single unit at the end applies to both.
     if (!first->factor)
         first->takeUnit(*second);
     if (!second->factor)

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Gathers the header fields that lines and keys of a text give.
+// Gathers the header fields from lines and keys of a text.
 #pragma once
 
 #include "imagelib/image/MBasicImageOptionalData.h"
@@ -20,15 +20,15 @@ class HeaderValues {
 public:
     /// Takes the header lines of a text, one by one; with `within` only those after a '#'.
     void addLines(std::string_view text, bool within = false);
-    /// Takes a line without its end and the '#' before it. Where its key is not known, comments in
+    /// Takes a line without its end and the '#' before it. If its key is not known, comments in
     /// it that begin with '#' are lines of their own.
-    /// @returns its key, which for a date or a sensor is that of its kind; null when it has none
+    /// @returns its key, which for a date or a sensor is that of its kind; null if it has no key
     const HeaderKey* addLine(std::string_view line);
-    /// Takes a value whose key is known exactly, but for a unit after it.
+    /// Takes a value whose key is known exactly, except for a unit after it.
     void add(std::string_view key, std::string_view value);
 
     /// Sets the fields that were given; others stay. A beam centre given as a length needs a pixel
-    /// size, which may have been there before.
+    /// size, which may have been set before.
     void fill(MBasicImageOptionalData<>& header) const;
 
 private:
@@ -46,7 +46,7 @@ private:
     void _setBeamCentre(MBasicImageOptionalData<>& header) const;
 
     std::array<std::optional<Value>, HeaderItems> _values;
-    bool _within = false;  // what is added now stands within the value of another key
+    bool _within = false;  // what is added now is within the value of another key
 };
 
 /// Splits "text, S/N number" into the fields for detector and number; the field of an empty part
@@ -57,7 +57,7 @@ void setDetector(std::string_view text, MBasicImageOptionalData<>& header);
 std::string_view takeHeaderLine(std::string_view& text);
 /// A line as it is read: in one piece, without '#' and blanks around it.
 std::string contentOfHeaderLine(std::string_view line);
-/// Does a text begin as "2014/Jan/10 12:34", "2014-01-10T12:34:56.7" or "2014-Jan-10"?
+/// True if a text begins like "2014/Jan/10 12:34", "2014-01-10T12:34:56.7" or "2014-Jan-10".
 bool beginsAsDate(std::string_view line);
 
 }  // namespace morvend::imglib

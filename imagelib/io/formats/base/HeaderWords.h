@@ -19,13 +19,13 @@ inline bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <
 
 /// A text without the blanks around it.
 std::string_view trimmed(std::string_view text);
-/// Are two texts equal but for the case of ASCII letters?
+/// True if two texts are equal apart from the case of ASCII letters.
 bool sameWord(std::string_view left, std::string_view right);
 
 using Words = std::vector<std::string_view>;
 /// The words of a line, without blanks, brackets, quotes and # : = ;. A comma ends a word only
-/// before a blank unless `splitAtCommas`, so that "0,5" stays one word, which is no number, and is
-/// not read as 0.
+/// before a blank unless `splitAtCommas`, so that "0,5" stays one word, which isn't a number, and
+/// is not read as 0.
 Words wordsOf(std::string_view line, bool splitAtCommas = false);
 
 /// Reads a decimal number such as "172e-6" or "+1.5" that fills the whole text. False, with `value`
@@ -56,8 +56,8 @@ struct Quantity {
     std::optional<double> factor;  ///< of its unit, if it has one
     std::size_t words = 1;         ///< how many words the two take
 };
-/// The quantity that begins at word number `at`. None where there is no number, or where a word
-/// that is none of `units` follows: nobody knows what is measured then. A number or an "x" may
+/// The quantity that begins at word number `at`. Nothing if there is no number, or if a word
+/// follows that is not in `units`: its meaning is then unknown. A number or an "x" may
 /// follow.
 std::optional<Quantity> quantityAt(const Words& words, std::size_t at, Units units);
 

@@ -25,18 +25,18 @@ public:
 
     /// "CBF", "TIFF", "EDF" or "HDF5".
     virtual const char* format() const = 0;
-    /// Number of frames, at least 1. May have to walk through the file on the first call.
+    /// Number of frames, at least 1. The first call may have to walk through the file.
     virtual std::size_t frameCount() const { return 1; }
     /// A frame with its header.
     virtual MImage frame(std::size_t position) const = 0;
     /// The file that holds a frame.
     virtual std::string framePath(std::size_t position) const = 0;
-    /// The file that users know the container by, such as the master of an opened data file; empty
+    /// The file that users know the container by, such as the master of a data file; empty
     /// when it is the opened file itself.
     virtual std::string mainPath() const { return {}; }
-    /// The data set that is shown, where it is not the one that the container shows by itself.
+    /// The data set that is shown, if it is not the one shown by default.
     virtual std::string dataset() const { return {}; }
-    /// The frame that the opened path names: its first one.
+    /// The first frame named by the opened path.
     virtual std::size_t openedFrame() const { return 0; }
     /// Number that users give to the frame at position 0.
     virtual int firstNumber() const { return 0; }

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Which of the places that look like the end of a file name is it.
+// Decides where the file name ends.
 #include "imagelib/io/formats/base/ImagePath.h"
 
 #include <sys/stat.h>

@@ -16,8 +16,8 @@ struct ImagePath {
     /// the file shows by itself.
     std::string dataset;
 
-    /// Takes a text apart. A text that names something that exists is that file, whatever its
-    /// name holds; else the shortest part in front of a "::/" that exists is; else the first part.
+    /// Takes a text apart. If the text names an existing file it is that file, whatever its
+    /// name holds; else the shortest part before a "::/" that exists is; else the first part.
     /// Looks at the file system. Thread: any but the GUI's.
     static ImagePath of(const std::string& text);
 

@@ -22,7 +22,7 @@ std::int32_t lowestSigned(std::span<const std::int32_t> values);
 
 /// Reads bytes into `target` and calls finish(piece) on each part of it while it is still in the
 /// processor's cache; pieces are multiples of 8 bytes, except for the last one of the target.
-/// @returns the bytes that were there, fewer than asked for only at the end of the file
+/// @returns the bytes read, fewer than requested only at the end of the file
 template <class Finish>
 std::size_t readInPieces(const ByteSource& source, std::uint64_t offset,
                          std::span<std::byte> target, Finish&& finish)
@@ -41,7 +41,7 @@ std::size_t readInPieces(const ByteSource& source, std::uint64_t offset,
 }
 
 /// Reads pixels into `target` and swaps values of `swapBytes` bytes; 0 or 1 when the file is in
-/// this machine's byte order. @returns the bytes that were there
+/// this machine's byte order. @returns the bytes read
 std::size_t readPixels(const ByteSource& source, std::uint64_t offset, std::span<std::byte> target,
                        std::size_t swapBytes);
 

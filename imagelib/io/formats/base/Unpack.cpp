@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// libdeflate and libbz2 with a bound on the result; zlib for the head alone, which libdeflate can't
+// libdeflate and libbz2 with a bound on the result; zlib for the head only, which libdeflate can't
 // stop at.
 #include "imagelib/io/formats/base/Unpack.h"
 
@@ -42,7 +42,7 @@ public:
     void filled(std::size_t count) { _used += count; }
     std::size_t used() const { return _used; }
 
-    /// Makes more room; what is there stays.
+    /// Makes more room and keeps the contents.
     void grow()
     {
         constexpr std::size_t LeastGrowth = std::size_t(1) << 20;
@@ -97,7 +97,7 @@ void unpackDeflate(Bytes packed, Packing packing, Output& output, const std::str
         packing == Packing::Zlib ? &libdeflate_zlib_decompress_ex : &libdeflate_gzip_decompress_ex;
     bool atEnd = false;
     while (!atEnd) {
-        checkCancelled();  // the library can't be ended within a member
+        checkCancelled();  // the library can't be interrupted within a member
         const auto room = output.room();
         std::size_t from = 0;
         std::size_t to = 0;
@@ -129,7 +129,7 @@ Bytes unpackBzip2Stream(Bytes packed, Output& output, const std::string& name)
     for (int status = BZ_OK; status != BZ_STREAM_END;) {
         if (packed.empty())
             damaged("bzip2", "it ends early", name);
-        // The library has to be asked once more when the room is used up: the end of the stream
+        // The library has to be asked once more when the space is used up: the end of the stream
         // may be all that is left.
         std::byte spill;
         const bool full = output.room().empty();
@@ -174,7 +174,7 @@ void unpackTo(Bytes packed, Packing packing, Output& output, const std::string& 
     }
 }
 
-/// Likely size of what a stream unpacks to.
+/// Likely unpacked size of a stream.
 std::size_t guessSize(Bytes packed, Packing packing)
 {
     constexpr std::size_t Least = std::size_t(64) << 10;

@@ -19,7 +19,7 @@ enum class Packing { None, Gzip, Zlib, Bzip2 };
 /// The packing that the first bytes of a file announce; never Zlib, whose mark is too weak.
 Packing packingOf(std::string_view head);
 
-/// What came out of a stream: the first `size` bytes of a pooled buffer.
+/// The unpacked stream: the first `size` bytes of a pooled buffer.
 struct Unpacked {
     image::PixelBufferPtr buffer;
     std::size_t size = 0;
@@ -27,7 +27,7 @@ struct Unpacked {
 };
 
 /// Unpacks a whole stream of unknown size; all members of a gzip or bzip2 file one after the other,
-/// whatever follows the last one is padding. `name` goes into the messages.
+/// anything after the last one is padding. `name` goes into the messages.
 /// @throws MRuntimeException naming the file when the stream is damaged, cut, or unpacks to more
 /// than `most` bytes
 Unpacked unpack(std::span<const std::byte> packed, Packing packing, std::uint64_t most,

@@ -16,7 +16,7 @@ public:
         : _bytes(bytes)
     {}
 
-    /// Takes `count` bits (0 to 57). False, and nothing taken, where fewer are left.
+    /// Takes `count` bits (0 to 57). False, and nothing taken, if fewer are left.
     bool take(unsigned count, std::uint64_t& value)
     {
         while (_waiting < count) {

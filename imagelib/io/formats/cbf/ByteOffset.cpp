@@ -43,9 +43,9 @@ namespace hn = hwy::HWY_NAMESPACE;
 #undef TARVIK_DOT_INLINE
 #define TARVIK_DOT_INLINE TARVIK_DOT inline __attribute__((always_inline))
 
-/// Bytes of the stream that are looked at together: one bit each in a 64-bit word.
+/// Bytes of the stream that are examined together: one bit each in a 64-bit word.
 constexpr std::size_t Step = 64;
-/// Bytes that may be read from the begin of a step on.
+/// Bytes that may be read from the start of a step on.
 constexpr std::ptrdiff_t MostRead = Step + 16;
 /// How far ahead the stream is fetched into the cache.
 constexpr std::size_t Ahead = 4096;
@@ -108,7 +108,7 @@ HWY_INLINE hn::Vec<D> PrefixSum(D d, hn::Vec<D> v)
     return AddAcross<inBlock>(d, v);
 }
 
-/// Bit i: is byte i the escape?
+/// Bit i is set if byte i is the escape.
 HWY_INLINE std::uint64_t EscapeBits(const std::uint8_t* in)
 {
     const hn::CappedTag<std::uint8_t, Step> d;
@@ -140,7 +140,7 @@ HWY_INLINE std::uint64_t TrueEscapes(std::uint64_t bits)
 /// The place of the first difference of 4 or more bytes, Step when there is none.
 HWY_INLINE std::size_t FirstWide(const std::uint8_t* in, std::uint64_t bits, std::uint64_t escapes)
 {
-    // The upper byte of 0x8000 is an escape byte too; behind the step it is not known.
+    // The upper byte of 0x8000 is an escape byte too; after the step it is not known.
     std::uint64_t candidates = escapes & (bits >> 2 | std::uint64_t(3) << (Step - 2));
     for (; candidates != 0; candidates &= candidates - 1) {
         const auto at = static_cast<std::size_t>(std::countr_zero(candidates));
@@ -151,7 +151,7 @@ HWY_INLINE std::size_t FirstWide(const std::uint8_t* in, std::uint64_t bits, std
 }
 
 /// The sum of the signed bytes up to each one, for the next SumLanes bytes. Each lane takes the dot
-/// product of the bytes, four by four, with ones up to its own and zeros behind it: fewer
+/// product of the bytes, four by four, with ones up to its own and zeros after it: fewer
 /// instructions than shifting and adding.
 TARVIK_DOT_INLINE SumVector PrefixOfBytes(const std::uint8_t* in)
 {
@@ -437,7 +437,7 @@ void unpackVectors(Cursor<T>& at)
         HWY_DYNAMIC_DISPATCH(UnpackVectors32)(at);
 }
 
-/// Has the stream no escape for a while?
+/// True if the stream has no escape for a while.
 template <class T>
 bool isQuiet(const Cursor<T>& at)
 {
@@ -445,7 +445,7 @@ bool isQuiet(const Cursor<T>& at)
     return at.inEnd - at.in >= While && std::memchr(at.in, byteoffset::Escape, While) == nullptr;
 }
 
-/// Unpacks large images. Runs without an escape go straight to memory. Other pixels take the way of
+/// Unpacks large images. Runs without an escape go straight to memory. Other pixels go through
 /// a buffer that stays in the first cache, from which whole lines go to memory: a store that misses
 /// the cache would first read the line that it overwrites.
 template <class T>
@@ -454,7 +454,7 @@ void unpackStreaming(Cursor<T>& at)
     constexpr std::size_t Line = 64;
     constexpr std::size_t Pixels = 1024;
     alignas(Line) std::array<T, Pixels> stage;
-    std::size_t waiting = 0;  // pixels at the begin of the stage that fill no line yet
+    std::size_t waiting = 0;  // pixels at the start of the stage that fill no line yet
     while (at.outEnd - at.out > static_cast<std::ptrdiff_t>(Pixels)) {
         if constexpr (sizeof(T) == 4) {
             if (isQuiet(at)) {

@@ -12,7 +12,7 @@ namespace morvend::imglib {
 
 /// How much of a packed stream was unpacked.
 struct UnpackedPixels {
-    std::size_t pixels = 0;  ///< fewer than asked for when the stream ends early
+    std::size_t pixels = 0;  ///< fewer than requested when the stream ends early
     std::size_t bytes = 0;   ///< read from the stream
 };
 
@@ -26,12 +26,12 @@ struct UnpackedPixels {
 UnpackedPixels unpackByteOffset(std::span<const std::byte> packed, std::size_t pixelBytes,
                                 std::span<std::byte> pixels);
 
-/// The same in plain C++, one pixel at a time: the measure for tests.
+/// The same in plain C++, one pixel at a time: the reference for tests.
 UnpackedPixels unpackByteOffsetPlain(std::span<const std::byte> packed, std::size_t pixelBytes,
                                      std::span<std::byte> pixels);
 
 /// Packs pixels. Differences of 1- and 2-byte pixels are exact, those of wider ones wrap around at
-/// the width of the pixel, as other writers do it: readers that sum in 32 bits know no escape to 8
+/// the width of the pixel, as with other writers: readers that sum in 32 bits know no escape to 8
 /// bytes, and it is hardly ever needed then.
 std::vector<std::byte> packByteOffset(std::span<const std::byte> pixels, std::size_t pixelBytes,
                                       bool isSigned);

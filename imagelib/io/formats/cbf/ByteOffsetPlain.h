@@ -30,7 +30,7 @@ struct Cursor {
     T* outEnd;
     T value = 0;  ///< of the last pixel
 
-    /// Takes a difference of Step bytes behind `head` bytes of escape.
+    /// Takes a difference of Step bytes after `head` bytes of escape.
     template <class Step>
     void take(std::size_t head)
     {
@@ -84,7 +84,7 @@ void unpackRest(Cursor<T>& at)
     }
 }
 
-/// Packs one difference, at most 15 bytes, and returns the place behind it.
+/// Packs one difference, at most 15 bytes, and returns the place after it.
 inline std::uint8_t* packOne(std::int64_t difference, std::uint8_t* out)
 {
     const auto put = [&](auto value) {

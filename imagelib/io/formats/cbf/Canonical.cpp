@@ -19,7 +19,7 @@ namespace {
 constexpr std::size_t HeadBytes = 32;
 constexpr unsigned LongestCode = 64;
 
-/// Codes of one length follow each other in the order of their symbols; shorter codes come behind
+/// Codes of one length follow each other in the order of their symbols; shorter codes come after
 /// the prefixes of longer ones.
 class CodeTable {
 public:
@@ -29,7 +29,7 @@ public:
         for (std::size_t symbol = 0; symbol < lengths.size(); ++symbol) {
             const auto bits = std::to_integer<unsigned>(lengths[symbol]);
             if (bits > LongestCode)
-                return;  // an unusable table knows no code
+                return;  // an unusable table has no codes
             if (bits > 0)
                 _symbols[bits].push_back(static_cast<std::uint32_t>(symbol));
         }

@@ -14,8 +14,8 @@ namespace morvend::imglib {
 std::uint64_t mostCanonicalPixels(std::span<const std::byte> packed);
 
 /// Unpacks x-CBF_CANONICAL of the imgCIF dictionary.
-/// @returns the number of pixels unpacked, fewer than asked for when the stream ends early or holds
-/// a code that its own table does not know
+/// @returns the number of pixels unpacked, fewer than requested when the stream ends early or holds
+/// a code missing from its own table
 std::size_t unpackCanonical(std::span<const std::byte> packed, std::size_t pixelBytes,
                             bool isUnsigned, std::span<std::byte> pixels);
 

@@ -24,7 +24,7 @@ void set(Header& header, void (Header::*field)(const float&), const Cif& cif, st
         (header.*field)(static_cast<float>(value * factor));
 }
 
-/// The row of a loop whose item has that value; the number of rows where none has.
+/// The row of a loop whose item has that value; the number of rows if there is none.
 std::size_t rowOf(const Cif& cif, std::string_view item, std::string_view wanted)
 {
     const std::size_t rows = cif.values(item).size();
@@ -67,7 +67,7 @@ void readBeamCentre(const Cif& cif, Header& header)
     header.set_beam_center_y(static_cast<float>(slow));
 }
 
-/// The axis that turns during the exposure, and where it stands in this frame.
+/// The axis that turns during the exposure, and its position in this frame.
 void readRotation(const Cif& cif, Header& header)
 {
     const std::string_view axis = "_diffrn_scan_axis.axis_id";

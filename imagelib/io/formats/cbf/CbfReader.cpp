@@ -37,7 +37,7 @@ constexpr std::size_t LongestHead = std::size_t(64) << 10;
 constexpr std::size_t MostSections = 50'000;
 constexpr std::uint64_t Nowhere = std::numeric_limits<std::uint64_t>::max();
 
-/// Where a boundary that begins (or else ends) a section stands at the begin of a line.
+/// Where a boundary that begins (or else ends) a section is at the start of a line.
 std::size_t findBoundary(std::string_view piece, bool begins)
 {
     for (std::size_t at = 0; (at = piece.find(Boundary, at)) != piece.npos; ++at) {
@@ -55,10 +55,10 @@ public:
         : _source(source)
     {}
 
-    /// The next boundary that begins (or else ends) a section at or behind `from`, or Nowhere.
+    /// The next boundary that begins (or else ends) a section at or after `from`, or Nowhere.
     std::uint64_t next(std::uint64_t from, bool begins)
     {
-        // A piece begins one byte early, for the line end, and reaches over the text behind.
+        // A piece begins one byte early, for the line end, and extends over the text after it.
         constexpr std::size_t Overlap = 1 + Boundary.size() + 2;
         std::size_t size = FirstPiece;
         for (std::uint64_t at = from > 0 ? from - 1 : 0;; size = LaterPieces) {
@@ -87,7 +87,7 @@ std::string readText(const ByteSource& source, std::uint64_t offset, std::size_t
     return text;
 }
 
-/// Where the head ends and where the data after it begin; npos where it never ends.
+/// Where the head ends and where the data after it begin; npos if it never ends.
 struct HeadEnd {
     std::size_t head;
     std::size_t data;
@@ -96,7 +96,7 @@ struct HeadEnd {
 HeadEnd headEnd(std::string_view text)
 {
     const std::size_t mark = text.find(DataMark);
-    // Behind the end of this section it would be the mark of another one.
+    // After the end of this section it would be the mark of another one.
     if (mark != text.npos && findBoundary(text.substr(0, mark), false) == text.npos)
         return {mark, mark + DataMark.size(), true};
     // Text encodings have no mark: an empty line ends the head.
@@ -136,7 +136,7 @@ public:
     std::size_t frameCount() const override { return _frames; }
     std::string framePath(std::size_t) const override { return _source->path(); }
 
-    /// Bytes up to the end of the first section, at most: no encoding makes its pixels longer.
+    /// Most bytes up to the end of the first section: no encoding makes its pixels longer.
     std::uint64_t need() const
     {
         constexpr std::uint64_t LongestEncoding = 8;
@@ -364,7 +364,7 @@ private:
     MBasicImageOptionalData<> _header;
     std::vector<CbfSection> _sections;
     std::size_t _frames = 0;
-    mutable BasicImage _stack;  // the section of several frames that was asked for last
+    mutable BasicImage _stack;  // the section of several frames that was requested last
     mutable std::size_t _stackIndex = 0;
 };
 

@@ -19,7 +19,7 @@ struct CbfOptions {
 /// @returns null for a file that does not begin with "###CBF"
 /// @throws MRuntimeException when it holds no binary section or one that can't be an image
 std::unique_ptr<ImageFile> openCbf(std::shared_ptr<const ByteSource> source);
-/// As of ByteSource::ImageNeed.
+/// As for ByteSource::ImageNeed.
 std::uint64_t cbfNeed(std::string_view head);
 std::unique_ptr<ImageFile> openCbf(std::shared_ptr<const ByteSource> source,
                                    const CbfOptions& options);

@@ -80,7 +80,7 @@ private:
 void parseType(const std::string& text, CbfSection& section, const std::string& path)
 {
     if (text.empty())
-        return;  // the type that nearly all files have
+        return;  // the type of nearly all files
     const std::size_t mark = text.find("-bit");
     std::size_t begin = mark;
     while (begin != text.npos && begin > 0 && isDigit(text[begin - 1]))
@@ -153,7 +153,7 @@ CbfSection parseMimeHead(std::string_view text, const std::string& path, std::ui
     section.fast = head.count("X-Binary-Size-Fastest-Dimension", path);
     section.second = head.count("X-Binary-Size-Second-Dimension", path);
     section.third = head.count("X-Binary-Size-Third-Dimension", path);
-    // A writer that does not know the shape takes all pixels for one row.
+    // A writer that does not know the shape treats all pixels as one row.
     if (section.fast == 0 && section.second == 0 && section.third == 0)
         section.flat = true;
     section.third = std::max<std::uint64_t>(1, section.third);

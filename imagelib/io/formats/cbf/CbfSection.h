@@ -19,16 +19,16 @@ struct CbfSection {
     enum class Encoding { Binary, Base64, QuotedPrintable, Numbers };
 
     Conversion conversion = Conversion::None;
-    bool flat = false;  ///< packed without looking at the row before
+    bool flat = false;  ///< packed without use of the row before
     bool uncorrelatedSections = false;
     Encoding encoding = Encoding::Binary;
     datatypes::Type type = datatypes::INT;
     std::size_t bits = 32;
     bool bigEndian = false;
-    std::uint64_t fast = 0;    ///< width, or 0 where neither MIME head nor categories tell
+    std::uint64_t fast = 0;    ///< width, or 0 if neither MIME head nor categories say
     std::uint64_t second = 0;  ///< height
     std::uint64_t third = 1;   ///< number of frames
-    std::string md5;           ///< in BASE64, empty where the file has none
+    std::string md5;           ///< in BASE64, empty if the file has none
 
     std::uint64_t offset = 0;  ///< of the data in the file
     std::uint64_t bytes = 0;   ///< of the data in the file
@@ -37,7 +37,7 @@ struct CbfSection {
 };
 
 /// Reads a MIME head, the lines between the boundary and the data.
-/// @param size  receives X-Binary-Size, or 0 where it is missing
+/// @param size  receives X-Binary-Size, or 0 if it is missing
 /// @throws MRuntimeException with reason and path for a type, conversion or encoding that is not
 /// known, and for dimensions that no image can have
 CbfSection parseMimeHead(std::string_view head, const std::string& path, std::uint64_t& size);

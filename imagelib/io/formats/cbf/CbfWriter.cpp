@@ -34,8 +34,8 @@ std::string blockName(const std::string& path)
     return name.empty() ? "image" : name;
 }
 
-/// A semicolon would end the text field for programs that look for one anywhere, and a NUL all
-/// text for those that treat it as a C string.
+/// A semicolon would end the text field for programs that look for one anywhere, and a NUL would
+/// end all text for those that treat it as a C string.
 std::string forTextField(std::string lines)
 {
     for (char& c : lines) {

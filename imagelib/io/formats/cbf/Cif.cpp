@@ -16,7 +16,7 @@ constexpr std::string_view HeaderName = "_array_data.header_content";
 
 bool isLineEnd(char c) { return c == '\n' || c == '\r'; }
 
-/// Where the next ';' at the begin of a line stands, from `at` on; the end where there is none.
+/// The next ';' at the start of a line, from `at` on; the end if there is none.
 std::size_t lineWithSemicolon(std::string_view text, std::size_t at)
 {
     for (; (at = text.find(';', at)) != text.npos; ++at) {

@@ -18,12 +18,12 @@ class Cif {
 public:
     explicit Cif(std::string_view text);
 
-    /// All values of an item, none where there is no such item.
+    /// All values of an item, empty if there is no such item.
     const std::vector<std::string_view>& values(std::string_view name) const;
-    /// One value; empty where there is none, or where it is unknown ("?") or not applicable (".").
+    /// One value; empty if there is none, or if it is unknown ("?") or not applicable (".").
     std::string_view value(std::string_view name, std::size_t row = 0) const;
 
-    /// Reads a value as a number; false where there is none.
+    /// Reads a value as a number; false if there isn't one.
     bool number(std::string_view name, double& value, std::size_t row = 0) const;
 
 private:
@@ -32,7 +32,7 @@ private:
 
 /// The header lines of a mini-CBF file, the value of "_array_data.header_contents" (or, misspelt,
 /// "..._content"). Accepts also lines that follow the name without an opening ';', as one converter
-/// writes them. Empty where there are none.
+/// writes them. Empty if there are none.
 std::string_view headerContents(std::string_view cifText);
 
 }  // namespace morvend::imglib

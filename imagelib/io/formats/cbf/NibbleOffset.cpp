@@ -30,7 +30,7 @@ public:
         if (_width == NoWidth && !takeCode())
             return false;
         std::int64_t difference = 0;
-        // The lowest number of each width is none, but says that a code follows.
+        // The lowest number of each width is not a difference: it says that a code follows.
         for (;;) {
             const unsigned bits = Widths[_width];
             if (!_bits.takeSigned(bits, difference))
@@ -62,7 +62,7 @@ private:
         return true;
     }
 
-    /// Widens the next difference alone, by one width (code 1) or by some (code 3).
+    /// Widens only the next difference, by one width (code 1) or by some (code 3).
     bool takeStep(std::uint64_t code)
     {
         std::uint64_t steps = 1;

@@ -15,7 +15,7 @@ std::uint64_t mostNibbleOffsetPixels(std::span<const std::byte> packed);
 
 /// Unpacks x-CBF_NIBBLE_OFFSET of the imgCIF dictionary (docs/formats/cbf.md).
 /// @param pixelBytes  1, 2, 4 or 8; sums wrap around at that width
-/// @returns the number of pixels unpacked, fewer than asked for when the stream ends early
+/// @returns the number of pixels unpacked, fewer than requested when the stream ends early
 /// @throws MRuntimeException with the reason for codes that are not read
 std::size_t unpackNibbleOffset(std::span<const std::byte> packed, std::size_t pixelBytes,
                                std::span<std::byte> pixels);

@@ -12,7 +12,7 @@ namespace morvend::imglib {
 
 struct PackedLayout {
     bool version2 = false;              ///< x-CBF_PACKED_V2: more widths, longer block heads
-    bool flat = false;                  ///< differences from the pixel before alone
+    bool flat = false;                  ///< differences only from the pixel before
     bool uncorrelatedSections = false;  ///< each section of a stack begins anew
     bool isUnsigned = false;
     std::size_t fast = 0;
@@ -27,7 +27,7 @@ std::uint64_t mostPackedPixels(std::span<const std::byte> packed);
 /// and the differences, lowest bit first.
 /// @param layout      of more than one column, or of one row, unless flat
 /// @param pixelBytes  1, 2 or 4
-/// @returns the number of pixels unpacked, fewer than asked for when the stream ends early
+/// @returns the number of pixels unpacked, fewer than requested when the stream ends early
 std::size_t unpackPacked(std::span<const std::byte> packed, const PackedLayout& layout,
                          std::size_t pixelBytes, std::span<std::byte> pixels);
 

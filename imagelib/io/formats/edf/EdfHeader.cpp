@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::size_t LongestHeader = std::size_t(16) << 20;
 
-/// Bytes up to and including the end of the line of the closing brace; 0 when it is not there.
+/// Bytes up to and including the end of the line of the closing brace; 0 if it is missing.
 /// A CR alone does not end a header: it may be the first byte of the pixels.
 std::size_t findEnd(std::string_view text, std::size_t from)
 {

@@ -21,8 +21,8 @@ namespace morvend::imglib::edf {
 /// Thread: any, once made.
 class EdfHeader {
 public:
-    /// Could these bytes be the beginning of a block: '{', by itself or on the second line, and a
-    /// key?
+    /// True if these bytes can be the start of a block: '{', by itself or on the second line, and a
+    /// key.
     static bool beginsBlock(std::string_view bytes);
     /// Reads the header that begins at `offset`; it ends with '}' and LF or CR LF, whatever the
     /// header says of its size. `guess` is its likely size in bytes.
@@ -36,9 +36,9 @@ public:
 
     /// Value of a key without the blanks around it.
     std::optional<std::string_view> value(std::string_view key) const;
-    /// The value as a whole number, if it is one.
+    /// The value as a whole number, if it is a whole number.
     std::optional<std::uint64_t> number(std::string_view key) const;
-    /// Calls f(key, value) for all entries, the one that holds before others of the same key: the
+    /// Calls f(key, value) for all entries, the valid one before others of the same key: the
     /// last of the block first, then those of the general header.
     template <class Function>
     void forEach(Function&& f) const
@@ -49,7 +49,7 @@ public:
         if (_general)
             _general->forEach(f);
     }
-    /// Is the key in this block itself?
+    /// True if the key is in this block itself.
     bool has(std::string_view key) const { return _own(key).has_value(); }
 
     /// Bytes in the file, up to and including the end of its last line.
@@ -69,7 +69,7 @@ private:
 };
 
 /// Sets the fields whose keys have a value, and those of header lines within the values of other
-/// keys (HeaderValues); a value that is no number ("Na") leaves its field alone. Sets rawHeader.
+/// keys (HeaderValues); a value that isn't a number ("Na") leaves its field unset. Sets rawHeader.
 void readFields(const EdfHeader& from, MBasicImageOptionalData<>& header);
 
 }  // namespace morvend::imglib::edf

@@ -137,7 +137,7 @@ void readExternal(const EdfHeader& header, const Complaint& complaint, EdfLayout
     const auto name = header.value("EDF_BinaryFileName");
     if (!name || name->empty())
         return;
-    // Only a file beside this one: a header is no place to take paths from.
+    // Only a file beside this one: paths from a header are not trusted.
     layout.externalFile = name->substr(name->find_last_of("/\\") + 1);
     const bool noName =
         layout.externalFile.empty() || layout.externalFile == "." || layout.externalFile == "..";

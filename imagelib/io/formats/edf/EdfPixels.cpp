@@ -16,7 +16,7 @@ namespace morvend::imglib::edf {
 
 namespace {
 
-/// The bytes of a binary block that are there.
+/// The available bytes of a binary block.
 struct Range {
     std::shared_ptr<const ByteSource> external;  // keeps the file below open; null: the EDF itself
     const ByteSource& file;

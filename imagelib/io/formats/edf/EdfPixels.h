@@ -18,7 +18,7 @@ struct EdfLayout;
 struct EdfBlock {
     std::uint64_t header = 0;
     std::size_t headerBytes = 0;
-    /// The binary block in this file; empty when it lies in another one.
+    /// The binary block in this file; empty when it is in another one.
     std::uint64_t data = 0;
     std::uint64_t dataBytes = 0;
     std::size_t firstFrame = 0;

@@ -19,9 +19,9 @@ namespace morvend::imglib {
 namespace edf {
 namespace {
 
-/// Walks from header to header as far as it is asked for. A walk that meets something that is no
-/// block has one more frame, which can't be read: the frames before it stay readable and the damage
-/// is not passed over.
+/// Walks from header to header as far as requested. A walk that meets something other than a
+/// block counts one more frame, which can't be read: the frames before it stay readable and the
+/// damage is not passed over.
 /// Thread: one at a time.
 class EdfBlocks {
 public:
@@ -37,15 +37,15 @@ public:
     /// Goes on after the last block, where a writer may have added more.
     void update();
 
-    /// The header of a block with the general header for what it lacks.
+    /// The header of a block with the general header for missing keys.
     EdfHeader header(const EdfBlock& block) const;
 
 private:
-    /// Takes one block more; false at the end of the file or of what can be read.
+    /// Adds one block; false at the end of the file or of what can be read.
     bool _nextBlock();
     void _readBlock();
     void _addBlock(const EdfHeader& header, const EdfLayout& layout);
-    /// Does a header begin there?
+    /// True if a header begins there.
     bool _blockAt(std::uint64_t offset) const;
     /// Size of a binary block that follows its header.
     std::uint64_t _dataBytes(const EdfLayout& layout, std::uint64_t data) const;
@@ -163,7 +163,7 @@ void EdfBlocks::_addBlock(const EdfHeader& header, const EdfLayout& layout)
     _lastBytes = header.bytes() + block.dataBytes / layout.planes;
 }
 
-/// What the dimensions ask for holds against the size that the header states, unless the next
+/// The size by the dimensions wins over the size that the header states, unless the next
 /// header shows by its offset that this one is right.
 std::uint64_t EdfBlocks::_dataBytes(const EdfLayout& layout, std::uint64_t data) const
 {

@@ -19,7 +19,7 @@ namespace {
 
 int dropWarning(TIFF*, void*, const char*, const char*, va_list) { return 1; }
 
-/// libtiff lays some of its messages out in several lines.
+/// libtiff spreads some of its messages over several lines.
 std::string inOneLine(std::string_view text)
 {
     std::string line;
@@ -70,7 +70,7 @@ TiffHandle::TiffHandle(std::shared_ptr<const ByteSource> source)
     constexpr std::uint64_t EnoughForDecoders = std::uint64_t(1) << 30;
     TIFFOpenOptionsSetMaxSingleMemAlloc(
         options.get(), static_cast<tmsize_t>(std::max(EnoughForDecoders, 2 * _source->size())));
-    // Read, header only, no mapping, strips as the file has them.
+    // Read, header only, no mapping, strips as in the file.
     _tiff.reset(TIFFClientOpenExt(_source->path().c_str(), "rhmc", this, &_read, &_write, &_seek,
                                   &_close, &_size, nullptr, nullptr, options.get()));
     if (!_tiff)

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// libtiff's view of a byte source, and what it has to say about it.
+// libtiff's view of a byte source, and its messages about it.
 #pragma once
 
 #include "imagelib/io/formats/base/ByteSource.h"
@@ -16,7 +16,7 @@
 namespace morvend::imglib::tiff {
 
 /// Takes the errors of one libtiff handle, which would go to standard error otherwise; its warnings
-/// are dropped. Must outlive the handle and stay where it is.
+/// are dropped. Must outlive the handle and must not be moved.
 class TiffErrors {
 public:
     using Options = std::unique_ptr<TIFFOpenOptions, decltype(&TIFFOpenOptionsFree)>;
@@ -31,7 +31,7 @@ public:
     void clear() { _first.clear(); }
     /// Keeps the first text since clear(): the cause, of which later ones are consequences.
     void note(const std::string& text);
-    /// " (libtiff: text)", or nothing when the library was silent.
+    /// " (libtiff: text)", or nothing if the library was silent.
     std::string inBrackets() const { return _first.empty() ? "" : " (libtiff: " + _first + ")"; }
 
 private:
@@ -57,7 +57,7 @@ public:
     TIFF* get() const { return _tiff.get(); }
     const ByteSource& source() const { return *_source; }
 
-    /// Forgets libtiff's last complaint. To be called before a step whose failure is reported.
+    /// Forgets libtiff's last message. Call it before a step whose failure is reported.
     void clearErrors() { _errors.clear(); }
     /// @throws MRuntimeException "TIFF: <what> (libtiff: <its reason>): <path>"
     [[noreturn]] void fail(const std::string& what) const;

@@ -102,14 +102,15 @@ std::uint64_t bestRatio(std::uint16_t compression)
     case COMPRESSION_DEFLATE:
     case COMPRESSION_ADOBE_DEFLATE:
         return 1032;
-    default:  // formats that can shrink an even image to nothing: only keeps memory in proportion
+    default:  // formats that shrink a uniform image to almost nothing: only keeps memory in
+              // proportion
         return 1 << 17;
     }
 }
 
 __extension__ using Wide = unsigned __int128;  // products of sizes cannot overflow it
 
-/// Can `height` rows be in the file, as the page or as one of its tiles?
+/// True if the file can hold `height` rows, as the page or as one of its tiles.
 void checkSize(const TiffHandle& handle, const TiffLayout& layout, int width, int height)
 {
     const std::uint16_t compression = shortTag(handle, TIFFTAG_COMPRESSION, COMPRESSION_NONE);

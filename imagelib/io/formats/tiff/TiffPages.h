@@ -16,7 +16,7 @@
 
 namespace morvend::imglib::tiff {
 
-/// Where a page stands in the file.
+/// Where a page is in the file.
 struct TiffPage {
     std::uint64_t directory = 0;
     /// Bytes of the image description; libtiff gives them only up to their first NUL.
@@ -24,15 +24,15 @@ struct TiffPage {
     std::uint64_t textBytes = 0;
 };
 
-/// Walks the chain as far as it is asked for. Previews and transparency masks are left out, as they
-/// are no frames. A chain that breaks is one more page, which can't be had: the pages before it
-/// stay readable and the damage is not passed over.
+/// Walks the chain as far as requested. Previews and transparency masks are left out, as they
+/// are no frames. A chain that breaks counts as one more page, which can't be read: the pages
+/// before it stay readable and the damage is not passed over.
 /// Thread: one at a time.
 class TiffPages {
 public:
     static bool isTiff(std::string_view head);
 
-    /// @throws MRuntimeException when there is no first page
+    /// @throws MRuntimeException if there is no first page
     explicit TiffPages(std::shared_ptr<const ByteSource> source);
 
     bool bigEndian() const { return _bigEndian; }
@@ -41,7 +41,7 @@ public:
     const TiffPage& page(std::size_t position);
     /// Number of pages; walks to the end of the chain.
     std::size_t count();
-    /// Looks behind the last page again, where a writer may have added more.
+    /// Looks after the last page again, where a writer may have added more.
     void update();
 
 private:

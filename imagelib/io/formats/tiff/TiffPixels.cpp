@@ -84,7 +84,7 @@ private:
     std::int32_t _lowest = 0;  // of the pixels taken as signed numbers, when flags are searched
 };
 
-/// Where an uncompressed strip begins, if it is all there by what the file says.
+/// Where an uncompressed strip begins, if it is complete according to the file.
 std::uint64_t PixelReader::_plainOffset(std::uint32_t strip)
 {
     _handle.clearErrors();
@@ -98,7 +98,7 @@ std::uint64_t PixelReader::_plainOffset(std::uint32_t strip)
     return offset;
 }
 
-/// Byte order, and the look for flags.
+/// Byte order, and the search for flags.
 void PixelReader::_finish(Bytes piece)
 {
     if (_swap)
@@ -114,7 +114,7 @@ void PixelReader::_noteFlags(std::span<const std::byte> pixels)
                                             pixels.size() / sizeof(std::int32_t)}));
 }
 
-/// Reads strips that lie one behind the other in the file, the first of which is `strip`.
+/// Reads strips that follow each other in the file, the first of which is `strip`.
 void PixelReader::_readPlain(std::uint32_t strip, std::uint64_t offset, Bytes target)
 {
     const bool asItIs = !_searchFlags && (!_swap || _layout.fileBits <= 8);

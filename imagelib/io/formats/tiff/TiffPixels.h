@@ -15,7 +15,7 @@ struct TiffLayout;
 /// straight into the image.
 ///
 /// 32-bit integers whose sign the file leaves open become signed when the only values from 2^31 on
-/// are 4294967295 and 4294967294: those are the flags -1 and -2 of detectors and no counts.
+/// are 4294967295 and 4294967294: those are the flags -1 and -2 of detectors , not counts.
 /// @param bigEndian byte order of the file
 /// @throws MRuntimeException naming the strip or tile that is missing, cut or damaged
 MImage readPixels(TiffHandle& handle, const TiffLayout& layout, bool bigEndian);

@@ -60,7 +60,7 @@ public:
         : _handle(source)
         , _pages(source)
     {
-        // A first page that is no image makes the file one that can't be opened.
+        // If the first page isn't an image, the file can't be opened.
         _handle.select(_pages.page(0).directory);
         tiff::readLayout(_handle);
     }
@@ -80,7 +80,7 @@ public:
     }
 
 private:
-    // Reading moves both along the file; what they tell stays the same.
+    // Reading moves both along the file; what they return stays the same.
     mutable tiff::TiffHandle _handle;
     mutable tiff::TiffPages _pages;
 };

@@ -30,7 +30,7 @@ std::uint16_t sampleFormat(datatypes::Type type)
     }
 }
 
-/// The date in the form that TIFF asks for, empty when it is not understood.
+/// The date in the form that TIFF asks for, empty if it is not understood.
 std::string tiffDate(const std::string& date)
 {
     int year = 0;
@@ -76,7 +76,7 @@ public:
         _setText(TIFFTAG_MODEL, header.description().value_or(""));
         _setText(TIFFTAG_DATETIME, tiffDate(header.data_collection_date().value_or("")));
         const auto bytes = static_cast<tmsize_t>(image.dataSize());
-        // libtiff does not write to the pixels, its interface only fails to say so.
+        // libtiff does not write to the pixels, its interface only lacks the const.
         _check(TIFFWriteRawStrip(_tiff.get(), 0, const_cast<void*>(image.cdata()), bytes) == bytes);
         _check(TIFFWriteDirectory(_tiff.get()) != 0);
         _check(TIFFFlush(_tiff.get()) != 0);

@@ -10,7 +10,7 @@
 namespace morvend::imglib::tiff {
 
 /// Unpacks one row of unsigned integers of 1 to 7 bits into bytes, of 9 to 15 bits into 16-bit
-/// integers; the first pixel stands in the highest bits of the first byte. `packed` holds all of
+/// integers; the first pixel is in the highest bits of the first byte. `packed` holds all of
 /// the row, `target` `pixels` values.
 void unpackBits(std::span<const std::byte> packed, std::size_t bits, std::size_t pixels,
                 void* target);

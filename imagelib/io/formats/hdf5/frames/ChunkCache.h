@@ -11,7 +11,7 @@
 
 namespace morvend::imglib::hdf5 {
 
-/// The chunks used last, up to a number of bytes.
+/// The most recently used chunks, up to a number of bytes.
 class ChunkCache {
 public:
     static constexpr std::size_t MostBytes = std::size_t(128) << 20;
@@ -23,7 +23,7 @@ public:
         bool operator==(const Key&) const = default;
     };
 
-    /// The decoded bytes, null when they are not here.
+    /// The decoded bytes, null when they are not cached.
     image::PixelBufferPtr find(const Key& key)
     {
         for (auto each = _chunks.begin(); each != _chunks.end(); ++each)

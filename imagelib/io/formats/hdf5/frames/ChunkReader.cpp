@@ -19,7 +19,7 @@ namespace {
 
 constexpr int MostFilters = 32;
 constexpr std::size_t MostFilterValues = 64;
-/// Beyond this size a chunk must be credible: no filter gives more than deflate's 1032 to 1.
+/// Beyond this size a chunk's claim is checked: no filter gives more than deflate's 1032 to 1.
 constexpr std::size_t LargeChunk = std::size_t(256) << 20;
 constexpr std::size_t BestRatio = 1100;
 

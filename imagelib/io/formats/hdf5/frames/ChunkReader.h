@@ -14,12 +14,12 @@
 namespace morvend::imglib::hdf5 {
 
 /// Reads frames from raw chunks. A chunk that is one frame is decoded straight into the image;
-/// chunks of several frames, or tiles of a frame, are gathered. Only chunks of several frames are
-/// kept for the next one.
+/// chunks of several frames, or tiles of a frame, are gathered. Only chunks of several frames
+/// are kept for the next frame.
 class ChunkReader {
 public:
-    /// A reader for the chunks of a data set; null when its filters are not ours to decode. Also
-    /// null when it has none: the library then tells the size that a chunk should have, but reads
+    /// A reader for the chunks of a data set; null when we can't decode its filters. Also
+    /// null when it has none: the library then reports the size that a chunk should have, but reads
     /// as many bytes as the file claims, past the end of any memory.
     static std::unique_ptr<ChunkReader> make(const FrameSource& source);
 

@@ -15,7 +15,7 @@ namespace morvend::imglib::hdf5 {
 
 /// Extents in the order of the file: (rows, columns) is one frame, (frame, rows, columns) a stack,
 /// (frame, module, rows, columns) a stack of frames that are shown module below module.
-/// Chunks are described in the same way.
+/// Chunks are described likewise.
 struct FrameShape {
     static constexpr std::size_t SmallestRank = 2;
     static constexpr std::size_t LargestRank = 4;

@@ -64,7 +64,7 @@ void FrameSource::fill(std::byte* pixels, std::size_t count) const
     const std::size_t size = _format.pixelBytes();
     if (count == 0)
         return;
-    // Doubles what is filled already.
+    // Doubles the part already filled.
     std::memcpy(pixels, value, size);
     for (std::size_t done = size; done < count * size; done *= 2)
         std::memcpy(pixels + done, pixels, std::min(done, count * size - done));

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// A data set that holds frames, as those see it who read its frames.
+// A data set that holds frames, as its readers see it.
 #pragma once
 
 #include "imagelib/image/MImage.h"
@@ -23,7 +23,7 @@ class SourceOpener;
 class FrameSource {
 public:
     /// @throws MRuntimeException or MNotImplementedException when the data set can't be images:
-    /// elements that are no numbers, another rank than 2 to 4, frames beyond the limits of an image
+    /// elements that aren't numbers, another rank than 2 to 4, frames beyond the limits of an image
     explicit FrameSource(OpenedObject object);
     FrameSource(const FrameSource&) = delete;
     FrameSource& operator=(const FrameSource&) = delete;
@@ -45,7 +45,7 @@ public:
 
     /// The file that holds a frame's pixels: of a virtual data set the first source.
     virtual std::string holder(std::size_t frame) const = 0;
-    /// The first frame whose pixels lie in another file, found by its base name.
+    /// The first frame whose pixels are in another file, given by its base name.
     virtual std::optional<std::size_t> firstFrameIn(const std::string& file) const = 0;
 
     /// Throws MRuntimeException "HDF5: frame 3 of /entry/data/data <what> (<library>): <path>".
@@ -67,17 +67,17 @@ using FrameSourcePtr = std::shared_ptr<const FrameSource>;
 /// Gives the data sets that a frame is read from, and what they share. Thread: callers take turns.
 class SourceOpener {
 public:
-    /// Virtual data sets may have virtual sources, this deep.
+    /// Virtual data sets may be nested this deep.
     static constexpr int MostLevels = 4;
 
     virtual ~SourceOpener() = default;
 
-    /// @throws MException naming the file when there is no such file or data set
+    /// @throws MException naming the file if the file or data set set
     virtual FrameSourcePtr at(const ObjectPath& path) = 0;
     virtual OpenFiles& files() = 0;
     virtual ChunkCache& chunks() = 0;
 
-    /// Counts the levels of virtual data sets on the way to a pixel.
+    /// Counts the levels of virtual data sets passed on the way to a pixel.
     class Level {
     public:
         /// @throws MRuntimeException when virtual data sets refer to each other without end

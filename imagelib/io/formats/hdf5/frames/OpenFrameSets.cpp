@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Data sets by last use, and reading by the library where we don't do it ourselves.
+// Data sets by last use, and reading by the library where we can't do it.
 #include "imagelib/io/formats/hdf5/frames/OpenFrameSets.h"
 
 #include "imagelib/codec/ChunkDecoder.h"
@@ -17,7 +17,7 @@ namespace {
 
 /// No compression that HDF5 files use gives more than deflate's 1032 to 1.
 constexpr std::uint64_t BestRatio = 1100;
-/// Frames up to these sizes need no proof that the file can hold them: a frame that was never
+/// Frames up to these sizes are not checked against the file's size: a frame that was never
 /// written takes no room in it.
 constexpr std::uint64_t AlwaysAllowed = std::uint64_t(256) << 20;
 constexpr std::uint64_t AllowedElsewhere = std::uint64_t(1) << 30;
@@ -25,7 +25,7 @@ constexpr std::uint64_t AllowedElsewhere = std::uint64_t(1) << 30;
 /// minutes.
 constexpr hsize_t MostChunks = hsize_t(1) << 17;
 
-/// Frames of one data set by the way that its layout allows.
+/// Frames of one data set in the way that its layout allows.
 class FrameSet final : public FrameSource {
 public:
     explicit FrameSet(OpenedObject object);

@@ -33,7 +33,7 @@ struct HyperslabRange {
         const bool overflow = block != 0 && count > Endless / block;
         return overflow ? Endless : count * block;
     }
-    /// The number of a coordinate among the points; nothing when it is none of them.
+    /// The number of a coordinate among the points; nothing when it isn't one of them.
     std::optional<hsize_t> ordinal(hsize_t coordinate) const
     {
         if (coordinate < start || stride == 0)
@@ -55,7 +55,7 @@ struct HyperslabRange {
             return Endless;
         return start + step * stride + ordinal % block;
     }
-    /// No gaps between the points?
+    /// True if there are no gaps between the points.
     bool contiguous() const { return count == 1 || stride == block; }
 
     /// The selection of a data space, one range a dimension; nothing when it is not regular.
@@ -91,7 +91,7 @@ std::optional<std::vector<HyperslabRange>> HyperslabRange::of(hid_t space)
 constexpr std::size_t MostMappings = 1'000'000;
 constexpr hsize_t MostNamedBlocks = 1'000'000;
 
-/// A name of a source, by a call of the library that tells its length first.
+/// A name of a source, by a call of the library that first reports its length.
 template <class Get>
 std::string nameBy(Get get)
 {
@@ -121,7 +121,7 @@ std::string numbered(const std::string& name, hsize_t block)
     return result;
 }
 
-/// Points along the dimensions in front of rows and columns; of a numbered mapping each source
+/// Points along the dimensions before rows and columns; of a numbered mapping each source
 /// serves one block of the first dimension.
 std::vector<hsize_t> leadingPoints(const std::vector<HyperslabRange>& ranges, bool perBlock)
 {
@@ -181,7 +181,7 @@ void VirtualLayout::_addMapping(std::size_t index)
     const bool whole = H5Sget_select_type(source.id()) == H5S_SEL_ALL;
     if (targetRanges && (sourceRanges || whole)) {
         mapping.target = *targetRanges;
-        // The extents of a source that is taken whole are not in the file.
+        // The file doesn't hold the extents of a source that is used whole.
         mapping.source = whole ? std::vector<HyperslabRange>() : *sourceRanges;
     }
     takeErrorText();

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Data sets whose bytes lie in files outside of their HDF5 file.
+// Data sets whose bytes are in files outside their HDF5 file.
 #pragma once
 
 #include "imagelib/io/formats/hdf5/library/Hdf5Handles.h"
@@ -10,7 +10,7 @@
 
 namespace morvend::imglib::hdf5 {
 
-/// Asks whether all files that hold the bytes of a data set may be read by the library: one that
+/// Checks that the library may read all files that hold the bytes of a data set: one that
 /// is a pipe would keep it waiting. Files that don't exist are left to the library.
 /// @param creation  the properties that the data set was created with
 /// @throws MNoFileAccessException naming the file that is no regular one

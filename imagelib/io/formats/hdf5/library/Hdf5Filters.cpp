@@ -29,7 +29,7 @@ constexpr std::size_t MostBytes = 0xffffffff;
 constexpr std::size_t BestLz4 = 255;
 constexpr std::size_t BestZstd = 40'000;
 
-/// The decoded length at the head of a chunk; 0 when it can't be true.
+/// The decoded length at the head of a chunk; 0 when it is impossible.
 std::size_t announcedBytes(Bytes stored, std::size_t bestRatio)
 {
     std::size_t announced = 0;
@@ -75,7 +75,7 @@ std::vector<std::byte> encode(unsigned id, const std::vector<unsigned>& values, 
                                    values[3]);
 }
 
-/// H5Z_func_t for both filters: 0 tells the library that it failed.
+/// H5Z_func_t for both filters: 0 reports failure to the library.
 template <unsigned Id>
 std::size_t filter(unsigned flags, std::size_t valueCount, const unsigned* values,
                    std::size_t bytes, std::size_t* capacity, void** buffer)

@@ -23,7 +23,7 @@ herr_t keepFirst(unsigned, const H5E_error2_t* error, void* target)
     return 0;
 }
 
-/// What the library means by its reasons.
+/// The library's reasons in plain words.
 struct Meaning {
     std::string_view inReason;
     std::string_view inWords;
@@ -62,7 +62,7 @@ void silenceErrors()
 std::string takeErrorText()
 {
     std::string text;
-    // Upward begins at the innermost call, whose description says what really went wrong.
+    // Walking upward begins at the innermost call, whose description says what really went wrong.
     H5Ewalk2(H5E_DEFAULT, H5E_WALK_UPWARD, keepFirst, &text);
     H5Eclear2(H5E_DEFAULT);
     return text;

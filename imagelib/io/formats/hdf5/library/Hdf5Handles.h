@@ -15,7 +15,7 @@ namespace morvend::imglib::hdf5 {
 /// into the reader calls it first: the switch belongs to the thread, not to the process.
 void silenceErrors();
 
-/// The innermost reason on the calling thread's error stack, empty when there is none. Clears it.
+/// The innermost reason on the calling thread's error stack, empty if there isn't one. Clears it.
 std::string takeErrorText();
 
 /// A sentence with the library's reason after it, "<what> (HDF5: <reason>)". Where the reason means
@@ -25,7 +25,7 @@ std::string withReason(const std::string& what, const std::string& reason);
 /// Throws MRuntimeException "HDF5: <what> (HDF5: <reason of the library>): <path>".
 [[noreturn]] void fail(const std::string& what, const std::string& path);
 
-/// Owns one identifier and closes it with `Close`. Negative identifiers are none.
+/// Owns one identifier and closes it with `Close`. A negative identifier means none.
 /// Thread: any, one at a time; the library serialises its calls by a global lock.
 template <herr_t (*Close)(hid_t)>
 class Handle {

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Failures in a file that another one leads to.
+// Failures in a file that was reached by a link.
 #pragma once
 
 #include "imagelib/image/MException.h"
@@ -11,13 +11,13 @@
 
 namespace morvend::imglib::hdf5 {
 
-/// Throws an exception of the same class that says more of the place; a lack of memory, which names
-/// none, stays as it is.
+/// Throws an exception of the same class with more of the place; lack of memory, which names
+/// no place, stays as it is.
 [[noreturn]] void rethrowWith(const MException& error, const std::string& more);
 
-/// Runs a step in what a link of `master` leads to. A failure that names only the file it happened
-/// in is reported with the link and the master, which the user knows the images by.
-/// @param master  empty where there is none
+/// Runs a step in the target of a link of `master`. A failure that names only the file it happened
+/// in is reported with the link and the master, by which the user knows the images.
+/// @param master  empty if there isn't one
 template <class Step>
 auto fromLink(const std::string& link, const std::string& master, Step&& step)
 {

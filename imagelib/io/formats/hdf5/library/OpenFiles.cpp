@@ -22,9 +22,9 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// Has a writer opened the file in SWMR mode (single writer, multiple readers)? Its mark stands in
-/// the superblock, after the user block if there is one. Opened without that mode, what was
-/// appended since would be refused as lying beyond the end.
+/// True if a writer has opened the file in SWMR mode (single writer, multiple readers). Its mark is
+/// in the superblock, after the user block if there is one. Opened without that mode, data
+/// appended since would be refused as beyond the end.
 bool hasSwmrWriter(const std::string& path, hid_t file)
 {
     hsize_t userBlock = 0;
@@ -45,7 +45,7 @@ bool hasSwmrWriter(const std::string& path, hid_t file)
 
 constexpr std::size_t LongestLink = 64 << 10;
 
-/// The names between the slashes of a path; "." and empty ones stand for nothing.
+/// The names between the slashes of a path; "." and empty ones are skipped.
 std::deque<std::string> namesOf(const std::string& path)
 {
     std::deque<std::string> names;
@@ -101,7 +101,7 @@ public:
         return OpenedObject{_file, _path.empty() ? "/" : _path, std::move(_here)};
     }
 
-    /// Stops in front of the file that an external link names.
+    /// Stops before the file that an external link names.
     ObjectPath toTarget()
     {
         while (!_rest.empty()) {
@@ -136,7 +136,7 @@ private:
         return std::nullopt;
     }
 
-    /// Goes over one name. @returns false when there is no such link
+    /// Follows one name. @returns false when there is no such link
     /// @throws MRuntimeException when a link on the way leads to a name that is not there
     bool _step()
     {
@@ -188,7 +188,8 @@ private:
     std::string _wanted;
     std::string _origin;
     std::deque<std::string> _rest;
-    std::size_t _namesOfLink = 0;  // at the front of them: what a link promises, not what was asked
+    std::size_t _namesOfLink =
+        0;  // at the front of them: they come from a link, not from the request
     std::string _path;
     Object _here;
     int _links = 0;

@@ -17,11 +17,11 @@
 
 namespace morvend::imglib::hdf5 {
 
-/// An open file. Holds no lock, so that a writer may go on; what it shows is the state at opening.
+/// An open file. Holds no lock, so that a writer may go on; it shows the state at opening.
 /// Thread: any, one at a time.
 class Hdf5File {
 public:
-    /// @throws MNoFileAccessException when there is no such file, MRuntimeException with the
+    /// @throws MNoFileAccessException if the file doesn't exist, MRuntimeException with the
     /// library's reason when it can't be opened
     explicit Hdf5File(const std::string& path);
 
@@ -30,7 +30,7 @@ public:
     /// Bytes of the file at opening: what it holds can't be larger than this times the best ratio
     /// of a compression.
     std::uint64_t size() const { return _stamp.size(); }
-    /// Is the file on disk still the one that was opened, unchanged?
+    /// True if the file on disk is still the one that was opened, unchanged.
     bool current() const { return FileStamp(_path) == _stamp; }
 
 private:
@@ -59,8 +59,8 @@ struct OpenedObject {
     bool isDataset() const { return H5Iget_type(object.id()) == H5I_DATASET; }
 };
 
-/// Opens files, keeps the few that were used last, and opens a file anew when it has changed on
-/// disk. Follows soft and external links itself, to distinguish a dead link from a missing one.
+/// Opens files, keeps the few most recently used, and opens a file anew when it has changed on
+/// disk. Follows soft and external links itself, to tell a dead link from a missing one.
 /// Thread: callers take turns.
 class OpenFiles {
 public:
@@ -75,21 +75,21 @@ public:
 
     /// The object at an absolute path.
     /// @returns nothing when the file has no such link
-    /// @throws MException when a link leads nowhere, names a file that can't be opened, or goes in
+    /// @throws MException when a link is dead, names a file that can't be opened, or goes in
     /// a circle
     std::optional<OpenedObject> find(const Hdf5FilePtr& file, const std::string& path);
 
     /// Where a link leads, without opening what it names; a hard link leads to itself.
-    /// @throws MRuntimeException when there is no such link
+    /// @throws MRuntimeException if the link doesn't exist
     ObjectPath target(const Hdf5FilePtr& file, const std::string& path);
 
     /// Closes all files.
     void close() { _open.clear(); }
     std::size_t openCount() const { return _open.size(); }
 
-    /// The path of a file that another one names: as it stands, else beside that other file by
+    /// The path of a file that another one names: as given, else beside that other file by
     /// relative path, else beside it by its base name, also where `from` is a symbolic link.
-    /// When none exists, the path beside `from` is the answer.
+    /// If none exists, returns the path beside `from`.
     static std::string locate(const std::string& from, const std::string& name);
 
 private:

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Choice of the pixel type; odd types by the library.
+// Choice of the pixel type; the library converts odd types.
 #include "imagelib/io/formats/hdf5/library/PixelFormat.h"
 
 #include "imagelib/image/Assert.h"
@@ -46,7 +46,7 @@ bool isHalf(hid_t type)
            exponentBits == 5 && fractionBits == 10 && sign == 15 && H5Tget_ebias(type) == 15;
 }
 
-/// The integer behind an enumeration or a bit field; any other type as it is.
+/// The integer type of an enumeration or a bit field; any other type as it is.
 Datatype elementOf(hid_t type)
 {
     if (H5Tget_class(type) == H5T_ENUM)

@@ -14,11 +14,11 @@ namespace morvend::imglib::hdf5 {
 
 /// How the elements of a data set are stored and which of our pixel types holds them: integers of
 /// 8 to 64 bits and floating numbers of 32 and 64 as they are, in either byte order; floating
-/// numbers of 16 bits become 32, odd sizes the next larger type; enumerations (booleans are such)
+/// numbers of 16 bits become 32, odd sizes the next larger type; enumerations (also booleans)
 /// and bit fields are the integers that they are stored as.
 class PixelFormat {
 public:
-    /// @throws MNotImplementedException when the elements are no numbers
+    /// @throws MNotImplementedException when the elements aren't numbers
     PixelFormat(hid_t fileType, const std::string& path);
 
     datatypes::Type type() const { return _type; }
@@ -31,7 +31,7 @@ public:
     hid_t fileType() const { return _file.id(); }
     /// The type of the pixels.
     hid_t memoryType() const { return _memory.id(); }
-    /// Are the stored bytes the pixels but for their order?
+    /// True if the stored bytes are the pixels, except for their order.
     bool inPlace() const { return _way == Way::Copy || _way == Way::Swap; }
 
     /// Turns stored bytes into pixels. `stored` and `pixels` hold the same number of elements; they
@@ -53,7 +53,7 @@ private:
     std::size_t _stored = 0;
     Way _way = Way::Copy;
     Datatype _file;
-    Datatype _element;  // of enumerations and bit fields the integer behind them
+    Datatype _element;  // for enumerations and bit fields their integer type
     Datatype _memory;
 };
 

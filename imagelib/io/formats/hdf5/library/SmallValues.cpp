@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// One reading routine for data sets and attributes, which differ in the call alone.
+// One reading routine for data sets and attributes, which differ only in the call.
 #include "imagelib/io/formats/hdf5/library/SmallValues.h"
 
 #include <algorithm>
@@ -25,7 +25,7 @@ constexpr unsigned MostAttributes = 256;
 struct Reader {
     /// Reads all elements, as values of a type in memory.
     std::function<herr_t(hid_t memoryType, void* target, hid_t transfer)> read;
-    /// Do the properties of the transfer count?
+    /// True if the properties of the transfer matter.
     bool transfers = false;
 };
 
@@ -40,7 +40,7 @@ public:
             [](std::size_t size, void* self) {
                 return static_cast<TextMemory*>(self)->_allocate(size);
             },
-            this, [](void*, void*) {}, this);  // all goes at once, with this object
+            this, [](void*, void*) {}, this);  // all is freed at once, with this object
     }
     TextMemory(const TextMemory&) = delete;
     TextMemory& operator=(const TextMemory&) = delete;
@@ -49,7 +49,7 @@ public:
 private:
     void* _allocate(std::size_t size) noexcept
     {
-        // A little more than the limit, for the ends of the texts.
+        // A little more than the limit, for the NULs of the texts.
         if (size > 2 * MostTextBytes - _used)
             return nullptr;
         _used += size;
@@ -82,7 +82,7 @@ std::optional<Value> readNumbers(hid_t memoryType, std::size_t count, const Read
     return scalarOrArray(std::move(values));
 }
 
-/// Cut at the first NUL, and trailing blanks of space-padded texts away.
+/// Cut at the first NUL, and without the trailing blanks of space-padded texts.
 std::string cleaned(const char* text, std::size_t most)
 {
     std::string result(text, strnlen(text, most));
@@ -147,7 +147,7 @@ std::optional<Value> readValue(hid_t type, hid_t space, std::size_t most, const 
         const std::size_t size = H5Tget_size(type);
         if (size > sizeof(std::int64_t))
             return std::nullopt;
-        // Enumerations convert to their own kind alone: read as they are, then as numbers.
+        // Enumerations convert only to their own kind: read as such, then taken as numbers.
         std::vector<std::int64_t> values(count);
         if (reader.read(type, values.data(), H5P_DEFAULT) < 0 ||
             H5Tconvert(base.id(), H5T_NATIVE_INT64, count, values.data(), nullptr, H5P_DEFAULT) < 0)
@@ -185,8 +185,8 @@ std::optional<std::vector<hsize_t>> datasetExtents(hid_t dataset)
 
 namespace {
 
-/// Are the chunks of a data set small? The library takes memory for a whole one, which may be up to
-/// 4 GiB for an array of a single value.
+/// True if the chunks of a data set are small: the library allocates a whole one, which may be up
+/// to 4 GiB for an array of a single value.
 bool hasSmallChunks(hid_t dataset, hid_t type)
 {
     constexpr hsize_t MostBytes = hsize_t(64) << 20;

@@ -28,9 +28,9 @@ std::optional<std::vector<hsize_t>> datasetExtents(hid_t dataset);
 /// elements, more than 1 MiB of text, another type, or can't be read.
 std::optional<nexus::Value> readDataset(hid_t dataset, std::size_t most = MostTreeElements);
 
-/// An attribute as a value, under the same rules; nothing when there is none.
+/// An attribute as a value, under the same rules; nothing if it doesn't exist.
 std::optional<nexus::Value> readAttribute(hid_t object, const char* name);
-/// A text attribute; empty when there is none.
+/// A text attribute; empty if it doesn't exist.
 std::string textAttribute(hid_t object, const char* name);
 /// All attributes that can be read.
 std::map<std::string, nexus::Value> readAttributes(hid_t object);

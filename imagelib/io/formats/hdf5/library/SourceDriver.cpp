@@ -20,7 +20,7 @@ namespace {
 
 constexpr haddr_t MostAddress = static_cast<haddr_t>(std::numeric_limits<std::int64_t>::max());
 
-/// The library knows the base alone and hands out pointers to it.
+/// The library knows only the base and hands out pointers to it.
 struct OpenSource : H5FD_t {
     std::shared_ptr<const ByteSource> source;
     haddr_t endOfAddresses = 0;
@@ -126,7 +126,7 @@ Properties sourceAccess()
     // it as one of the size that it should have. Without the cache plain chunks go straight to us.
     check(H5Pset_cache(access.id(), 0, 0, 0, 0), "the chunk cache can't be switched off", "");
     // In SWMR mode the library reads metadata with a wrong checksum again, a hundred times, and
-    // waits twice as long each time: a damaged file would keep it for ever. So it waits 16 ms.
+    // waits twice as long each time: a damaged file would block it for ever. So it waits 16 ms.
     constexpr unsigned MostReads = 24;
     check(H5Pset_metadata_read_attempts(access.id(), MostReads), "reads can't be limited", "");
     return access;

@@ -8,10 +8,11 @@
 
 namespace morvend::imglib::hdf5 {
 
-/// File access properties for reading. Against the library's own driver this one
-/// - takes no locks, ever, and refuses what is no regular file instead of waiting for it;
-/// - keeps each opening apart: the library would otherwise share one cache between all openings of
-///   a file in the process, which then show its state at the first of them;
+/// File access properties for reading. Unlike the library's own driver this one
+/// - never takes locks, and refuses what isn't a regular file instead of waiting for it;
+/// - keeps each opening separate: the library would otherwise share one cache between all openings
+/// of
+///   a file in the process, which then show its state at the first opening;
 /// - reads plain chunks without the library's chunk cache, which trusts sizes in the file;
 /// - gives up soon on metadata that stays damaged in SWMR mode;
 /// - reports bytes that a shortened file no longer has as an error instead of as zeros.

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Counting of blocks, by proof, by sample or one by one.
+// Counts blocks: by proof, by sample or one by one.
 #include "imagelib/io/formats/hdf5/nexus/BlockTable.h"
 
 #include "imagelib/image/MException.h"
@@ -88,7 +88,7 @@ void BlockTable::_findEnd()
 
 void BlockTable::_failWithoutBlocks()
 {
-    const ObjectPath& first = _target(_blocks.front());  // throws when its link is what is wrong
+    const ObjectPath& first = _target(_blocks.front());  // throws if its link is wrong
     const std::string link = ", to which the link " + _blocks.front().link + " leads: ";
     if (_blocks.size() == 1)
         throw MNoFileAccessException("HDF5: the data file " + first.file + " does not exist" +
@@ -201,7 +201,7 @@ std::optional<BlockTable::BlockFrame> BlockTable::_blockOf(std::size_t position)
 
 FrameLocation BlockTable::locate(std::size_t position)
 {
-    // Each round makes more blocks known, hence there are few.
+    // Each round makes more blocks known, so the loop ends.
     for (;;) {
         const auto at = _blockOf(position);
         if (!at)
@@ -256,7 +256,7 @@ std::optional<std::size_t> BlockTable::firstFrameIn(const std::string& file)
 
 void BlockTable::update()
 {
-    // What was last may have grown, and what could not be opened may be whole by now.
+    // The former last block may have grown, and one that failed to open may be complete by now.
     for (std::size_t i = _end - 1; i < _blocks.size(); ++i)
         _blocks[i].frames.reset();
     _firstFailure = nullptr;

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Which frame of a series lies in which block, found with as few files opened as possible.
+// Which frame of a series is in which block, found with as few files opened as possible.
 #pragma once
 
 #include "imagelib/io/formats/hdf5/frames/OpenFrameSets.h"
@@ -13,7 +13,7 @@
 
 namespace morvend::imglib::hdf5 {
 
-/// Where a frame of a series lies.
+/// Where a frame of a series is.
 struct FrameLocation {
     FrameSourcePtr set;
     std::size_t frame = 0;
@@ -24,21 +24,21 @@ struct FrameLocation {
 /// whose file exists.
 ///
 /// Detectors write blocks of equal size, of which only the last may be shorter. So the first and
-/// the last are opened, and the others are taken to be like the first
-/// - without a doubt, if the image numbers that the last block carries (attribute image_nr_low) or
+/// the last are opened, and the others are assumed to be like the first
+/// - for certain, if the image numbers that the last block carries (attribute image_nr_low) or
 ///   the planned number of images agree with it;
 /// - never, in short series without such a proof: all blocks are counted;
-/// - for the time being, in longer ones where six more blocks agree: the first block shows its
+/// - for now, in longer ones where six more blocks agree: the first block shows its
 ///   first image at once, and all are counted when the next image is asked for.
-/// A block that turns out different has all of them counted. A block that can't be opened counts
+/// If a block turns out different, all are counted. A block that can't be opened counts
 /// as one of the common size, so that its neighbours keep their numbers.
 /// Thread: callers take turns.
 class BlockTable {
 public:
-    /// @param master   the file in which the links lie
+    /// @param master   the file that holds the links
     /// @param links    paths of the blocks in it; may be empty
-    /// @param planned  images that the metadata announce, 0 when they don't
-    /// @throws MException when no block exists or none can be opened
+    /// @param planned  images that the metadata announce, 0 if they don't
+    /// @throws MException if no block exists or can be opened
     BlockTable(OpenFrameSets& sets, std::string master, const std::vector<std::string>& links,
                std::size_t planned);
     /// Blocks in data files of their own, without a master.
@@ -53,11 +53,11 @@ public:
     FrameLocation locate(std::size_t position);
     /// The file that holds a frame, also of a block that can't be opened.
     std::string path(std::size_t position);
-    /// The first frame whose pixels lie in a file, by its base name.
+    /// The first frame whose pixels are in a file, given by its base name.
     std::optional<std::size_t> firstFrameIn(const std::string& file);
 
-    /// Looks for new blocks and counts the last ones anew. A table that threw can't be
-    /// used any more: update a copy.
+    /// Looks for new blocks and recounts the last ones. After an exception the table is
+    /// unusable: update a copy.
     void update();
 
 private:
@@ -81,20 +81,21 @@ private:
     /// Sets the end after the last block whose file exists; it never moves back.
     void _findEnd();
     [[noreturn]] void _failWithoutBlocks();
-    /// Opens as few blocks as give the number of frames with the certainty that they allow.
+    /// Finds the number of frames, as surely as the blocks allow, by opening as few as possible.
     void _countBlocks();
-    /// Opens a block unless it is known, and notes its frames; false when it can't be opened.
+    /// Opens a block unless it is known, and stores its number of frames; false when it can't be
+    /// opened.
     bool _countBlock(std::size_t block);
     void _countAllBlocks();
-    /// Does the planned number of images, or the image number of the last block, agree?
+    /// True if the planned number of images, or the last block's image number, agrees.
     bool _isProved(std::size_t total);
-    /// Opens some blocks spread over the series: are they as long as the first?
+    /// Opens some blocks spread over the series; true if they are as long as the first.
     bool _samplesAgree();
-    /// The number of its first image that a block carries.
+    /// The number of its first image, as a block states it.
     std::optional<long long> _firstImageNumber(std::size_t block);
     /// Frames of a block: counted, else those of the first one.
     std::size_t _framesOf(std::size_t block) const;
-    /// Is a counted block before the last one longer or shorter than the first?
+    /// True if a counted block before the last is longer or shorter than the first.
     bool _anyDiffersFromFirst() const;
     /// Sets the first frame of each block, and their sum.
     void _updateStarts();

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// File names taken apart, and their folder looked through.
+// Parses file names and searches their folder.
 #include "imagelib/io/formats/hdf5/nexus/DataFileNames.h"
 
 #include "imagelib/io/formats/hdf5/library/OpenFiles.h"

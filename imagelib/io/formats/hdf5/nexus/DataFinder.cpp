@@ -24,10 +24,10 @@ using Paths = std::vector<std::string>;
 constexpr std::size_t MostSearched = 1000;
 constexpr int LongestDefault = 16;
 
-/// How sure it is that the images are at a place.
+/// How sure it is that a place holds the images.
 enum class Claim {
-    Guessed,  ///< they may be
-    Stated    ///< the file says so: a dead link there has lost them
+    Guessed,  ///< it may hold them
+    Stated    ///< the file says so: a dead link there means they are lost
 };
 
 class Search {
@@ -36,7 +36,7 @@ public:
         : _browser(files, file)
     {}
 
-    /// The whole search through the file. @returns false when there is not even a dead link
+    /// The whole search through the file. @returns false if there isn't even a dead link
     bool inFile()
     {
         for (const std::string& entry : entries())
@@ -55,7 +55,7 @@ public:
     }
 
     /// The entries: the one that the file names as its default, those of the class NXentry, other
-    /// groups named so, and the root.
+    /// groups with such a name, and the root.
     Paths entries()
     {
         Paths entries;
@@ -103,7 +103,7 @@ private:
                _inDetectors(entry, members);
     }
 
-    /// Goes from the entry along the attributes `default` as far as they lead.
+    /// Goes from the entry along the attributes `default` as long as there are any.
     bool _followDefault(const std::string& entry)
     {
         std::string path = entry;
@@ -167,7 +167,7 @@ private:
                (!dead.empty() && _take(entry, {dead}, Claim::Guessed));
     }
 
-    /// Files of old mark the data set itself, by 1 for the first signal.
+    /// Old files mark the data set itself, by 1 for the first signal.
     static bool _isSignal(hid_t dataset)
     {
         const auto value = readAttribute(dataset, "signal");
@@ -250,7 +250,7 @@ private:
         return all;
     }
 
-    /// Accepts blocks of which the first that is not dead is an image, or whose death is the
+    /// Accepts blocks of which the first that is not dead is an image, or whose dead link is the
     /// answer; remembers the first dead ones and the first table.
     bool _take(const std::string& entry, Paths blocks, Claim claim)
     {

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// A walk over all groups that notes what is an array of numbers, or should be.
+// A walk over all groups that lists what is an array of numbers, or should be.
 #include "imagelib/io/formats/hdf5/nexus/DatasetList.h"
 
 #include "imagelib/image/MException.h"
@@ -79,14 +79,14 @@ private:
         }
     }
 
-    /// Other files are not opened to see what is in them: there may be thousands.
+    /// Other files are not opened to see their contents: there may be thousands.
     bool _isBlock(const std::string& path, const GroupLink& link) const
     {
         return blockNumber(link.name) >= 0 &&
                (link.type == H5L_TYPE_EXTERNAL || !_browser.findGroup(path + "/" + link.name));
     }
 
-    /// Notes a group on the way down; false when the way has come to it before, in a circle.
+    /// Notes a group on the way down; false when the walk has been there before, in a circle.
     bool _entered(const OpenedObject& found, std::size_t level)
     {
         H5O_info_t info = {};
@@ -106,7 +106,7 @@ private:
         const std::optional<OpenedObject> found = _browser.find(path);
         if (found && found->isGroup())
             return _group(path, *found, level + 1);
-        // What a dead link among the metadata would lead to is no image, as a rule.
+        // The target of a dead link among the metadata is usually no image.
         const bool hasImages = groupClass == "NXdata" || groupClass == "NXdetector" ||
                                blockNumber(path.substr(path.rfind('/') + 1)) != -2;
         if (found ? found->isDataset() && arrayKind(found->object.id()) != ArrayKind::None
@@ -145,7 +145,7 @@ private:
         try {
             const auto found = _files.find(_browser.file(), dataset);
             if (found && found->isDataset()) {
-                // A block may be empty, or no numbers at all.
+                // A block may be empty, or hold no numbers at all.
                 if (const auto extents = datasetExtents(found->object.id()))
                     row.shape.assign(extents->begin(), extents->end());
                 row.type = typeOf(found->object.id());

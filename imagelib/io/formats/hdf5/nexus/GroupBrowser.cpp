@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Look-ups that take dead links for none, and what names and extents say of an array.
+// Look-ups that ignore dead links, and what names and extents say about an array.
 #include "imagelib/io/formats/hdf5/nexus/GroupBrowser.h"
 
 #include "imagelib/image/MException.h"
@@ -93,7 +93,7 @@ bool isAuxiliary(const std::string& path)
     const auto atEnd = [](std::string_view text) {
         return [text](std::string_view part) { return text.ends_with(part); };
     };
-    // A group of a name such as "pixel_mask" holds it as "data".
+    // A group with a name such as "pixel_mask" holds it as "data".
     return std::ranges::any_of(Groups, within(lower)) || std::ranges::any_of(Names, within(name)) ||
            std::ranges::any_of(Fields, atEnd(group));
 }
@@ -130,7 +130,7 @@ bool GroupBrowser::isLost(const std::string& path) const
     } catch (const MNoFileAccessException&) {
         return true;
     } catch (const MException&) {
-        // What is there may be damaged, or go in a circle.
+        // The target may be damaged, or the links go in a circle.
     }
     return false;
 }

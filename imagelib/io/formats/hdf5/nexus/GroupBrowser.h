@@ -17,10 +17,10 @@ struct GroupLink {
     H5L_type_t type;
 };
 
-/// The links of a group by name, at most so many of them.
+/// The links of a group by name, at most a given number of them.
 std::vector<GroupLink> linksOf(hid_t group, std::size_t most);
 
-/// What a data set is by its extents and elements.
+/// The kind of a data set, judged by its extents and elements.
 enum class ArrayKind {
     None,   ///< no numbers, or fewer than two or more than four extents
     Table,  ///< frames that are narrower than 16 pixels one way: spectra, positions, matrices
@@ -28,11 +28,11 @@ enum class ArrayKind {
 };
 ArrayKind arrayKind(hid_t dataset);
 
-/// Is what lies at a path made for images but none itself: a mask, a flat or dark field, a table of
-/// corrections, or anything among a detector's settings?
+/// True if a path names something made for images but not an image: a mask, a flat or dark field, a
+/// table of corrections, or anything among a detector's settings.
 bool isAuxiliary(const std::string& path);
 
-/// A file seen by paths; "" is the root. A link that leads nowhere is like none but to isDead().
+/// A file seen by paths; "" is the root. Only isDead() tells a dead link from a missing one.
 /// Thread: callers take turns.
 class GroupBrowser {
 public:
@@ -48,11 +48,11 @@ public:
 
     std::optional<OpenedObject> find(const std::string& path) const;
     std::optional<OpenedObject> findGroup(const std::string& path) const;
-    /// Is there a link that leads nowhere, on the way or at its end?
+    /// True if there is a dead link on the way or at the end.
     bool isDead(const std::string& path) const;
-    /// Is there a link that leads to a file which is not there?
+    /// True if a link leads to a file that doesn't exist.
     bool isLost(const std::string& path) const;
-    /// A text attribute of a group; empty when there is none. Of several texts the first.
+    /// A text attribute of a group; empty if there isn't one. Of several texts the first.
     std::string attribute(const std::string& path, const char* name) const;
     std::string classOf(const std::string& path) const { return attribute(path, "NX_class"); }
     /// Names of the links of a group.

@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::size_t MostDetectors = 100;
 
-/// What tells one data set from all others, however it is reached: its file and its address there,
+/// The identity of a data set, however it is reached: its file and its address there,
 /// or the place that its dead link names.
 std::string identityOf(const GroupBrowser& browser, const std::string& path)
 {

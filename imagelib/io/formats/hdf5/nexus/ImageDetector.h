@@ -11,8 +11,8 @@
 namespace morvend::imglib::hdf5 {
 
 /// The group of the detector whose data set an image is, by path, by link, or by the attribute
-/// `target` that NeXus gives to a data set with several names. Empty when none is known to be.
-/// @param entry  path of the entry whose detectors are asked
+/// `target` that NeXus gives to a data set with several names. Empty if unknown.
+/// @param entry  path of the entry whose detectors are searched
 /// @param image  path of the data set, or of the first of its blocks
 std::string detectorOf(OpenFiles& files, const Hdf5FilePtr& file, const std::string& entry,
                        const std::string& image);

@@ -11,14 +11,14 @@
 
 namespace morvend::imglib::hdf5 {
 
-/// The mask of a frame, and what has to be said about it.
+/// The mask of a frame, and a remark about it.
 struct Mask {
-    MImage image;          ///< of 32-bit unsigned pixels; empty when there is none that fits
+    MImage image;          ///< of 32-bit unsigned pixels; empty if none fits
     bool ofFrame = false;  ///< another frame may have another mask
-    std::string remark;    ///< what was left out, and why; empty when nothing was
+    std::string remark;    ///< what was left out, and why; empty if nothing was
 };
 
-/// What a mask belongs to.
+/// The frame that a mask belongs to.
 struct MaskedFrame {
     int width = 0;
     int height = 0;

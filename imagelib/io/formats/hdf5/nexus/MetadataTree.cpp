@@ -85,7 +85,7 @@ private:
             else
                 found = _files.find(parent.file, _below(parent.path, link.name));
         } catch (const MException&) {
-            return;  // a dead link among the metadata costs its value alone
+            return;  // a dead link among the metadata costs only its value
         }
         if (!found || !found->object) {
             takeErrorText();
@@ -102,7 +102,7 @@ private:
         return path == "/" ? path + name : path + "/" + name;
     }
 
-    /// Notes a group on the way down; false when the way has come to it before, in a circle.
+    /// Notes a group on the way down; false when the walk has been there before, in a circle.
     bool _entered(const OpenedObject& found, std::size_t level)
     {
         H5O_info_t info = {};
@@ -140,7 +140,7 @@ private:
         }
     }
 
-    /// Images and masks have no place in the tree, however small they are.
+    /// Images and masks don't belong in the tree, however small they are.
     static bool _isImage(const std::string& path, const std::vector<hsize_t>& shape)
     {
         const std::string name = path.substr(path.rfind('/') + 1);
@@ -149,7 +149,7 @@ private:
     }
 
     /// The library follows virtual data sets that refer to each other until its stack is full, and
-    /// waits for ever where the bytes of a data set lie in a pipe.
+    /// waits for ever if the bytes of a data set are in a pipe.
     static bool _liesElsewhere(hid_t dataset)
     {
         const Properties creation(H5Dget_create_plist(dataset));

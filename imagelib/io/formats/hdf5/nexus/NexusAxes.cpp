@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Following of chains, and what their axes say.
+// Follows chains and reads their axes.
 #include "imagelib/io/formats/hdf5/nexus/NexusAxes.h"
 
 #include <algorithm>
@@ -83,7 +83,7 @@ std::optional<double> NexusAxes::_width(const Axis& axis, std::size_t frame) con
         const std::vector<double> ends = numbersOf(end->value);
         const std::string units = textAttribute(*end, "units");
         const double endFactor = unitFactor(Quantity::Angle, units).value_or(factor);
-        // One end for all images is that of the scan.
+        // A single end for all images is that of the scan.
         if (ends.size() == values.size())
             return endFactor * *ofFrame(ends, frame) - factor * *ofFrame(values, frame);
     }
@@ -139,7 +139,7 @@ std::optional<Rotation> NexusAxes::rotation(const std::string& entry, std::size_
         return std::nullopt;
     const std::vector<double> values = numbersOf(axis->node->value);
     Rotation rotation{_toDegrees(*axis->node) * *ofFrame(values, frame), _width(*axis, frame)};
-    // A start angle alone: the axis goes on turning by its width.
+    // A start angle alone: the axis keeps turning by its width.
     if (values.size() == 1)
         rotation.start += rotation.step.value_or(0) * static_cast<double>(frame);
     return rotation;

@@ -15,18 +15,18 @@ struct Rotation {
 };
 
 /// Reads the chains that `depends_on` values form. Chains end at ".", at a missing axis and at 100
-/// axes, so that none is endless.
+/// axes, so that all end.
 class NexusAxes {
 public:
     explicit NexusAxes(const NexusValues& values)
         : _values(values)
     {}
 
-    /// Of the rotations of the sample's chain, then of its goniometer and of others by their usual
-    /// names, the first that has different values for all images, else different values at all,
-    /// else a width; else omega or the first of them.
+    /// Among the rotations of the sample's chain, then of its goniometer, then of others by their
+    /// usual names, the first that has different values for all images, else different values at
+    /// all, else a width; else omega or the first of them.
     /// The width is end less value, or the increment, or the median difference of the values.
-    /// @param frames  images of the series, 0 when that is not known
+    /// @param frames  images of the series, 0 if unknown
     std::optional<Rotation> rotation(const std::string& entry, std::size_t frame,
                                      std::size_t frames) const;
 
@@ -43,7 +43,7 @@ private:
     static bool _isRotation(const Axis& axis);
     static double _toDegrees(const nexus::Node& node);
     std::optional<double> _width(const Axis& axis, std::size_t frame) const;
-    /// The axes of a group, whose path ends in a slash, that have the usual names.
+    /// The axes of a group, whose path ends in a slash, with the usual names.
     std::vector<Axis> _named(const std::string& group) const;
     /// All rotations of the sample, the likeliest first.
     std::vector<Axis> _rotations(const std::string& entry) const;

@@ -129,7 +129,7 @@ MBasicImageOptionalData<> NexusHeader::of(std::size_t frame) const
         header.set_rotation_angle_step(toFloat(rotation->step));
     }
     header.set_rawHeader(_common.rawHeader());
-    // Comes last: setting the wavelength changes the tree, which is to be the file's own.
+    // Comes last: setting the wavelength changes the tree, which should stay as in the file.
     header.shareNexusTree(_common);
     return header;
 }
@@ -202,7 +202,7 @@ void NexusHeader::_readGeometry(MBasicImageOptionalData<>& header) const
         const std::string unit = textAttribute(*node, "units");
         if (unit.empty() || unitFactor(Quantity::Pixels, unit))
             return toFloat(value);
-        // Of a length without pixel size, or in an unknown unit, nobody knows the pixel.
+        // A length without pixel size, or in an unknown unit, can't be turned into pixels.
         const auto length = unitFactor(Quantity::Length, unit);
         return length && pixel && *pixel > 0 ? toFloat(value * *length / *pixel) : boost::none;
     };

@@ -17,13 +17,13 @@ namespace morvend::imglib::hdf5 {
 class NexusHeader {
 public:
     /// @param entry  path of the entry group, such as "/entry"; "" for the root
-    /// @param detector  of several detectors the path of the one whose images these are: the values
-    /// of the others are none of theirs; empty when it is not known, and the first value counts
+    /// @param detector  among several detectors the path of the one that took these images: the
+    /// values of the others don't apply; empty if unknown: then the first value counts
     NexusHeader(nexus::MBasicNeXusTree tree, std::string entry, const std::string& detector = {});
 
-    /// Images that the metadata announce, over all triggers; 0 when they don't.
+    /// Images that the metadata announce, over all triggers; 0 if they don't.
     std::size_t plannedImages() const;
-    /// Paths where a pixel mask may lie, the likeliest first: in the detectors of the entry.
+    /// Paths where a pixel mask may be, the likeliest first: in the detectors of the entry.
     std::vector<std::string> maskPaths() const;
 
     /// Sets the number of images of the series, which the tree of every header carries as

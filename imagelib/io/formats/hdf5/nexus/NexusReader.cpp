@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// The test for the signature, and a series as a whole: finding of the master, reading of header and
-// mask, watching of growing series.
+// The test for the signature, and a series as a whole: finds the master, reads header and
+// mask, follows growing series.
 #include "imagelib/io/formats/hdf5/nexus/NexusReader.h"
 
 #include "imagelib/image/MException.h"
@@ -29,14 +29,14 @@ namespace {
 class NexusSeries final : public ImageFile {
 public:
     /// @throws MException when the file can't be read, holds no images or no frame yet
-    /// @param dataset  what of the file is to be shown: a data set or a group by its path; empty
-    /// for what the series shows by itself. With one, the file stands for itself, whatever its name
+    /// @param dataset  the part of the file to show: a data set or a group by its path; empty
+    /// for what the series shows by itself. With one, the file is taken alone, whatever its name
     NexusSeries(const std::string& path, const std::string& dataset);
 
     const char* format() const override { return "HDF5"; }
     std::size_t frameCount() const override { return _state->blocks.frames(); }
-    /// A frame with its header and mask. Where a mask is left out, the raw header begins with a
-    /// line that says so, and standard error gets it once.
+    /// A frame with its header and mask. If a mask is left out, the raw header begins with a
+    /// line that says so, and standard error reports it once.
     MImage frame(std::size_t position) const override;
     std::string framePath(std::size_t position) const override
     {
@@ -46,11 +46,11 @@ public:
     std::string dataset() const override { return _state->dataset; }
     std::size_t openedFrame() const override { return _openedFrame; }
     int firstNumber() const override { return 1; }
-    /// What was known stays when a file is found in the middle of a write.
+    /// If a file is found in the middle of a write, the known state stays.
     void update() override;
 
 private:
-    /// All that was learnt from the files at one time.
+    /// All that is known from the files at one time.
     struct State {
         std::string source;   // the file of links and header: the master, if there is one
         std::string dataset;  // empty for what the file shows by itself
@@ -66,14 +66,14 @@ private:
     bool _isOwnChoice(const Hdf5FilePtr& file, const ImageLinks& images);
     void _updateState();
     std::vector<std::string> _maskPaths() const;
-    /// Adds the mask of an image, and what is to be said about it, to its header.
+    /// Adds the mask of an image, and the remark about it, to its header.
     void _addMask(MBasicImageOptionalData<>& header, const MImage& image,
                   std::size_t position) const;
 
     std::string _path;
     std::string _dataset;
     std::size_t _openedFrame = 0;
-    // Reading opens files and counts blocks: the state behind the constant interface changes.
+    // Reading opens files and counts blocks: so the state changes behind a const interface.
     mutable OpenFiles _files;
     mutable OpenFrameSets _sets{_files};
     mutable std::optional<State> _state;
@@ -109,7 +109,7 @@ bool NexusSeries::_openMaster(const std::string& path)
             return frameCount() > 0;
         }
     } catch (const MException&) {
-        // A master that can't be read, or knows nothing of this file, leaves the data files.
+        // A master that can't be read, or knows nothing of this file, leaves only the data files.
     }
     _state.reset();
     return false;
@@ -133,7 +133,7 @@ bool NexusSeries::_isOwnChoice(const Hdf5FilePtr& file, const ImageLinks& images
     try {
         return _dataset.empty() || findImages(_files, file).blocks == images.blocks;
     } catch (const MException&) {
-        return false;  // it shows none by itself
+        return false;  // by itself it shows none
     }
 }
 
@@ -173,7 +173,7 @@ void NexusSeries::_addMask(MBasicImageOptionalData<>& header, const MImage& imag
     if (!_mask || _mask->ofFrame) {
         Mask mask = readMask(_sets, _state->source, _maskPaths(),
                              {image.width(), image.height(), position, frameCount()});
-        // An unchanged mask keeps its identity, by which others know that they know it.
+        // An unchanged mask keeps its identity, by which others recognise it.
         if (_lastMask.empty() || !samePixels(mask.image, _lastMask))
             _lastMask = mask.image;
         if (!mask.remark.empty() && mask.remark != _remark)
@@ -190,7 +190,7 @@ void NexusSeries::_addMask(MBasicImageOptionalData<>& header, const MImage& imag
 
 std::vector<std::string> NexusSeries::_maskPaths() const
 {
-    // A mask that is looked at must not hide what it is made of.
+    // When the mask itself is shown, no mask may hide it.
     std::vector<std::string> paths = _state->header.maskPaths();
     return std::ranges::find(paths, _dataset) == paths.end() ? paths : std::vector<std::string>();
 }
@@ -204,7 +204,7 @@ void NexusSeries::update()
     try {
         _updateState();
     } catch (const MException&) {
-        // In the middle of a write a file reads badly; the next look will find it whole.
+        // In the middle of a write a file may be unreadable; the next look will find it whole.
     }
 }
 

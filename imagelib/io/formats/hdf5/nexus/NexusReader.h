@@ -19,12 +19,12 @@ bool isHdf5(const ByteSource& source);
 /// Opens an HDF5 file with the whole series that it belongs to. Frames are numbered from 1.
 ///
 /// @returns null when the file has no HDF5 signature
-/// @throws MException when the file is damaged, holds no images, no frame yet, or is compressed as
-/// a whole. Once opened, a block that is missing or damaged fails its own frames alone.
+/// @throws MException if the file is damaged, holds no images, no frame yet, or is compressed as
+/// a whole. Once opened, a block that is missing or damaged fails only its own frames.
 std::unique_ptr<ImageFile> openHdf5(std::shared_ptr<const ByteSource> source);
 
 /// Opens one data set of a file, or the images of one group, by its path; an empty path as above.
-/// @throws MException also when there is nothing of that path, or it can't be shown as images
+/// @throws MException also if nothing has that path, or it can't be shown as images
 std::unique_ptr<ImageFile> openHdf5At(std::shared_ptr<const ByteSource> source,
                                       const std::string& dataset);
 

@@ -38,12 +38,12 @@ using Paths = std::vector<std::string>;
 std::vector<double> numbersOf(const nexus::Value& value);
 /// The text of a value: a string, the first of several, or a number printed; empty for a group.
 std::string textOf(const nexus::Value& value);
-/// An attribute as text or as numbers; empty when there is none.
+/// An attribute as text or as numbers; empty if it doesn't exist.
 std::string textAttribute(const nexus::Node& node, const std::string& name);
 std::vector<double> numbersAttribute(const nexus::Node& node, const std::string& name);
 
 /// Which element of a value belongs to a frame: its own if there is one for each frame, else the
-/// first. Nothing for no elements.
+/// first. Nothing if there are no elements.
 std::optional<double> ofFrame(const std::vector<double>& values, std::size_t frame);
 
 /// A tree with look-ups. The tree must outlive it.
@@ -54,15 +54,15 @@ public:
     {}
 
     const nexus::MBasicNeXusTree& tree() const { return _tree; }
-    /// The first of the paths that holds numbers; null when none does.
+    /// The first of the paths that holds numbers; null if there isn't one.
     const nexus::Node* firstNumbers(const Paths& paths) const;
 
-    /// The number of a frame at the first of the paths that has one, as it stands.
+    /// The number of a frame at the first of the paths that has one, as stored.
     std::optional<double> number(const Paths& paths, std::size_t frame = 0) const;
-    /// The same in the unit of the header. Without a known unit the value is taken to be in it.
+    /// The same in the unit of the header. Without a known unit the value is assumed to be in it.
     std::optional<double> quantity(Quantity quantity, const Paths& paths,
                                    std::size_t frame = 0) const;
-    /// A small length, whose unit is told from its magnitude when none is given.
+    /// A small length, whose unit, if not given, is guessed from its magnitude.
     std::optional<double> smallLength(const Paths& paths) const;
     /// The first text that is not empty.
     std::optional<std::string> text(const Paths& paths) const;

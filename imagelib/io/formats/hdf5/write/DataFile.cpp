@@ -128,7 +128,7 @@ void DataFile::append(std::span<const std::byte> pixels)
     const hsize_t at[] = {_frames, 0, 0};
     if (H5Dwrite_chunk(_data.id(), H5P_DEFAULT, 0, at, pixels.size(), pixels.data()) < 0) {
         const std::string reason = takeErrorText();
-        setFrames(_frames);  // as far as possible: no frame that isn't there
+        setFrames(_frames);  // as far as possible: the file must not claim frames that it lacks
         throw MRuntimeException("HDF5: cannot write image " +
                                 std::to_string(_firstNumber + _frames) + " (" + reason +
                                 "): " + _file.path());

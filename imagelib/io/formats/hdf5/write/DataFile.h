@@ -13,7 +13,7 @@
 namespace morvend::imglib::hdf5 {
 
 /// The HDF5 type of a pixel type; one of the library's own, not to be closed.
-/// @throws MNotImplementedException for a pair that is no pixel type
+/// @throws MNotImplementedException for a pair that isn't a pixel type
 hid_t fileType(datatypes::Type type, std::size_t bits);
 
 /// Writes /entry/data/data. Errors: MExceptions naming the file. Thread: one at a time.

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Where each header field stands in an NXmx file.
+// The place of each header field in an NXmx file.
 #include "imagelib/io/formats/hdf5/write/HeaderTree.h"
 
 #include <charconv>

@@ -39,7 +39,7 @@ std::string dataPath(const std::string& master, std::size_t number)
     return stem + text + (hasExtension ? master.substr(dot) : ".h5");
 }
 
-/// A whole number of the tree; 0 when it is absent or no size.
+/// A whole number of the tree; 0 if it is absent or not a size.
 int sizeInTree(const nexus::MBasicNeXusTree& tree, const std::string& path)
 {
     const nexus::Node* node = tree.find(path);
@@ -51,7 +51,7 @@ int sizeInTree(const nexus::MBasicNeXusTree& tree, const std::string& path)
     return value >= 1 && value <= std::numeric_limits<int>::max() ? static_cast<int>(value) : 0;
 }
 
-/// Takes out of a tree what the writer writes itself: image data, mask, angles of frames.
+/// Removes from a tree what the writer writes itself: image data, mask, angles of frames.
 nexus::MBasicNeXusTree withoutImages(const nexus::MBasicNeXusTree& tree)
 {
     nexus::MBasicNeXusTree rest;
@@ -86,7 +86,7 @@ NexusWriter::~NexusWriter()
     try {
         flush();
     } catch (const MException&) {
-        // A destructor can't tell; the files stay as the last flush left them.
+        // A destructor can't report; the files stay as the last flush left them.
     }
 }
 
@@ -191,7 +191,7 @@ void NexusWriter::_writeMask(const MImage& mask)
 
 void NexusWriter::_writeAngles()
 {
-    // Where no frame has an angle there is no axis; where only some have, the others stay NaN.
+    // If no frame has an angle there is no axis; if only some have one, the others stay NaN.
     const bool known =
         std::any_of(_angles.begin(), _angles.end(), [](double a) { return !std::isnan(a); });
     if (!known || _anglesWritten == _angles.size())

@@ -23,9 +23,9 @@ class PendingFile;
 /// /entry/data/data_000001 and so on to /entry/data/data of the data files, which have the master's
 /// name without "_master" and with "_data_000001" and the same extension. Numbers begin with 1.
 ///
-/// The header of the first image, laid over the tree that the constructor took, describes the
+/// The header of the first image, merged into the tree given to the constructor, describes the
 /// series; the rotation angle is kept for each frame. Nothing appears under the final names before
-/// the first frame stands in its data file; without any frame nothing remains.
+/// the first frame is in its data file; without any frame nothing remains.
 /// Errors: MExceptions naming the file. Thread: one at a time.
 class NexusWriter {
 public:
@@ -36,7 +36,8 @@ public:
 
     /// @throws MNoFileAccessException when the file can't be created
     NexusWriter(const std::string& path, nexus::MBasicNeXusTree tree, const Options& options);
-    /// Publishes what was written. Errors stay silent here: call flush() first to learn of them.
+    /// Publishes what was written. Errors are not reported here: call flush() first to learn of
+    /// them.
     ~NexusWriter();
     NexusWriter(const NexusWriter&) = delete;
     NexusWriter& operator=(const NexusWriter&) = delete;

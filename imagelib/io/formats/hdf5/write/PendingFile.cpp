@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Creation under a temporary name, renaming while the file is open.
+// Creates under a temporary name, renames while the file is open.
 #include "imagelib/io/formats/hdf5/write/PendingFile.h"
 
 #include "imagelib/image/MException.h"

@@ -14,7 +14,7 @@ namespace {
 
 using nexus::Value;
 
-/// An attribute holds no 64 KiB, but a text of variable length lies outside of it.
+/// An attribute holds less than 64 KiB, but a text of variable length is stored outside it.
 constexpr std::size_t LongestFixedText = 32 << 10;
 
 template <class T>
@@ -48,7 +48,7 @@ Dataspace scalar(const std::string& path)
 /// Receives type, shape and bytes of one value.
 using Store = std::function<void(hid_t type, hid_t space, const void* bytes)>;
 
-/// Hands a value to `store`; false for a group, which has none.
+/// Hands a value to `store`; false for a group, which has no value.
 bool withValue(const Value& value, const std::string& path, const Store& store)
 {
     return std::visit(
@@ -77,7 +77,7 @@ bool withValue(const Value& value, const std::string& path, const Store& store)
 
 bool isGroup(const nexus::Node& node) { return std::holds_alternative<std::monostate>(node.value); }
 
-/// Does a node above this one hold a value?
+/// True if a node above this one holds a value.
 bool belowValue(const nexus::MBasicNeXusTree& tree, const std::string& name)
 {
     for (std::size_t slash = name.find('/', 1); slash != std::string::npos;

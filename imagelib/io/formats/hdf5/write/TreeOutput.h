@@ -21,7 +21,7 @@ public:
     TreeOutput(hid_t file, std::string path);
 
     /// Writes every node: groups with their attributes, values as data sets. A node below a value
-    /// can't exist in a file and is left out, so are paths that don't begin with '/'.
+    /// can't exist in a file and is left out, as are paths that don't begin with '/'.
     void write(const nexus::MBasicNeXusTree& tree);
     /// Makes a group with all groups above it, unless it exists.
     void group(const std::string& name);

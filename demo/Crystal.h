@@ -15,7 +15,7 @@ constexpr double Wavelength = 1.0;   // Angstrom
 constexpr double StartAngle = 30.0;  // degrees, first frame
 constexpr double AngleStep = 0.5;    // degrees a frame
 
-/// One reflection that passes through the Ewald sphere during the series.
+/// A reflection that passes through the Ewald sphere during the series.
 struct Reflection {
     double x, y;       ///< place on the detector, pixels
     double frame;      ///< when it fulfils the Bragg condition, in frames from the start

@@ -20,7 +20,7 @@ struct DemoOptions {
 
 extern const char* const Usage;
 
-/// Reads the arguments behind the program's name.
+/// Reads the arguments after the program's name.
 /// @throws MBadParameterException with what is wrong with them
 DemoOptions parseOptions(const std::vector<std::string>& arguments);
 

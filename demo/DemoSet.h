@@ -24,7 +24,7 @@ struct SeriesPlan {
 const char* folderOf(Format format);
 
 /// Writes a series in each of its formats; the same seed gives the same files, byte for byte.
-/// `progress` is called after each frame with the number done. Files that exist are replaced.
+/// `progress` is called after each frame with the number done. Existing files are replaced.
 /// @throws MException naming the file that can't be written
 void writeSeries(const std::string& directory, const SeriesPlan& plan, std::uint64_t seed,
                  const std::function<void(int)>& progress);

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// The detector of the demo data: modules with gaps between them, and pixels that don't work.
+// The detector of the demo data: modules with gaps between them, and defective pixels.
 #pragma once
 
 #include "imagelib/image/MImage.h"
@@ -12,7 +12,7 @@
 
 namespace tarvik::demo {
 
-/// A flat panel square to the beam. Positions in pixels, lengths in metres.
+/// A flat panel perpendicular to the beam. Positions in pixels, lengths in metres.
 struct Detector {
     std::string name;  ///< short, for folders: "1m"
     int modulesX = 2, modulesY = 4;
@@ -37,7 +37,7 @@ constexpr int CountCutoff = 60000;
 /// Meaning of a pixel, as the bits of a NeXus pixel mask.
 enum MaskBit : unsigned { Gap = 1, Dead = 2, Noisy = 16 };
 
-/// The mask of a detector, and the pixels that are hot without anybody having noticed.
+/// The mask of a detector, and the hot pixels that it doesn't mark.
 struct Defects {
     morvend::imglib::MImage mask;  ///< unsigned int, bits of MaskBit
     std::vector<std::size_t> unnoticedHot;

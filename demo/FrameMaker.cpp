@@ -33,7 +33,7 @@ double meanAt(double radius, const Detector& detector)
     const double air = radius / (0.12 * detector.distance);
     const double ring = (radius - ringRadius(detector)) / RingWidth;
     const double solvent = (radius - 0.3 * detector.distance) / (0.12 * detector.distance);
-    // The beam stop keeps the direct beam and what is near to it away.
+    // The beam stop blocks the direct beam and what is near it.
     const double stop = radius < 0.02 * detector.distance ? 0.02 : 1.0;
     return stop * (0.1 + 4 / (1 + air * air) + 1.2 / (1 + solvent * solvent) +
                    3 / (1 + ring * ring * ring * ring));

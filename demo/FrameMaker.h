@@ -21,7 +21,7 @@ public:
 
     int frames() const { return _frames; }
     const Detector& detector() const { return _detector; }
-    /// Frame `frame`, from 0, as a detector streams it: unsigned int with 2^32-1 in gaps, 2^32-2 in
+    /// Frame `frame`, from 0, as a detector sends it: unsigned int with 2^32-1 in gaps, 2^32-2 in
     /// dead pixels, and a header with the pixel mask.
     morvend::imglib::MImage make(int frame) const;
     /// The same frame as formats without a mask hold it: int with -1 in gaps, -2 in pixels that the

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Only sums, products and square roots, which every machine rounds alike: no library functions.
+// Only sums, products and square roots, which all machines round alike: no library functions.
 #include "demo/Random.h"
 
 #include <algorithm>

@@ -48,7 +48,7 @@ public:
     static constexpr double MostMean = 16.0;
 
     PoissonTable();
-    /// The index of the table for a mean from 0 to MostMean; larger ones are held there.
+    /// The index of the table for a mean from 0 to MostMean; larger means use the last table.
     static std::size_t indexOf(double mean);
     /// A count for a random 32-bit number.
     std::uint32_t count(std::size_t index, std::uint32_t random) const

@@ -35,7 +35,7 @@ int main(int argc, char** argv)
     try {
         options = tarvik::demo::parseOptions({argv + 1, argv + argc});
     } catch (const morvend::MBadParameterException& failure) {
-        // The usage first: the reason stays in sight.
+        // The usage comes first, so that the reason stays in sight.
         std::fprintf(stderr, "%s\ntarvik-demo-data: %s\n", tarvik::demo::Usage, failure.what());
         return 2;
     }

@@ -2,13 +2,13 @@
 # SPDX-FileCopyrightText: 2026 the TARVIK authors
 # SPDX-License-Identifier: MIT
 #
-# build.sh [TARGET...]: builds targets of the ci preset, everything without any, and configures first
-# where that is due. Says nothing when nothing is to be done.
+# build.sh [TARGET...]: builds targets of the ci preset, all of them by default, and configures
+# first if needed. Silent when there is nothing to do.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 build=build/ci
 
-# What CMakeLists.txt files say is followed by the build itself.
+# The build itself notices changed CMakeLists.txt files.
 if [ -n "$(find CMakePresets.json packaging/debian-packages.txt -cnewer $build/build.ninja 2>&1)" ]; then
     tools/quietly.sh build/configure.log "Configuring (log: build/configure.log) ..." cmake --preset ci
 fi

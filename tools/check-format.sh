@@ -3,7 +3,7 @@
 # SPDX-License-Identifier: MIT
 #
 # Fails when a C++ file is not formatted by the project's .clang-format. With --fix it formats them.
-# Files that have not changed since they last passed are not read again.
+# Files unchanged since they last passed are skipped.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 folders=(imagelib src demo tests bench)
@@ -17,7 +17,7 @@ passed=build/check-format.passed
 changed=()
 { clang-format --version && files | sort -z | tr '\0' '\n'; } >$passed.new
 # The time of the last change of an inode, unlike that of its content, can't be set back; but files
-# in a folder that was moved here keep theirs, so that all are read when there are other names.
+# in a folder that was moved here keep theirs, so all are read when names have changed.
 if cmp -s $passed $passed.new && rules=$(find .clang-format tools/check-format.sh -cnewer $passed) &&
     [ -z "$rules" ]; then
     changed=(-cnewer $passed)

@@ -94,7 +94,7 @@ ARROWS = {
 }
 
 # What outsiders may include of a room, by names without ending. A room that is not named here is a
-# box of tools or values: any of its headers may be included from above.
+# toolbox: any of its headers may be included from above.
 DOORS = {
     "display": "MDrawingList MColorTable MContrast MColorMap ColorMapper DisplayValue TransferLevels",
     "ipc": "MMessageQueue MessageChannel SegmentPool",

@@ -3,9 +3,10 @@
 # SPDX-License-Identifier: MIT
 #
 # check-tidy.sh [--all | FILE.cpp...]: clang-tidy on the product's sources that differ from the
-# upstream branch, or from the last commit but one where nothing does; a header is looked at with the
-# source of its name. Needs a configured and built build/ci. A file that passed is not read again until
-# it changes. Without --all or files it stops after TARVIK_TIDY_SECONDS (90) and says what is left.
+# upstream branch, or from the last commit but one if none does; a header is checked with the
+# source of the same name. Needs a configured and built build/ci. A file that passed is not read
+# again until it changes. Without --all or files it stops after TARVIK_TIDY_SECONDS (90) and says
+# what is left.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 limit=${TARVIK_TIDY_SECONDS:-90}
@@ -24,7 +25,7 @@ case ${1:-} in
 *) limit=86400 && files=("$@") ;;
 esac
 
-# Passes when the file and the header of its name do; other headers answer for themselves.
+# Passes when the file and the header of the same name do; other headers are checked on their own.
 look() {
     local file=$1 stamp=build/tidy/$1.passed own
     [ -e "$file" ] && grep -qF "/$file\"" build/ci/compile_commands.json || return 0

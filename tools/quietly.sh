@@ -2,9 +2,9 @@
 # SPDX-FileCopyrightText: 2026 the TARVIK authors
 # SPDX-License-Identifier: MIT
 #
-# quietly.sh LOG HEADLINE COMMAND...: says the headline and runs a command with its output in a file.
-# Meanwhile the latest line of that file is shown with the time that has gone by: on a terminal every
-# second in one line, elsewhere every half a minute. When the command fails, the end of its output
+# quietly.sh LOG HEADLINE COMMAND...: prints the headline and runs a command with its output in a
+# file. Meanwhile the latest line of that file is shown with the elapsed time: on a terminal every
+# second in one line, elsewhere every half minute. When the command fails, the end of its output
 # follows on standard error. The exit code is the command's.
 set -euo pipefail
 [ $# -ge 3 ] || { sed -n '5,8s/^# //p' "$0" >&2; exit 2; }

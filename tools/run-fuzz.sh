@@ -3,7 +3,7 @@
 # SPDX-License-Identifier: MIT
 #
 # Builds the fuzzers and runs each for a time, two at once: tools/run-fuzz.sh SECONDS [target...]
-# What they learn stays in build/fuzz/corpus. Fails on any finding and names the file that shows it.
+# New inputs are kept in build/fuzz/corpus. Fails on any finding and names the file that causes it.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 seconds=${1:?seconds for each target}
@@ -17,12 +17,12 @@ if [ $# -eq 0 ]; then
     for fuzzer in "$build"/bin/fuzz_*; do set -- "$@" "${fuzzer##*/fuzz_}"; done
 fi
 mkdir -p "$build/findings"
-# Files that fuzzers write and read again stay off the disk where that is possible.
+# Files that fuzzers write and read again are kept off the disk if possible.
 memory=/tmp
 [ -w /dev/shm ] && memory=/dev/shm
 
 # The time limit is far above what any file of this size may take; the memory limit is for the sums
-# of blocks, a single one that can't be had is a failure that the readers have to report.
+# of blocks, the readers must report a single block that can't be allocated.
 run() {
     target=$1
     mkdir -p "$build/corpus/$target"

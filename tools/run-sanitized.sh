@@ -10,7 +10,7 @@ shift
 cmake --preset "$preset" >/dev/null
 cmake --build --preset "$preset"
 # Mesa and fontconfig keep what they allocate once; their code and that of Qt, whose thread pool and
-# queued calls synchronise unseen, is not built for the thread
+# queued calls synchronise unnoticed, is not built for the thread
 # sanitizer: both are left out by name.
 export LSAN_OPTIONS=suppressions=$PWD/tools/lsan.supp:print_suppressions=0
 export TSAN_OPTIONS=suppressions=$PWD/tools/tsan.supp:halt_on_error=1

@@ -5,7 +5,7 @@
 # screenshot.sh OUT.png PROGRAM [FILE...]: starts the viewer on a virtual screen of 1200 by 800
 # pixels, waits until it has shown all files (or, without any, some seconds for its window), saves a
 # picture of the screen and ends the program. A file that can't be shown is reported at once, and the
-# exit code is 1; there is a picture all the same where other files are on show.
+# exit code is 1; a picture is still taken if other files are shown.
 set -euo pipefail
 [ $# -ge 2 ] || { sed -n '5,8s/^# //p' "$0" >&2; exit 2; }
 
@@ -27,7 +27,7 @@ files=0
 for argument in "${@:2}"; do
     [ "$argument" = --disableGLSL ] || files=$((files + 1))
 done
-# The program prints one such line for each image that is on show, and one for each that is not.
+# The program prints one such line for each image that is shown, and one for each that is not.
 shown() { grep -c 'TOTAL TIME LOADING IMAGE' "$work/out" || true; }
 failed() { grep -c '^ERROR: ' "$work/err" || true; }
 ready() {
@@ -51,7 +51,7 @@ until ready; do
 done
 
 if [ "$files" -eq 0 ] || [ "$(shown)" -gt 0 ]; then
-    # A last paint may still be under way: two equal pictures in a row tell that it is done.
+    # A last paint may still be under way; two equal pictures in a row show that it is done.
     for _ in $(seq 20); do
         sleep 0.3
         import -window root "$work/new.ppm"

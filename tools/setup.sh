@@ -2,12 +2,13 @@
 # SPDX-FileCopyrightText: 2026 the TARVIK authors
 # SPDX-License-Identifier: MIT
 #
-# Installs exactly the packages of packaging/debian-packages.txt that are missing. Quick when none is.
+# Installs exactly the packages of packaging/debian-packages.txt that are missing. Quick if none is
+# missing.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 wanted=$(sed 's/#.*//; s/[[:space:]]//g; /^$/d' packaging/debian-packages.txt | sort -u)
-# One query for all: it fails when a name is unknown, and still tells of the others.
+# One query for all: it fails when a name is unknown, and still reports the others.
 present=$(xargs dpkg-query -W -f='${db:Status-Status} ${Package}\n' <<<"$wanted" 2>/dev/null || true)
 mapfile -t missing < <(comm -23 <(echo "$wanted") <(sed -n 's/^installed //p' <<<"$present" | sort -u))
 [ ${#missing[@]} -gt 0 ] || exit 0

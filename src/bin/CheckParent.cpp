@@ -16,8 +16,8 @@
 
 namespace {
 
-/// Has the main thread ended? Others of a killed process may take seconds to follow when the
-/// processors are busy and they have the lowest priority, as those of graphics drivers.
+/// True if the main thread has ended. Others of a killed process may take seconds to follow if the
+/// processors are busy and their priority is low, such as those of graphics drivers.
 bool mainThreadEnded(int pid)
 {
     std::ifstream file("/proc/" + std::to_string(pid) + "/stat");
@@ -27,7 +27,7 @@ bool mainThreadEnded(int pid)
     return name != std::string::npos && name + 2 < status.size() && status[name + 2] == 'Z';
 }
 
-/// Has the process ended? One that its own parent has not asked for yet still takes signals.
+/// True if the process has ended. One not yet waited for by its parent still takes signals.
 bool gone(int pid)
 {
     if (kill(pid, 0) != 0 || mainThreadEnded(pid))
@@ -55,8 +55,8 @@ CheckParent::~CheckParent()
 
 void CheckParent::run()
 {
-    // A quit would first ask all windows, and one that must not be closed could refuse. Leaving
-    // again and again is harmless, and needed when the event loop has not begun yet.
+    // quit() would first ask all windows, and one of them could refuse. Calling exit()
+    // repeatedly is harmless, and needed while the event loop has not begun.
     do {
         if (gone(_parentPid))
             QMetaObject::invokeMethod(

@@ -8,7 +8,7 @@
 #include <QThread>
 
 /// Polls for a process every 100 ms and ends the application's event loop when it is gone, whatever
-/// windows are open. Ends by itself only when it is destroyed.
+/// windows are open. Runs until it is destroyed.
 class CheckParent : public QThread {
     Q_OBJECT
 public:

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// The options of the program and their odd corners.
+// The options of the program and their special cases.
 #include "bin/CommandLine.h"
 
 namespace {
@@ -31,8 +31,8 @@ void endWrong(CommandLine& line, const QString& reason)
     line.reason = "tarvik: " + reason.toStdString() + '\n';
 }
 
-/// Takes the value of an option into the command line. The value is not stepped over: callers go
-/// on with it as the next argument, so that in the viewer it is taken for an image file too.
+/// Stores the value of an option. The value is not skipped: callers continue
+/// with it as the next argument, so that the viewer takes it for an image file too.
 void takeValue(CommandLine& line, const QString& option, const QString* value)
 {
     if (!value)
@@ -49,7 +49,7 @@ void takeValue(CommandLine& line, const QString& option, const QString* value)
     line.queueId = *value;
 }
 
-/// An argument that is no option is a file, whatever it looks like.
+/// An argument that is no option is a file, whatever its form.
 void takeFile(CommandLine& line, const QString& argument)
 {
     line.imageFiles.append(argument);

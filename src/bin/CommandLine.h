@@ -17,20 +17,20 @@ struct CommandLine {
     Role role = Role::Viewer;
     /// Message queue of the daemon or the preloader.
     QString queueId;
-    /// To be opened by the viewer, each in a view of its own.
+    /// Files that the viewer opens, each in a view of its own.
     QStringList imageFiles;
-    /// The process ends when this one is gone; none when not positive.
+    /// The process ends when this one has ended; not used unless positive.
     int parentPid = 0;
     bool glslEnabled = true;
 
-    /// Set when the process is to print `text` on standard output, then `reason` on standard error,
+    /// Set if the process must print `text` on standard output, then `reason` on standard error,
     /// and end at once.
     std::optional<int> exitCode;
     std::string text;
-    /// What is wrong with the arguments, in a line; empty when nothing is.
+    /// What is wrong with the arguments, in a line; empty if they are right.
     std::string reason;
-    /// Said on standard error of arguments that look like options and are taken for image files; a
-    /// line each.
+    /// Lines for standard error about arguments that look like options but are taken for image
+    /// files; one for each.
     std::string notes;
 
     /// @param arguments with the program's name first

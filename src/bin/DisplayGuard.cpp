@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// The toolkit has no way to ask for a display without ending the process where there is none; its
-// last words pass through the message handler, though.
+// Without a display the toolkit ends the process, and it offers no way to ask first. Its
+// last message does pass through the message handler.
 #include "bin/DisplayGuard.h"
 
 #include "logic/support/Console.h"
@@ -16,7 +16,7 @@
 
 namespace {
 
-/// A message of the toolkit, with where it came from.
+/// A message of the toolkit, with its origin.
 struct Held {
     QtMsgType type;
     QByteArray category;

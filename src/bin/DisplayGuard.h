@@ -1,13 +1,13 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// What becomes of a start without a display.
+// Reports a start without a display.
 #pragma once
 
-/// While one stands, a toolkit that can't reach a display ends the process with one sentence on
-/// standard error and exit code 1, where by itself it aborts. Make it before the application object
-/// and release it after that was made. What the toolkit said in between comes out at its release.
-/// Thread: GUI; one at a time.
+/// While one exists, a toolkit that can't reach a display ends the process with one sentence on
+/// standard error and exit code 1, instead of aborting. Make it before the application object
+/// and release it after that is made. What the toolkit printed in between is printed at the
+/// release. Thread: GUI; one at a time.
 class DisplayGuard {
 public:
     DisplayGuard();

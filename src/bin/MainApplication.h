@@ -12,7 +12,7 @@ class MainWindow;
 class MainApplication : public QApplication {
     Q_OBJECT
 public:
-    /// Sets the look and the names that the settings hang on.
+    /// Sets the look and the names under which settings are stored.
     MainApplication(int& argc, char** argv);
 
     /// The window that such files are opened in; without one they are ignored.

@@ -22,7 +22,7 @@ void PreloaderThread::run()
             _service = current;
             return !_stop;
         };
-        // Also when run() throws: stop() must not find a service that is gone.
+        // Also when run() throws: stop() must not use a destroyed service.
         const auto withdraw = qScopeGuard([&] { publish(nullptr); });
         if (publish(&service))
             service.run();

@@ -12,14 +12,14 @@
 #include <mutex>
 #include <string>
 
-/// Runs the preloader's service over a queue until it is stopped. Ends the application when the
+/// Runs the preloader's service over a queue until it is stopped. Ends the application if the
 /// queue can't be opened.
 class PreloaderThread : public QThread {
     Q_OBJECT
 public:
     explicit PreloaderThread(std::string queueId);
 
-    /// Lets the service end, so that it takes its traces off the file system. Thread: any.
+    /// Ends the service, which then removes its files. Thread: any.
     void stop();
 
 protected:

@@ -26,8 +26,8 @@
 
 namespace {
 
-/// Ends the process where a job was left behind or waits for a thread, such as one that closes the
-/// files of a view: it would meet the end of static objects.
+/// Ends the process at once if a job was left behind or waits for a thread, such as one that closes
+/// the files of a view: it would outlive static objects.
 int leave(int result)
 {
     const WorkerPool::Usage usage = WorkerPool::process().usage();
@@ -37,7 +37,7 @@ int leave(int result)
     std::_Exit(result);
 }
 
-/// Do the arguments ask for no more than a text, or are they wrong? Prints what is to be said.
+/// True if the arguments only ask for a text or are wrong; prints that text.
 bool endsAtOnce(const CommandLine& line)
 {
     if (!line.exitCode)
@@ -100,7 +100,7 @@ int runPreloader(int argc, char** argv, const CommandLine& line)
     thread.start();
     const int result = QCoreApplication::exec();
     thread.stop();
-    // A file system that doesn't answer must not keep the process.
+    // A file system that doesn't answer must not keep the process alive.
     if (!thread.wait(200))
         std::_Exit(result);
     return result;
@@ -110,11 +110,11 @@ int runPreloader(int argc, char** argv, const CommandLine& line)
 
 int main(int argc, char** argv)
 {
-    // Texts and wrong options need no display, hence a first look before the application exists.
+    // Texts and wrong options need no display, so they are checked before the application exists.
     const auto raw = CommandLine::parse(rawArguments(argc, argv), TARVIK_VERSION);
     if (endsAtOnce(raw))
         return *raw.exitCode;
-    // A reader of the printed lines, or a peer, that goes must not take the viewer along.
+    // The viewer must survive the end of a peer or of a reader of its output.
     std::signal(SIGPIPE, SIG_IGN);
     if (raw.role == CommandLine::Role::Preloader)
         return runPreloader(argc, argv, raw);
@@ -128,7 +128,7 @@ int main(int argc, char** argv)
     if (endsAtOnce(line))
         return *line.exitCode;
     const auto checkParent = watchParent(line);
-    // Not in the preloader, which reads in place: it is a process apart already.
+    // Not in the preloader, which reads in place: it is a separate process already.
     morvend::imglib::FormatRegistry::readHdf5OutOfProcess(true);
     switch (line.role) {
     case CommandLine::Role::Viewer:
@@ -136,7 +136,7 @@ int main(int argc, char** argv)
     case CommandLine::Role::Daemon:
         return leave(runDaemon());
     case CommandLine::Role::Preloader:
-        break;  // ran above
+        break;  // has run above
     }
     assert(!"one of the three roles");
     return 1;

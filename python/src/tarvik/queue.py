@@ -121,7 +121,7 @@ class _IncomingArrays:
             file = self.segments.get(number)
         if file is None:
             raise wire.WireError("pixels in a segment that was never sent")
-        # One mapping a message: its end, with the last view of it, is the return of the lease.
+        # One mapping per message: when its last view ends, the lease is returned.
         memory = _map(file, mmap.ACCESS_READ)
         if kind == wire.SEGMENT:
             weakref.finalize(memory, self._give_back, number)
@@ -166,7 +166,7 @@ class _Connection:
         self.socket = connection
         self.buffer = bytearray()
         self.arrays = _IncomingArrays()
-        self.pending = []  # descriptors that no frame has claimed yet
+        self.pending = []  # descriptors not yet claimed by a frame
         self.sent = self.taken = 0
         self.name = name
         self.socket.setblocking(True)
@@ -275,13 +275,13 @@ class MessageQueue:
             try:
                 connection, accepted = self._meet(deadline)
                 candidate = _Connection(connection, self.name)
-                # Who connects and says nothing holds up others no longer than this.
+                # A silent connection holds up others no longer than this.
                 patience = time.monotonic() + HELLO_TIME if accepted else None
                 candidate.greet(min((each for each in (deadline, patience) if each is not None),
                                     default=None))
                 self._connection, candidate = candidate, None
             except PeerGone:
-                pass  # the usual end of the one who waited behind another
+                pass  # the usual end of a peer that waited in the backlog
             except TimeoutError:
                 if deadline is not None and time.monotonic() >= deadline:
                     raise
@@ -314,7 +314,7 @@ class MessageQueue:
             except PermissionError:
                 connection.close()
                 raise
-            # A moment in the life of its holder, or so many wait that there is no room.
+            # Its holder is starting or ending, or the backlog is full.
             except (ConnectionRefusedError, BlockingIOError):
                 connection.close()
                 if deadline is not None and time.monotonic() > deadline:

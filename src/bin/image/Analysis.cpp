@@ -52,7 +52,7 @@ private:
     template <class T>
     static std::string textOf(const std::vector<T>& values)
     {
-        // Points of a curve stand below one another, all else in a row.
+        // Points of a curve are on lines of their own, all else in a row.
         constexpr bool Points = !std::is_same_v<T, double> && !std::is_same_v<T, int> &&
                                 !std::is_same_v<T, std::string>;
         std::string text;

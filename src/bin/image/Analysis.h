@@ -11,13 +11,13 @@
 
 namespace tarvik::tool {
 
-/// Analyses an image under its mask, or under none when it has none of its size.
+/// Analyses an image under its mask, or without one if it has none of its size.
 class Analysis {
 public:
-    /// @throws MException when the image can't be read
+    /// @throws MException if the image can't be read
     explicit Analysis(Arguments arguments);
 
-    /// Writes what the command asks for: one JSON object on one line, or a text.
+    /// Writes the result of the command: one JSON object on one line, or a text.
     /// @throws MException for a region that is too large
     void write(std::ostream& out) const;
 

@@ -43,7 +43,7 @@ struct Arguments {
     std::string file;
     std::string output;           // convert, render
     Format format = Format::Cbf;  // of the output, by its extension
-    std::optional<int> frame;     // number in the series; the one that the file names when absent
+    std::optional<int> frame;     // number in the series; the one named by the file if absent
     bool json = false;            // info, stats, peaks, roi, geometry, thumbnail
     // info
     bool rawHeader = false;
@@ -56,7 +56,7 @@ struct Arguments {
     std::vector<std::pair<int, int>> places;  // x, y
     int rings = 0;
     // play
-    int playFrames = std::numeric_limits<int>::max();  // behind the first one, at most
+    int playFrames = std::numeric_limits<int>::max();  // at most, after the first one
     bool preloader = true;
     // convert
     bool all = false;
@@ -66,7 +66,7 @@ struct Arguments {
     std::optional<double> foreground;
     Scale scale;
 
-    /// Reads the words behind the program's name. Options may stand anywhere behind the command, as
+    /// Reads the words after the program's name. Options may be anywhere after the command, as
     /// "--name value" or "--name=value"; "--" ends them.
     /// @throws UsageError
     static Arguments parse(const std::vector<std::string>& words);

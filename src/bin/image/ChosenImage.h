@@ -10,11 +10,11 @@
 namespace tarvik::tool {
 
 struct ChosenImage {
-    /// Opens the file and reads the image that is asked for, or the one that the file names.
+    /// Opens the file and reads the requested image, or the one named by the file.
     /// @throws MException
     explicit ChosenImage(const Arguments& arguments);
 
-    /// The image's mask, or one of good pixels when it has none of its size.
+    /// The image's mask, or one of good pixels if it has none of its size.
     morvend::imglib::MImage mask() const;
 
     morvend::imglib::MImageSeries series{0};

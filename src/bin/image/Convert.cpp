@@ -87,7 +87,7 @@ void Convert::writeFiles() const
 
 void Convert::writeSeries() const
 {
-    // Before there is a staging folder, which a signal without it would leave behind.
+    // Set up before the staging folder exists: otherwise a signal would leave that behind.
     const StopSignals stop;
     const StagingFolder staging(_arguments.output);
     {

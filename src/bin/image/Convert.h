@@ -11,14 +11,14 @@ namespace tarvik::tool {
 
 /// Writes one image, or all of a series: CBF and TIFF as one file an image, with the number of the
 /// image in its name, HDF5 as one series. Files appear when they are complete; an HDF5 series that
-/// fails is removed. Tells its progress on standard error when that is a terminal.
+/// fails is removed. Shows progress on standard error if that is a terminal.
 class Convert {
 public:
     /// @throws MException when the file can't be opened
     explicit Convert(Arguments arguments);
 
     /// @throws MException when an image can't be read or written, or when an output would replace
-    /// one of the files that it is made from
+    /// one of the files that it is read from
     void run();
 
     /// Name of the file of one image of many: "x_00012.cbf" of "x.cbf".

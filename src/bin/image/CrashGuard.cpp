@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Fork, wait, and tell.
+// Forks, waits and reports.
 #include "bin/image/CrashGuard.h"
 
 #include <algorithm>
@@ -19,7 +19,7 @@ namespace tarvik::tool {
 
 namespace {
 
-/// Memory that the child leaves behind.
+/// Shared memory that outlives the child.
 struct Note {
     char text[4096];
 };
@@ -29,12 +29,12 @@ volatile std::sig_atomic_t child = 0;
 
 void forward(int signal) { ::kill(static_cast<pid_t>(child), signal); }
 
-/// These end a program on purpose: the shell is to see that they did.
+/// These end a program on purpose: the shell should see them as the cause.
 constexpr int Deliberate[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE};
 
 constexpr int Forwarded[] = {SIGTERM, SIGHUP};
 
-/// A key that is pressed reaches the child by itself, a signal to this process alone does not.
+/// A key press reaches the child too; a signal sent to this process does not.
 void leaveSignalsTo(pid_t pid)
 {
     child = pid;
@@ -87,7 +87,7 @@ int CrashGuard::run(const std::function<int()>& work,
     sharedNote = memory == MAP_FAILED ? nullptr : static_cast<Note*>(memory);
     std::signal(SIGCHLD, SIG_DFL);
     const pid_t parent = ::getpid();
-    // A signal that comes when the child works already must find its way to it.
+    // A signal that arrives while the child works must be passed on to it.
     sigset_t forwarded, before;
     sigemptyset(&forwarded);
     for (const int signal : Forwarded)
@@ -100,7 +100,7 @@ int CrashGuard::run(const std::function<int()>& work,
     if (pid < 0)
         return work();
     if (pid == 0) {
-        // Who kills the parent means the work, which may hang and heed no other signal.
+        // Killing the parent is meant for the child, which may hang and ignore other signals.
         ::prctl(PR_SET_PDEATHSIG, SIGKILL);
         if (::getppid() != parent)
             std::_Exit(1);

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// A crash in a library ends in a line and an exit code.
+// Turns a crash in a library into a message and an exit code.
 #pragma once
 
 #include <functional>
@@ -10,10 +10,10 @@
 namespace tarvik::tool {
 
 /// Runs the whole work in a child process, which has the files, the terminal and the signals of
-/// this one. So the work needs no thought of it, and costs no more than a fork.
+/// this one. The work needs no change for it; the cost is a fork.
 class CrashGuard {
 public:
-    /// Notes what the work is at, as in "reading image 12: /data/x_master.h5".
+    /// Notes the current step, as in "reading image 12: /data/x_master.h5".
     static void note(const std::string& doing);
 
     /// Runs the work. Call it before the first thread begins.

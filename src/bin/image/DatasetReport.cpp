@@ -29,7 +29,7 @@ std::string shapeOf(const Hdf5Dataset& dataset)
     return text.empty() ? "?" : text;
 }
 
-/// What stands behind the columns.
+/// The text after the columns.
 std::string remarkOf(const Hdf5Dataset& dataset)
 {
     std::string text = dataset.leadsTo.empty() ? "" : "-> " + dataset.leadsTo;
@@ -65,7 +65,7 @@ void writeText(const std::vector<Hdf5Dataset>& datasets, std::ostream& out)
         for (const std::string& cell : row)
             line += cell;
         line.erase(line.find_last_not_of(' ') + 1);
-        // Texts of a file must not steer the terminal.
+        // Texts from a file must not control the terminal.
         std::replace_if(
             line.begin(), line.end(), [](unsigned char c) { return c < ' '; }, '?');
         out << line << '\n';

@@ -13,7 +13,7 @@ namespace tarvik::tool {
 /// Lists the data sets of the file by their paths, as text or as one JSON object.
 class DatasetReport {
 public:
-    /// @throws MException when it is no HDF5 file or can't be read
+    /// @throws MException if it isn't an HDF5 file or can't be read
     static void run(const Arguments& arguments, std::ostream& out);
 };
 

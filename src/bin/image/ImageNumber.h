@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// A number as text that loses nothing.
+// Numbers as text without loss.
 #pragma once
 
 #include <charconv>
@@ -14,7 +14,7 @@ namespace tarvik::tool {
 __extension__ typedef __int128 WideInteger;
 
 /// Exact text of an integer, shortest text that reads back as the same floating value of its width,
-/// and "nan", "inf", "-inf" for what is none.
+/// and "nan", "inf", "-inf" for values that aren't numbers.
 class ImageNumber {
 public:
     ImageNumber() = default;
@@ -48,7 +48,7 @@ public:
 
     /// For people.
     const std::string& text() const { return _text; }
-    /// For JSON, which has no word for what is no number: such are texts.
+    /// For JSON, which can't express NaN and infinity: these become texts.
     const std::string& json() const { return _json; }
 
 private:

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// What can be said of all pixels of an image in a few numbers.
+// A few numbers about all pixels of an image.
 #pragma once
 
 #include "bin/image/ImageNumber.h"
@@ -19,14 +19,14 @@ struct ImageSummary {
     ImageNumber maximum;
     ImageNumber sum;
 
-    /// @throws MNotImplementedException for an image of no pixel type, such as the empty one
+    /// @throws MNotImplementedException for an image without a pixel type, such as the empty one
     static ImageSummary of(const morvend::imglib::MImage& image);
 };
 
 /// Number of pixels that are not 0.
 std::size_t countNonZero(const morvend::imglib::MImage& image);
 
-/// The value of the pixel at (x, y), which lies in the image.
+/// The value of the pixel at (x, y), which must be in the image.
 ImageNumber pixelValue(const morvend::imglib::MImage& image, int x, int y);
 
 /// SHA-256 of the pixel bytes, row by row, little-endian, in hexadecimal digits.

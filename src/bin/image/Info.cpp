@@ -19,7 +19,7 @@ using morvend::imglib::MImage;
 
 namespace {
 
-/// Text for a terminal: control characters of a file must not reach it.
+/// Text for a terminal: without control characters from the file.
 std::string printable(std::string text)
 {
     for (char& character : text)

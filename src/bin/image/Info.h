@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// The command "info": tells about an image.
+// The command "info": describes an image.
 #pragma once
 
 #include "bin/image/Arguments.h"
@@ -13,7 +13,7 @@ namespace tarvik::tool {
 
 class Info {
 public:
-    /// @throws MException when the image can't be read or a pixel lies outside of it
+    /// @throws MException if the image can't be read or a pixel is outside it
     explicit Info(Arguments arguments);
 
     void writeText(std::ostream& out) const;

@@ -13,13 +13,13 @@
 
 namespace tarvik::tool {
 
-/// Text in quotes; what is no UTF-8 becomes the replacement character.
+/// Text in quotes; invalid UTF-8 becomes the replacement character.
 inline std::string quoted(const std::string& text)
 {
     return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
 
-/// A computed number: whole ones that a double holds exactly are integers.
+/// A computed number: whole numbers that a double holds exactly are written as integers.
 inline ImageNumber numberOf(double value)
 {
     constexpr double LargestExact = 9007199254740992;  // 2^53

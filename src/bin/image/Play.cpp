@@ -29,7 +29,7 @@ namespace {
 
 constexpr std::chrono::seconds startOfPreloader{60};
 
-/// The viewer's program, which stands beside this one.
+/// The viewer's program, which is in the same folder.
 QString viewerProgram()
 {
     const QString path = QCoreApplication::applicationDirPath() + QStringLiteral("/tarvik");
@@ -39,7 +39,7 @@ QString viewerProgram()
     return path;
 }
 
-/// Waits for it. Throws nothing: it is called from the event loop.
+/// Waits for it. Doesn't throw: called from the event loop.
 bool preloaderComes()
 {
     using morvend::imglib::MMessageQueue;
@@ -65,7 +65,7 @@ public:
         connect(&view, &TarvikService::imageLoadErrorSignal, this, &Run::_failed);
     }
 
-    /// Images that can't be read later on are told at the end, all of a kind in one line.
+    /// Later images that can't be read are reported at the end, one line for each kind.
     /// @throws MRuntimeException when the first image can't be read
     void play(const std::string& path)
     {

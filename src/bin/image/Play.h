@@ -11,7 +11,7 @@
 namespace tarvik::tool {
 
 /// Drives the model of a view without a window through a series, each image as soon as the one
-/// before has been shown, and tells how long what took.
+/// before has been shown, and reports how long each part took.
 class Play {
 public:
     /// @throws MException when the first image can't be read, or there is no preloader to start

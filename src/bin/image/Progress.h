@@ -1,13 +1,13 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Where a long command stands, for somebody who watches.
+// Shows the progress of a long command.
 #pragma once
 
 namespace tarvik::tool {
 
-/// A line on standard error that is written over and over, and wiped at the end. Silent when
-/// standard error is no terminal.
+/// A line on standard error that is rewritten, and cleared at the end. Silent when
+/// standard error isn't a terminal.
 class Progress {
 public:
     /// `last` is the number of the last image.

@@ -23,7 +23,7 @@ struct Picture {
 };
 
 /// Writes the image as a PNG picture with the colours of the viewer.
-/// @throws UsageError for a table that is not known, MException for the rest
+/// @throws UsageError for an unknown table, MException for the rest
 class Render {
 public:
     static void run(const Arguments& arguments);

@@ -13,7 +13,7 @@
 
 namespace tarvik::tool {
 
-/// Knows the files of a series, under whatever names and links they are reached.
+/// Recognises the files of a series under any name or link.
 class SourceGuard {
 public:
     /// `path` is the file that the series was opened by.

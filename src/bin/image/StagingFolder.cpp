@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Temporary folder and the moves out of it.
+// Makes the temporary folder and moves files out of it.
 #include "bin/image/StagingFolder.h"
 
 #include "imagelib/image/MException.h"
@@ -34,7 +34,7 @@ StagingFolder::StagingFolder(const std::string& target)
 
 StagingFolder::~StagingFolder()
 {
-    std::error_code ignored;  // nobody is left to be told
+    std::error_code ignored;  // an error can't be reported here
     std::filesystem::remove_all(_folder, ignored);
 }
 

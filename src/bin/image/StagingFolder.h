@@ -9,18 +9,18 @@
 
 namespace tarvik::tool {
 
-/// A hidden folder beside the output in which its files are made under their final names. Removed
+/// A hidden folder beside the output, in which the files are made under their final names. Removed
 /// with all that is still in it.
 class StagingFolder {
 public:
-    /// @param target  the main one of the files to come
+    /// @param target  the main file of the output
     /// @throws MNoFileAccessException when the folder can't be made
     explicit StagingFolder(const std::string& target);
     StagingFolder(const StagingFolder&) = delete;
     StagingFolder& operator=(const StagingFolder&) = delete;
     ~StagingFolder();
 
-    /// The main file while it is made.
+    /// The path of the main file while it is being written.
     std::string path() const { return _folder + "/" + _name; }
 
     /// Moves all files to their places, the main one last; before the first, calls check(path) for

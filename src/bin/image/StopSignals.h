@@ -10,7 +10,7 @@
 
 namespace tarvik::tool {
 
-/// While one lives, SIGINT, SIGTERM and SIGHUP are noted and don't end the process. One at a time.
+/// While one exists, SIGINT, SIGTERM and SIGHUP are noted and don't end the process. One at a time.
 class StopSignals {
 public:
     StopSignals();
@@ -18,7 +18,7 @@ public:
     StopSignals(const StopSignals&) = delete;
     StopSignals& operator=(const StopSignals&) = delete;
 
-    /// @throws MTerminateException when a signal has come
+    /// @throws MTerminateException if a signal has arrived
     void check() const;
 
 private:

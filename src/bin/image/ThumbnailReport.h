@@ -10,7 +10,7 @@
 
 namespace tarvik::tool {
 
-/// Tells the thumbnails that the viewer's navigator shows.
+/// Prints the thumbnails that the viewer's navigator shows.
 class ThumbnailReport {
 public:
     /// @throws MException when the image can't be read

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// tarvik-image: tells about, analyses, converts and renders detector images without a window.
+// tarvik-image: describes, analyses, converts and renders detector images without a window.
 #include "bin/image/Analysis.h"
 #include "bin/image/Arguments.h"
 #include "bin/image/Convert.h"
@@ -28,7 +28,7 @@ constexpr int WrongUsage = 2;
 
 int fail(std::string reason)
 {
-    // One line, whatever the reason holds.
+    // One line, even if the reason has several.
     std::replace_if(
         reason.begin(), reason.end(), [](unsigned char letter) { return letter < ' '; }, ' ');
     std::cerr << "tarvik-image: " << reason << std::endl;
@@ -95,7 +95,7 @@ int runCommand(const std::vector<std::string>& words)
         run(arguments);
         return Done;
     } catch (const tarvik::tool::UsageError& error) {
-        std::cerr << Arguments::usage() << '\n';  // first: the reason stays in sight
+        std::cerr << Arguments::usage() << '\n';  // first, so that the reason stays in sight
         fail(error.what());
         return WrongUsage;
     } catch (const std::bad_alloc&) {

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// tarvik-reader: reads HDF5 files for its parent, so that a crash of the library is not the
-// viewer's.
+// tarvik-reader: reads HDF5 files for its parent, so that a crash of the library does not
+// end the viewer.
 #include "imagelib/image/MException.h"
 #include "imagelib/io/formats/hdf5/nexus/NexusReader.h"
 #include "imagelib/io/process/ReaderProcess.h"
@@ -26,7 +26,7 @@ using namespace morvend::imglib;
 
 constexpr int Socket = ReaderProcess::SocketNumber;
 
-/// A sanitizer's own memory is larger than any machine's, and counts.
+/// A sanitizer reserves more memory than any machine has, and it counts.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr bool Limited = false;
 #else
@@ -39,17 +39,17 @@ bool hasParent()
     return ::fstat(Socket, &status) == 0 && S_ISSOCK(status.st_mode);
 }
 
-/// The parent decides when to end, and not a key that was pressed in its terminal.
+/// The parent decides when to end, not a key pressed in its terminal.
 void leaveSignalsToTheParent()
 {
     for (const int signal : {SIGINT, SIGQUIT, SIGHUP, SIGPIPE})
         std::signal(signal, SIG_IGN);
 }
 
-/// When memory is short, rather this process than the one with the windows.
+/// When memory is short, the system should end this process rather than the viewer.
 void offerToBeKilledFirst() { std::ofstream("/proc/self/oom_score_adj") << 500; }
 
-/// A file that asks for more memory than the machine can spare is refused, instead of making
+/// A file that asks for more memory than the machine can spare is refused instead of making
 /// everything else slow. Images lie in shared memory, which this does not count.
 void limitMemory()
 {
@@ -65,8 +65,8 @@ void limitMemory()
     }
 }
 
-/// A crash is the expected end of many a damaged file, and its image of the memory may be
-/// gigabytes.
+/// Damaged files often end in a crash, and its core dump may be
+/// gigabytes large.
 void leaveNoCore()
 {
     const rlimit none = {};
@@ -111,6 +111,6 @@ int main()
         std::fprintf(stderr, "tarvik-reader: %s\n", error.what());
         std::_Exit(1);
     }
-    // The parent is gone, and so is the use of a tidy end.
+    // The parent has gone, so a tidy end is useless.
     std::_Exit(0);
 }

@@ -11,7 +11,7 @@
 class TarvikCore;
 
 /// A subclass makes one kind of object. make() may be called from any thread; the caller must hold
-/// nothing that the GUI thread needs, since it waits for it.
+/// no lock that the GUI thread needs, since it waits for that thread.
 class ObjectGenerator : public QObject {
     Q_OBJECT
 public:
@@ -20,7 +20,7 @@ public:
     /// Makes the object on the GUI thread and returns it; the caller knows its type. Blocks until
     /// the GUI thread has served the call.
     void* make();
-    /// The object made last, null before.
+    /// The object made last, null before the first.
     void* object() const { return _object; }
 
 protected:

@@ -27,7 +27,8 @@ TarvikCore::TarvikCore()
 
 TarvikCore::~TarvikCore()
 {
-    // Services leave their groups as they go; one that waits for its deletion is still a child.
+    // Services leave their groups when they are destroyed; one that waits for its deletion is still
+    // a child.
     _services.clear();
     qDeleteAll(findChildren<TarvikService*>(QString(), Qt::FindDirectChildrenOnly));
 }

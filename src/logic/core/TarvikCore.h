@@ -16,7 +16,7 @@
 class HalvoService;
 class TarvikService;
 
-/// Creates and deletes the services of all views, ties views of one sync id together and holds the
+/// Creates and deletes the services of all views, connects views with one sync id and holds the
 /// colour tables. Thread: GUI only.
 class TarvikCore : public QObject {
     Q_OBJECT
@@ -27,21 +27,21 @@ public:
     /// Deletes the remaining services.
     ~TarvikCore() override;
 
-    /// A new service, owned by the core. The default colour table of this moment becomes the
-    /// service's; a later change does not reach it.
+    /// A new service, owned by the core. It takes the current default colour table
+    /// , which a later change does not affect.
     /// @param additionalSyncID keeps views with different ones in different groups
     TarvikService* newService(const QString& additionalSyncID);
-    /// Deletes a service as soon as the event loop is reached again.
+    /// Deletes a service when control returns to the event loop.
     void deleteService(TarvikService* service);
 
-    /// Makes an observer a member of the group of a sync id; it takes over the group's record in
-    /// silence. A new group has a default record.
+    /// Makes an observer a member of the group of a sync id; it takes over the group's record
+    /// silently. A new group has a default record.
     template <class T>
     void attach(AbstractObserver<T>& observer, const char* syncID)
     {
         _groups.of<T>().attach(observer, syncID);
     }
-    /// Takes an observer out of its group; without one nothing happens.
+    /// Takes an observer out of its group; without a group nothing happens.
     template <class T>
     void detach(AbstractObserver<T>& observer)
     {
@@ -55,7 +55,7 @@ public:
     std::shared_ptr<HalvoService> halvoService() const { return _halvoService; }
 
 public slots:
-    /// Do changes of a record spread through groups? A change of the flag is signalled once;
+    /// True if changes of a record spread through groups. A change of the flag is signalled once;
     /// switching on makes all views of a group take over the record that was set last.
     void synchronizeViewportSlot(bool flag);
     void synchronizeContrastSlot(bool flag);

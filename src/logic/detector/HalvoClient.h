@@ -12,8 +12,8 @@
 
 class HalvoService;
 
-/// Tells the shared service which view a request comes from, and the view which pictures are its
-/// own. Thread: GUI only.
+/// Names the requesting view to the shared service, and passes on to the view the pictures that are
+/// its own. Thread: GUI only.
 class HalvoClient : public QObject {
     Q_OBJECT
 public:

@@ -14,7 +14,7 @@ const QString hostKey = QStringLiteral("HalvoHost");
 const QString portKey = QStringLiteral("HalvoPort");
 const QString minPauseKey = QStringLiteral("HalvoMinPause");
 
-/// A setting of the user, read anew each time.
+/// A setting of the user, read each time.
 QVariant setting(const QString& key, const QVariant& absent)
 {
     const QSettings settings;
@@ -54,5 +54,5 @@ void HalvoMonitor::setDefaultMinPause(double seconds)
 
 void HalvoMonitor::newImageSlot()
 {
-    // Without a detector there is no picture that waits for its turn.
+    // Without a detector no picture is waiting.
 }

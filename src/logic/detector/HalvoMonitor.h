@@ -11,22 +11,22 @@
 
 #include <string>
 
-/// Hands a view the picture that a detector took last, at a pace that the view can follow: the next
-/// one comes when newImageSlot() has told that the one before is shown.
+/// Hands a view a detector's latest picture, at a pace that the view can follow: the next
+/// one comes when newImageSlot() has reported that the one before is shown.
 ///
-/// It cannot reach a detector yet: start() says so by errorSignal() and on standard error, and no
-/// picture comes. Thread: GUI only.
+/// It cannot reach a detector yet: start() reports this by errorSignal() and on standard error, and
+/// no picture comes. Thread: GUI only.
 class HalvoMonitor : public QObject {
     Q_OBJECT
 public:
     explicit HalvoMonitor(QObject* parent = nullptr);
 
-    /// @param minPause  seconds between two pictures, at least
+    /// @param minPause  least number of seconds between two pictures
     void start(const std::string& host, int port, double minPause);
     void stop();
     bool running() const { return _running; }
 
-    /// What a view begins with, from the user's settings: "0.0.0.0", 80 and no pause at first.
+    /// The initial values of a view, from the user's settings: "0.0.0.0", 80 and no pause at first.
     static QString defaultHost();
     static int defaultPort();
     static double defaultMinPause();

@@ -12,11 +12,11 @@
 
 class HalvoClient;
 
-/// The one place of the process that stands for a detector: the address that it is reached at, and
-/// the right to drive it. Views talk to it through a HalvoClient each.
+/// The one place of the process that stands for a detector: its address, and
+/// the right to drive it. Each view talks to it through a HalvoClient.
 ///
-/// It cannot reach a detector yet: setConnected(true) says so by error(), and connected() stays
-/// false. Thread: GUI only.
+/// It cannot reach a detector yet: setConnected(true) reports this by error(), and connected()
+/// stays false. Thread: GUI only.
 class HalvoService : public QObject {
     Q_OBJECT
 public:
@@ -33,15 +33,15 @@ public:
     static void setDefaultHost(const QString& host);
     static void setDefaultPort(int port);
 
-    /// Asks for a connection, or gives it up.
+    /// Requests a connection, or ends it.
     void setConnected(bool connect);
     bool connected() const { return false; }
 
-    /// May this user drive the detector? Administrators, who can write the settings of the machine,
-    /// always may and decide whether others do.
+    /// True if this user may drive the detector. Administrators, who can write the machine's
+    /// settings, always may and decide whether others do.
     bool permission() const;
     bool userPermission() const;
-    /// Lets others than administrators drive the detector, or not. Only an administrator's call has
+    /// Allows or forbids other users to drive the detector. Only an administrator's call has
     /// an effect; permissionSignal() follows.
     void setUserPermission(bool permitted);
 

@@ -30,7 +30,7 @@ int powderRadius(const Header& header, int x, int y)
     const float dx = *header.beam_center_x() - static_cast<float>(x);
     const float dy = *header.beam_center_y() - static_cast<float>(y);
     const float radius = std::sqrt(dx * dx + dy * dy);
-    // A header may hold any number, also one that no int can take.
+    // A header may hold any number, also one beyond the range of int.
     constexpr float limit = 2147483520.F;
     return static_cast<int>(radius < limit ? radius : limit);
 }

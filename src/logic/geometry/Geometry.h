@@ -6,20 +6,20 @@
 
 #include "imagelib/image/MImage.h"
 
-/// Pure functions on a header; positions are image pixels from 0. Values that the header lacks make
-/// a quantity undefined.
+/// Pure functions on a header; positions are image pixels from 0. Values missing from the header
+/// make a quantity undefined.
 namespace geometry {
 
 using Header = morvend::imglib::MBasicImageOptionalData<>;
 
-/// Are beam centre, pixel sizes, detector distance and wavelength known?
+/// True if beam centre, pixel sizes, detector distance and wavelength are known.
 bool resolutionDefined(const Header& header);
-/// Are beam centre and pixel sizes known?
+/// True if beam centre and pixel sizes are known.
 bool distanceDefined(const Header& header);
-/// Is the beam centre known?
+/// True if the beam centre is known.
 bool beamCentreDefined(const Header& header);
 
-/// Pixels from the beam centre to a point, truncated, whatever the pixel sizes are; -1 without beam
+/// Pixels from the beam centre to a point, truncated, regardless of pixel sizes; -1 without beam
 /// centre.
 int powderRadius(const Header& header, int x, int y);
 /// Metres on the detector from the beam centre to a point; -1 when not defined.

@@ -11,7 +11,7 @@ namespace geometry {
 
 namespace {
 
-/// Digits that tell any two doubles apart.
+/// Digits that distinguish any two doubles.
 constexpr double mostDigits = 17;
 
 /// Metres from the beam centre to the farthest corner.
@@ -24,7 +24,8 @@ double farthestCorner(const Header& header, int width, int height)
     return farthest;
 }
 
-/// The resolutions of n rings that divide the way to the farthest corner into n + 1 equal parts.
+/// The resolutions of n rings that divide the distance to the farthest corner into n + 1 equal
+/// parts.
 std::vector<double> spread(const Header& header, double farthest, int n)
 {
     std::vector<double> resolutions;
@@ -33,7 +34,7 @@ std::vector<double> spread(const Header& header, double farthest, int n)
     return resolutions;
 }
 
-/// The largest difference of a resolution to that of a neighbouring ring; 0 without one.
+/// The largest difference of a resolution to that of a neighbouring ring; 0 if there is none.
 double gapAt(const std::vector<double>& resolutions, std::size_t i)
 {
     const bool last = i + 1 == resolutions.size();

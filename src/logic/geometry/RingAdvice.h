@@ -19,11 +19,11 @@ struct RingAdvice {
 
     /// Radii in pixels of mean size, from the inner to the outer ring.
     std::vector<double> radii;
-    /// The resolutions in Angstrom, with as many digits as tell a ring from its neighbours.
+    /// The resolutions in Angstrom, with enough digits to distinguish neighbouring rings.
     std::vector<QString> labels;
 };
 
-/// Advice for n rings, at most mostRings, on an image of width x height pixels; none unless
+/// Advice for n rings, at most mostRings, on an image of width x height pixels; empty unless
 /// resolutionDefined(). A ring whose rounded resolution no point of the detector's plane can have
 /// is left out.
 RingAdvice adviseRings(const Header& header, int width, int height, int n);

@@ -14,7 +14,7 @@ namespace console {
 /// Timing and information lines, on standard output.
 void print(std::string_view text);
 
-/// Timing and information lines are dropped from now on: for programs whose standard output is
+/// Timing and information lines are dropped from now on; for programs whose standard output is
 /// data.
 void muteInformation();
 

@@ -16,7 +16,7 @@ public:
     ~DebugMutex();
 
     void lock();
-    /// @returns false when another thread holds the mutex
+    /// @returns false if another thread holds the mutex
     bool tryLock();
     void unlock();
 

@@ -1,14 +1,14 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Telling kinds of failures, and counting them.
+// Recognises kinds of failures and counts them.
 #include "logic/support/FailureSummary.h"
 
 #include <algorithm>
 
 namespace {
 
-/// Later kinds count as the last one: texts from files may be different without end.
+/// Later kinds count as the last one: texts from files may vary without end.
 constexpr std::size_t mostKinds = 50;
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }

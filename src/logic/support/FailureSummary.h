@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-/// Gathers the failures of a walk through a series. Those whose texts differ in numbers alone, such
-/// as those of a thousand files that are missing, are of one kind. Thread: one at a time.
+/// Gathers the failures of a walk through a series. Those whose texts differ only in numbers, such
+/// as those of a thousand missing files, are of one kind. Thread: one at a time.
 class FailureSummary {
 public:
     /// The same for all failures of a kind.
@@ -17,7 +17,7 @@ public:
     /// @returns whether it is the first of its kind
     bool add(long long number, const std::string& reason);
     /// One line for each kind, in the order in which they came: the reason of the only image or,
-    /// for several, how many they are, and the reason of the first.
+    /// for several, their number and the reason of the first.
     std::vector<std::string> lines() const;
     void clear() { _kinds.clear(); }
 

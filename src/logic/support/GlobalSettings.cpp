@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Where the machine's settings lie and how they are opened.
+// Where the machine's settings are and how they are opened.
 #include "logic/support/GlobalSettings.h"
 
 #include "logic/support/Console.h"

@@ -8,12 +8,12 @@
 
 /// Settings of the machine, made for each use on the stack of the thread that uses it.
 ///
-/// The file is "MORVEND/TARVIK.conf" in /Library/Preferences where that folder exists, else in
+/// The file is "MORVEND/TARVIK.conf" in /Library/Preferences if that folder exists, else in
 /// /etc/xdg. It holds one key, accessibleInUserMode.
 class GlobalSettings : public QSettings {
     Q_OBJECT
 public:
-    /// bool, true when absent: may users without rights to write this file drive the detector?
+    /// bool, true when absent: users who can't write this file may drive the detector
     static const QString accessibleInUserMode;
 
     /// The file's fixed path.
@@ -21,7 +21,7 @@ public:
 
     /// Opens the file and prints each key that it holds on standard output, one per line.
     GlobalSettings();
-    /// The same over another file, for tests.
+    /// The same with another file, for tests.
     explicit GlobalSettings(const QString& path);
 
     /// The value of accessibleInUserMode.

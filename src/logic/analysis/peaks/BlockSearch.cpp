@@ -57,7 +57,7 @@ HWY_INLINE std::size_t search(const T* pixels, std::size_t begin, std::size_t si
     constexpr std::size_t Ahead = PrefetchAhead / sizeof(T);
     std::size_t i = begin;
     for (; i + BlockSize <= size; i += BlockSize) {
-        // The loop does little for each byte: the reads of the processor alone come too late.
+        // The loop does so little per byte that the processor's own prefetch comes too late.
         if (i + Ahead + BlockSize <= size)
             for (std::size_t k = 0; k < BlockSize; k += CacheLine / sizeof(T))
                 hwy::Prefetch(pixels + i + Ahead + k);

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// The first look of the peak search over an image: which pixels deserve a second one.
+// The first pass of the peak search: finds the blocks that deserve a second look.
 #pragma once
 
 #include <cstddef>
@@ -26,8 +26,8 @@ using Lane = std::conditional_t<
                 std::conditional_t<std::is_signed_v<L>, std::int32_t, std::uint32_t>,
                 std::conditional_t<std::is_signed_v<L>, std::int64_t, std::uint64_t>>>>>;
 
-/// Begin of the first block, from `begin` on in steps of BlockSize, that has a pixel at or above
-/// the bound; `size` when there is none. NaN is at or above nothing.
+/// Start of the first block, from `begin` on in steps of BlockSize, that has a pixel at or above
+/// the bound; `size` if there is none. NaN is never at or above.
 template <class T>
 std::size_t nextBlock(const T* pixels, std::size_t begin, std::size_t size, T bound);
 

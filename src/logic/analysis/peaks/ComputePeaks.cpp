@@ -55,7 +55,7 @@ private:
     {
         std::vector<L> sample;
         sample.reserve(SampleSize + 1);
-        // An odd stride meets all columns of images whose width is a power of two.
+        // An odd stride visits all columns of images whose width is a power of two.
         const std::size_t stride = (_size / SampleSize) | 1;
         for (std::size_t i = 0; i < _size; i += stride)
             if (maskrule::good(_mask[i]) && _pixels[i] == _pixels[i])

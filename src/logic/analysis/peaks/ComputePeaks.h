@@ -14,12 +14,12 @@
 /// above it and none of the four after it is above it. Neighbours are taken by raw index: the left
 /// one of a row's first pixel is the last pixel of the row before, and excluded neighbours count
 /// like others. The first thousand peaks enter the working set; after that one enters only when it
-/// is above the smallest, which then goes. NaN is no peak: it has no place in an order.
+/// is above the smallest, which it replaces. NaN is never a peak: it has no order.
 ///
-/// The image is first looked through for the few pixels that can end up among the thousand: those
+/// The image is first searched for the few pixels that can end up among the thousand: those
 /// at or above a bound that a sample suggests. Peaks below the bound are pushed out by the first
-/// thousand above it, so they change nothing once there are so many; otherwise the bound is
-/// lowered. The result is exact whatever the sample was.
+/// thousand above it, so they change nothing once there are that many; otherwise the bound is
+/// lowered. The result is exact for any sample.
 class ComputePeaks {
 public:
     struct Less {

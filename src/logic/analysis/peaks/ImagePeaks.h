@@ -21,12 +21,12 @@ public:
     static constexpr std::size_t MostPeaks = 1000;
 
     /// Replaces the list with the peaks of an image under its mask.
-    /// @throws MNotImplementedException for a pixel type that is none of the twelve,
+    /// @throws MNotImplementedException for a pixel type other than the twelve,
     /// MBadParameterException for a mask of another size
     /// Cost: near one read of the image; see ComputePeaks.
     void setImage(const morvend::imglib::MImage& image, const morvend::imglib::MImage& mask);
 
-    /// The pixel of rank i, or (0, 0, 0.0) when there is none.
+    /// The pixel of rank i, or (0, 0, 0.0) if there isn't one.
     Pixel operator[](int i) const;
     int numberOfPeaks() const { return static_cast<int>(_pixels.size()); }
     const std::vector<Pixel>& pixels() const { return _pixels; }

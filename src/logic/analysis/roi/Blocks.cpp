@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Blocks on oneTBB. A file of its own because Qt's keywords and the headers of oneTBB don't go
-// together.
+// Blocks on oneTBB. A file of its own because Qt's keywords and the headers of oneTBB can't be
+// combined.
 #include "logic/analysis/roi/Blocks.h"
 
 #include <tbb/parallel_for.h>

@@ -46,7 +46,7 @@ struct Projection {
     bool good = false;
 };
 
-/// The part of a box that lies in the image.
+/// The part of a box inside the image.
 struct Inside {
     int left;
     int top;
@@ -186,7 +186,7 @@ RoiStatistics ComputeBoxStatistics::compute(const MImage& image, const MImage& m
 
     const Inside box{std::max(x0, 0), std::max(y0, 0), std::min(x1, image.width()),
                      std::min(y1, image.height())};
-    // Pixels outside the image are excluded and enter as zeros, which only the extremes can tell.
+    // Pixels outside the image are excluded and count as zeros; only the extremes show that.
     const bool meetsImage = box.left < box.right && box.top < box.bottom;
     const bool leavesImage = box.left != x0 || box.right != x1 || box.top != y0 || box.bottom != y1;
     Extremes extremes;

@@ -71,7 +71,7 @@ Section section(const StatisticsData& circle)
     return {x - dx, y - dy, x + dx, y + dy, 2 * dx, 2 * dy};
 }
 
-/// The pixel that a coordinate lies in, also left of and above the image.
+/// The pixel that contains a coordinate, also left of and above the image.
 int pixelAt(double coordinate) { return static_cast<int>(std::floor(coordinate)); }
 
 template <class L, class R>

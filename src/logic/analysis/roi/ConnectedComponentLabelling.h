@@ -15,17 +15,17 @@
 /// to lower right is one component, the other diagonal is not.
 class ConnectedComponentLabelling {
 public:
-    /// Is the bit of pixel (x, y) set? Asked within the field only.
+    /// True if the bit of pixel (x, y) is set. Called only within the field.
     using Field = std::function<bool(int x, int y)>;
 
-    /// A field of which nothing has been visited. Memory and time go with what fill() visits, not
-    /// with the size of the field.
+    /// A field without visited pixels. Memory and time depend on what fill() visits, not
+    /// on the size of the field.
     explicit ConnectedComponentLabelling(int width = 0, int height = 0);
 
-    /// Visits the component of a pixel, which lies in the field, by spans of rows. What was visited
-    /// before is left alone.
-    /// @param visit  takes each span that is new, its end excluded; may be empty
-    /// @returns false when the pixel's bit is not set or the pixel was visited before
+    /// Visits the component of a pixel, which must be in the field, by spans of rows. What was
+    /// visited before are skipped.
+    /// @param visit  receives each new span, its end excluded; may be empty
+    /// @returns false if the pixel's bit is not set or the pixel was visited before
     bool fill(const Field& field, int x, int y,
               const std::function<void(int y, int begin, int end)>& visit = {});
     bool visited(int x, int y) const;

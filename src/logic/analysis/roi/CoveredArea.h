@@ -5,7 +5,7 @@
 #pragma once
 
 /// Fraction of pixel (x, y) covered by a circle of integer radius r around a pixel centre. The
-/// pixel stands around the point (x, y), other than in the form with a real centre.
+/// pixel is centred on (x, y), unlike in the form with a real centre.
 double coveredArea(int x, int y, int r, int cx, int cy);
 
 /// The same for a real-valued centre; the pixel is the square from (x, y) to (x + 1, y + 1).

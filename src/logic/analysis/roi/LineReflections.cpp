@@ -23,7 +23,7 @@ double pixelDistance(const ListPixel& a, const ListPixel& b)
     return std::hypot(double(a.x) - b.x, double(a.y) - b.y);
 }
 
-/// Only components that the line meets are looked for: the box of a diagonal line is as large as
+/// Only components that the line crosses are searched: the box of a diagonal line is as large as
 /// the image.
 void labelList(std::vector<ListPixel>& list, const PixelBox& box,
                const std::function<bool(int, int)>& above)
@@ -50,7 +50,7 @@ void labelList(std::vector<ListPixel>& list, const PixelBox& box,
     }
 }
 
-/// One pixel for each label that the line meets, in the order in which it meets them.
+/// One pixel for each label on the line, in the order along it.
 std::vector<ListPixel> strongestOfEachLabel(std::vector<ListPixel> list)
 {
     std::vector<ListPixel> reflections;

@@ -36,14 +36,14 @@ struct ListPixel {
 /// background, found by sigma clipping that starts from the given mean and sigma.
 double reflectionThreshold(const std::vector<ListPixel>& list, double mean, double sigma);
 
-/// The surroundings of a line in which reflections are told apart: its bounding box with 10 pixels
-/// more on all sides, as far as it lies in the image.
+/// The surroundings of a line in which reflections are separated: its bounding box with 10 pixels
+/// more on all sides, clipped to the image.
 PixelBox reflectionBox(int beginX, int beginY, int endX, int endY, const morvend::imglib::MImage&);
 
 /// Finds the reflections among the pixels of the list and fills the reflection fields. The time
-/// goes with the length of the list and the size of the reflections.
-/// @param above  is a pixel of the box, in coordinates of the image, above the threshold and not
-///               marked by the mask?
+/// depends on the length of the list and the size of the reflections.
+/// @param above  true if a pixel of the box, in image coordinates, is above the threshold and not
+///               marked by the mask
 void findReflections(RoiStatistics& result, std::vector<ListPixel> list, const PixelBox& box,
                      const std::function<bool(int x, int y)>& above,
                      const morvend::imglib::MImage& image);
@@ -52,6 +52,6 @@ void findReflections(RoiStatistics& result, std::vector<ListPixel> list, const P
 
 /// Spacing of the lattice planes for the angle between the rays scattered into two pixels, in
 /// Angstrom; -1 when the header lacks one of beam centre, distance, pixel sizes and wavelength, or
-/// when both pixels are one.
+/// when both are the same pixel.
 double latticeDistance(const morvend::imglib::MImage& image, double x1, double y1, double x2,
                        double y2);

@@ -20,7 +20,7 @@ ObliqueLine obliqueLine(const StatisticsData& line)
 {
     const double dx = double(line.endX) - line.beginX;
     const double dy = double(line.endY) - line.beginY;
-    // The end points have no half pixel on their y, other than the anchor of the crossings.
+    // Unlike the anchor of the crossings, the end points have no half pixel added to y.
     const PixVal<double> first{line.beginX + 0.5, line.beginX + 0.5, double(line.beginY)};
     const PixVal<double> last{line.endX + 0.5, line.endX + 0.5, double(line.endY)};
     return {first,       last,      line.beginX + 0.5, line.beginY + 0.5, dy / dx,
@@ -32,7 +32,7 @@ bool straight(const StatisticsData& line)
     return line.beginX == line.endX || line.beginY == line.endY;
 }
 
-/// The pixels among which reflections are sought: all of a straight line, but none when it was
+/// The pixels that are searched for reflections: all of a straight line, but none if it was
 /// drawn towards smaller coordinates; the good ones of an oblique line.
 std::vector<ListPixel> reflectionList(const StatisticsData& line,
                                       const std::vector<LineSample>& samples)

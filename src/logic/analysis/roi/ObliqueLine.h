@@ -8,7 +8,7 @@
 
 namespace roi {
 
-/// A value with a sort key and a place.
+/// A value with a sort key and a position.
 template <class Coordinate>
 struct PixVal {
     double key;
@@ -18,7 +18,7 @@ struct PixVal {
 };
 
 /// A straight line that is neither vertical nor horizontal. The crossings with column boundaries
-/// and row boundaries lie on the line through the anchor; first and last point are taken as they
+/// and row boundaries are on the line through the anchor; first and last point are taken as they
 /// are. Column and row numbers are those of the pixels in which the line begins and ends.
 struct ObliqueLine {
     PixVal<double> first;

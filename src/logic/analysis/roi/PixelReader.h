@@ -27,7 +27,7 @@ public:
     bool good(int x, int y) const { return inside(x, y) && maskrule::good(_mask[index(x, y)]); }
     L value(int x, int y) const { return inside(x, y) ? _pixels[index(x, y)] : L(0); }
     R mask(int x, int y, R fallback) const { return inside(x, y) ? _mask[index(x, y)] : fallback; }
-    /// Is the mask exactly zero? Stricter than good(): bits above the fifth count too.
+    /// True if the mask is exactly zero. Stricter than good(): bits above the fifth count too.
     bool unmarked(int x, int y) const { return inside(x, y) && _mask[index(x, y)] == R(0); }
 
     const L* row(int y) const { return _pixels + index(0, y); }

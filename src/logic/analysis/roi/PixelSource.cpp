@@ -31,7 +31,7 @@ public:
     {
         ExtremesOf<T> typed;
         std::fill_n(samples, static_cast<std::size_t>(tile.strips) * RingTile::Stride, Sample{});
-        // What all strips have in common is read row by row where the strips are columns.
+        // The part common to all strips is read row by row if the strips are columns.
         const bool columns = tile.stripStep == 1;
         const int begin = columns ? *std::max_element(tile.begin, tile.begin + tile.strips) : 0;
         const int end = columns ? *std::min_element(tile.end, tile.end + tile.strips) : 0;
@@ -73,8 +73,8 @@ private:
         extremes = found;
     }
 
-    /// The same for pixels in a row, whose samples stand in different strips. The rows to come are
-    /// fetched ahead: no processor foresees steps of whole rows.
+    /// The same for pixels in a row, whose samples are in different strips. The next rows are
+    /// prefetched: no processor predicts steps of whole rows.
     void readAcross(std::ptrdiff_t position, std::ptrdiff_t ahead, int count, Sample* samples,
                     ExtremesOf<T>& extremes) const
     {

@@ -14,7 +14,7 @@
 
 namespace roi {
 
-/// Where the pixels of a tile lie in storage order, and which of them are taken.
+/// Where the pixels of a tile are in storage order, and which of them are taken.
 struct TilePixels {
     int strips;
     int length;
@@ -28,7 +28,7 @@ struct TilePixels {
 /// Image and mask must outlive their source. Thread: any.
 class PixelSource {
 public:
-    /// @throws MNotImplementedException for a pixel type that is none of the twelve
+    /// @throws MNotImplementedException for a pixel type other than the twelve
     static std::unique_ptr<PixelSource> of(const morvend::imglib::MImage& image,
                                            const morvend::imglib::MImage& mask);
     virtual ~PixelSource() = default;
@@ -37,7 +37,7 @@ public:
 
     bool good(std::size_t position) const { return (*_good)[position]; }
     virtual double value(std::size_t position) const = 0;
-    /// Fills Stride samples for each strip; what is not taken is empty. The extremes are those of
+    /// Fills Stride samples for each strip; the others are empty. The extremes are those of
     /// the good pixels that are taken.
     virtual void read(const TilePixels& tile, Sample* samples, Extremes& extremes) const = 0;
 

@@ -11,19 +11,19 @@
 #include <stop_token>
 #include <utility>
 
-/// Computes one kind of region. Fills all but the labels that RoiComputer sets.
+/// Computes one kind of region. Fills all fields except the labels, which RoiComputer sets.
 template <StatisticsData::RoiType Kind>
 class RegionFunctor {
 public:
     /// The selection must outlive the functor.
-    /// @param stop  asked now and then; what is computed after a stop is of no use
+    /// @param stop  polled; after a stop the result is unusable
     explicit RegionFunctor(const StatisticsData& selection, std::stop_token stop = {})
         : _selection(&selection)
         , _stop(std::move(stop))
     {}
 
     /// Each kind has a source file of its own.
-    /// @throws MNotImplementedException for a type that is none of the twelve
+    /// @throws MNotImplementedException for a type other than the twelve
     RoiStatistics compute(const morvend::imglib::MImage& image,
                           const morvend::imglib::MImage& mask) const;
 
@@ -39,7 +39,7 @@ private:
 
 /// Profile, trapezoid sums and reflections along a line, which is short enough not to be stopped.
 using ComputeLineStatistics = RegionFunctor<StatisticsData::Line>;
-/// Sums, extremes and projections of a box. Excluded pixels enter it as zeros; only the mean leaves
+/// Sums, extremes and projections of a box. Excluded pixels count as zeros; only the mean leaves
 /// them out.
 using ComputeBoxStatistics = RegionFunctor<StatisticsData::Box>;
 /// A spot in a disc: its intensity above the ring around it, centroid, section at an angle.

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// What the values of a region add up to.
+// Sums over the values of a region.
 #pragma once
 
 #include "logic/analysis/roi/RoiStatistics.h"
@@ -10,7 +10,7 @@
 
 namespace roi {
 
-/// A mean's deviation from the sums of a region. A radicand that is negative by rounding alone is
+/// A mean's deviation from the sums of a region. A radicand that is negative only by rounding is
 /// 0; one that is negative because squares have wrapped gives NaN.
 inline double deviation(double squares, double weight, double mean)
 {
@@ -19,7 +19,7 @@ inline double deviation(double squares, double weight, double mean)
     return std::sqrt(radicand < 0 && radicand >= -Rounding * mean * mean ? 0.0 : radicand);
 }
 
-/// Values that count by the part of their pixel that lies in the region.
+/// Values weighted by the part of their pixel inside the region.
 struct WeightedSums {
     double sum = 0;
     double squares = 0;
@@ -37,7 +37,7 @@ struct WeightedSums {
         squares += other.squares;
         weight += other.weight;
     }
-    /// Mean and deviation; both stay as they are where nothing has a weight.
+    /// Mean and deviation; both stay unchanged if nothing has a weight.
     void store(double& mean, double& sigma) const
     {
         if (weight == 0)
@@ -72,7 +72,7 @@ struct ExtremesOf {
 };
 using Extremes = ExtremesOf<double>;
 
-/// Sums and extremes of the pixels that a region is made of.
+/// Sums and extremes of the pixels of a region.
 struct RegionSums : WeightedSums {
     Extremes extremes;
 

@@ -15,7 +15,8 @@
 
 using morvend::imglib::MImage;
 
-/// One request. What is not const belongs to who computes it, and to the view once it is finished.
+/// One request. Members that aren't const belong to the computing thread, and to the view once it
+/// is finished.
 struct RegionWorker::Job {
     const RegionWorker* const view;
     const MImage image;
@@ -72,13 +73,13 @@ public:
             _thread = std::thread([this] { _run(); });
         _changed.notify_all();
     }
-    /// Takes a job back that has not begun; stops it otherwise.
+    /// Removes a job that has not begun; stops it otherwise.
     void drop(const std::shared_ptr<Job>& job)
     {
         job->stop.request_stop();
         takeBack(job);
     }
-    /// @returns false when the job has begun
+    /// @returns false if the job has begun
     bool takeBack(const std::shared_ptr<Job>& job)
     {
         const std::lock_guard lock(_mutex);
@@ -94,7 +95,7 @@ public:
         std::unique_lock lock(_mutex);
         _changed.wait(lock, [&] { return job.finished; });
     }
-    /// Waits until nothing of a view is worked at.
+    /// Waits until no job of a view is running.
     void awaitEndOf(const RegionWorker& view)
     {
         std::unique_lock lock(_mutex);

@@ -17,7 +17,7 @@ constexpr double Steep = 1.25;
 
 double square(double value) { return value * value; }
 
-/// The first number in a range for which a condition holds that goes on holding from there; the
+/// The first number in a range from which on a condition holds; the
 /// search begins at a guess.
 template <class Condition>
 int firstWhere(int begin, int end, double guess, Condition condition)

@@ -19,8 +19,8 @@ struct Ring {
     int height;
 };
 
-/// One direction from the centre along rows or columns. Border i stands before pixel i; both count
-/// from the centre outwards, and a pixel that has the centre's coordinate in it is none of them.
+/// One direction from the centre along rows or columns. Border i is before pixel i; both count
+/// from the centre outwards, and the pixel that contains the centre's coordinate isn't among them.
 class RingSide {
 public:
     /// @param extent  pixels of the image along the side's coordinate
@@ -29,7 +29,7 @@ public:
 
     double centre() const { return _centre; }
     int direction() const { return _direction; }
-    /// Pixels that lie in the image, the end not included.
+    /// The pixels inside the image, the end not included.
     int begin() const { return _begin; }
     int end() const { return _end; }
     double border(int i) const { return double(_base) + _direction * double(i); }
@@ -49,15 +49,15 @@ struct RingStrip {
     RingStrip(int number, double centre);
     double near;
     double far;
-    bool holdsCentre;  // lies the centre between the edges?
+    bool holdsCentre;  // the centre is between the edges
 };
 
 /// The pixels of a strip on one side of the centre, judged by their corners. The numbers are
 /// borders between kinds of pixels, in the order of the side.
 struct StripParts {
     StripParts(const Ring& ring, const RingStrip& strip, const RingSide& side);
-    int hole;       // pixels before it lie wholly within the inner circle
-    int fullBegin;  // pixels from here up to fullEnd lie wholly in the ring
+    int hole;       // pixels before it are wholly within the inner circle
+    int fullBegin;  // pixels from here up to fullEnd are wholly in the ring
     int fullEnd;
     int reach;      // pixels from here on are not touched by the ring
     int steepEnd;   // pixels before it are nearer to the centre than the strip, by a margin

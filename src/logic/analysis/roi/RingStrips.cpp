@@ -3,7 +3,7 @@
 //
 // The crossings, for each instruction set. A circle enters a strip at its edge far from the centre
 // and leaves it at the near one; between them it crosses at most one border between pixels. Where
-// it does is found from the squared distances of corners, by which pixels are told inside from
+// it does is found from the squared distances of corners, by which pixels are judged inside or
 // outside everywhere.
 #include "logic/analysis/roi/RingStrips.h"
 
@@ -34,10 +34,10 @@ constexpr double Rounding = 1e-6;
 struct Edge {
     double distance;
     double cut[MostRadii];     // distance along the strip
-    double inside[MostRadii];  // borders between pixels that lie within the circle, from the first
+    double inside[MostRadii];  // borders between pixels within the circle, from the first
 };
 
-/// What the circles leave in one strip, by radius.
+/// The parts of circles in one strip, by radius.
 struct Pieces {
     double far[MostRadii];  // length in the pixel at the far edge
     double near[MostRadii];
@@ -79,7 +79,7 @@ void cutEdge(const RingTile& tile, double distance, int lowest, std::size_t coun
         const V cut = hn::Sqrt(hn::Sub(r2, square2));
         const V place = hn::Add(hn::Sub(cut, start), one);
         V inside = hn::Floor(place);
-        // Right but for rounding near a border: there the corners themselves decide.
+        // Right except for rounding near a border: there the corners themselves decide.
         const V offBorder = hn::Abs(hn::Sub(place, hn::Round(place)));
         if (!hn::AllTrue(d, hn::Gt(offBorder, hn::Set(d, Rounding)))) {
             const auto within = [&](V border) {

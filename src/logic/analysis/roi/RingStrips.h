@@ -34,8 +34,8 @@ struct RingTile {
     double first;                  // the border before the first pixels
     double direction;              // of the coordinate from there on, 1 or -1
     double edges[MostStrips + 1];  // distances of the centre from the borders between strips
-    /// Radii that cross the pixels of interest of a strip; the first is above the last for none.
-    /// Each circle leads through a strip within less than one pixel there.
+    /// Radii that cross the pixels of interest of a strip; none if the first is above the last.
+    /// There each circle crosses a strip within less than one pixel.
     int lowest[MostStrips];
     int highest[MostStrips];
 };

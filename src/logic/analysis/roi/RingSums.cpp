@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// The ring in blocks of rows and of columns. A pixel that lies wholly in the ring is taken along
+// The ring in blocks of rows and of columns. A pixel wholly in the ring is taken along
 // its row where circles cross rows steeply, left and right of the centre, and along its column
 // above and below it. Along the diagonals, at the rims and on the lines through the centre pixels
-// are taken one by one.
+// are handled one by one.
 #include "logic/analysis/roi/RingSums.h"
 
 #include "logic/analysis/roi/Blocks.h"
@@ -76,7 +76,7 @@ public:
             _addSide(axis, side, begin, end);
     }
 
-    /// All pixels of a row that no strip takes.
+    /// All pixels of a row that belong to no strip.
     void addRest(const Axis& rows, int y)
     {
         const RingStrip strip(y, rows.centre);
@@ -87,7 +87,7 @@ public:
             const StripParts parts(_ring, strip, side);
             for (int i = parts.hole; i < parts.reach; ++i) {
                 if (!strip.holdsCentre && i >= parts.fullBegin && i < parts.fullEnd) {
-                    // On to the first that is not taken along its column or row.
+                    // Skip to the first that is not taken along its column or row.
                     if (i < parts.steepEnd)
                         i = std::min(parts.steepEnd, parts.fullEnd);
                     if (i >= parts.flatBegin)
@@ -147,7 +147,7 @@ private:
             const int e = std::clamp(end, b, to);
             place.begin[j] = b - from;
             place.end[j] = e - from;
-            // None: the first is above the last.
+            // Empty: the first is above the last.
             tile.lowest[j] = 1;
             tile.highest[j] = 0;
             if (b < e) {

@@ -12,7 +12,7 @@
 
 namespace roi {
 
-/// What a ring's good pixels add up to. Pixels at the rims count by their part in the ring.
+/// The sums over a ring's good pixels. Pixels at the rims count by their part in the ring.
 struct RingSums {
     RegionSums pixels;
     /// The point of radius r is points[r - firstRadius], for the radii of the ring that the image
@@ -21,10 +21,10 @@ struct RingSums {
     int firstRadius = 0;
 };
 
-/// Goes over the ring on all cores; the result does not depend on their number. No geometry is
-/// kept: what is computed for each pixel costs less than to read it from a table. Memory: a few
+/// Sums the ring on all cores; the result does not depend on their number. No geometry is
+/// cached: computing it for each pixel is cheaper than reading it from a table. Memory: a few
 /// megabytes.
-/// @param stop  asked for each few rows; a sum that was stopped is of no use
+/// @param stop  polled every few rows; after a stop the sum is unusable
 RingSums sumRing(const Ring& ring, const PixelSource& pixels, const std::stop_token& stop);
 
 }  // namespace roi

@@ -23,15 +23,15 @@ public:
     void setImage(const morvend::imglib::MImage& image) { _image = &image; }
     void setMask(const morvend::imglib::MImage& mask) { _mask = &mask; }
 
-    /// Lets compute() end early once a stop is requested; what it gives then is of no use.
+    /// Lets compute() end early once a stop is requested; the result is then unusable.
     void setStopToken(std::stop_token stop) { _stop = std::move(stop); }
 
-    /// A default record when image, mask or a defined selection is missing.
-    /// @throws MNotImplementedException for a pixel type that is none of the twelve,
+    /// A default record if image, mask or a defined selection is missing.
+    /// @throws MNotImplementedException for a pixel type other than the twelve,
     /// MBadParameterException for a region beyond MostPixels or a mask of another size
     RoiStatistics compute() const;
 
-    /// The same for a view, where an image must not fail because of a region: one that compute()
+    /// The same for a view, where a region must not make an image fail: one that compute()
     /// refuses gives a default record and a warning on standard error.
     /// @throws MNotImplementedException
     RoiStatistics computeOrWarn() const;

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// What is known of a region of interest.
+// The results for a region of interest.
 #pragma once
 
 #include <string>
@@ -34,8 +34,8 @@ struct RoiStatistics {
     std::vector<std::string> curveLabels = std::vector<std::string>(2);
     std::vector<std::vector<double>> secondCurve;
     std::vector<std::string> secondCurveLabels = std::vector<std::string>(2);
-    /// Line: where the reflections lie along it, their pixels (all but the last), and the distance
-    /// of each from the next as a text.
+    /// Line: the positions of the reflections along it, their pixels (all but the last), and the
+    /// distance of each from the next as a text.
     std::vector<double> reflectionPositions;
     std::vector<std::vector<int>> reflectionPixels;
     std::vector<std::string> lineSpotsString;

@@ -92,7 +92,7 @@ void ComputeStatistics::_numbersAndHistogram(const MImage& image, const MImage& 
 template <class L>
 void ComputeStatistics::_set(const PixelTotals<L>& totals, const GoodPixels& good) const
 {
-    // Without a good pixel these are no numbers.
+    // Without a good pixel these are NaN.
     const double mean = totals.sum / good.good();
     const double squares = totals.squares / good.good();
     _target->minimum = static_cast<double>(totals.minimum);

@@ -30,18 +30,19 @@ public:
         : _target(target)
     {}
 
-    /// Told after each strip of pixels where the next one begins, while the strip is in the cache.
+    /// Called after each strip of pixels with the start of the next, while the strip is in the
+    /// cache.
     using Progress = std::function<void(std::size_t pixel)>;
 
     /// Overwrites all fields of the target. The mask has the image's size. Prints timing lines.
-    /// @param progress  other work on the same pixels: done here it needn't wait for the memory
-    /// @throws MNotImplementedException for an image or a mask of no pixel type
+    /// @param progress  other work on the same pixels: done here it need not wait for memory
+    /// @throws MNotImplementedException for an image or a mask without a pixel type
     void compute(const MImage& image, const MImage& mask, const Progress& progress = {}) const;
 
-    /// The same without printed lines, for a mask that replaces the one of the first time.
+    /// The same without printed lines, for a mask that replaces the first one.
     void computeAgain(const MImage& image, const MImage& mask) const;
 
-    /// The numbers alone, without histogram, contrast and printed lines.
+    /// Only the numbers, without histogram, contrast and printed lines.
     void computeNumbers(const MImage& image, const MImage& mask) const;
 
     /// The same for an image of pixels L and a mask of pixels R.

@@ -42,7 +42,7 @@ struct ExactTotals {
     void addAll(const T* values, std::size_t count);
 
     T minimum, maximum;
-    int saturation;  // as of saturates()
+    int saturation;  // as for saturates()
     unsigned int zeros = 0;
     unsigned int saturated = 0;
     std::int64_t sum = 0;

@@ -21,7 +21,7 @@ namespace {
 constexpr std::size_t MostMasks = 4;
 constexpr std::size_t MostPixels = std::size_t(1) << 28;  // of a mask that is kept: 32 MiB of bits
 
-/// The masks used last, the latest one in front.
+/// The most recently used masks, the latest first.
 class RecentMasks {
 public:
     static RecentMasks& instance()

@@ -20,8 +20,8 @@ public:
 
     /// The bits of a mask. Those of the last few masks are kept by the identity of their pixels,
     /// as all images of a series share one. Thread: any.
-    /// @throws MNotImplementedException for a mask of no pixel type, MRuntimeException when memory
-    /// is short
+    /// @throws MNotImplementedException for a mask without a pixel type, MRuntimeException when
+    /// memory is short
     static std::shared_ptr<const GoodPixels> of(const morvend::imglib::MImage& mask);
 
     /// The bits of `size` mask pixels.

@@ -130,7 +130,7 @@ void partBlock(const float* pixels, const std::uint8_t* bits, std::size_t count,
         __builtin_prefetch(pixels + i + 1024);
         const auto value = hn::LoadU(d, pixels + i);
         const auto good = goodLanes(d, bits, i);
-        // A NaN is on neither side.
+        // NaN belongs to neither side.
         const auto below = hn::And(good, hn::Lt(value, lower));
         const auto above = hn::AndNot(below, hn::And(good, hn::Ge(value, upper)));
         const auto binned = hn::And(good, hn::And(hn::Ge(value, lower), hn::Lt(value, upper)));

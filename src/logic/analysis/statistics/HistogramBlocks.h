@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// The vector steps of the histogram: they part a block of pixels into those that are counted by
+// The vector steps of the histogram: they split a block of pixels into those that are counted by
 // table and the others.
 #pragma once
 
@@ -12,13 +12,13 @@
 namespace histogramblocks {
 
 inline constexpr std::size_t BlockPixels = 4096;
-inline constexpr std::size_t Padding = 64;  // elements written beyond the end of a buffer at most
+inline constexpr std::size_t Padding = 64;  // most elements written beyond the end of a buffer
 
 /// Lanes of integer pixels.
 template <class T>
 using Lane = std::conditional_t<std::is_same_v<T, unsigned int>, unsigned int, int>;
 
-/// What a block of integers was found to hold.
+/// What was found in a block of integers.
 struct Encoded {
     std::size_t others;    // good pixels outside the window
     unsigned int highest;  // code
@@ -41,7 +41,7 @@ inline constexpr unsigned int MostCompared = 24;
 void countCodes(const std::uint8_t* codes, std::size_t count, unsigned int highest,
                 unsigned int* counts);
 
-/// Where floats go, and how many have gone there.
+/// The destinations of floats, and how many were written to each.
 struct FloatParts {
     float lower, upper;  // ends of the binned range
     float* below;

@@ -33,7 +33,7 @@ struct Binning {
     static constexpr double binsPerUnit = std::is_same_v<T, float>    ? 1e6
                                           : std::is_same_v<T, double> ? 999999999.9999999
                                                                       : 1.0;
-    // For floating types the smallest positive number: every negative pixel lies in the tail.
+    // For floating types the smallest positive number: every negative pixel is in the tail.
     static constexpr double floor = static_cast<double>(std::numeric_limits<T>::min());
     static constexpr double ceiling = static_cast<double>(std::numeric_limits<T>::max());
 };
@@ -48,7 +48,7 @@ public:
     {}
     std::size_t of(T value) const
     {
-        // Held before the conversion: the range of a mean that is no number reaches far beyond the
+        // Clamped before the conversion: the range of a NaN mean extends far beyond the
         // bins.
         return static_cast<std::size_t>(
             std::min((static_cast<double>(value) - _lower) * Binning<T>::binsPerUnit, _last));

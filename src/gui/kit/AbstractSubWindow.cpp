@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// A frame of the image area: a title bar over one content widget.
 #include "gui/kit/AbstractSubWindow.h"
 
 #include "logic/support/Assert.h"

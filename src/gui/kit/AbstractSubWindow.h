@@ -11,7 +11,7 @@
 
 /// A frame that the MDI area tiles. It becomes active when it or any part of it gets the focus.
 ///
-/// A frame never closes itself: a close only says terminated(), and the area disposes of it later,
+/// A frame never closes itself: a close only emits terminated(), and the area deletes it later,
 /// from the event loop, as the close usually comes from a signal of one of its children.
 class AbstractSubWindow : public QWidget {
     Q_OBJECT
@@ -21,10 +21,10 @@ public:
     explicit AbstractSubWindow(QWidget* parent = nullptr);
 
     bool active() const { return _active; }
-    /// Takes the focus and says gotActivated() when it turns active.
+    /// Takes the focus and emits gotActivated() when it becomes active.
     void setActivated(bool activated);
 
-    /// Puts a widget below the title bar, in place of the one before, which is deleted.
+    /// Puts a widget below the title bar, replacing the previous one, which is deleted.
     void setWidget(QWidget* widget);
     QWidget* widget() const { return _widget; }
     TitleBar* titleBar() const { return _titleBar; }
@@ -36,7 +36,7 @@ public slots:
     /// A bare view: no controls and no exit button in the title bar.
     void hideToolButtons();
     void showToolButtons();
-    /// Colours of the title bar; each value is held within 0 to 255. They show from the next change
+    /// Colours of the title bar; each value is clamped to 0 to 255. They show from the next change
     /// of activation on.
     void setActiveColor(int red, int green, int blue);
     void setNonActiveColor(int red, int green, int blue);

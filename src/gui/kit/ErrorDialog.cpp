@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// Failures reported to the user.
 #include "gui/kit/ErrorDialog.h"
 
 #include "logic/support/Console.h"
@@ -21,16 +19,16 @@
 
 namespace {
 
-/// As many are shown by a label. It lays out all its text anew with each one that joins, so that a
-/// list takes over from there on.
+/// Up to this many are shown by a label, which lays out all its text again for each new one; a
+/// list shows more.
 constexpr int mostInLabel = 20;
 
-/// The first ones tell most.
+/// The first ones say most.
 constexpr int mostInList = 10000;
 
 constexpr int leastWidth = 400;
 
-/// Wants the room that its text needs, in lines no longer than the screen; adjustSize() gives a
+/// Asks for the space that its text needs, in lines no longer than the screen; adjustSize() gives a
 /// window two thirds of the screen at most.
 class ScrollingText : public QScrollArea {
 public:
@@ -46,7 +44,7 @@ public:
         const int most = std::max(screen()->availableSize().width() * 3 / 5, leastWidth);
         const int wanted = widget()->sizeHint().expandedTo(widget()->minimumSizeHint()).width();
         const int width = std::clamp(wanted, leastWidth, most);
-        // A word longer than a line, as a path, has a bar below.
+        // A word longer than a line, as a path, gets a scroll bar.
         const int bar = wanted > width ? horizontalScrollBar()->sizeHint().height() : 0;
         return {width, widget()->heightForWidth(width) + bar};
     }
@@ -62,7 +60,7 @@ ErrorDialog::ErrorDialog(const char* message, QWidget* parent)
     , _list(new QPlainTextEdit)
 {
     setAttribute(Qt::WA_DeleteOnClose);
-    // Messages hold file names, which are never markup.
+    // Messages hold file names, which must not be taken for markup.
     _text->setTextFormat(Qt::PlainText);
     _text->setTextInteractionFlags(Qt::TextSelectableByMouse);
     _text->setAlignment(Qt::AlignLeft | Qt::AlignTop);
@@ -109,7 +107,7 @@ void ErrorDialog::_add(const QString& message)
         _text->setText(QStringLiteral("%1 errors:").arg(_count));
         if (!_list->isHidden())
             return;
-        // The room is the list's now.
+        // The list now fills the space.
         _area->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Maximum);
         _area->updateGeometry();
         _list->show();

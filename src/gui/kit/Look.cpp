@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// The look of the program: style, colours and font, and what OpenGL needs before all windows.
 #include "gui/kit/Look.h"
 
 #include "logic/support/GlobalStyle.h"
@@ -19,7 +17,7 @@ void beforeApplication()
     QSurfaceFormat format = QSurfaceFormat::defaultFormat();
     format.setVersion(3, 0);
     format.setProfile(QSurfaceFormat::CompatibilityProfile);
-    // Without this option some drivers hand out a core profile whatever the profile asked for.
+    // Without this option some drivers hand out a core profile whatever profile is requested.
     format.setOption(QSurfaceFormat::DeprecatedFunctions);
     format.setDepthBufferSize(24);
     format.setStencilBufferSize(8);

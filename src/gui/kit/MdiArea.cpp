@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// The image area of the main window: frames tiled in a near-square grid.
 #include "gui/kit/MdiArea.h"
 
 #include "gui/kit/Resources.h"
@@ -33,7 +31,7 @@ MdiArea::MdiArea(QWidget* parent)
 
 MdiArea::~MdiArea()
 {
-    // A frame that goes hands the focus on, which must not reach the frames that still stand.
+    // A deleted frame passes its focus on; the remaining frames must not react to that.
     const QSignalBlocker quiet(qApp);
     qDeleteAll(_subWindows);
 }
@@ -69,7 +67,7 @@ void MdiArea::removeSubWindow(AbstractSubWindow* frame)
     else if (frame == _activeSubWindow)
         _subWindows.first()->setActivated(true);
     {
-        // Hiding hands the focus to any neighbour, which must not become active by that.
+        // Hiding passes the focus to a neighbour, which must not become active by that.
         const QSignalBlocker quiet(qApp);
         frame->hide();
         frame->setParent(nullptr);
@@ -80,8 +78,8 @@ void MdiArea::removeSubWindow(AbstractSubWindow* frame)
 
 void MdiArea::_rearrangeSoon()
 {
-    // Once for all frames that go in a row, as of files that can't be shown: each time moves every
-    // frame that stays.
+    // Once for all frames removed in a row, as of files that can't be shown: each time moves every
+    // remaining frame.
     if (std::exchange(_rearrangeDue, true))
         return;
     QMetaObject::invokeMethod(
@@ -117,7 +115,7 @@ MdiSplitter* MdiArea::_column(int index) const
 
 void MdiArea::_rearrange()
 {
-    // Moving frames drops the focus; nobody is to hear of that, and the active frame gets it back.
+    // Moving frames drops the focus; nothing must react to that, and the active frame gets it back.
     const QSignalBlocker quiet(qApp);
     const QPointer<QWidget> focus = QApplication::focusWidget();
     for (AbstractSubWindow* frame : std::as_const(_subWindows))
@@ -149,9 +147,9 @@ void MdiArea::_rearrange()
 
 void MdiArea::_shareOut(const std::vector<int>& heights)
 {
-    // Sizes must count at once: an image that arrives before the event loop has laid out its view
-    // would be centred in a view without extent. Splitters keep limits of their size from when they
-    // were empty.
+    // Sizes must take effect at once: an image that arrives before the event loop has laid out its
+    // view would be centred in a view without extent. Splitters keep limits of their size from when
+    // they were empty.
     for (int column = 0; column < _mainSplitter->count(); ++column)
         _column(column)->refresh();
     _mainSplitter->refresh();

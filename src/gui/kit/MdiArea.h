@@ -15,7 +15,7 @@
 
 class QSvgRenderer;
 
-/// Tiles its frames and knows which of them is the active one. Frames are never moved by hand; the
+/// Tiles its frames and knows which one is active. Frames are never moved by hand; the
 /// borders between them are, until a frame comes or goes. Without frames it shows the logo.
 class MdiArea : public QWidget {
     Q_OBJECT
@@ -30,8 +30,8 @@ public:
     void addSubWindow(AbstractSubWindow* frame) { addSubWindows({frame}); }
     /// The same for several, tiled once; the last one becomes active.
     void addSubWindows(const QList<AbstractSubWindow*>& frames);
-    /// Hides a frame and deletes it from the event loop; ignores frames that are not here. When it
-    /// was the active one, the first of the others becomes active.
+    /// Hides a frame and deletes it from the event loop; ignores unknown frames. If it
+    /// was active, the first of the others becomes active.
     void removeSubWindow(AbstractSubWindow* frame);
     /// Null without frames.
     AbstractSubWindow* activeSubWindow() const { return _activeSubWindow; }

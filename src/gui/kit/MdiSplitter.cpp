@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// The splitters between the tiled frames.
 #include "gui/kit/MdiSplitter.h"
 
 #include "gui/kit/MdiSplitterHandle.h"

@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// The handle between two tiled frames.
 #include "gui/kit/MdiSplitterHandle.h"
 
 #include <QPaintEvent>

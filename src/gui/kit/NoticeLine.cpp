@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Place and time of a notice.
+// Position and duration of a notice.
 #include "gui/kit/NoticeLine.h"
 
 #include <QEvent>

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// A sentence over a view that goes by itself.
+// A sentence over a view that disappears by itself.
 #pragma once
 
 #include <QLabel>
@@ -9,19 +9,19 @@
 
 #include <chrono>
 
-/// Lies over the upper edge of its parent, as wide as that and as high as its text, while it has
-/// something to say. Takes neither focus nor mouse. Thread: GUI only.
+/// Covers the upper edge of its parent, as wide as that and as high as its text, while it has
+/// a text. Takes neither focus nor mouse. Thread: GUI only.
 class NoticeLine : public QLabel {
     Q_OBJECT
 public:
     static constexpr std::chrono::milliseconds usualTime{6000};
 
     explicit NoticeLine(QWidget* parent, std::chrono::milliseconds time = usualTime);
-    /// What was said last.
+    /// The last text.
     const QString& message() const { return _message; }
 
 public slots:
-    /// Shows a plain text for a while, in the place of the one before.
+    /// Shows a plain text for a while, replacing the previous one.
     void say(const QString& message);
 
 protected:

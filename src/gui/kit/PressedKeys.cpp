@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// Which keys are held down.
 #include "gui/kit/PressedKeys.h"
 
 #include <QKeyEvent>
@@ -28,7 +26,7 @@ bool PressedKeys::pressed(int key)
 
 void PressedKeys::record(const QKeyEvent& event)
 {
-    // The releases of a key that repeats itself are none.
+    // Auto-repeat sends releases that are not real.
     if (event.key() == Qt::Key_Escape || event.isAutoRepeat())
         return;
     const QMutexLocker lock(&pressedKeysMutex);

@@ -7,13 +7,13 @@
 class QKeyEvent;
 
 /// The keys of the keyboard that are down, for gestures of the mouse that depend on a held key.
-/// Who filters the events of a window records them here. Thread: any.
+/// The event filter of a window records them here. Thread: any.
 class PressedKeys {
 public:
-    /// A key never seen is up.
+    /// True while the key is down; an unknown key is up.
     static bool pressed(int key);
-    /// Takes a press or a release, those of Escape apart.
+    /// Records a press or a release; ignores Escape.
     static void record(const QKeyEvent& event);
-    /// All keys are up, as when the keyboard goes to another program.
+    /// Sets all keys up, as when another program gets the keyboard.
     static void clear();
 };

@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// A line of text over a widget, for what is going on there.
 #include "gui/kit/QuietLine.h"
 
 #include <QEvent>

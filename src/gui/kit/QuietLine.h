@@ -6,7 +6,7 @@
 
 #include <QLabel>
 
-/// Lies along the lower edge of its parent and lets the mouse through. Without text it is hidden; a
+/// Runs along the lower edge of its parent and lets the mouse through. Without text it is hidden; a
 /// text that is too long loses its middle. Thread: GUI only.
 class QuietLine : public QLabel {
     Q_OBJECT

@@ -4,6 +4,6 @@
 // Icons and shaders compiled into the program.
 #pragma once
 
-/// Registers the resources under ":/". They stand in a static library, from which the linker takes
-/// only what is called for, so whoever reads a resource calls this first. Cheap when repeated.
+/// Registers the resources under ":/". They are in a static library, of which the linker takes
+/// only what is referenced, so whoever reads a resource calls this first. Cheap when repeated.
 void initResources();

@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// Tabs of tool bars, of which one is on show.
 #include "gui/kit/RibbonInterface.h"
 
 RibbonInterface::RibbonInterface(QWidget* parent)

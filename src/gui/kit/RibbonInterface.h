@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Tabs of tool bars, of which one is on show.
+// Tabs of tool bars, of which one is shown.
 #pragma once
 
 #include <QAction>
@@ -12,14 +12,14 @@
 
 #include <map>
 
-/// A stack of tool bars. Each tab has a checkable action, which stands wherever the owner puts it
+/// A stack of tool bars. Each tab has a checkable action, which the owner may put anywhere
 /// and brings its tool bar to the front. Unknown names are ignored.
 class RibbonInterface : public QWidget {
     Q_OBJECT
 public:
     explicit RibbonInterface(QWidget* parent = nullptr);
 
-    /// Adds a tab; the first one is on show.
+    /// Adds a tab; the first one is shown.
     QAction* addToolBar(const QString& name);
     void addAction(const QString& name, QAction* action);
     void addWidget(const QString& name, QWidget* widget);

@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// Pictures of the resources as icons.
 #include "gui/kit/SvgIcon.h"
 
 #include "gui/kit/Resources.h"

@@ -9,5 +9,5 @@
 #include <QString>
 
 /// The SVG picture of a resource, rendered onto a transparent ground of the given size in pixels
-/// (and of twice that size, for screens of high density); dimmed where it is disabled.
+/// (and of twice that size, for screens of high density); dimmed if disabled.
 QIcon svgIcon(const QString& resource, const QSize& size);

@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// An SVG picture as a widget.
 #include "gui/kit/SvgWidget.h"
 
 #include "gui/kit/Resources.h"
@@ -13,7 +11,7 @@
 
 namespace {
 
-/// One side of a picture from the other one, in the proportion of its default sides.
+/// One side of a picture computed from the other, in its default proportions.
 int proportional(int side, int otherDefault, int sideDefault)
 {
     return sideDefault > 0 ? static_cast<int>(double(otherDefault * side) / sideDefault) : 0;

@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// The slim bar over the content of a frame: controls, title and exit button.
 #include "gui/kit/TitleBar.h"
 
 #include "gui/kit/SvgIcon.h"

@@ -22,7 +22,7 @@ public:
 
     explicit TitleBar(QWidget* parent = nullptr);
 
-    /// Colours count from the next change of activation on.
+    /// Colours take effect at the next change of activation.
     void setActiveColor(unsigned char red, unsigned char green, unsigned char blue);
     void setNonActiveColor(unsigned char red, unsigned char green, unsigned char blue);
     QColor activeColor() const { return _activeColor; }
@@ -31,17 +31,17 @@ public:
 
     /// Shows the end of a title that is too wide, and the whole of it as tooltip.
     void setTitle(const QString& title);
-    /// The title as it is shown, elided where it has to be.
+    /// The title as it is shown, elided if necessary.
     QString shownTitle() const;
 
     QPushButton* exitButton() const { return _exitButton; }
     void showExitButton() { _exitButton->show(); }
     void hideExitButton() { _exitButton->hide(); }
 
-    /// Adds behind what was added before, left of the title.
+    /// Adds after what was added before, left of the title.
     void addWidget(QWidget* widget);
     void addSpacing(int pixels);
-    /// What was added, tool buttons of actions included.
+    /// All that was added, including tool buttons of actions.
     const QList<QWidget*>& titleWidgets() const { return _titleWidgets; }
     const QList<QAction*>& titleActions() const { return _titleActions; }
 

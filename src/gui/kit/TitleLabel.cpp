@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// The title of a frame, elided at its left end.
 #include "gui/kit/TitleLabel.h"
 
 #include "gui/kit/TitleBar.h"

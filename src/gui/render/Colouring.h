@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// All that decides the colour of a pixel besides its value and its mask.
+// Everything that decides the colour of a pixel besides its value and its mask.
 #pragma once
 
 #include "imagelib/display/MColorTable.h"
@@ -13,9 +13,9 @@ namespace render {
 
 /// Contrast and special colours of one view; a value.
 struct Colouring {
-    /// Its colour table is never null here: whoever makes one puts the default in its place.
+    /// Its colour table is never null here: the maker puts the default in its place.
     ContrastData contrast;
-    /// From this intensity on a pixel shows the table's colour of saturation; none for no such
+    /// From this intensity on a pixel shows the table's colour of saturation; empty for no such
     /// highlighting.
     std::optional<int> saturation;
     bool highlightDefective = false;

@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// Colours images on the processor, for views whose OpenGL stack has no shaders.
 #include "gui/render/CpuColouring.h"
 
 #include "gui/render/ParallelRows.h"
@@ -32,7 +30,7 @@ morvend::imglib::ColorSettings settingsOf(const Colouring& colouring)
             colouring.saturation.has_value()};
 }
 
-/// Has the image more pixels than the screen has for them?
+/// True if the image has more pixels than the screen gives it.
 bool isReduced(const ViewportData& viewport, double devicePixelRatio)
 {
     return viewport.zoom() * devicePixelRatio < 1;
@@ -88,7 +86,7 @@ void CpuColouring::draw(QPainter& painter, const DisplayImage& image, const Colo
         return;
     if (!_part.contains(wanted)) {
         _picture = {};
-        _rgbImage = {};  // its memory comes again, warm, for the new colours
+        _rgbImage = {};  // the new colours reuse its memory while it is warm
         _rgbImage = rgb(image, colouring, wanted);
         _part = wanted;
         _colouredPixels += _rgbImage.size();

@@ -23,14 +23,14 @@ class CpuColouring {
 public:
     using MImage = morvend::imglib::MImage;
 
-    /// One colour for each pixel of a part of the image, which must lie in it (asserted), in the
+    /// One colour for each pixel of a part of the image, which must be in it (asserted), in the
     /// layout of QImage::Format_ARGB32_Premultiplied.
     static MImage rgb(const DisplayImage& image, const Colouring& colouring, const QRect& part);
 
-    /// Image or colouring have changed.
+    /// Call when image or colouring have changed.
     void invalidate();
     /// Draws the visible part, in widget coordinates: each screen pixel as ScreenPixels says, or,
-    /// where the image has more of them than the screen, reduced with neighbours averaged.
+    /// if the image has more of them than the screen, reduced with neighbours averaged.
     /// @param view  size of the view
     void draw(QPainter& painter, const DisplayImage& image, const Colouring& colouring,
               const ViewportData& viewport, QSize view);
@@ -44,8 +44,8 @@ private:
 
     QRect _part;
     MImage _rgbImage;
-    QImage _picture;  // a view on its pixels
-    /// The view as it stands on the screen: painters round by rules of their own, and some would
+    QImage _picture;  // refers to its pixels
+    /// The view as shown on the screen: painters have their own rounding rules, and some would
     /// have to send the picture to the graphics card, which may be too large for it.
     QImage _composition;
     ViewportData _composedViewport;

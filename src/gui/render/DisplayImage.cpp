@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// The image that a view shows.
 #include "gui/render/DisplayImage.h"
 
 #include "gui/render/ParallelRows.h"

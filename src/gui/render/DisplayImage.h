@@ -13,15 +13,15 @@
 namespace render {
 
 /// An image with its mask, both as the loader left them: shown as 32-bit signed, unsigned or float
-/// pixels, but never copied into such. Shaders read narrow pixels as they stand; wider ones are
-/// converted on their way to the card, the visible ones on their way to a colour.
+/// pixels, but never copied into such a type. Shaders read narrow pixels as stored; wider ones
+/// are converted on their way to the card, the visible ones on their way to a colour.
 class DisplayImage {
 public:
     using MImage = morvend::imglib::MImage;
 
     /// No image.
     DisplayImage() = default;
-    /// @param base  must carry a pixel mask (asserted), as every image does after the loader; one
+    /// @param base  must carry a pixel mask (asserted), as every image from the loader does; one
     /// of another size counts as good pixels
     explicit DisplayImage(const MImage& base);
 
@@ -37,9 +37,10 @@ private:
     MImage _mask;
 };
 
-/// Pixels of `part` of an image as 32-bit values of its kind, row by row; wider integers are held
-/// at the ends. Large parts are split over the cores.
-/// @param out  room for as many 32-bit values as `part`, which lies in the image (asserted), has
+/// Pixels of `part` of an image as 32-bit values of its kind, row by row; wider integers are
+/// clamped to the range. Large parts are split over the cores.
+/// @param out  space for one 32-bit value per pixel of `part`, which must be in the image
+/// (asserted)
 void displayPixels(const morvend::imglib::MImage& image, const QRect& part, void* out);
 /// The same for a mask, whose values become bytes of the same low bits.
 void maskPixels(const morvend::imglib::MImage& mask, const QRect& part, void* out);

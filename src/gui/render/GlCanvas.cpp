@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// The surface of a view that draws through OpenGL.
 #include "gui/render/GlCanvas.h"
 
 #include <QOpenGLContext>
@@ -22,7 +20,7 @@ GlCanvas::~GlCanvas() { _release(); }
 
 void GlCanvas::initializeGL()
 {
-    // A view that moved to a window with a context of its own starts anew.
+    // A view that moved to a window with its own context starts again.
     _release();
     _contextEnd = connect(context(), &QOpenGLContext::aboutToBeDestroyed, this, &GlCanvas::_release,
                           Qt::DirectConnection);

@@ -10,13 +10,13 @@
 
 namespace render {
 
-/// Fills a view and leaves all events of mouse and keys to it. A widget of its own because Qt ends
-/// the process when it shows a window that holds one of these and has no OpenGL; then a view makes
+/// Fills a view and passes all mouse and key events to it. A widget of its own because Qt ends
+/// the process when it shows a window with one of these and there is no OpenGL; a view then makes
 /// none.
 class GlCanvas : public QOpenGLWidget {
     Q_OBJECT
 public:
-    /// What the view does in a context of this widget, which is current.
+    /// Callbacks of the view; the context of this widget is current in them.
     struct Client {
         std::function<void()> initialize;  ///< a context is new
         std::function<void()> paint;

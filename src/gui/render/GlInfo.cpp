@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// What the OpenGL stack of a context can do.
 #include "gui/render/GlInfo.h"
 
 #include <QOpenGLContext>
@@ -52,8 +50,8 @@ GlInfo GlInfo::ofCurrentContext()
     // Reads GL_EXTENSIONS as one text or, in a core profile, one by one.
     info.textureRg = context.hasExtension("GL_ARB_texture_rg");
     info.maxTextureSize = number(gl, GL_MAX_TEXTURE_SIZE);
-    // A core profile has no words for the bits; the questions leave errors behind. A context that
-    // is lost answers with an error for ever.
+    // A core profile can't report the bits; the queries leave errors behind. A context that
+    // is lost returns errors for ever.
     for (int i = 0; i < 16 && gl.glGetError() != GL_NO_ERROR; ++i) {
     }
     return info;

@@ -10,7 +10,7 @@
 
 namespace render {
 
-/// Facts about one OpenGL context, and the lines that tell them.
+/// Facts about one OpenGL context, and the lines that report them.
 struct GlInfo {
     std::string version;
     int major = 0;
@@ -25,13 +25,13 @@ struct GlInfo {
     /// Longest side of a texture in pixels.
     int maxTextureSize = 0;
 
-    /// Asks the current context.
+    /// Queries the current context.
     static GlInfo ofCurrentContext();
     /// Sets version, major and minor from a text such as "4.5 (Compatibility Profile) Mesa"; 0 and
-    /// 0 when it has no number.
+    /// 0 if it has no number.
     void parseVersion(const std::string& text);
 
-    /// Can the shaders run here? They need OpenGL 3 and textures of one integer channel.
+    /// True if the shaders can run here. They need OpenGL 3 and textures of one integer channel.
     bool glslPossible() const { return textureRg && major > 2; }
     /// The printed lines, from a blank one on, up to and including an empty line at the end.
     std::string lines() const;

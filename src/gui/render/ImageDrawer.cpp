@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// The base of all widgets that show an image through OpenGL.
 #include "gui/render/ImageDrawer.h"
 
 #include "gui/render/GlCanvas.h"
@@ -234,7 +232,7 @@ void ImageDrawer::_releaseGL()
 
 void ImageDrawer::_paintGL()
 {
-    // The size is a passing one while windows are being laid out: no first viewport for it.
+    // While windows are being laid out the size is temporary: no first viewport for it.
     if (!_initialized || _resizing || size().isEmpty())
         return;
     _prepareScene();
@@ -262,7 +260,7 @@ void ImageDrawer::resizeEvent(QResizeEvent* event)
 {
     _resizing = true;
     QWidget::resizeEvent(event);
-    // Qt shows black for ever where a QOpenGLWidget has once been resized to nothing.
+    // Qt shows black for ever if a QOpenGLWidget has ever been resized to nothing.
     if (_canvas)
         _canvas->resize(size().expandedTo(QSize(1, 1)));
     _resizing = false;
@@ -278,8 +276,8 @@ void ImageDrawer::showEvent(QShowEvent* event)
 
 bool ImageDrawer::eventFilter(QObject* watched, QEvent* event)
 {
-    // An update that came due while the window was not on the screen stays due, and later ones are
-    // taken for that one: only a repaint on a window that is on the screen ends this.
+    // An update requested while the window was hidden stays pending, and later ones are
+    // merged into it: only a repaint of a visible window ends this.
     if (event->type() == QEvent::Expose && watched == window()->windowHandle())
         QMetaObject::invokeMethod(
             this, [this] { repaint(); }, Qt::QueuedConnection);
@@ -291,7 +289,7 @@ void ImageDrawer::mousePressEvent(QMouseEvent* event)
     _lastMoveX = event->position().toPoint().x();
     _lastMoveY = event->position().toPoint().y();
     virtualMousePressEvent(event);
-    // The press goes on to the frame, which takes the focus.
+    // The press is passed on to the frame, which takes the focus.
     event->ignore();
 }
 
@@ -384,10 +382,10 @@ void ImageDrawer::_prepareScene()
 {
     // An image that came before the view was ready, or a new context.
     const bool onCard = !usesGlsl() || _scene->textures().hasImage();
-    // The reduced picture of a very long image is empty, and stays so.
+    // The reduced picture of a very long image is empty, and stays empty.
     if (_service->imageLoaded() && (_image.empty() || !onCard) && !baseImage().empty())
         newImageSlot();
-    // Other views that heard of it have made their contexts current.
+    // Other views that received the signal have made their contexts current.
     _makeCurrent();
 }
 

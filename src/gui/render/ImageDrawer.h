@@ -33,9 +33,9 @@ class SceneRenderer;
 /// Shows one image of a service, coloured on the graphics card, and converts between widget and
 /// image coordinates. A contrast change sets some numbers in a shader and never walks the image.
 /// Without shaders the processor colours the visible part. The surface is a QOpenGLWidget that
-/// fills the view; where OpenGL can't be used, there is none and the view paints like any widget.
+/// fills the view; if OpenGL can't be used, there is none and the view paints like any widget.
 ///
-/// A view holds no truth of its own: gestures go to the service, and what its signals return is
+/// A view keeps no state of its own: gestures go to the service, and what its signals return is
 /// shown. Positions are widget coordinates. Thread: GUI only.
 class ImageDrawer : public QWidget {
     Q_OBJECT
@@ -43,7 +43,7 @@ public:
     using MImage = morvend::imglib::MImage;
 
     /// @param service  not owned; lives as long as the view
-    /// @param useGlsl  false colours on the processor even where shaders are to be had
+    /// @param useGlsl  false colours on the processor even if shaders are available
     ImageDrawer(TarvikService* service, bool useGlsl, QWidget* parent = nullptr);
     ~ImageDrawer() override;
 
@@ -58,38 +58,38 @@ public:
     /// Widget coordinate of an image coordinate, truncated.
     int screenX(double x) const;
     int screenY(double y) const;
-    /// The part of the image on show, in image pixels; zero without any.
+    /// The visible part of the image, in image pixels; zero if there is none.
     QRectF visibleRange() const;
     /// The view in the viewport's coordinates; zero without image.
     QRectF windowToImage() const;
     /// The part of the widget that the image covers; null without image.
     QRect imageBoundary() const;
     QRect imageBoundary(const ViewportData& viewport) const;
-    /// The colours of a part of the image, which must lie in it (asserted): 32-bit ARGB.
+    /// The colours of a part of the image, which must be in it (asserted): 32-bit ARGB.
     MImage rgbData(int x, int y, int width, int height) const;
     /// A picture of the whole scene, overlays included, of the widget's size times a number of
     /// pixels for each of the widget's; null before the first paint. Hides QWidget::grab(), which
     /// would take the same scene through a pixmap.
     QImage grab(double devicePixelRatio = 1.0);
 
-    /// As of any widget, for the surface too: hide those of QWidget, which would leave it out.
+    /// As for any widget, but including the surface: hide those of QWidget, which would omit it.
     void update();
     void repaint();
 
     PlottingMode plottingMode() const { return _plottingMode; }
     bool moveImage() const { return _moveImage; }
-    /// Does a drag with the left button move the image?
+    /// True if a drag with the left button moves the image.
     void setMoveImage(bool move) { _moveImage = move; }
     QColor backgroundColor() const { return _backgroundColor; }
     void setBackgroundColor(const QColor& color);
-    /// Shall shaders colour, where they can?
+    /// Whether shaders are used if available.
     bool wantsGlsl() const { return _glslWanted; }
-    /// Is the image coloured by shaders? Known once the view is initialized.
+    /// True if shaders colour the image. Known once the view is initialized.
     bool usesGlsl() const { return _useGlsl && _onCard; }
-    /// Textures get no longer than this from the next image on, whatever the card allows.
+    /// Limits the side of textures from the next image on, whatever the card allows.
     void limitTextureSize(int limit) { _textureLimit = limit; }
 
-    /// What has been done for the picture so far: pixels sent to the card, and pixels coloured on
+    /// The work done so far: pixels sent to the card, and pixels coloured on
     /// the processor.
     struct Work {
         int imageUploads = 0;
@@ -100,7 +100,7 @@ public:
     Work work() const;
 
 public slots:
-    /// Takes image and contrast of the service over, and gives it a first viewport where none is.
+    /// Takes over image and contrast of the service, and gives it a first viewport if it has none.
     virtual void newImageSlot();
     virtual void setContrastSlot(const ContrastData& contrast);
     virtual void setViewportSlot(const ViewportData& viewport);
@@ -117,14 +117,14 @@ protected:
     /// The image to show.
     virtual MImage baseImage() const = 0;
     virtual ViewportData defaultViewport() const = 0;
-    /// The viewport to adopt when one is wanted.
+    /// The viewport to adopt if one is wanted.
     virtual ViewportData correctViewport(const ViewportData& wanted,
                                          const ViewportData& current) const = 0;
     /// The viewport for drawing and for coordinates.
     virtual ViewportData effectiveViewportData() const = 0;
-    /// Pixels of the picture on show for each image pixel.
+    /// Pixels of the shown picture for each image pixel.
     virtual double imageScaleFactor() const = 0;
-    /// Sign of a pan: +1 moves the image with the cursor.
+    /// Direction of a pan: +1 moves the image with the cursor.
     virtual int moveDirection() const = 0;
 
     /// Draws the rings of constant resolution, in both plotting modes, below all that paint()
@@ -132,7 +132,7 @@ protected:
     virtual void paintRings(QPainter* painter);
     /// Draws over the image, in both plotting modes, in widget coordinates.
     virtual void paint(QPainter* painter);
-    // What a view adds to the events of the base.
+    // Additions of a view to the events of the base.
     virtual void virtualMousePressEvent(QMouseEvent* event);
     virtual void virtualMouseReleaseEvent(QMouseEvent* event);
     virtual void virtualMouseMoveEvent(QMouseEvent* event);
@@ -151,7 +151,7 @@ protected:
     TarvikService& service() const { return *_service; }
     /// The view's own copy of the service's record, corrected.
     const ViewportData& viewport() const { return _viewportData; }
-    /// Takes a viewport as it is.
+    /// Takes a viewport without correction.
     void adoptViewport(const ViewportData& viewport);
     const ContrastData& contrast() const { return _contrastData; }
     /// Conversions between widget and image under the effective viewport.
@@ -167,7 +167,7 @@ private:
     render::ViewGeometry _geometry(const ViewportData& viewport) const;
     render::ViewGeometry _baseGeometry() const;
     render::Colouring _colouring() const;
-    // What the canvas calls, with its context current.
+    // Called by the canvas, with its context current.
     void _initializeGL();
     void _paintGL();
     void _releaseGL();
@@ -196,9 +196,9 @@ private:
     bool _moveImage = true;
     bool _glslWanted;
     bool _useGlsl;
-    bool _onCard = true;  // the card holds the image
+    bool _onCard = true;  // the image is on the card
     int _maxTextureSize = 0;
     int _textureLimit = std::numeric_limits<int>::max();
-    // Null without OpenGL. Last, as its end releases the scene.
+    // Null without OpenGL. Last, as its destruction releases the scene.
     std::unique_ptr<render::GlCanvas> _canvas;
 };

@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// The large image view of a sub-window.
 #include "gui/render/ImageDrawerMain.h"
 
 #include "gui/kit/PressedKeys.h"
@@ -75,12 +73,12 @@ void ImageDrawerMain::resizeEvent(QResizeEvent* event)
     if (_viewportBeforeResize)
         return;
     _viewportBeforeResize = service().viewportData();
-    // Only when all views have their new sizes: one that took over what another had moved, and then
-    // moved by its own resize, would move twice.
+    // Only when all views have their new sizes: a view that took over another's move and then
+    // moved by its own resize would move twice.
     QMetaObject::invokeMethod(this, &ImageDrawerMain::_shareResize, Qt::QueuedConnection);
 }
 
-/// Where views of a group are resized together, the first one decides: what has been set since the
+/// If views of a group are resized together, the first one decides: what was set since the
 /// resize stays.
 void ImageDrawerMain::_shareResize()
 {
@@ -267,7 +265,7 @@ void ImageDrawerMain::enterEvent(QEnterEvent* event)
 {
     ImageDrawer::enterEvent(event);
     _cursorInside = true;
-    // Without this the box would show up where the cursor has left the view.
+    // Without this the box would appear where the cursor left the view.
     if (QGuiApplication::mouseButtons() == Qt::NoButton) {
         QMouseEvent arrival(QEvent::MouseMove, event->position(), event->globalPosition(),
                             Qt::NoButton, Qt::NoButton, event->modifiers());

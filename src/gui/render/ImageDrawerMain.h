@@ -20,7 +20,7 @@
 /// Shows the service's image and adds the gestures of the main view. The wheel zooms about the
 /// cursor. The right button draws a region of the kind that the service's record names, or with the
 /// Control key a powder ring round the cursor instead of the beam centre. Any button drags a region
-/// or one of its handles, which the cursor tells while it hovers; elsewhere the left button moves
+/// or one of its handles, which the hovering cursor shows; elsewhere the left button moves
 /// the image, and the middle one turns the height map.
 class ImageDrawerMain : public ImageDrawer {
     Q_OBJECT
@@ -30,7 +30,7 @@ public:
     /// One step in or out about the centre of the view, by the sign of the argument.
     void zoom(int step);
 
-    // What a thumbnail of this view has in common with it.
+    // What a thumbnail shares with this view.
     using ImageDrawer::service;
     using ImageDrawer::viewport;
     ViewportData defaultViewport() const override;
@@ -40,7 +40,7 @@ public:
 public slots:
     void newImageSlot() override;
     void setViewportSlot(const ViewportData& viewport) override;
-    /// Takes the overlay of scripting clients from the service.
+    /// Takes the scripting clients' overlay from the service.
     void updatePaintListSlot();
 
 protected:
@@ -54,8 +54,8 @@ protected:
     void virtualMousePressEvent(QMouseEvent* event) override;
     void virtualMouseMoveEvent(QMouseEvent* event) override;
     void virtualWheelEvent(QWheelEvent* event) override;
-    /// Keeps the image point in the middle of the view there, over the limits of a pan too, so that
-    /// a window that is maximised and restored shows what it did.
+    /// Keeps the image point in the middle of the view there, even beyond the limits of a pan, so
+    /// that a window that is maximised and restored shows the same as before.
     void resizeEvent(QResizeEvent* event) override;
     void enterEvent(QEnterEvent* event) override;
     void leaveEvent(QEvent* event) override;
@@ -68,7 +68,7 @@ private slots:
 private:
     QPoint _cursor() const { return {cursorX(), cursorY()}; }
     bool _cursorOnImage() const;
-    /// A right drag draws a region of the chosen kind, unless it moves the one that is there.
+    /// A right drag draws a region of the chosen kind, unless it moves the existing one.
     bool _drawsRegion(Qt::MouseButtons buttons) const;
     void _shareResize();
     void _hover();
@@ -80,10 +80,10 @@ private:
 
     render::RegionCursors _cursors;
     render::ResolutionRings _rings;
-    /// The size for which the viewport was set while the view could be seen; none for one that was
-    /// never seen, whose sizes are passing ones.
+    /// The size for which the viewport was set while the view could be seen; none if it was
+    /// never visible, since its sizes are temporary.
     std::optional<QSize> _viewportSize;
-    /// The service's viewport before a resize that it has not heard of yet.
+    /// The service's viewport before a resize not yet reported to it.
     std::optional<ViewportData> _viewportBeforeResize;
     bool _cursorInside = false;
     CursorInfo _cursorInfo;

@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// The small image view that steers a main view.
 #include "gui/render/ImageDrawerThumbnail.h"
 
 #include "gui/render/ImageDrawerMain.h"

@@ -9,17 +9,17 @@
 
 class ImageDrawerMain;
 
-/// Shows the whole image at a reduced size and marks what the main view shows of it. A drag moves
-/// that part, the wheel zooms the main view about the point under the cursor; both within the
+/// Shows the whole image at a reduced size and marks the part that the main view shows. A drag
+/// moves that part, the wheel zooms the main view about the point under the cursor; both within the
 /// limits of the main view.
 class ImageDrawerThumbnail : public ImageDrawer {
     Q_OBJECT
 public:
-    /// @param main  the view to steer, whose service and choice of shaders it takes; not owned,
+    /// @param main  the view to steer, whose service and choice of shaders it shares; not owned,
     /// lives as long as this
     explicit ImageDrawerThumbnail(ImageDrawerMain* main, QWidget* parent = nullptr);
 
-    /// The size of the reduced image, 200 by 100 without one.
+    /// The size of the reduced image, 200 by 100 without an image.
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
 
@@ -27,7 +27,7 @@ public:
 
 public slots:
     void newImageSlot() override;
-    /// Takes what the main view has made of it.
+    /// Takes over the viewport as adopted by the main view.
     void setViewportSlot(const ViewportData& viewport) override;
 
 protected:

@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// One shader program that colours images, with its uniforms.
 #include "gui/render/ImageProgram.h"
 
 #include "gui/render/ImageTextures.h"
@@ -33,7 +31,7 @@ void ImageProgram::setColouring(const Colouring& colouring)
     _program->setUniformValue(_glslSaturatedColor, QColor(table.saturatedColor()));
     _program->setUniformValue(_glslDefectiveColor, QColor(table.defectiveColor()));
     if (colouring.saturation) {
-        // The float program's cutoff is a float, which takes no integer.
+        // The float program's cutoff is a float, which can't be set as an integer.
         if (_kind == PixelKind::Float)
             _program->setUniformValue(_glslCountCutoff, GLfloat(*colouring.saturation));
         else
@@ -115,7 +113,7 @@ void ImageProgram::_locate()
     _glslHighlightDefective = _program->uniformLocation("highlightDefective");
     _glslHighlightSaturated = _program->uniformLocation("highlightSaturated");
 
-    // The height map uses no others, so a compiler may drop them; to set a location of -1 is
+    // The height map uses no others, so a compiler may drop them; setting a location of -1 is
     // harmless.
     assert(_glslCoord2d != -1);
     assert(_glslTransformationMatrix != -1);
@@ -144,7 +142,8 @@ void ImageProgram::_assertFlatLocations() const
     assert(_glslSlope != -1);
     assert(_glslLogSlope != -1);
     assert(_glslLogOffset != -1);
-    // The matrices of the vertex shader come first, so this one is never at location 0.
+    // The matrices of the vertex shader come first, so this one is not at location 0 with known
+    // drivers.
     assert(_glslLogForeground);
 }
 

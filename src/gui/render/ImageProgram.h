@@ -16,7 +16,7 @@
 
 namespace render {
 
-/// A linked program for one pixel type. The view's context is current wherever it is used.
+/// A linked program for one pixel type. Use it only with the view's context current.
 class ImageProgram {
 public:
     enum class Use { FlatImage, HeightMap };
@@ -28,16 +28,16 @@ public:
     void bind();
     void release();
 
-    // With the program bound:
+    // Call these with the program bound:
     /// Levels, table sizes and special colours.
     void setColouring(const Colouring& colouring);
     /// Matrices and texture units, as ImageTextures binds them.
     void setScene(const QMatrix4x4& transformation, const QMatrix4x4& selectRegion);
-    /// Which pixels of the tile that is bound stand where, for the flat image.
+    /// Where the pixels of the bound tile are drawn, for the flat image.
     /// @param target  the screen pixels of the quad
     /// @param tile  in pixels of the image
     void setPixels(const ScreenPixels& screen, const QRect& target, const QRect& tile);
-    /// The attribute that takes the vertices, two floats each.
+    /// The attribute for the vertices, two floats each.
     int coord2d() const { return _glslCoord2d; }
 
 private:

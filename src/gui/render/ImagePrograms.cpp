@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// The shader programs of a view, one for each pixel type and plotting mode.
 #include "gui/render/ImagePrograms.h"
 
 #include "gui/render/ShaderSource.h"

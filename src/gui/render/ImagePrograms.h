@@ -12,7 +12,7 @@
 
 namespace render {
 
-/// Compiled and linked in the view's context, which is current wherever this is used. A shader
+/// Compiled and linked in the view's context, which must be current wherever this is used. A shader
 /// that does not compile is a programmer's error and ends in an assertion.
 class ImagePrograms {
 public:

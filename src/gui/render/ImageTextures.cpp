@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// The textures of one image view: image, mask and the two parts of the colour table.
 #include "gui/render/ImageTextures.h"
 
 #include "gui/render/TileGrid.h"
@@ -24,8 +22,8 @@ void activate(ImageTextures::Unit unit)
     gl().glActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(unit));
 }
 
-/// An interpolated count means nothing; rounding may take an index to the very end of a table,
-/// which must not be its beginning.
+/// An interpolated count means nothing; rounding may move an index to the very end of a table,
+/// which must not wrap to its start.
 void setNearest(GLenum target)
 {
     gl().glTexParameteri(target, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
@@ -34,11 +32,11 @@ void setNearest(GLenum target)
     gl().glTexParameteri(target, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
 }
 
-/// Forgets errors of others, and tells whether there were any.
+/// Clears earlier errors; true if there were any.
 bool takeErrors()
 {
     bool any = false;
-    // A context that is lost answers with an error for ever.
+    // A context that is lost returns errors for ever.
     for (int i = 0; i < 16 && gl().glGetError() != GL_NO_ERROR; ++i)
         any = true;
     return any;
@@ -46,7 +44,7 @@ bool takeErrors()
 
 void uploadTable(unsigned int texture, std::size_t size, const unsigned char* entries)
 {
-    // Textures of one dimension are no part of OpenGL ES, so Qt's functions don't know them.
+    // Textures of one dimension are not part of OpenGL ES, so Qt's functions lack them.
     using TexImage1D =
         void(QOPENGLF_APIENTRYP)(GLenum, GLint, GLint, GLsizei, GLint, GLenum, GLenum, const void*);
     const auto texImage1D = reinterpret_cast<TexImage1D>(
@@ -94,7 +92,7 @@ void ImageTextures::_upload(Layer& layer, Unit unit, const MImage& pixels,
 {
     if (layer.identity == pixels.identity() && layer.format == format)
         return;
-    // The storage of the last image serves again: fresh memory costs more than the copy into it.
+    // Reuses the storage of the last image: fresh memory costs more than the copy into it.
     const bool isNew = layer.textures.empty() || layer.format != format;
     if (isNew) {
         gl().glDeleteTextures(static_cast<GLsizei>(layer.textures.size()), layer.textures.data());
@@ -132,7 +130,7 @@ void ImageTextures::_uploadTile(Unit unit, const MImage& pixels, const TextureFo
              static_cast<const std::byte*>(pixels.cdata()) + first * format.bytes);
         return;
     }
-    // In bands that stay in the cache between conversion and upload.
+    // In bands, which stay in the cache between conversion and upload.
     constexpr int bandPixels = 1 << 18;
     const int rows = std::max(1, bandPixels / tile.width());
     std::vector<std::byte> band(static_cast<std::size_t>(rows) *

@@ -16,10 +16,10 @@
 
 namespace render {
 
-/// Textures on units 0 to 3. An image that is larger than a texture may be lies in tiles. What the
+/// Textures on units 0 to 3. An image larger than the texture limit is split into tiles. What the
 /// card already holds is not sent again: a mask that stayed the same, or an image that is shown
 /// with other highlights. Thread: GUI, with the context that was current when this was made current
-/// for all but the questions and the end.
+/// for all but the queries and the end.
 class ImageTextures {
 public:
     enum Unit { Image = 0, Mask = 1, LinearTable = 2, LogarithmicTable = 3 };
@@ -38,9 +38,9 @@ public:
     ImageTextures(const ImageTextures&) = delete;
     ImageTextures& operator=(const ImageTextures&) = delete;
 
-    /// Puts image and mask in place of those that were there; the tables go, as contrast follows.
+    /// Replaces image and mask; drops the tables, as a contrast follows.
     /// @param limit  longest side of a tile
-    /// @returns false, without any texture, when the card can't hold the image
+    /// @returns false, without any texture, if the card can't hold the image
     bool uploadImage(const DisplayImage& image, int limit);
     void uploadTables(const MColorTable& table);
     bool hasImage() const { return !_tiles.empty(); }
@@ -53,7 +53,7 @@ public:
     /// bound, as painters expect.
     void bind(std::size_t tile) const;
     void unbind() const;
-    /// Binds a small image in place of a tile, for this time only.
+    /// Binds a small image in place of a tile, for one draw.
     void bindSample(const MImage& sample);
 
     /// Deletes all textures.

@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// The mesh of the height map.
 #include "gui/render/MeshGrid.h"
 
 namespace render {

@@ -9,7 +9,7 @@
 
 namespace render {
 
-/// A mesh of width * height vertices over the unit square: vertex row * width + col stands at
+/// A mesh of width * height vertices over the unit square: vertex row * width + col is at
 /// (col / width, row / height), so that the mesh ends one step short of 1.
 struct Grid {
     static constexpr int width = 128;
@@ -17,11 +17,12 @@ struct Grid {
 
     Grid();
 
-    /// Two floats a vertex.
+    /// Two floats per vertex.
     std::vector<float> vertices;
-    /// Two a segment: those along the rows, then those along the columns.
+    /// Two indices per segment: along the rows, then along the columns.
     std::vector<std::uint32_t> lineIndices;
-    /// Three a triangle, two triangles a cell. For filled plots; the plot is drawn as lines.
+    /// Three indices per triangle, two triangles per cell. For filled plots; the plot is drawn as
+    /// lines.
     std::vector<std::uint32_t> triangleIndices;
 };
 

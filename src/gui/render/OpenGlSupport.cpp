@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// Whether windows can hold widgets that draw through OpenGL.
 #include "gui/render/OpenGlSupport.h"
 
 #include "logic/support/Console.h"
@@ -32,7 +30,7 @@ OpenGlSupport tried()
     }
     result.info = GlInfo::ofCurrentContext();
     context.doneCurrent();
-    // Windows are put together by OpenGL 2, whatever the views draw.
+    // Qt composes windows by OpenGL 2, whatever the views draw.
     if (result.info->major < 2)
         result.reason = "OpenGL " + result.info->version + " is too old";
     else
@@ -40,7 +38,7 @@ OpenGlSupport tried()
     return result;
 }
 
-/// Some platforms never show windows with OpenGL widgets, though contexts may be had.
+/// Some platforms never show windows with OpenGL widgets, though contexts may be available.
 bool platformComposes() { return QGuiApplication::platformName() != QLatin1String("offscreen"); }
 
 }  // namespace
@@ -63,8 +61,8 @@ const OpenGlSupport& OpenGlSupport::ofThisProcess()
 
 void OpenGlSupport::prepare(QWidget& window)
 {
-    // The kind of a native surface follows from the widgets inside when it is made. Never shown, so
-    // that it gets no context.
+    // The widgets inside decide the kind of a native surface when it is made. Never shown, so
+    // it gets no context.
     if (ofThisProcess().usable)
         (new QOpenGLWidget(&window))->hide();
 }

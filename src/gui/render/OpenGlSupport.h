@@ -13,23 +13,23 @@ class QWidget;
 
 namespace render {
 
-/// What a trial context has told. Windows with OpenGL widgets in them stay black or end the process
-/// where no context can be made, so this is settled before the first view.
+/// The result of a trial context. Windows with OpenGL widgets in them stay black or end the process
+/// if no context can be made, so this is settled before the first view.
 struct OpenGlSupport {
     /// OpenGL 2 or later works here.
     bool usable = false;
-    /// Why not, in words.
+    /// The reason why not, in words.
     std::string reason;
-    /// Of the trial context, where there was one.
+    /// Of the trial context, if there was one.
     std::optional<GlInfo> info;
 
-    /// Tried at the first call, with a line on standard error where OpenGL can't be used. GUI
+    /// Tried at the first call, with a line on standard error if OpenGL can't be used. GUI
     /// thread, after the application object was made.
     static const OpenGlSupport& ofThisProcess();
 
     /// Makes a window, before it is first shown, one whose native surface can hold image views,
-    /// where OpenGL works. Otherwise the toolkit replaces the native window when the first view
-    /// comes: it vanishes for a moment, comes back elsewhere and is no longer maximised.
+    /// if OpenGL works. Otherwise the toolkit replaces the native window when the first view
+    /// appears: it vanishes for a moment, comes back elsewhere and is no longer maximised.
     static void prepare(QWidget& window);
 };
 

@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// The OpenGL context that some objects were made in, for their end.
 #include "gui/render/OwnContext.h"
 
 namespace render {

@@ -12,9 +12,9 @@
 
 namespace render {
 
-/// Remembers the context that is current when this is made. Whoever owns objects on the graphics
-/// card may end at any time, with that context current, another one or none: it enters its own
-/// first, and what was current before is current again after the end of this. Declared before the
+/// Remembers the context that is current when this is made. The owner of objects on the graphics
+/// card may be destroyed at any time, with that context current, another one or none: it enters its
+/// own first; what was current before is current again after this is destroyed. Declared before the
 /// objects, it outlives them. Thread: GUI.
 class OwnContext {
 public:
@@ -24,12 +24,12 @@ public:
     OwnContext& operator=(const OwnContext&) = delete;
 
     /// Makes the context current.
-    /// @returns false where there is none or it has ended, and its objects with it
+    /// @returns false if there is none or it has ended, and its objects with it
     bool enter();
 
 private:
     QPointer<QOpenGLContext> _context;
-    std::unique_ptr<QOffscreenSurface> _surface;  // only where another context was current, or none
+    std::unique_ptr<QOffscreenSurface> _surface;  // only if another context was current, or none
     QPointer<QOpenGLContext> _former;
     QSurface* _formerSurface = nullptr;
 };

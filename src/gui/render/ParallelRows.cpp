@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Work on the rows of a picture, split over the cores. A file of its own because Qt's keywords and
-// the headers of oneTBB don't go together.
+// the headers of oneTBB can't be combined.
 #include "gui/render/ParallelRows.h"
 
 #include <tbb/blocked_range.h>

@@ -9,7 +9,7 @@
 
 namespace render {
 
-/// Calls work(row) once for each row from 0 on, in no order and from several threads where the
+/// Calls work(row) once for each row from 0 on, in any order and from several threads if the
 /// pixels are worth it; returns when all are done.
 /// @param length  pixels of a row
 void parallelRows(int rows, std::size_t length, const std::function<void(int row)>& work);

@@ -6,7 +6,7 @@
 
 namespace render {
 
-/// Pixel type of a display image: all twelve types of an image file end in one of these.
+/// Pixel type of a display image: all twelve types of an image file become one of these.
 enum class PixelKind {
     Int,   ///< 32-bit signed
     UInt,  ///< 32-bit unsigned

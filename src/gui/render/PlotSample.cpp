@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// The pixels under the mesh of the height map.
 #include "gui/render/PlotSample.h"
 
 #include "gui/render/MeshGrid.h"

@@ -11,7 +11,7 @@
 namespace render {
 
 /// One pixel for each vertex of the mesh over the visible part of an image, in the image's type:
-/// what the height map needs of an image that no single texture can hold.
+/// what the height map needs if no single texture can hold the image.
 /// @param visible  in image pixels
 morvend::imglib::MImage plotSample(const morvend::imglib::MImage& image, const QRectF& visible);
 

@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// Draws the image of a view by its shaders.
 #include "gui/render/SceneRenderer.h"
 
 #include "gui/render/MeshGrid.h"
@@ -45,7 +43,7 @@ ImageProgram::Use useOf(PlottingMode mode)
 
 SceneRenderer::SceneRenderer()
 {
-    // Core profiles draw nothing without one; older contexts know none and need none.
+    // Core profiles draw nothing without one; older contexts neither have nor need it.
     _vertexArray.create();
     fill(_quadIndices, quadIndices);
     fill(_quadVertices, quadVertices);

@@ -15,8 +15,8 @@
 
 namespace render {
 
-/// Programs, textures and buffers of one view in one context, which is current wherever this is
-/// used; at its end any or none may be.
+/// Programs, textures and buffers of one view in one context, which must be current wherever this
+/// is used; on destruction any or none may be.
 class SceneRenderer {
 public:
     SceneRenderer();
@@ -24,8 +24,8 @@ public:
 
     ImageTextures& textures() { return _textures; }
     const ImageTextures& textures() const { return _textures; }
-    /// Sets the uniforms of the program for a pixel type and a plotting mode, and the tables: anew
-    /// where they are missing or when the contrast is not in the course of a drag.
+    /// Sets the uniforms of the program for a pixel type and a plotting mode, and the tables: again
+    /// if they are missing or the contrast is not being dragged.
     void setColouring(PixelKind kind, PlottingMode mode, const Colouring& colouring);
     /// Draws the visible part into the current frame buffer and viewport, and leaves no state
     /// behind that would disturb a painter.
@@ -48,7 +48,7 @@ private:
     QOpenGLBuffer _quadVertices{QOpenGLBuffer::VertexBuffer};
     QOpenGLBuffer _gridVertices{QOpenGLBuffer::VertexBuffer};
     QOpenGLBuffer _gridLineIndices{QOpenGLBuffer::IndexBuffer};
-    /// Filled and not drawn: the plot is a wire frame.
+    /// Filled but not drawn: the plot is a wire frame.
     QOpenGLBuffer _gridTriangleIndices{QOpenGLBuffer::IndexBuffer};
 };
 

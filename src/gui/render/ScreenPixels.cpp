@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// Which pixel of an image each pixel of the screen shows.
 #include "gui/render/ScreenPixels.h"
 
 #include "imagelib/image/PixelTypes.h"
@@ -20,7 +18,8 @@ struct Fraction {
     std::int64_t denominator = 1;
 };
 
-/// The nearest fraction among the convergents of a continued one; scales of desktops are such.
+/// The nearest fraction among the convergents of a continued one; desktop scales are such
+/// fractions.
 Fraction fractionOf(double value, std::int64_t largestDenominator)
 {
     Fraction last{1, 0};

@@ -37,7 +37,7 @@ public:
 
     int step() const { return int(_step); }
     int divisor() const { return int(_divisor); }
-    /// What is left at a screen pixel when its image pixel is taken out: (start + x * step) modulo
+    /// What is left at a screen pixel after its whole image pixels: (start + x * step) modulo
     /// the divisor.
     QPoint remainder(QPoint screen) const;
 

@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// Texts of shaders from the resources.
 #include "gui/render/ShaderSource.h"
 
 #include "gui/kit/Resources.h"

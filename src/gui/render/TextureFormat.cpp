@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// How pixels of each type lie in a texture.
 #include "gui/render/TextureFormat.h"
 
 #include <QOpenGLFunctions>

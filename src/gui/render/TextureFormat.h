@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// How pixels of each type lie in a texture.
+// How pixels of each type are stored in a texture.
 #pragma once
 
 #include "gui/render/PixelKind.h"
@@ -11,18 +11,18 @@
 
 namespace render {
 
-/// The storage of one texture, by the names that OpenGL takes, and whether pixels go there as they
-/// stand in memory.
+/// The storage of one texture, by OpenGL's names, and whether pixels are uploaded as they
+/// are in memory.
 ///
 /// 8- and 16-bit integers stay as narrow as they are: a shader reads the same values from them, and
-/// a texture of half the size is uploaded in half the time. Of masks the low byte says all that is
-/// shown. Only 64-bit types and wider masks are converted.
+/// a texture of half the size is uploaded in half the time. The low byte of a mask holds all that
+/// is shown. Only 64-bit types and wider masks are converted.
 struct TextureFormat {
     int internalFormat;
     unsigned int format;
     unsigned int type;
     std::size_t bytes;  ///< of one pixel
-    bool direct;        ///< the pixels of the image are those of the texture
+    bool direct;        ///< the pixels are uploaded without conversion
 
     bool operator==(const TextureFormat&) const = default;
 
@@ -32,7 +32,7 @@ struct TextureFormat {
     static TextureFormat ofMask(morvend::datatypes::Type type, std::size_t bits);
 };
 
-/// The kind that an image of a pixel type is shown as.
+/// The kind as which an image of a pixel type is shown.
 PixelKind kindOf(morvend::datatypes::Type type);
 
 }  // namespace render

@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// The mark of the visible part in a thumbnail.
 #include "gui/render/ThumbnailFrame.h"
 
 #include <QLineF>

@@ -14,7 +14,7 @@ namespace render {
 /// @param visible  in image pixels
 /// @param scale  thumbnail pixels for each image pixel
 QRectF thumbnailFrame(const QRectF& visible, double scale);
-/// Is the frame so small that only a cross makes it be seen? Pure.
+/// True if the frame is so small that only a cross makes it visible. Pure.
 bool frameNeedsCross(const QRectF& frame);
 
 /// Darkens the frame, and marks a small one by a cross.

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Images that are larger than a texture may be, cut into tiles.
+// Images larger than the texture limit, cut into tiles.
 #pragma once
 
 #include <QRect>
@@ -11,8 +11,8 @@
 
 namespace render {
 
-/// Tiles of at most limit * limit pixels that together are an image, row by row.
-/// @returns one tile for an image that fits, none where the limit is below 2 and the image above
+/// Tiles of at most limit * limit pixels that together form an image, row by row.
+/// @returns one tile for an image that fits, none if the limit is below 2 and the image larger
 std::vector<QRect> tilesOf(QSize image, int limit);
 
 }  // namespace render

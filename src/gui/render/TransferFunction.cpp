@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// From a contrast to the numbers by which the shaders colour a pixel.
 #include "gui/render/TransferFunction.h"
 
 #include "imagelib/display/TransferLevels.h"

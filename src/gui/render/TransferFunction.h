@@ -17,7 +17,7 @@ namespace render {
 /// the foreground on, entry logSlope * ln(v - background) + logOffset of the logarithmic table,
 /// which maps the foreground to entry 0 and the logarithmic foreground to the last one.
 struct TransferFunction {
-    /// Held within the range of the pixel type and, for integers, whole. A float background is at
+    /// Clamped to the range of the pixel type and, for integers, whole. A float background is at
     /// least the smallest normal float: it is never 0 or negative.
     double foreground = 0;
     double background = 0;

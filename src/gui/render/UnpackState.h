@@ -11,7 +11,8 @@
 
 namespace render {
 
-/// Sets tightly packed pixels, as images hold them, and puts back what was set.
+/// Sets tightly packed pixels, as images hold them, and restores the former state (except
+/// GL_PACK_ALIGNMENT).
 class UnpackState {
 public:
     /// @param rowLength  pixels from one row to the next

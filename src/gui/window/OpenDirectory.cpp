@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// The folder where the next file is looked for.
 #include "gui/window/OpenDirectory.h"
 
 #include <QDir>

@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// The dialog that asks for image files.
 #include "gui/window/OpenFileDialog.h"
 
 #include "gui/window/OpenDirectory.h"

@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// The controls in the title bar of an image view.
 #include "gui/window/SubWindowTitleBar.h"
 
 #include "gui/kit/AbstractSubWindow.h"

@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// The look of the main window's tool bars.
 #include "gui/window/ToolBarStyle.h"
 
 #include "logic/support/GlobalStyle.h"

@@ -14,7 +14,7 @@
 
 /// One batch over a numbered CBF series. Set it up, start() it, and follow progress(). A file that
 /// fails is reported on standard error, and the batch goes on with the next one. Files that were
-/// rewritten before an abort stay so. Thread: setters any, also while it runs, since the batch
+/// rewritten before an abort stay so. Thread: setters any, even while it runs, since the batch
 /// works on copies.
 class WriteHeaderToFilesThread : public QThread {
     Q_OBJECT
@@ -25,14 +25,15 @@ public:
 
     /// @param index  number of the image that the header's start angle belongs to
     void setNeXuS(const Header& header, int index);
-    /// Files are named directory/prefix<number>.suffix; zeros fill the number up to so many digits.
+    /// Files are named directory/prefix<number>.suffix; the number is padded with zeros to this
+    /// many digits.
     void setImageSeries(const std::string& directory, const std::string& prefix,
                         const std::string& suffix, unsigned long digits);
     /// Ends the batch after the file that is being written.
     void abort() { _abort = true; }
 
 signals:
-    /// Files that are done, of all; the first time 0.
+    /// Number of finished files and of all files; at first 0.
     void progress(int done, int total);
 
 protected:

@@ -33,8 +33,8 @@ HWY_INLINE void fetchAhead(const void* place)
     __builtin_prefetch(static_cast<const char*>(place) + 4096);
 }
 
-/// Rows that are folded at a time: several streams from memory keep more of it busy than one, and
-/// the sums go back and forth less often.
+/// Rows that are folded at a time: several streams from memory use more of its bandwidth than one,
+/// and the sums are loaded and stored less often.
 constexpr std::size_t Together = 4;
 
 /// Calls one(x) for whole vectors of `lanes` columns and rest(x) for the columns after them.
@@ -143,7 +143,7 @@ void joinAll(const std::byte* bytes, std::size_t columns, std::size_t rows, std:
     const auto* in = reinterpret_cast<const std::uint8_t*>(bytes);
     auto* out = reinterpret_cast<std::uint8_t*>(bits);
     std::fill_n(out, columns, std::uint8_t(0));
-    // One row after the other: there is so little to do that the memory gives most along one
+    // One row after the other: there is so little to compute that memory is fastest along one
     // stream.
     for (std::size_t y = 0; y < rows; ++y, in += columns)
         joinRow(in, columns, out);

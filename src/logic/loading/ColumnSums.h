@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Rows of pixels folded into one: the vector loops behind thumbnails.
+// Rows of pixels folded into one: the vector loops for thumbnails.
 #pragma once
 
 #include <cstddef>
@@ -10,7 +10,7 @@
 
 namespace thumbnail {
 
-/// Can hold the sum of mostRows pixels: 32 bits for narrow ones, which doubles the speed.
+/// A type for the sum of mostRows pixels: 32 bits for narrow ones, which doubles the speed.
 template <class T>
 using ColumnSum = std::conditional_t<(sizeof(T) < 4), std::int32_t, std::int64_t>;
 
@@ -18,7 +18,7 @@ using ColumnSum = std::conditional_t<(sizeof(T) < 4), std::int32_t, std::int64_t
 inline constexpr std::size_t mostRows = 32'000;
 
 /// For each of `columns` columns the sum over `rows` rows, exact, and where T has a sign the
-/// bitwise or of the pixels, whose highest bit tells whether one was negative. Rows follow one
+/// bitwise or of the pixels, whose highest bit is set if one was negative. Rows follow one
 /// another without gap. `sums` and `bits` have room for `columns`. T is an integer of at most 32
 /// bits.
 template <class T>

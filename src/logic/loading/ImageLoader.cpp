@@ -182,9 +182,9 @@ void ImageLoader::_say(const QString& text)
 void ImageLoader::dropTaskQueue()
 {
     _context->requests.drop();
-    _sinceOpening.clear();  // not to be asked for again where a job hangs
+    _sinceOpening.clear();  // must not be requested again if a job hangs
     if (_watch.isActive())
-        _watch.start(0ms);  // what was dropped is not waited for
+        _watch.start(0ms);  // dropped requests are not waited for
 }
 
 void ImageLoader::emptyTaskQueue()

@@ -21,14 +21,14 @@
 class ImageLoaderThread;
 
 /// Runs requests one at a time, in order, on the threads that all views share; each ends in a
-/// finished record, in loadError(), or, for steps that lead nowhere, in notice().
+/// finished record, in loadError(), or, for steps without a target, in notice().
 ///
 /// Of several requests for images of the open series only the last one counts: a request that has
 /// not begun is replaced by the next one and never read. Steps count from the number that was asked
-/// for last; when nothing is under way, that is the number of the last record.
+/// for last; when nothing is pending, that is the number of the last record.
 ///
-/// Only jobs open, read and scan the series (SeriesSession). Results and bounds lie on a desk
-/// (LoaderDesk) whose mutex is held for moments, so that no caller ever waits for a file. A job
+/// Only jobs open, read and scan the series (SeriesSession). Results and bounds are on a desk
+/// (LoaderDesk) whose mutex is held only briefly, so that no caller ever waits for a file. A job
 /// that hangs, such as on a mount that does not answer, is abandoned with all that it needs when
 /// the loader ends or another file is asked for. Thread: public calls from the GUI thread, never
 /// from a job.
@@ -45,21 +45,21 @@ public:
     ~ImageLoader() override;
 
     /// Queues a request and returns at once; ignored while emptyTaskQueue() waits. A request to
-    /// open a file or to push an image does not wait for a job that hangs: it drops what was asked
-    /// for before and goes on without that job.
+    /// open a file or to push an image does not wait for a job that hangs: it drops the earlier
+    /// requests and goes on without that job.
     /// @param signalLoadError false keeps a failure quiet
     void open(Task task, const Data& data, bool signalLoadError);
-    /// Queues a step of n images, not 0. It goes over images that can't be shown and stops at the
+    /// Queues a step of n images, not 0. It skips images that can't be shown and stops at the
     /// ends of the series.
-    /// @param signalLoadError false for the steps of a movie, which are repeated: they are silent
-    /// at the end of the series
+    /// @param signalLoadError false for the steps of a movie, which are repeated: these report
+    /// nothing at the end of the series
     void step(int n, const Data& data, bool signalLoadError);
-    /// Drops what is queued and waits for a running job, whose result still comes. No caller in the
-    /// program, since a job may hang: the modes of a view use dropTaskQueue().
+    /// Drops what is queued and waits for a running job, whose result still comes. No caller yet in
+    /// the program, since a job may hang: the modes of a view use dropTaskQueue().
     void emptyTaskQueue();
     /// Drops what is queued and returns at once. The result of a running job still comes.
     void dropTaskQueue();
-    /// Is a request queued or running? Scans do not count.
+    /// True if a request is queued or running. Scans do not count.
     bool loading() const { return _context->requests.loading(); }
     /// Moves the finished records to the end of a list, in the order they were finished.
     void results(std::list<Data>& out);
@@ -78,11 +78,11 @@ signals:
     /// The series was scanned.
     void imageContainerChangedSignal();
     void loadError(QString message);
-    /// What a step has left out, or why it leads nowhere.
+    /// What a step has skipped, or why it has no target.
     void notice(QString message);
     // From the GUI thread.
     /// What the view is waiting for, as a text to show: first after 0.4 seconds, then each second;
-    /// empty when the wait is over.
+    /// empty once the wait is over.
     void waitingSignal(const QString& text);
 
 private:
@@ -92,12 +92,12 @@ private:
     void _post(const Request& request);
     /// What a request loads, in words for users.
     std::string _nameOf(const Request& request);
-    /// Looks how long the view has been waiting, and abandons a job that hangs while an opening
+    /// Checks how long the view has been waiting, and abandons a job that hangs while an opening
     /// waits for it.
     void _look();
-    /// Signals a text, if it is another one than the last.
+    /// Signals a text, if it differs from the last.
     void _say(const QString& text);
-    /// Has the last opening not begun yet?
+    /// True if the last opening has not begun yet.
     bool _openingWaits() const;
     /// Ends the context and its strand without waiting for the running job.
     void _leaveBehind();

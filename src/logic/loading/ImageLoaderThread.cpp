@@ -157,7 +157,7 @@ bool ImageLoaderThread::_openStep()
         return false;
     }
     if (number == from) {
-        // None of the series. Its number was asked for explicitly, and that may wait yet.
+        // Not in the series. Its number was requested explicitly, so it may still come.
         if (_request.fromAsked)
             return false;
         _openIndex();
@@ -181,7 +181,7 @@ bool ImageLoaderThread::_search(Steps& steps)
         return true;
     bool say = true;
     if (!_request.signalLoadError) {
-        // Asked for again and again: all that follows only now and then.
+        // Asked for again and again: the rest only now and then.
         AwaitedImage& awaited = _session.awaited();
         const bool again = awaited.is(first);
         say = awaited.isOverdue(first, _session.stampOf(first), std::chrono::steady_clock::now());
@@ -227,7 +227,7 @@ bool ImageLoaderThread::_canRead(int number, bool cached, Steps::Failure& failur
     } catch (const morvend::imglib::MTerminateException&) {
         throw;
     } catch (const morvend::MTimeoutException&) {
-        throw;  // the next one would hang as long
+        throw;  // the next one would hang just as long
     } catch (const morvend::MException& error) {
         failure = Steps::Failure(error);
         return false;
@@ -239,7 +239,7 @@ void ImageLoaderThread::_readFromCacheOrSource()
     _step.restart();
     const bool hit = _session.readAhead(_data.index, _data.image);
     _endStep(StepTimes::Cache, "\nTIME LOADING IMAGE FROM CACHE: ");
-    // The preloader may know images that have come since the last look; without a hit too the
+    // The preloader may know images that have come since the last look; even without a hit the
     // series may have grown.
     _session.catchUp(_data.index);
     if (hit)
@@ -272,7 +272,7 @@ void ImageLoaderThread::_analyse()
 
     _step.restart();
     _data.statistics.reset(new ImageStatistics);
-    // The thumbnail goes along with the statistics: a pass of its own would wait for the memory.
+    // The thumbnail is made along with the statistics: a pass of its own would wait for the memory.
     thumbnail::Builder thumbnail(_data.image);
     ComputeStatistics(_data.statistics.data())
         .compute(_data.image, _data.mask, [&](std::size_t pixel) { thumbnail.upTo(pixel); });
@@ -310,7 +310,7 @@ void ImageLoaderThread::_deliver()
 
 void ImageLoaderThread::_endWithoutImage(const std::string& message)
 {
-    // Steps that wait already count from its number. A search that gave up goes on with the next
+    // Waiting steps now count from its number. A search that gave up goes on with the next
     // step.
     if (!_context->requests.overtaken(_number, 0))
         _session.setAsked(_gaveUpAt.value_or(_session.shown()));

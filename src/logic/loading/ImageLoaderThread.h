@@ -16,7 +16,7 @@
 #include <optional>
 #include <string>
 
-/// Turns one request into a finished record. A request by number may take up others as long as it
+/// Turns one request into a finished record. A request by number may absorb others while it
 /// waits. Thread: run() on any, the rest GUI only.
 class ImageLoaderThread : public QRunnable {
 public:
@@ -26,9 +26,9 @@ public:
     ~ImageLoaderThread() override;
 
     unsigned int number() const { return _number; }
-    /// With all that has joined so far.
+    /// The request with all that have joined so far.
     LoaderRequest request() const;
-    /// Takes up another request by number, which it becomes or whose steps it goes on with.
+    /// Absorbs another request by number: becomes it, or adds its steps.
     /// @returns false if it has begun or was dropped
     bool join(const LoaderRequest& newer);
 
@@ -46,16 +46,16 @@ private:
     bool _load();
     /// Adds what belongs to the image that was read.
     void _complete();
-    // What there is to do for each kind of request; a step may end without an image.
+    // The work for each kind of request; a step may end without an image.
     void _openSeries();
     void _openIndex();
     bool _openStep();
     void _pushImage();
     /// Reads the image that the steps lead to, or the next one that can be read.
-    /// @returns false if there is none, of which a notice tells, or if it is no longer wanted
+    /// @returns false if there is none, which a notice reports, or if it is no longer wanted
     bool _search(Steps& steps);
     void _sayNothingFound(const Steps& steps) const;
-    /// Reads an image. @param cached  may the preloader have it? @param failure  why not
+    /// Reads an image. @param cached  true if the preloader may have it @param failure  why not
     bool _canRead(int number, bool cached, Steps::Failure& failure);
     /// @throws MRuntimeException for an image without pixels
     void _checkPixels() const;
@@ -66,7 +66,7 @@ private:
     void _analyse();
     /// Hands the finished record over.
     void _deliver();
-    /// @param message  an empty one is not signalled
+    /// @param message  an empty message is not signalled
     void _endWithoutImage(const std::string& message);
     /// Ends with a failure, signalled if the request wants it.
     void _fail(const std::string& message);
@@ -82,7 +82,7 @@ private:
     bool _begun = false;
     LoaderData _data;
     std::string _leftOut;
-    std::optional<int> _gaveUpAt;  // number that a search got to without finding an image
+    std::optional<int> _gaveUpAt;  // the number that a search reached without finding an image
     QElapsedTimer _total;
     QElapsedTimer _step;
 };

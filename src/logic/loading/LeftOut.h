@@ -1,19 +1,19 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// The images that a step went over, and the words for them.
+// The images that a step skipped, and the words for them.
 #pragma once
 
 #include <optional>
 #include <string>
 
-/// Collects what a step goes over because it can't be shown. Numbers are image numbers of the
+/// Collects what a step skips because it can't be shown. Numbers are image numbers of the
 /// series. A value.
 class LeftOut {
 public:
-    /// There are no images of these numbers, both included.
+    /// Notes that these numbers, both included, have no images.
     void missing(int from, int to);
-    /// The image is there but can't be read. @param reason  only the first one is kept
+    /// Notes an image that exists but can't be read. @param reason  only the first one is kept
     void unreadable(int number, const std::string& reason);
     bool empty() const { return !_missing && !_unreadable; }
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// What a job has to say, and scans.
+// Reports of a job, and scans.
 #include "logic/loading/LoaderContext.h"
 
 #include "logic/support/Console.h"
@@ -40,7 +40,7 @@ void LoaderContext::scan()
     try {
         session.scan();
     } catch (const std::exception& error) {
-        // What is known of the series stays; a picture of it is on the screen.
+        // The known state of the series stays; a picture of it is on the screen.
         console::warn(std::string("WARNING: ") + error.what() + '\n');
     }
     requests.leave(number);

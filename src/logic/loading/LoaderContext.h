@@ -17,7 +17,7 @@
 /// this one reports later reaches the view. Thread: any, but for the session.
 class LoaderContext {
 public:
-    /// Begins where the desk's view stands.
+    /// Begins at the current state of the desk's view.
     explicit LoaderContext(std::shared_ptr<LoaderDesk> desk);
 
     /// The view goes on without this context: its job ends as soon as it can.
@@ -27,7 +27,7 @@ public:
     // Of the running job.
     /// Publishes the bounds of the series and a record.
     void deliver(const LoaderData& record);
-    /// Publishes the bounds and a failure, an empty one in silence.
+    /// Publishes the bounds and a failure, an empty one silently.
     void fail(const std::string& message);
     /// Sends a sentence to be shown for a while.
     void notice(const std::string& message);

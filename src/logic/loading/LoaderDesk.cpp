@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Handing over under the mutex.
+// Hands over under the mutex.
 #include "logic/loading/LoaderDesk.h"
 
 void LoaderDesk::serve(const LoaderContext* context)

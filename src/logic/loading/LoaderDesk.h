@@ -15,9 +15,9 @@
 
 class LoaderContext;
 
-/// Holds finished records and the bounds of the series, and passes signals on to the view. Only the
+/// Holds finished records and the bounds of the series, and forwards signals to the view. Only the
 /// jobs of one context count; whatever comes from others is dropped.
-/// Thread: any. The mutex is held for moments, and while a signal is emitted.
+/// Thread: any. The mutex is held briefly, and while a signal is emitted.
 class LoaderDesk {
 public:
     using Bounds = SeriesSession::Bounds;

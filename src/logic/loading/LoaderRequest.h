@@ -19,8 +19,8 @@ struct LoaderRequest {
     Task task;
     LoaderData data;
     bool signalLoadError;      ///< false keeps a failure quiet
-    std::vector<int> steps{};  ///< of TaskOpenIndex: images to go on from the record's index
-    bool fromAsked = false;    ///< go on from the number that was asked for last instead
+    std::vector<int> steps{};  ///< of TaskOpenIndex: images to go from the record's index
+    bool fromAsked = false;    ///< go from the number requested last instead
 
     /// 1 or -1 for steps from the number asked for last that all go that way, 0 for anything else.
     int way() const;

@@ -63,7 +63,7 @@ SharedMasks::Mask sharedGaps(MImage gaps)
                       [&] { return std::move(gaps); });
 }
 
-/// May there be a value among the good pixels that is a mark?
+/// True if there may be a mark among the good pixels.
 bool mayHoldMarks(const MImage& image, const ImageStatistics& statistics)
 {
     const auto upTo = [&](double value) { return statistics.histogram.value(value); };

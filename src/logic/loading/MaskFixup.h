@@ -25,11 +25,11 @@ public:
     MImage operator()(MImage& image);
 
     /// Replaces the image's mask if its statistics show that the mask given last does not fit.
-    /// @returns true if it did: the statistics are wrong then
+    /// @returns true if it did: then the statistics are wrong
     bool replaces(MImage& image, const ImageStatistics& statistics);
 
 private:
-    /// Do the statistics show that the mask given last is right?
+    /// True if the statistics show that the mask given last is right.
     bool _fits(const MImage& image, const ImageStatistics& statistics) const;
     /// Chooses a mask without marks.
     void _giveGoodPixels(const MImage& image);

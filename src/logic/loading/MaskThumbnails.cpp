@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Looking for a mask that was seen before.
+// Looks for a mask that was seen before.
 #include "logic/loading/MaskThumbnails.h"
 
 #include "logic/loading/Thumbnail.h"

@@ -29,5 +29,5 @@ private:
         std::size_t bits = 0;
         MImage thumbnail;
     };
-    std::array<Known, 2> _known;  // the one used last in front
+    std::array<Known, 2> _known;  // the most recently used first
 };

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Changes and questions, each under the mutex.
+// Changes and queries, each under the mutex.
 #include "logic/loading/RequestList.h"
 
 #include <algorithm>

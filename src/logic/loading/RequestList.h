@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// The requests of a view that are under way.
+// The requests of a view that are pending.
 #pragma once
 
 #include <chrono>
@@ -10,8 +10,8 @@
 #include <optional>
 #include <string>
 
-/// Knows each request from its making to its end: whether it waits or runs, since when, and whether
-/// the view has its answer. Thread: any; the mutex is held for moments.
+/// Knows each request from creation to end: whether it waits or runs, since when, and whether
+/// the view has its answer. Thread: any; the mutex is held briefly.
 class RequestList {
 public:
     using Clock = std::chrono::steady_clock;
@@ -40,15 +40,15 @@ public:
 
     /// True if drop() was called after the request was made.
     bool dropped(unsigned int number) const;
-    /// Is there a newer request, other than steps in that direction?
+    /// True if there is a newer request, other than steps in that direction.
     bool overtaken(unsigned int number, int way) const;
-    /// Is a request queued or running? Scans do not count.
+    /// True if a request is queued or running. Scans do not count.
     bool loading() const;
-    /// Has a request not begun yet?
+    /// True if a request has not begun yet.
     bool queued(unsigned int number) const;
     /// The oldest request without answer, and for how long it has been waiting.
     std::optional<Waiting> oldest() const;
-    /// Has a job been reading for that long?
+    /// True if a job has been reading for that long.
     bool hangs(Clock::duration patience) const;
 
 private:
@@ -62,7 +62,7 @@ private:
     };
     using Entries = std::list<Entry>;
 
-    /// The entry of a number or the end; the mutex is held.
+    /// The entry of a number or the end; the caller holds the mutex.
     Entries::iterator _find(unsigned int number);
     Entries::const_iterator _find(unsigned int number) const;
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// One series takes the place of another.
+// Replaces one series by another.
 #include "logic/loading/SeriesSession.h"
 
 #include "imagelib/image/MException.h"
@@ -14,7 +14,7 @@ using morvend::imglib::MImage;
 
 namespace {
 
-/// The path as another process finds it, wherever that one stands.
+/// The path as another process finds it, whatever that one's working directory is.
 std::string absolute(const std::string& path)
 {
     std::error_code error;

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// An open series with all that only the job that runs may touch.
+// An open series with all state that only the running job may touch.
 #pragma once
 
 #include "imagelib/io/MImageSeries.h"
@@ -38,7 +38,8 @@ public:
     /// Pushed images that a series in memory keeps.
     static constexpr int pushedImages = 25;
 
-    /// @param shown  if it has a path, requests by number mean that series until another is open
+    /// @param shown  if it has a path, requests by number mean that series until another one is
+    /// open
     explicit SeriesSession(Shown shown);
 
     /// Opens the series on show, unless that has been done or another series is open.
@@ -65,10 +66,10 @@ public:
     int end(bool forward) const;
     Steps steps() { return Steps(_current()); }
 
-    /// A record is finished and goes to the view: its series becomes the open one, and the
+    /// Called when a record is finished: its series becomes the open one, and the
     /// preloader reads ahead in it.
     void keep(const LoaderData& record);
-    /// Closes the series that was opened beside or replaced; this may take as long as reading.
+    /// Closes the series that was opened in addition or replaced; this may take as long as reading.
     void closeOther() { _beside.reset(); }
     /// Looks for new images.
     void scan();
@@ -110,7 +111,7 @@ private:
     std::string _openedAs;
     std::string _comeBackTo;
     PreloaderClient _preloader;
-    bool _headerKnown = false;  // to the preloader client, of the open series
+    bool _headerKnown = false;  // true if the preloader client has the open series' header
     MaskFixup _maskFixup;
     MaskThumbnails _maskThumbnails;
     AwaitedImage _awaited;

@@ -12,7 +12,7 @@
 struct StepTimes {
     enum Step {
         Open,        ///< opening of series
-        Cache,       ///< questions to the preloader, hits and misses
+        Cache,       ///< queries to the preloader, hits and misses
         Source,      ///< reading and decoding here
         Mask,        ///< mask and its thumbnail
         Statistics,  ///< numbers, histogram and default contrast

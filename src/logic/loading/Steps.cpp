@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// The way over gaps.
+// Steps over gaps.
 #include "logic/loading/Steps.h"
 
 #include "imagelib/image/MException.h"
@@ -19,7 +19,7 @@ Steps::Failure::Failure(const morvend::MException& error)
 int Steps::to(int from, int n)
 {
     if (_forward != (n > 0))
-        _leftOut = {};  // on the way that is gone back
+        _leftOut = {};  // collected in the opposite direction
     _forward = n > 0;
     const long long wanted = static_cast<long long>(from) + n;
     if (wanted > _series.last())
@@ -44,7 +44,7 @@ std::optional<int> Steps::beyond(int number, const Failure& failure)
     _crashes += failure.crashed ? 1 : 0;
     if (_hasNoFile(number)) {
         _leftOut.missing(number, number);
-        _lookOnce();  // where one file has gone others may have, too
+        _lookOnce();  // if one file has gone, others may have gone too
     } else {
         _leftOut.unreadable(number, failure.reason);
     }
@@ -68,7 +68,7 @@ void Steps::_lookOnce()
     } catch (const morvend::imglib::MTerminateException&) {
         throw;
     } catch (const morvend::MException&) {
-        // What is known of the series stays.
+        // The known state of the series stays.
     }
 }
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Where steps through a series lead.
+// Finds the targets of steps through a series.
 #pragma once
 
 #include "logic/loading/LeftOut.h"
@@ -17,7 +17,7 @@ class MImageSeries;
 }  // namespace morvend
 
 /// Finds the image number that a step leads to, over gaps in the series and no further than its
-/// ends. Looks for new images at most once: when a step would leave the series, or when one of its
+/// ends. Looks for new images at most once: if a step would leave the series, or if one of its
 /// files is gone.
 /// Thread: that of the series.
 class Steps {
@@ -33,7 +33,7 @@ public:
         explicit Failure(const morvend::MException& error);
 
         std::string reason;
-        bool crashed = false;  ///< the process that was to read it
+        bool crashed = false;  ///< the reading process crashed
     };
 
     explicit Steps(morvend::imglib::MImageSeries& series)
@@ -41,12 +41,12 @@ public:
     {}
 
     /// The number that a step of n images, not 0, leads to. In a gap it is the next number of the
-    /// series in that direction; beyond the end it is the end. `from` if there is no way to go.
+    /// series in that direction; beyond the end it is the end. `from` if there is no such number.
     int to(int from, int n);
     /// Reports an image that can't be shown. @returns the number to try next in the direction of
     /// the last step; nothing at the end of the series and after too many failures
     std::optional<int> beyond(int number, const Failure& failure);
-    /// Has beyond() ended before the end of the series?
+    /// True if beyond() ended before the end of the series.
     bool gaveUp() const { return _failures >= mostFailures || _crashes >= mostCrashes; }
 
     /// The direction of the last step.
@@ -56,7 +56,7 @@ public:
 private:
     /// Looks for new images, the first time it is called.
     void _lookOnce();
-    /// Has the file of an image gone?
+    /// True if the file of an image has gone.
     bool _hasNoFile(int number) const;
 
     morvend::imglib::MImageSeries& _series;

@@ -25,14 +25,14 @@ public:
     void drop();
     /// Drops the jobs that have not begun, and no longer counts the thread of the running one.
     void leaveBehind();
-    /// Waits until no job is queued or running. Not to be called from a job.
+    /// Waits until no job is queued or running. Must not be called from a job.
     void waitForDone();
 
 private:
     explicit Strand(WorkerPool& pool)
         : _pool(pool)
     {}
-    /// Asks the pool for a turn; the mutex is held.
+    /// Asks the pool for a turn; the caller holds the mutex.
     void _enter();
     /// Runs one job.
     void _runNext();

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Cells of an image and what becomes of them.
+// Cells of an image and their reduction to pixels.
 #include "logic/loading/Thumbnail.h"
 
 #include "logic/loading/ColumnSums.h"
@@ -79,7 +79,7 @@ struct Source {
     std::size_t width;
 };
 
-/// The first pixel of a cell, row by row, that is a mark, else 0.
+/// The first pixel of a cell, row by row, that is a marked value, else 0.
 template <class T, class IsMark>
 T first(const Source<T>& image, Span columns, Span rows, IsMark&& isMark)
 {
@@ -139,8 +139,8 @@ private:
     std::size_t _next = 0;
 };
 
-/// The mean of each cell. Whether negative pixels are marks is known at the end only: cells that
-/// hold one are gone over again then.
+/// The mean of each cell. Only at the end is it known whether negative pixels are marks: cells that
+/// hold one are then processed again.
 template <class T>
 class Means : public Bands<T> {
 public:
@@ -169,9 +169,9 @@ private:
     std::vector<Cell> _negative;
 };
 
-/// Means where the order of the pixels counts, as it does for sums of floating pixels. Each row
-/// goes to all cells before the next one: the sum of a cell waits for each of its additions, those
-/// of its neighbours don't.
+/// Means for types where the order of summation matters, as it does for sums of floating pixels.
+/// Each row goes to all cells before the next one: the sum of a cell waits for each of its
+/// additions, those of its neighbours don't.
 template <class T>
 class MeansInOrder : public Means<T> {
 public:

@@ -11,7 +11,7 @@
 
 namespace thumbnail {
 
-/// Pixels of a thumbnail on its longer side, at most.
+/// Most pixels on the longer side of a thumbnail.
 inline constexpr int longestSide = 200;
 
 /// An image of the size and pixel type of a thumbnail, with undefined pixels. The longer side gets
@@ -30,9 +30,9 @@ public:
     /// @throws MNotImplementedException for no pixel type
     explicit Builder(const morvend::imglib::MImage& image);
     ~Builder();
-    /// Does the rows of cells that end before a pixel.
+    /// Processes the rows of cells that end before a pixel.
     void upTo(std::size_t end);
-    /// Does what is left. Once.
+    /// Processes the rest. Call once.
     morvend::imglib::MImage finish(bool hasNegatives);
 
     class Work;

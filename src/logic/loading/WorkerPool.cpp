@@ -24,7 +24,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using std::chrono::nanoseconds;
 
-/// Time between the end of a view and the giving back of what it left in pools.
+/// Time from the end of a view until what it left in pools is freed.
 constexpr std::chrono::milliseconds tidyPause{1000};
 
 /// Time that a thread has spent on processors.
@@ -48,7 +48,7 @@ struct WorkerPool::State : std::enable_shared_from_this<State> {
         const void* owner = nullptr;
         bool busy = false;
         bool counted = true;
-        // What the watch saw of the job at its last look.
+        // The state of the job at the watch's last look.
         bool seen = false;
         nanoseconds used{};
     };
@@ -74,7 +74,7 @@ struct WorkerPool::State : std::enable_shared_from_this<State> {
 
     const Limits limits;
     mutable std::mutex mutex;
-    std::condition_variable work_;  // there is some, or the time to tidy up has changed
+    std::condition_variable work_;  // there is work, or the time to tidy up has changed
     std::condition_variable end;
     std::deque<Entry> queue;
     Workers workers;
@@ -82,11 +82,11 @@ struct WorkerPool::State : std::enable_shared_from_this<State> {
     bool watching = false;
     bool ended = false;
     std::function<void()> tidy;
-    bool untidy = false;                      // has there been work since the last time?
-    std::optional<Clock::time_point> tidyAt;  // when it was asked for
+    bool untidy = false;                      // true if there was work since the last time
+    std::optional<Clock::time_point> tidyAt;  // if it was requested
 };
 
-/// A thread for each job in the queue, as far as the limits go. The mutex is held.
+/// A thread for each job in the queue, up to the limits. The caller holds the mutex.
 void WorkerPool::State::startWhereNeeded()
 {
     while (queue.size() > idle && counted() < limits.threads &&
@@ -98,7 +98,7 @@ void WorkerPool::State::startWhereNeeded()
         } catch (const std::system_error&) {
             --idle;
             workers.erase(worker);
-            break;  // those that are there take one job after the other
+            break;  // the existing ones take one job after the other
         }
     }
     watchWhereNeeded();
@@ -130,7 +130,7 @@ void WorkerPool::State::work(Workers::iterator self)
         *self = {.clock = self->clock};
         untidy = untidy || !entry->tidies;
         if (counted() > limits.threads)
-            break;  // another one has taken the place of this one while its job waited
+            break;  // another one has replaced this one while its job waited
         ++idle;
     }
     workers.erase(self);
@@ -255,7 +255,7 @@ void WorkerPool::askToTidy()
             return;
         _state->tidyAt = Clock::now() + tidyPause;
     }
-    post([] {});  // whoever takes it learns of the time
+    post([] {});  // whoever takes it learns the time
 }
 
 WorkerPool::Usage WorkerPool::usage() const

@@ -13,7 +13,7 @@
 ///
 /// A job that waits instead of computing, such as for a mount that does not answer, is not counted
 /// once others have waited a while for a thread: a new thread takes the next job. A thread ends
-/// when it finds too many others, or no work for a while. Nobody ever waits for a thread, not even
+/// when it finds too many others, or no work for a while. Nothing ever waits for a thread, not even
 /// the end of the process: each owns what it needs. Thread: any.
 class WorkerPool {
 public:

@@ -68,7 +68,7 @@ public:
         return _series[number];
     }
 
-    /// The number itself, or the next one of the series where its known images leave a gap.
+    /// The number itself, or the next one of the series if that is in a gap.
     unsigned long overGap(unsigned long number) const
     {
         const int last = _series.last();
@@ -77,7 +77,7 @@ public:
         return static_cast<unsigned long>(_series.next(static_cast<int>(number - 1)));
     }
 
-    /// The number before, -1 at the beginning.
+    /// The number before, -1 at the start.
     int before(int number) const { return _series.previous(number); }
 
     void close()

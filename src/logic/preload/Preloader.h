@@ -13,7 +13,7 @@
 
 /// Fills a cache with the images after a wanted one, on a thread of its own, until the series ends
 /// or the cache holds 1 GiB. After a step back it first reads the images before the wanted one, the
-/// nearest first, into three quarters of that. What it reads lies in shared memory, ready to be
+/// nearest first, into three quarters of that. What it reads is in shared memory, ready to be
 /// handed over.
 /// Thread: run() from one thread.
 class Preloader {
@@ -59,7 +59,7 @@ private:
     PreloaderCache& _cache;
     const std::uint64_t _mostBytes;
     PreloaderCache::Key _wanted;
-    bool _back = false;  // is it before the one that was wanted until then?
+    bool _back = false;  // it is before the previously wanted one
     std::atomic<bool> _stop = false;
     std::atomic<bool> _request = false;
     bool _idle = false;

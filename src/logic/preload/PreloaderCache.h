@@ -27,19 +27,19 @@ public:
         bool mayGrow;  // a container that its writer appends to
     };
 
-    /// Inserts or overwrites. The bytes of an overwritten image go on counting.
+    /// Inserts or overwrites. The bytes of an overwritten image still count.
     void add(const Key& key, const MImage& image, const Origin& origin = {});
     bool count(const Key& key) const;
     /// A copy of the image, which shares the pixels.
-    /// @throws MOutOfRangeException "Cache fault" when it is not there
+    /// @throws MOutOfRangeException "Cache fault" if it isn't there
     MImage operator[](const Key& key) const;
     /// Erases the images of other paths, and those of this path up to and with this number.
     void eraseIfLessEqual(const Key& key);
     /// Erases the images of other paths and the one of this number. Of those after it, erases the
     /// farthest until the rest has at most so many bytes.
     void eraseFarBehind(const Key& key, std::uint64_t most);
-    /// Erases an image whose file has changed since it was read. An image whose file is gone stays.
-    /// Looks at the file, without the lock.
+    /// Erases an image whose file has changed since it was read. An image whose file has gone
+    /// stays. Looks at the file, without the lock.
     void eraseIfStale(const Key& key);
     /// Bytes of the pixels of all images.
     std::uint64_t fill() const { return _fill; }
@@ -52,7 +52,7 @@ private:
     using Entries = std::map<Key, Entry>;
 
     static std::uint64_t _bytes(const Entry& entry);
-    /// Erases what a condition on key and entry holds for, in falling order.
+    /// Erases the entries that meet a condition, in descending order.
     template <class Condition>
     void _eraseWhere(Condition&& condition);
 

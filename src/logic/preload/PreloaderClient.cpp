@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Questions to the preloader.
+// Queries to the preloader.
 #include "logic/preload/PreloaderClient.h"
 
 #include "imagelib/ipc/MMessageQueue.h"
@@ -30,8 +30,8 @@ std::mutex& traffic()
     return mutex;
 }
 
-/// The way to the preloader, opened by the first who asks and never closed: closing it may take a
-/// second, for what waits to be handed over, and abandoned jobs may use it until the process ends.
+/// The way to the preloader, opened by the first query and never closed: closing it may take a
+/// second, to hand over what waits, and abandoned jobs may use it until the process ends.
 MMessageQueue& queue()
 {
     static MMessageQueue& queue = *new MMessageQueue(PreloaderClient::messageQueueId().c_str());
@@ -48,8 +48,8 @@ bool equalTrees(const PreloaderClient::Header& left, const PreloaderClient::Head
     });
 }
 
-/// The metadata tree of the last image that came, whoever asked: those that follow only tell when
-/// theirs is another one.
+/// The metadata tree of the last image that came, for any client: later images only report when
+/// theirs differs.
 class LastTree {
 public:
     /// Gives an image its tree, by reference to that of `known` if it is equal.
@@ -78,7 +78,7 @@ LastTree& lastTree()
     return tree;
 }
 
-/// How many clients have a series.
+/// The number of clients that have a series.
 std::map<std::string, int>& users()
 {
     static auto& map = *new std::map<std::string, int>;  // guarded by traffic()
@@ -104,7 +104,7 @@ void PreloaderClient::_setPath(const std::string& path)
         if (const MMessageQueue::Peer peer = queue().peer(); peer != MMessageQueue::NoPeer)
             queue().sendTo(peer, preloader::pack(preloader::FORGET, 0, before));
     } catch (const std::exception&) {
-        // A preloader that has gone has forgotten all.
+        // A preloader that has gone has lost all.
     }
 }
 
@@ -112,7 +112,7 @@ std::string PreloaderClient::messageQueueId() { return "PRELOADER_" + std::to_st
 
 void PreloaderClient::put(unsigned long index, const std::string& path)
 {
-    // Whatever fails here: images of the series before must not be taken for this one's.
+    // Even if this fails, images of the previous series must not be taken for this one's.
     _enabled = false;
     std::string wanted;
     try {
@@ -158,9 +158,9 @@ bool PreloaderClient::_receive(MImage& image, unsigned long index) const
         }
         return hit;
     } catch (const morvend::MPeerGoneException&) {
-        // Killed; its successor is asked next time.
+        // Killed; the next query goes to its successor.
     } catch (const std::exception& error) {
-        // Whatever still comes must not be taken for the answer to a later question.
+        // A late answer must not be taken for the answer to a later query.
         queue().disconnect(peer);
         console::warn(std::string("WARNING: The preloader is left alone: ") + error.what() + '\n');
     }

@@ -8,7 +8,7 @@
 
 #include <string>
 
-/// A view's way to the images that the preloader process has read ahead. Whatever becomes of that
+/// A view's way to the images that the preloader process has read ahead. Whatever happens to that
 /// process, a view only misses: a peer that is dead, stopped or not there yet costs no more than
 /// a quarter of a second once.
 ///
@@ -38,11 +38,11 @@ public:
     /// @returns false on a miss, which leaves `image` as it is
     bool get(MImage& image, unsigned long index, const std::string& path = {});
 
-    /// A header of the series that is at hand: its tree of metadata serves all images that have an
+    /// A known header of the series: its metadata tree serves all images that have an
     /// equal one.
     void setDefaultOptData(const Header& header) { _defaultHeader = header; }
     const Header& defaultOptData() const { return _defaultHeader; }
-    /// Off, get() asks nobody, and the default header is cleared.
+    /// If off, get() always misses, and the default header is cleared.
     void setEnabled(bool enabled);
 
 private:

@@ -29,7 +29,7 @@ enum Method : std::uint32_t {
 std::string pack(Method method, unsigned long index, const std::string& path);
 /// What a peer sent, if it is long enough to be unpacked. @throws MRuntimeException otherwise
 const std::string& checkedRequest(const std::string& data);
-/// Asserts that method and index are there.
+/// Asserts that method and index are present.
 void unpack(const std::string& data, Method& method, unsigned long& index, std::string& path);
 
 std::string pack(bool hit);
@@ -38,7 +38,7 @@ std::string packHitOfSameTree();
 bool hasSameTree(const std::string& data);
 /// As checkedRequest().
 const std::string& checkedReply(const std::string& data);
-/// Asserts that the byte is there.
+/// Asserts that the byte is present.
 void unpack(const std::string& data, bool& hit);
 
 }  // namespace preloader

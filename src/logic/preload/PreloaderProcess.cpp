@@ -64,7 +64,7 @@ void PreloaderProcess::_watch()
     _handle = static_cast<int>(::syscall(SYS_pidfd_open, static_cast<pid_t>(_pid), 0));
     if (_handle < 0) {
         if (::kill(static_cast<pid_t>(_pid), 0) != 0)
-            return _ended();  // it has gone already
+            return _ended();  // it has ended already
         // It runs, but this process can't have a handle on it now, or never on an old system.
         QTimer::singleShot(pauseWithoutHandle, this, &PreloaderProcess::_watch);
         return;

@@ -27,7 +27,7 @@ void PreloaderService::run()
             while (!_stop)
                 _serve(peer);
         } catch (const morvend::MPeerGoneException&) {
-            // The viewer may come again; when it has gone for good the process ends.
+            // The viewer may come again; if it has gone for good the process ends.
         } catch (const std::exception& error) {
             console::warn(std::string("Preloader: ") + error.what() + '\n');
             _queue.disconnect(peer);

@@ -21,7 +21,7 @@ public:
 
     /// Answers requests until stop() is called.
     void run();
-    /// Lets run() return soon. Thread: any.
+    /// Makes run() return soon. Thread: any.
     void stop();
 
 private:
@@ -31,7 +31,7 @@ private:
     void _serve(Peer peer);
     /// Answers a GET.
     void _answer(Peer peer, const PreloaderCache::Key& key);
-    /// Takes the metadata tree out of an image, if it is the one that the peer was sent last.
+    /// Takes the metadata tree out of an image, if it was the last one sent to the peer.
     bool _leaveOutTree(Peer peer, morvend::imglib::MImage& image);
 
     morvend::imglib::MMessageQueue _queue;

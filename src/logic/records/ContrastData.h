@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// What a view's contrast is: two intensities and a colour table.
+// The contrast of a view: two intensities and a colour table.
 #pragma once
 
 #include <limits>
@@ -28,7 +28,7 @@ public:
     /// Doubles compare by records::equal: NaN equals anything.
     bool operator==(const ContrastData& other) const;
 
-    /// Was a contrast ever chosen? Whoever sets a value sets it.
+    /// True if a contrast was ever chosen. Whoever sets a value sets it.
     bool defined = false;
     /// Intensity at the top of the linear part of the colour table.
     double foreground = std::numeric_limits<double>::min();

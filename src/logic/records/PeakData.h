@@ -20,7 +20,7 @@ public:
                highlightedPeaks == other.highlightedPeaks;
     }
 
-    /// Was a selection ever made?
+    /// True if a selection was ever made.
     bool defined = false;
     /// How many of the strongest peaks are shown; 0 means that the peak finder is off.
     int numberOfPeaks = 0;

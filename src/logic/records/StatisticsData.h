@@ -18,13 +18,13 @@ public:
     StatisticsData(const StatisticsData&) = default;
     StatisticsData& operator=(const StatisticsData&) = default;
 
-    /// Has the centred circle a centre and both radii?
+    /// True if the centred circle has a centre and both radii.
     bool centredCircleDefined() const;
 
     /// Floating values compare by records::equal: NaN equals anything.
     bool operator==(const StatisticsData& other) const;
 
-    /// Was a selection ever made?
+    /// True if a selection was ever made.
     bool defined = false;
     /// End points of a line, opposite corners of a box.
     int beginX = 0;

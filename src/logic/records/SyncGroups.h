@@ -11,12 +11,12 @@
 #include <vector>
 
 /// All groups of one record T by their sync id. A group exists as long as it has a member; its
-/// record goes with the last one. Thread: GUI only.
+/// record ends with the last one. Thread: GUI only.
 template <class T>
 class SyncGroups {
 public:
-    /// Makes the observer a member of a group, which is created when it is the first. The observer
-    /// takes the group's record over in silence.
+    /// Makes the observer a member of a group, which is created if it is the first. The observer
+    /// takes over the group's record silently.
     void attach(AbstractObserver<T>& observer, const std::string& syncId)
     {
         Synchronizer<T>& group = _groups[syncId];
@@ -24,7 +24,7 @@ public:
         observer.join(group);
     }
 
-    /// Takes the observer out of its group; without one nothing happens.
+    /// Takes the observer out of its group; without a group nothing happens.
     void detach(AbstractObserver<T>& observer)
     {
         for (auto group = _groups.begin(); group != _groups.end(); ++group) {
@@ -36,14 +36,14 @@ public:
         }
     }
 
-    /// Do changes spread? Switching on makes all members take over their group's record.
-    /// @returns whether the value is another one than before
+    /// True if changes spread. Switching on makes all members take over their group's record.
+    /// @returns whether the value has changed
     bool setEnabled(bool enabled)
     {
         if (enabled == _enabled)
             return false;
         _enabled = enabled;
-        // A member that is notified may leave, and its group go with it.
+        // A notified member may leave, which may end its group.
         std::vector<std::string> syncIds;
         for (const auto& [syncId, group] : _groups)
             syncIds.push_back(syncId);

@@ -15,7 +15,7 @@ class Synchronizer;
 
 /// One view's copy of a shared record. Its owner attaches and detaches it through TarvikCore.
 ///
-/// A detached observer keeps its synchronizer, even when that is destroyed: every detach is
+/// A detached observer keeps its synchronizer, even if that is destroyed: every detach is
 /// followed at once by a new attach or by the end of the observer. Thread: GUI only.
 template <class T>
 class AbstractObserver {
@@ -24,10 +24,10 @@ public:
     AbstractObserver(const AbstractObserver&) = delete;
     AbstractObserver& operator=(const AbstractObserver&) = delete;
     virtual ~AbstractObserver() = default;
-    /// The record has come in by notify() and differs from the one before.
+    /// The record arrived by notify() and differs from the previous one.
     virtual void virtualNotify() = 0;
 
-    /// Takes the group's record over and calls virtualNotify(), if it differs. Equality is the one
+    /// Takes over the group's record and calls virtualNotify(), if it differs. Equality is the only
     /// guard against an endless exchange of notifications.
     void notify()
     {
@@ -38,7 +38,7 @@ public:
         }
     }
 
-    /// Becomes a member of the synchronizer's group and takes its record over in silence.
+    /// Becomes a member of the synchronizer's group and takes over its record silently.
     void join(Synchronizer<T>& synchronizer)
     {
         _synchronizer = &synchronizer;
@@ -63,8 +63,8 @@ private:
     T _data;
 };
 
-/// The record of one group and its members. It may be destroyed by what a notified member does,
-/// such as leaving as the last one, which ends the pass. Thread: GUI only.
+/// The record of one group and its members. A notified member may destroy it,
+/// such as by leaving as the last one, which ends the pass. Thread: GUI only.
 template <class T>
 class Synchronizer {
 public:
@@ -105,7 +105,7 @@ public:
 private:
     void _notifyAll()
     {
-        // A notified view may bring others to join or leave, hence the copy.
+        // A notified view may make others join or leave, hence the copy.
         const std::vector<Observer*> members(_observers.begin(), _observers.end());
         const std::shared_ptr<const bool> alive = _alive;
         for (Observer* member : members) {

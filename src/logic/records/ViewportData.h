@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// What part of an image a view shows.
+// The part of an image that a view shows.
 #pragma once
 
 /// Position, zoom and rotation of a view, shared by the views of a group. A value.
@@ -18,7 +18,7 @@ public:
     ViewportData& operator=(const ViewportData&) = default;
 
     /// Screen pixels for each image pixel: 0.25 to 64; 0 for a power outside the range, which only
-    /// a direct write can bring about.
+    /// a direct write can cause.
     double zoom() const;
     /// Clamps to the range.
     void setZoomPower(int power);
@@ -26,7 +26,7 @@ public:
     /// Floating values compare by records::equal: NaN equals anything.
     bool operator==(const ViewportData& other) const;
 
-    /// Was a viewport ever chosen?
+    /// True if a viewport was ever chosen.
     bool defined = false;
     /// Image coordinates of the view's reference point, in pixels.
     double offsetX = 0;

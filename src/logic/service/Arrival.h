@@ -1,12 +1,12 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// How a finished load becomes what a view shows.
+// Turns a finished load into what a view shows.
 #pragma once
 
 #include "logic/service/Records.h"
 
-/// Takes loads over: the image, the header edits that are laid over it, and the group that its size
+/// Takes over loads: the image, the header edits applied to it, and the group that its size
 /// belongs to. Thread: GUI only.
 class Arrival {
 public:

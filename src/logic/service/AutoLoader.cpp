@@ -47,14 +47,14 @@ void AutoLoader::startLoading(Mode mode)
         lock.lock();
         start(QThread::LowPriority);
     }
-    // A request of the former run does not arrive any more: nothing else would answer it.
+    // A request of the former run no longer arrives: nothing else would answer it.
     _state = State::Idle;
     _condition.notify_one();
 }
 
 void AutoLoader::_connectRequests(Mode mode)
 {
-    // The number of the run keeps out what a former thread left in the event queue.
+    // The number of the run excludes what a former thread left in the event queue.
     const auto whenCurrent = [this, run = _run](auto&& request) {
         if (run != _run)
             return;
@@ -102,7 +102,8 @@ void AutoLoader::_disconnectRequests()
 void AutoLoader::_directoryChangedSlot()
 {
     // A load under way will be answered by its image. To count a scan as its answer would queue one
-    // more load for each scan, and a series that keeps growing would be followed ever later.
+    // more load for each scan, and a series that keeps growing would be followed with a growing
+    // delay.
     _updateIndices(false);
 }
 

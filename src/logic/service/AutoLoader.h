@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Keeps a view moving through its series without a hand.
+// Moves a view through its series automatically.
 #pragma once
 
 #include "logic/service/MovieClock.h"
@@ -16,12 +16,12 @@
 #include <optional>
 
 /// Paces a movie, or follows a series that grows. It loads nothing itself: its thread only signals
-/// when the view is to load, and sleeps in between.
+/// when the view should load, and sleeps in between.
 ///
-/// A movie goes on when the image before has been shown, after 200 ms and with a pause of 10 ms at
-/// least, which scans of the series do not end; at the end of the series it sleeps until the series
-/// grows. A request that ends without an image raises no error; it is made again when the series
-/// has been scanned. Thread: public calls and slots on the view's thread.
+/// A movie continues when the previous image has been shown, after 200 ms and with a pause of at
+/// least 10 ms, which scans of the series do not end; at the end of the series it sleeps until the
+/// series grows. A request that ends without an image raises no error; it is made again when the
+/// series has been scanned. Thread: public calls and slots on the view's thread.
 class AutoLoader : public QThread {
     Q_OBJECT
 public:
@@ -36,9 +36,9 @@ public:
     void setStepSize(int step);
     int stepSize() const;
 
-    /// Begins, or goes on in another mode.
+    /// Starts, or continues in another mode.
     void startLoading(Mode mode);
-    /// No further request reaches the view. The thread ends soon after; callers wait for it.
+    /// Stops: no further request reaches the view. The thread ends soon after; callers wait for it.
     void stopLoading();
 
 signals:
@@ -57,7 +57,7 @@ private:
     /// another request may answer one that is still Asked. A stop leads from each to Stopped, which
     /// only a start leaves.
     enum class State {
-        Stopped,  ///< there is no thread, or one that is about to end
+        Stopped,  ///< no thread, or one that is about to end
         Idle,     ///< waits for an image to go to, or for the end of a picture's time
         Asked,    ///< a request was signalled and has not reached the view yet
         Loading   ///< the request has reached the view and is not answered yet
@@ -66,18 +66,19 @@ private:
     /// Hands the thread the place of the view. @param answered  a request has ended with an image
     void _updateIndices(bool answered);
     void _disconnectRequests();
-    /// Connects what asks for images; what was signalled before a stop does not arrive after it.
+    /// Connects the signals that request images; none from before a stop arrives after it.
     void _connectRequests(Mode mode);
     /// A request has reached the view.
     void _noteArrival();
     // Steps of the thread.
-    /// Waits until the series goes on after the current image. @returns the step, none to stop
+    /// Waits until the series goes on after the current image. @returns the step, none if it must
+    /// stop
     std::optional<int> _awaitNext();
     /// Signals a request. @returns whether it is for a movie
     bool _request(int step);
-    /// Waits until the request is answered. @returns false to stop
+    /// Waits until the request is answered. @returns false if it must stop
     bool _awaitAnswer();
-    /// Waits for the rest of a picture's time. @returns false to stop
+    /// Waits for the rest of a picture's time. @returns false if it must stop
     bool _pause(MovieClock::Time asked);
 
     static constexpr std::chrono::milliseconds minimumPause{10};

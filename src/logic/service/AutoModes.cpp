@@ -4,7 +4,7 @@
 
 namespace {
 
-/// The auto loader's thread waits for nothing but its wake-up, so it is gone long before.
+/// The auto loader's thread waits for nothing but its wake-up, so it ends long before.
 constexpr unsigned long longestWait = 200;  // ms
 
 }  // namespace

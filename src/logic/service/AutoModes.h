@@ -13,7 +13,7 @@
 #include <optional>
 
 /// Playing a movie, watching a series that grows, showing pictures of a running detector: at most
-/// one of the three is on. Whoever leaves a mode drops what it has queued; a load that runs still
+/// one of the three is on. Leaving a mode drops what it has queued; a running load still
 /// arrives, after the signal that the mode has ended. No call waits for a load. Thread: GUI only.
 class AutoModes {
 public:
@@ -28,20 +28,20 @@ public:
     int port() const { return _port; }
     double minPause() const { return _minPause; }
 
-    /// Without image nothing happens.
+    /// Without an image nothing happens.
     void setMovie(bool on) { _setAuto(Mode::Movie, Mode::WatchSeries, on); }
     void setWatchSeries(bool on) { _setAuto(Mode::WatchSeries, Mode::Movie, on); }
-    /// Works without image too, so that a view can begin empty.
+    /// Works without an image too, so that a view can start empty.
     void setHalvoMonitor(bool on);
-    /// Keeps an address for later starts, also of other views; a running monitor changes over.
+    /// Keeps an address for later starts, also of other views; a running monitor switches to it.
     void setHalvoMonitorHost(const QString& host, int port, double minPause);
-    /// Ends all modes in silence and waits for the auto loader.
+    /// Ends all modes silently and waits for the auto loader.
     void end();
 
 private:
-    /// Begins or ends a movie or the watching of a series; the other of the two excludes it.
+    /// Starts or ends a movie or the watching of a series; the other of the two excludes it.
     void _setAuto(Mode mode, Mode other, bool on);
-    /// Ends what the auto loader does for a mode, and signals that.
+    /// Ends the auto loader's work for a mode, and signals that.
     void _leave(Mode mode);
     void _switchMonitor(bool on);
     /// @returns whether the mode was on

@@ -18,9 +18,9 @@ class ContainerWatch : public QObject {
 public:
     /// @param file  path of the image shown; empty for an image without file, where only the poll
     /// goes on
-    /// @param pollPeriod  as of FolderWatch
+    /// @param pollPeriod  as for FolderWatch
     explicit ContainerWatch(const QString& file, int pollPeriod = FolderWatch::defaultPollPeriod);
-    /// Goes over to another file.
+    /// Switches to another file.
     void setFile(const QString& file);
 
 signals:

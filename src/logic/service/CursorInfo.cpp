@@ -12,7 +12,7 @@ QString CursorInfo::resolutionKey() { return QStringLiteral(u"Resolution (\u212B
 
 namespace {
 
-/// Truncates a coordinate; what no int can hold is far outside of any image.
+/// Truncates a coordinate; a value beyond int is far outside any image.
 int toPixel(double coordinate) { return morvend::datatypes::convertPixel<int>(coordinate); }
 
 }  // namespace

@@ -18,7 +18,7 @@ class CursorInfo {
 public:
     /// No keys.
     CursorInfo() = default;
-    /// The texts for a position in an image, whose header says which there are. Outside the image
+    /// The texts for a position in an image, whose header decides which exist. Outside the image
     /// (negative or NaN) and without one the keys stay, with empty texts, so that panels keep their
     /// lines.
     static CursorInfo of(const morvend::imglib::MImage& image, double imgX, double imgY);

@@ -22,7 +22,7 @@ namespace {
 constexpr std::uint32_t changes = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_MODIFY |
                                   IN_ATTRIB | IN_DELETE_SELF | IN_MOVE_SELF;
 
-/// Takes all that waits at a descriptor.
+/// Reads all that waits at a descriptor.
 void drain(int fd)
 {
     std::array<char, 4096> ignored;
@@ -69,7 +69,7 @@ struct FolderWatch::Shared {
     const int events = ::inotify_init1(IN_CLOEXEC | IN_NONBLOCK);
     std::mutex mutex;
     std::string folder;
-    bool told = false;              // and not taken note of yet
+    bool told = false;              // and not acknowledged yet
     std::function<void()> changed;  // empty at the end
 };
 
@@ -79,7 +79,7 @@ FolderWatch::FolderWatch(std::function<void()> changed, int pollPeriod)
     try {
         std::thread([shared = _shared] { _run(shared); }).detach();
     } catch (const std::system_error&) {
-        // Without a thread to spare the series grows unnoticed until it is looked at.
+        // If no thread can be made, growth is noticed only when the series is next used.
     }
 }
 
@@ -116,7 +116,7 @@ void FolderWatch::_run(const std::shared_ptr<Shared>& shared)
         if (moves && watch >= 0)
             ::inotify_rm_watch(shared->events, watch);
         folder = *wanted;
-        // Each time, since a folder that was replaced is not watched any more. One that can't be
+        // Each time, since a folder that was replaced is no longer watched. One that can't be
         // watched is left to the poll.
         watch = folder.empty() ? -1 : ::inotify_add_watch(shared->events, folder.c_str(), changes);
         if (!moves && wait(shared->wake, shared->events, shared->pollPeriod)) {

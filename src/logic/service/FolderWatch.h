@@ -8,10 +8,10 @@
 #include <memory>
 #include <string>
 
-/// Tells that files may have come to a folder or that some of it have been written to: when the
+/// Reports that files may have been added to a folder or written to: when the
 /// system notifies of it, which takes milliseconds, and in any case after each poll period. Bursts
-/// are told once. No call waits: a mount that is dead lets nobody go who asks for a watch, and then
-/// holds the thread alone, which is left behind.
+/// are reported once. No call waits: a watch on a dead mount can block for ever; then
+/// only the detached thread hangs.
 /// Thread: one at a time.
 class FolderWatch {
 public:
@@ -26,10 +26,10 @@ public:
     FolderWatch(const FolderWatch&) = delete;
     FolderWatch& operator=(const FolderWatch&) = delete;
 
-    /// Goes over to another folder, which counts as a change; with an empty path only the poll goes
+    /// Switches to another folder, which counts as a change; with an empty path only the poll goes
     /// on.
     void setFolder(const std::string& folder);
-    /// The change has been taken note of: the next one is to be told.
+    /// Acknowledges a change: the next one will be reported.
     void lookAgain();
 
 private:

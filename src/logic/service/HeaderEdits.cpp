@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Laying edits over headers.
+// Applies edits to headers.
 #include "logic/service/HeaderEdits.h"
 
 void HeaderEdits::newImage(MImage& image, int imageIndex, bool sameGroup)

@@ -6,7 +6,7 @@
 
 #include "imagelib/image/MImage.h"
 
-/// Keeps the header of the current image as loaded, and the edits that are laid over it and over
+/// Keeps the header of the current image as loaded, and the edits that apply to it and to
 /// each further image of the series. Thread: one at a time.
 class HeaderEdits {
 public:
@@ -15,8 +15,8 @@ public:
 
     const Header& edits() const { return _edits; }
 
-    /// A new image is there: lays the edits over its header, or drops them when it begins a new
-    /// group. A start angle that was edited goes on counting with the image number.
+    /// For a new image: applies the edits to its header, or drops them if it begins a new
+    /// group. An edited start angle keeps counting with the image number.
     void newImage(MImage& image, int imageIndex, bool sameGroup);
     /// Replaces the edits. Start angle and step are kept only together, since the angle of a
     /// series needs both.

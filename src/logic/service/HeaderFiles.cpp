@@ -18,7 +18,7 @@ std::unique_ptr<WriteHeaderToFilesThread> headerFilesBatch(const std::string& pa
     std::size_t digits = dot;
     while (digits > name && path[digits - 1] >= '0' && path[digits - 1] <= '9')
         --digits;
-    int number = 0;  // stays without digits, and for more than a number can have
+    int number = 0;  // stays if there are no digits, or too many
     std::from_chars(path.data() + digits, path.data() + dot, number);
 
     auto batch = std::make_unique<WriteHeaderToFilesThread>();

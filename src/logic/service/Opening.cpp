@@ -72,8 +72,8 @@ int Opening::lastIndex() const { return _shown.loaded() ? _loader.lastIndex() : 
 
 std::optional<LoaderData> Opening::takeFinished()
 {
-    // Each record has a signal of its own. Where two were finished before the first was looked at,
-    // the second has its turn with the next one: the image that was asked for last is shown last.
+    // Each record has a signal of its own. If two were finished before the first was handled,
+    // the second follows with the next signal: the image requested last is shown last.
     _loader.results(_finished);
     if (_finished.empty())
         return {};

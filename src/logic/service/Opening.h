@@ -15,8 +15,8 @@
 #include <memory>
 #include <optional>
 
-/// Hands requests to the loader, each with the view's records, and what was finished on; has the
-/// folder of the image watched. The functions that open are those of TarvikService.
+/// Hands requests to the loader, each with the view's records, and finished loads to the view; has
+/// the folder of the image watched. The functions that open are those of TarvikService.
 /// Thread: GUI only.
 class Opening : public QObject {
     Q_OBJECT
@@ -35,7 +35,7 @@ public:
     /// Drops the requests that have not begun.
     void dropRequests() { _loader.dropTaskQueue(); }
     bool loading() const { return _loader.loading(); }
-    /// -1 without image.
+    /// -1 without an image.
     int firstIndex() const;
     int lastIndex() const;
 
@@ -46,11 +46,11 @@ public:
 
     void scan() { _loader.update(); }
     void watch(bool on);
-    /// A watch goes over to the image's folder.
+    /// Moves a watch to the image's folder.
     void watchShownImage();
 
 signals:
-    /// Something may have changed in the folder that is watched.
+    /// Something may have changed in the folder being watched.
     void folderChangedSignal(const QString& folder);
 
 private:

@@ -13,8 +13,8 @@ Records::Records(RecordGroups& groups, ShownImage& shown, HeaderEdits& edits)
     , _peaks(groups.of<PeakData>(), [this] { emit newPeakSignal(peaks()); })
 {}
 
-// A receiver of a signal may set the record anew before the signal returns; what is handed to the
-// group is therefore the view's value then.
+// A receiver of a signal may set the record again before the signal returns, so what is handed to
+// the group is the view's value after that.
 
 void Records::setContrast(const ContrastData& contrast)
 {

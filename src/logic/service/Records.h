@@ -37,13 +37,13 @@ public:
     const MColorTable* defaultColorTable() const { return _defaultColorTable; }
     void setDefaultColorTable(const MColorTable* colorTable);
 
-    /// As of TarvikService.
+    /// As for TarvikService.
     std::string syncId() const;
     void setAdditionalSyncId(const QString& id) { _additionalSyncId = id; }
     /// Moves the view to the group of the image's size. What the user has not changed since the
     /// request is taken over from the group.
     void changeGroups(const LoaderData& request);
-    /// Chooses a contrast by the statistics of the image, for the group too, unless there is one.
+    /// Chooses a contrast from the statistics of the image, for the group too, unless there is one.
     void chooseContrast();
 
 signals:

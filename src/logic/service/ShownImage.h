@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// What a view shows.
+// The image that a view shows.
 #pragma once
 
 #include "imagelib/image/MImage.h"
@@ -26,5 +26,5 @@ struct ShownImage {
     QSharedPointer<ImageStatistics> statistics;
     std::string path;  ///< empty without file
     int index = -1;
-    std::optional<ImagePeaks> peaks{};  ///< searched for when they are asked for first
+    std::optional<ImagePeaks> peaks{};  ///< searched for when first requested
 };

@@ -303,7 +303,7 @@ void TarvikService::applyHeaderToSeries(const Header& header)
     _d->records.region().followBeamCentre();
 }
 
-// What comes from the parts.
+// Signals from the parts.
 
 void TarvikService::_newImageSlot()
 {

@@ -46,7 +46,7 @@ public:
     using ComputedRegion = ::ComputedRegion;
 
     /// Services are made by TarvikCore::newService.
-    /// @param groups  those of all views; outlive the service
+    /// @param groups  the groups of all views; they outlive the service
     TarvikService(RecordGroups& groups, std::shared_ptr<HalvoService> detector, QObject* parent);
     ~TarvikService() override;
 
@@ -71,17 +71,17 @@ public:
     int lastIndex() const;
     /// The image's file; empty without image or file.
     QString imagePath() const;
-    /// The header's text about the image; empty when there is none.
+    /// The header's text about the image; empty if there isn't one.
     QString imageDescription() const;
     /// Null without image.
     QSharedPointer<const ImageStatistics> statistics() const;
-    /// Numbers and curves of the region in statisticsData(). A region that came from the group
-    /// counts from the next image or setStatisticsData() on. Waits while they are being computed:
+    /// Numbers and curves of the region in statisticsData(). A region from the group
+    /// counts from the next image or setStatisticsData() on. Waits until they are computed:
     /// for reports and scripts, and for widgets that take them at once.
     const RoiStatistics& roiStatistics() const;
-    /// Are the numbers being computed? regionComputedSignal() follows.
+    /// True while the numbers are being computed; regionComputedSignal() follows.
     bool regionPending() const;
-    /// The numbers that are there, without waiting, and which region they are of: an older one
+    /// The available numbers, without waiting, and their region: an older one
     /// while regionPending().
     const ComputedRegion& computedRegion() const;
     /// The strongest maxima of the image, empty without one. The first call after a new image
@@ -89,7 +89,7 @@ public:
     ImagePeaks imagePeaks();
     /// The header of the current image, edits included.
     const Header& optionalData() const;
-    /// The edits that are laid over the header of each image of the series.
+    /// The edits that apply to the header of each image of the series.
     const Header& globalHeader() const;
 
     PlottingMode plottingMode() const;
@@ -114,7 +114,7 @@ public:
     double halvoMonitorMinPause() const;
     /// This view's handle on the detector.
     HalvoClient* halvoClient() const;
-    /// Is a request for an image queued or running?
+    /// True if a request for an image is queued or running.
     bool loading() const;
 
     /// A batch, not started yet, that writes header values into the files of the image's numbered
@@ -131,11 +131,11 @@ public:
     void setAdditionalSyncID(const QString& additionalSyncID);
 
     // Geometry from the header, with edits. Positions are image pixels.
-    /// Are beam centre, pixel sizes, detector distance and wavelength known?
+    /// True if beam centre, pixel sizes, detector distance and wavelength are known.
     bool resolutionDefined() const;
-    /// Are beam centre and pixel sizes known?
+    /// True if beam centre and pixel sizes are known.
     bool distanceDefined() const;
-    /// Is the beam centre known?
+    /// True if the beam centre is known.
     bool powderPlotDefined() const;
     /// In pixels; both NaN unless both are known.
     void beamCentre(double& x, double& y) const;
@@ -171,23 +171,23 @@ public slots:
     void openImage(int imageIndex);
     /// Appends an image to a series in memory and shows it.
     void openImage(morvend::imglib::MImage image);
-    /// Goes n images forward, or back when negative, from the number that was asked for last, as
-    /// long as that has not come, else from the image; without image nothing happens. Missing and
-    /// unreadable images are gone over, which noticeSignal() says, and the ends of the series are
-    /// not left. 0 loads the image anew.
-    /// @param signalLoadError false for a request that is made again by itself: no end of the
-    /// series is announced, and no image that its writer may be at
+    /// Goes n images forward, or back when negative, from the number that was asked for last, while
+    /// that has not come, else from the image; without image nothing happens. Missing
+    /// and unreadable images are skipped, which noticeSignal() reports, and the ends of the series
+    /// are not left. 0 loads the image anew.
+    /// @param signalLoadError false for a request that repeats automatically: no end of the
+    /// series is announced, and no image that may be half written
     void nextImage(int n = 1, bool signalLoadError = true);
     /// Goes to the last image of the series; without image nothing happens.
     void openLast(bool signalLoadError = true);
     /// Looks for images that were added to the series; imageContainerChangedSignal() follows.
     void scanImageContainer();
     /// Scans whenever the folder of the image changes, and every other second since not every
-    /// file system tells.
+    /// file system notifies.
     void watchImageContainer(bool watch);
 
     /// Plays the series from the image on, or stops. Without image nothing happens. A mode that is
-    /// left signals its end first.
+    /// left signals its end before.
     void setMovieMode(bool on);
     void setMovieModeStep(int step);
     /// Goes to the last image whenever the series grows. Without image nothing happens.
@@ -211,18 +211,18 @@ public slots:
 
     /// Drops all header edits.
     void resetHeader();
-    /// Lays header values over the image and all further ones of its series. The start angle goes
-    /// on counting from image to image; it needs a step.
+    /// Applies header values to the image and all further ones of its series. The start angle keeps
+    /// counting from image to image; it needs a step.
     void applyHeaderToSeries(const Header& header);
 
 signals:
-    /// A new image is there. Contrast and viewport may have changed with it: receivers read them.
+    /// A new image is shown. Contrast and viewport may have changed with it: receivers read them.
     void newImageSignal();
     void newImageSignalIntern();  // part of the interface, without receiver
     void imageLoadErrorSignal(QString message);
-    /// What the view has been waiting for, in words; empty when it waits no more.
+    /// What the view has been waiting for, in words; empty when the wait is over.
     void waitingSignal(const QString& text);
-    /// A sentence to show for a while without a question: what a step has left out, or why it ended
+    /// A sentence to show for a while without a question: what a step has skipped, or why it ended
     /// without an image.
     void noticeSignal(QString message);
     void headerChangedSignal();
@@ -230,7 +230,7 @@ signals:
     void newContrastSignal(ContrastData data);
     void newStatisticsSignal(StatisticsData data);
     void newPeakSignal(PeakData data);
-    /// Numbers that were not there yet at newStatisticsSignal() have come.
+    /// Numbers missing at newStatisticsSignal() have arrived.
     void regionComputedSignal();
     /// The series was scanned for new images.
     void imageContainerChangedSignal();

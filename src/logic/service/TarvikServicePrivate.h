@@ -18,12 +18,12 @@
 #include <list>
 #include <memory>
 
-/// Holds the parts, joins their signals to those of the service, and lets the modes drive it.
+/// Holds the parts, connects their signals to those of the service, and lets the modes drive it.
 class TarvikService::TarvikServicePrivate final : public ViewDriver {
 public:
     TarvikServicePrivate(TarvikService& service, RecordGroups& groups,
                          std::shared_ptr<HalvoService> detector);
-    /// Ends what works by itself. The first step of destruction, as long as the service is whole.
+    /// Ends all background work: the first step of destruction, while the service is complete.
     void end();
 
     bool imageLoaded() const override { return shown.loaded(); }

@@ -1,14 +1,14 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// A view as what moves it by itself knows it.
+// The view as its automatic modes see it.
 #pragma once
 
 #include <functional>
 
 class QString;
 
-/// Where a view is in its series, and how it is moved through it. The service implements it.
+/// The position of a view in its series, and the ways to move it. The service implements it.
 /// Thread: GUI only.
 class ViewDriver {
 public:
@@ -20,17 +20,17 @@ public:
     /// Number of the image, and the highest of its series; -1 without image.
     virtual int index() const = 0;
     virtual int lastIndex() const = 0;
-    /// Is a request for an image queued or running?
+    /// True if a request for an image is queued or running.
     virtual bool loading() const = 0;
 
-    // Requests, as of the service's functions of these names.
+    // Requests, as the service's functions of these names.
     virtual void nextImage(int n, bool signalLoadError) = 0;
     virtual void openLast(bool signalLoadError) = 0;
     /// Drops the requests that have not begun.
     virtual void dropRequests() = 0;
     /// Looks for images that were added to the series.
     virtual void scan() = 0;
-    /// Scans from now on whenever the files of the series change. Takes the place of an earlier
+    /// Scans from now on whenever the files of the series change. Replaces an earlier
     /// watch().
     /// @param shown  called after each new image
     /// @param scanned  called after each scan
@@ -38,7 +38,7 @@ public:
                        const std::function<void()>& scanned) = 0;
     virtual void unwatch() = 0;
 
-    // What the view announces.
+    // Announcements of the view.
     virtual void modeChanged(Mode mode, bool on) = 0;
     virtual void monitorHostChanged(const QString& host, int port, double minPause) = 0;
 };

@@ -15,7 +15,7 @@
 template <class T>
 class ViewRecord : public AbstractObserver<T> {
 public:
-    /// @param arrived  called when the group has brought a new value
+    /// @param arrived  called when the group has set a new value
     ViewRecord(SyncGroups<T>& groups, std::function<void()> arrived)
         : _groups(groups)
         , _arrived(std::move(arrived))
@@ -23,13 +23,13 @@ public:
     ~ViewRecord() override { _groups.detach(*this); }
 
     const T& value() const { return _value; }
-    /// Stores a value for this view alone; spreadValue() hands it to the group.
+    /// Stores a value for this view only; spreadValue() hands it to the group.
     void store(const T& value) { _value = value; }
     void spreadValue() { this->spread(_value); }
 
-    /// Leaves the group and becomes a member of another one. Takes that one's value over, unless
+    /// Leaves the group and becomes a member of another one. Takes over that group's value, unless
     /// the user has changed this one since a request.
-    /// @returns whether the value is another one now
+    /// @returns whether the value has changed
     bool changeGroup(const std::string& syncId, const T& atRequest)
     {
         _groups.detach(*this);

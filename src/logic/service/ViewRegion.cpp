@@ -38,7 +38,7 @@ void ViewRegion::changeGroup(const std::string& syncId, const StatisticsData& at
 
 void ViewRegion::takeNumbers(const LoaderData& load)
 {
-    _worker.cancel();  // that was of the image before
+    _worker.cancel();  // that was for the previous image
     _unannounced = false;
     _computed = {load.statisticsData, load.roiStatistics};
     if (value() != load.statisticsData)
@@ -50,7 +50,8 @@ const RoiStatistics& ViewRegion::awaitNumbers()
     if (_worker.wait(_computed.numbers)) {
         _computed.region = _askedFor;
         _unannounced = true;
-        // Others may be waiting for the signal; who asks for numbers does not expect one meanwhile.
+        // Others may be waiting for the signal; a caller that requests numbers does not expect a
+        // signal meanwhile.
         QMetaObject::invokeMethod(this, &ViewRegion::_announceNumbers, Qt::QueuedConnection);
     }
     return _computed.numbers;
@@ -80,7 +81,7 @@ bool ViewRegion::_activeCentredCircle() const
 
 bool ViewRegion::_isAtBeamCentre() const
 {
-    // Headers hold single precision: equal is what becomes equal there.
+    // Headers hold single precision: values count as equal if they become equal there.
     const geometry::Header& header = _shown.image.optionalData();
     return geometry::beamCentreDefined(header) &&
            *header.beam_center_x() == static_cast<float>(value().powderX) &&

@@ -22,24 +22,24 @@ public:
     ViewRegion(SyncGroups<StatisticsData>& groups, ShownImage& shown, HeaderEdits& edits);
 
     const StatisticsData& value() const { return _record.value(); }
-    /// Without image the record is only stored.
+    /// Without an image the record is only stored.
     void set(const StatisticsData& region);
-    /// As of ViewRecord.
+    /// As for ViewRecord.
     void changeGroup(const std::string& syncId, const StatisticsData& atRequest);
 
-    /// The image is a new one: its numbers came with it, unless the region has changed meanwhile.
+    /// For a new image: its numbers came with it, unless the region has changed meanwhile.
     void takeNumbers(const LoaderData& load);
     bool pending() const { return _worker.pending(); }
     const ComputedRegion& computed() const { return _computed; }
     /// Waits for numbers that are being computed.
     const RoiStatistics& awaitNumbers();
 
-    /// The header was edited: an active centred circle goes to the beam centre.
+    /// After a header edit: an active centred circle moves to the beam centre.
     void followBeamCentre();
 
 signals:
     void newStatisticsSignal(StatisticsData region);
-    /// Numbers have come that were not there yet at newStatisticsSignal().
+    /// Numbers missing at newStatisticsSignal() have arrived.
     void regionComputedSignal();
     /// The beam centre has followed the region.
     void headerChangedSignal();
@@ -56,6 +56,6 @@ private:
     ViewRecord<StatisticsData> _record;
     ComputedRegion _computed;
     StatisticsData _askedFor;
-    bool _unannounced = false;  // numbers that are there
+    bool _unannounced = false;  // of the available numbers
     RegionWorker _worker;       // last: its thread calls this object
 };

@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// Circles against rectangles and lines.
 #include "gui/render/geometry/CircleGeometry.h"
 
 #include "imagelib/image/PixelTypes.h"
@@ -16,7 +14,8 @@ namespace {
 
 double square(double value) { return value * value; }
 
-/// Square of the distance to the nearest corner or edge, told by the nine zones around a rectangle.
+/// Square of the distance to the nearest corner or edge, found by the nine zones around a
+/// rectangle.
 double minimumSquared(double x, double y, double w, double h)
 {
     const bool beside = x >= 1 && x <= w;

@@ -15,7 +15,7 @@ struct DistanceRange {
     double maximumSquared = 0;
 };
 
-/// How near and how far a rectangle lies that reaches from the origin to `size`. The minimum is 0
+/// The least and the greatest distance of a rectangle from the origin to `size`. The minimum is 0
 /// for points within, beside its left edge, and right of it in the row of its upper edge. Pure.
 DistanceRange minMaxDistanceFromRect(QPoint point, QSize size);
 
@@ -27,7 +27,7 @@ struct LineCrossings {
     QPoint second;
 };
 
-/// The crossing nearer to the second end of the segment comes second. A segment without length is
+/// The crossing nearer to the segment's second end is the second. A segment without length is
 /// never crossed. Pure.
 LineCrossings intersectCircleWithLine(QPoint centre, double radius, QPoint begin, QPoint end);
 

@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// Where rings of constant resolution and their labels stand in a view.
 #include "gui/render/geometry/RingGeometry.h"
 
 #include "gui/render/geometry/CircleGeometry.h"
@@ -16,7 +14,7 @@ namespace {
 
 /// Rings over the width of what is visible.
 constexpr double ringsInView = 3;
-/// Room that a label leaves on its far side.
+/// Space that a label leaves on its far side.
 constexpr int labelMargin = 4;
 
 bool liesIn(const QRect& boundary, QPoint point)
@@ -32,7 +30,7 @@ int ringCount(const ViewGeometry& geometry)
     const double visible = geometry.visibleRange().width();
     if (!(visible > 0))
         return 0;
-    // A last sliver of an image that is leaving the view would ask for any number of rings.
+    // The last sliver of an image leaving the view would ask for a huge number of rings.
     return morvend::datatypes::convertPixel<int>(ringsInView * geometry.image().width() /
                                                  std::max(visible, 1.0));
 }

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Where rings of constant resolution and their labels stand in a view.
+// Where rings of constant resolution and their labels are in a view.
 #pragma once
 
 #include "gui/render/geometry/ViewGeometry.h"
@@ -26,17 +26,17 @@ struct ScreenRing {
     int radius = 0;
 };
 
-/// The ring as drawn; none when no part of it can lie within the view, or when it is no number.
+/// The ring as drawn; nothing if no part of it can be within the view, or if it is NaN.
 /// @param centre  in image pixels
 /// @param radius  in image pixels
 std::optional<ScreenRing> screenRing(QPointF centre, double radius, const ViewGeometry& geometry);
 
 /// The point that the label of a ring starts from: its topmost point, where it meets the upper,
-/// left or right edge of what the image covers, or its leftmost point; none when none of these is
-/// on show.
+/// left or right edge of what the image covers, or its leftmost point; nothing if none of these is
+/// visible.
 std::optional<QPoint> labelAnchor(const ScreenRing& ring, const QRect& boundary);
 
-/// The upper left corner of a label, held within what the image covers.
+/// The upper left corner of a label, kept within the part that the image covers.
 QPoint labelCorner(QPoint anchor, QSize text, const QRect& boundary);
 
 }  // namespace render

@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// Where image pixels stand in a view, and the way back.
 #include "gui/render/geometry/ViewGeometry.h"
 
 #include "imagelib/image/PixelTypes.h"
@@ -21,7 +19,7 @@ struct Extent {
     double length = 0;
 };
 
-/// The visible part along one axis; without length when the image is out of view.
+/// The visible part along one axis; empty if the image is out of view.
 Extent visible(double offset, double viewLength, int imageLength)
 {
     const double begin = std::max(offset, 0.0);
@@ -117,7 +115,7 @@ QMatrix4x4 ViewGeometry::selectRegionMatrix() const
 
 QMatrix4x4 ViewGeometry::plotMatrix() const
 {
-    // The eye looks at the plane of the image from so far away, under so narrow an angle, that one
+    // The camera is so far from the plane of the image, with so narrow an angle, that one
     // unit of the plane fills the view at zoom 1 whatever the zoom is.
     constexpr float degreesOfView = 0.8952283417211062F;  // 2 atan(1 / 128)
     const double distance = 128.0 / _zoom;

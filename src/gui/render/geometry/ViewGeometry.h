@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Where image pixels stand in a view, and the way back.
+// Where image pixels are in a view, and the way back.
 #pragma once
 
 #include "logic/records/ViewportData.h"
@@ -23,18 +23,18 @@ class ViewGeometry {
 public:
     /// @param image  size of the image, empty without one
     /// @param view  size of the view
-    /// @param scale  pixels of the picture on show for each image pixel
+    /// @param scale  pixels of the shown picture for each image pixel
     ViewGeometry(QSize image, QSize view, const ViewportData& viewport, double scale = 1.0);
 
     QSize image() const { return _image; }
     QSize view() const { return _view; }
     const ViewportData& viewport() const { return _viewport; }
-    /// Screen pixels for each pixel of the picture on show.
+    /// Screen pixels for each pixel of the shown picture.
     double zoom() const { return _zoom; }
 
     double imageX(double screenX) const;
     double imageY(double screenY) const;
-    /// Truncated; held within the range of int.
+    /// Truncated; clamped to the range of int.
     int screenX(double imageX) const;
     int screenY(double imageY) const;
     QPointF imagePoint(QPointF screen) const { return {imageX(screen.x()), imageY(screen.y())}; }
@@ -44,11 +44,11 @@ public:
         return {screenX(imageX), screenY(imageY)};
     }
 
-    /// The part of the image on show, in image pixels; zero when no part of it is.
+    /// The visible part of the image, in image pixels; zero if there is none.
     QRectF visibleRange() const;
-    /// The view in coordinates of the viewport, which know no scale; zero without image.
+    /// The view in coordinates of the viewport, which ignore the scale; zero without an image.
     QRectF windowToImage() const;
-    /// The part of the view that the image covers; null without image.
+    /// The part of the view that the image covers; null without an image.
     QRect imageBoundary() const;
 
     /// The visible part in fractions of the image: columns and rows of the unit square to it.

@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// A new region of interest drawn with the mouse, as arithmetic on records.
 #include "gui/render/gestures/NewRegion.h"
 
 #include "gui/render/gestures/RegionDrag.h"

@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// Cursors that tell what a drag of the mouse will do.
 #include "gui/render/gestures/RegionCursors.h"
 
 #include "gui/kit/Resources.h"

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Cursors that tell what a drag of the mouse will do.
+// Cursors that show what a drag of the mouse will do.
 #pragma once
 
 #include "gui/render/gestures/RegionHitTest.h"

@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// A drag of a region of interest, or of one of its handles, as arithmetic on records.
 #include "gui/render/gestures/RegionDrag.h"
 
 #include "imagelib/image/PixelTypes.h"
@@ -18,10 +16,10 @@ using morvend::datatypes::convertPixel;
 /// Least distance of a powder ring's centre from the border of the view, in screen pixels.
 constexpr double borderDistance = 5;
 
-/// Records may hold any number, also one that a step would carry beyond the range of int.
+/// Records may hold any number, also one that a step would move beyond the range of int.
 void shift(int& value, int step) { value = convertPixel<int>(double(value) + double(step)); }
 
-/// Whole image pixels of a residual in screen pixels, which loses what they are worth.
+/// Takes whole image pixels out of a residual in screen pixels.
 int take(int& residual, double zoom)
 {
     if (!(std::abs(double(residual)) >= zoom) || zoom <= 0)

@@ -14,9 +14,9 @@
 
 namespace render {
 
-/// Moves a region by whole image pixels. Screen pixels that do not yet make up one are kept for the
-/// next step, so that a slow drag at a high zoom loses nothing, and below zoom 1 one screen pixel
-/// makes several image pixels. A value; pure.
+/// Moves a region by whole image pixels. Screen pixels that do not yet amount to one are kept for
+/// the next step, so that a slow drag at a high zoom loses nothing, and below zoom 1 one screen
+/// pixel makes several image pixels. A value; pure.
 class RegionDrag {
 public:
     RegionDrag() = default;
@@ -25,8 +25,9 @@ public:
         : _last(cursor)
     {}
 
-    /// The region after a move of the cursor, none while the move makes up no image pixel.
-    /// @param handle  what is held; a rim of a powder ring that crosses the other becomes the other
+    /// The region after a move of the cursor, nothing while the move is less than an image pixel.
+    /// @param handle  the part that is held; a rim of a powder ring that crosses the other becomes
+    /// the other
     std::optional<StatisticsData> move(const StatisticsData& region, const ViewGeometry& geometry,
                                        QPoint cursor, RegionHandle& handle);
 
@@ -48,7 +49,7 @@ private:
 /// The section through a free circle turned towards the cursor.
 StatisticsData turned(const StatisticsData& region, const ViewGeometry& geometry, QPoint cursor);
 
-/// The centre of a powder ring brought to the cursor; none where that would come nearer than five
+/// The centre of a powder ring moved to the cursor; nothing if that would be nearer than five
 /// screen pixels to the border of the view.
 std::optional<StatisticsData> recentred(const StatisticsData& region, const ViewGeometry& geometry,
                                         QPoint cursor);

@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// Which part of a region of interest lies under the cursor.
 #include "gui/render/gestures/RegionHitTest.h"
 
 #include <algorithm>
@@ -13,7 +11,7 @@ namespace {
 
 using Handle = std::optional<RegionHandle>;
 
-/// How far an edge of a box can be taken hold of, in screen pixels.
+/// The distance within which an edge of a box can be grabbed, in screen pixels.
 constexpr double edgeReach = 3;
 /// The same for the rim of a circle, outwards and inwards, and for those of a powder ring.
 constexpr double circleReach = 3;
@@ -27,7 +25,7 @@ constexpr double centreReach2 = 4;
 
 double square(double value) { return value * value; }
 
-// In double: positions may lie anywhere within the range of int, and their squares beyond it.
+// In double: positions may be anywhere within the range of int, and their squares beyond it.
 double distance2(QPointF a, QPointF b) { return square(a.x() - b.x()) + square(a.y() - b.y()); }
 
 Handle lineHandle(const StatisticsData& region, const ViewGeometry& geometry, QPointF cursor)

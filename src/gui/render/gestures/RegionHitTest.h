@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Which part of a region of interest lies under the cursor.
+// Which part of a region of interest is under the cursor.
 #pragma once
 
 #include "gui/render/geometry/ViewGeometry.h"
@@ -13,7 +13,7 @@
 
 namespace render {
 
-/// A part of a region of interest that can be taken hold of.
+/// A part of a region of interest that can be grabbed.
 enum class RegionHandle : int {
     Body = 0,
     LineBegin = 1,
@@ -36,7 +36,7 @@ enum class RegionHandle : int {
 std::optional<RegionHandle> regionHandleAt(const StatisticsData& region,
                                            const ViewGeometry& geometry, QPoint cursor);
 
-/// Is the cursor on the section through a free circle, where a drag turns it? Pure.
+/// True if the cursor is on the section through a free circle, where a drag turns it. Pure.
 bool nextToDiameter(const StatisticsData& region, const ViewGeometry& geometry, QPoint cursor);
 
 }  // namespace render

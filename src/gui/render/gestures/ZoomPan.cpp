@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// Zoom and pan as arithmetic on viewports.
 #include "gui/render/gestures/ZoomPan.h"
 
 #include "gui/render/geometry/ViewGeometry.h"

@@ -15,15 +15,15 @@ namespace render {
 /// The image centred at one screen pixel for each image pixel.
 ViewportData centredViewport(QSize image, QSize view);
 
-/// One step in or out, with an image point held at a screen point.
+/// One step in or out, keeping an image point at a screen point.
 /// @param step  +1 or -1, clamped with the zoom power's range
 ViewportData zoomedAbout(const ViewportData& viewport, QPointF imagePoint, QPointF screenPoint,
                          int step);
 
-/// The same image point in the middle of a view that has got another size.
+/// The same image point in the middle of a view whose size has changed.
 ViewportData resized(const ViewportData& viewport, QSize before, QSize after);
 
-/// The step of a turn of the wheel, forward +1, back -1, none 0. A turn sideways counts where there
+/// The step of a turn of the wheel, forward +1, back -1, none 0. A sideways turn counts if there
 /// is no other.
 int wheelStep(QPoint angleDelta);
 

@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// The mark of the beam centre.
 #include "gui/render/overlays/BeamCentre.h"
 
 #include "gui/render/overlays/Marks.h"

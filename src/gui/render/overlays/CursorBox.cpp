@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// The values under the cursor, beside it.
 #include "gui/render/overlays/CursorBox.h"
 
 #include "gui/render/overlays/Marks.h"
@@ -20,14 +18,14 @@ namespace {
 constexpr int boxWidth = 200;
 constexpr int rowHeight = 16;
 constexpr int fontSize = 12;
-/// From the point that the box hangs on.
+/// Distance from the anchor point of the box.
 constexpr QPoint fillStart(12, 2);
 constexpr int labelColumn = 16;
 constexpr int valueColumn = 120;
 /// Between a label and its value, and between a value and the edge of the box.
 constexpr int gap = 5;
 
-/// Draws a text, closer together where it would not fit into its column.
+/// Draws a text, closer together if it would not fit into its column.
 void drawFitted(QPainter& painter, QPoint start, const QString& text, int room)
 {
     QFont font = marks::font(fontSize);
@@ -39,7 +37,7 @@ void drawFitted(QPainter& painter, QPoint start, const QString& text, int room)
     painter.drawText(start, text);
 }
 
-/// The point that the box hangs on.
+/// The anchor point of the box.
 QPoint corner(QPoint cursor, QSize view, bool extended)
 {
     const int height = rowHeight * (extended ? 4 : 2);

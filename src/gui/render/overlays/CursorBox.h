@@ -14,7 +14,7 @@ class QRect;
 
 namespace render {
 
-/// Has the box room for distance and resolution? It has when both are known.
+/// True if the box has space for distance and resolution: when both are known.
 bool cursorBoxExtended(const CursorInfo& info);
 /// The area that the box darkens: right below the cursor, or to its left or above it where the view
 /// ends. Pure.

@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// Small marks and pens that several overlays share.
 #include "gui/render/overlays/Marks.h"
 
 #include "logic/support/GlobalStyle.h"
@@ -22,7 +20,7 @@ QFont font(int points) { return {GLOBALSTYLE::fontFamily, points}; }
 
 void drawCross(QPainter& painter, QPoint centre, int arm, QSize view)
 {
-    // In double: the centre may lie anywhere within the range of int.
+    // In double: the centre may be anywhere within the range of int.
     const QPointF c = centre;
     const QRectF room = QRectF(QPointF(), view).adjusted(-arm - 2, -arm - 2, arm + 2, arm + 2);
     if (!room.contains(c))

@@ -20,13 +20,13 @@ namespace render::marks {
 QPen squarePen(const QColor& color, double width);
 /// The font of texts over an image, of a size in points.
 QFont font(int points);
-/// An upright cross in the colour and width of the painter's pen, whose arms reach over a distance
-/// from a pixel; nothing when all of it lies
+/// An upright cross in the colour and width of the painter's pen, whose arms have a given length
+/// from a pixel; nothing if all of it is
 /// outside of a view of that size.
 void drawCross(QPainter& painter, QPoint centre, int arm, QSize view);
-/// What of a view has to be drawn, with some room for the width of lines.
+/// The part of a view to be drawn, with a margin for the width of lines.
 QRectF windowOf(QSize view);
-/// Draws what can be seen of an outline with the painter's pen.
+/// Draws the visible part of an outline with the painter's pen.
 void drawOutline(QPainter& painter, const Outline& outline, const QRectF& window);
 
 }  // namespace render::marks

@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// Outlines of which only a small part may be on show.
 #include "gui/render/overlays/Outline.h"
 
 #include <algorithm>
@@ -12,7 +10,7 @@ namespace render {
 
 namespace {
 
-/// Farthest that a straight line may stand off the curve that it replaces, in screen pixels.
+/// Greatest distance of a straight line from the curve it replaces, in screen pixels.
 constexpr double tolerance = 0.05;
 
 class EllipseWalk {
@@ -25,8 +23,8 @@ public:
         , _window(window)
         , _points(points)
     {
-        // An arc stands at most its angle squared times an eighth of the radius off its chord. Half
-        // of that its ends are moved out.
+        // An arc is at most its angle squared times an eighth of the radius from its chord. Half
+        // of that is added to the radius.
         constexpr double most = 1 << 20;
         const double steps = std::ceil(quarter * std::sqrt(_radius / (16 * tolerance)));
         _steps = static_cast<int>(std::clamp(steps, 1.0, most));
@@ -56,7 +54,7 @@ private:
                std::max(a.y(), b.y()) >= _window.top();
     }
 
-    /// Out of view one straight line does.
+    /// Out of view one straight line is enough.
     void walk(int first, int last)
     {
         if (last - first == 1 || !mayBeSeen(at(first), at(last))) {
@@ -83,7 +81,7 @@ struct Part {
     double first = 0;
     double last = 1;
 
-    /// Leaves what lies on the positive side of a border.
+    /// Keeps the part on the positive side of a border.
     void cut(double distanceFirst, double distanceLast)
     {
         if (distanceFirst < 0 && distanceLast < 0) {
@@ -119,7 +117,7 @@ Outline::Point between(const Outline::Point& a, const Outline::Point& b, double 
     return {a.at + t * (b.at - a.at), a.way + t * (b.way - a.way)};
 }
 
-/// A convex polygon without what lies on the negative side of a border.
+/// A convex polygon without the part on the negative side of a border.
 template <class Distance>
 QPolygonF cutPolygon(const QPolygonF& polygon, Distance&& distance)
 {

@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// The overlay of a scripting client.
 #include "gui/render/overlays/PaintList.h"
 
 #include "gui/render/overlays/Marks.h"
@@ -61,7 +59,7 @@ void draw(QPainter& painter, const ViewGeometry& geometry, const MDrawingEllipse
     using morvend::datatypes::convertPixel;
     const double a = convertPixel<int>(ellipse.rx() * geometry.zoom());
     const double b = convertPixel<int>(ellipse.ry() * geometry.zoom());
-    // Turned here and not by the painter, whose single precision would not do for large ones.
+    // Rotated here, since the painter's single precision is too coarse for large ones.
     const QRectF window = marks::windowOf(geometry.view());
     const Outline upright =
         Outline::ellipse(QRectF(-a, -b, 2 * a, 2 * b), turn.inverted().mapRect(window));

@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// The marks of intensity maxima.
 #include "gui/render/overlays/Peaks.h"
 
 #include "gui/render/overlays/Marks.h"

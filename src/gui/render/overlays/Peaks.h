@@ -12,7 +12,7 @@ class QPainter;
 
 namespace render {
 
-/// Blue crosses on the strongest peaks, as many as asked for, and larger green ones on those that
+/// Blue crosses on the strongest peaks, as many as requested, and larger green ones on those that
 /// are highlighted.
 void drawPeaks(QPainter& painter, const ViewGeometry& geometry, const PeakData& selection,
                const ImagePeaks& peaks);

@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// Pixel values as text over the pixels.
 #include "gui/render/overlays/PixelValues.h"
 
 #include "gui/render/overlays/Marks.h"
@@ -55,7 +53,7 @@ private:
     std::vector<Entry> _fonts;
 };
 
-/// The pixels of the image that can be seen; never more than the view has room for.
+/// The visible pixels of the image; never more than fit into the view.
 QRect visiblePixels(const ViewGeometry& geometry)
 {
     const QRectF range = geometry.visibleRange();

@@ -23,11 +23,11 @@ struct PixelSource {
     std::function<morvend::imglib::MImage(int x, int y, int width, int height)> colours;
 };
 
-/// Screen pixels for each image pixel at which there is room for the values.
+/// Screen pixels for each image pixel at which the values fit.
 constexpr int pixelValueZoom = 64;
 
-/// Writes the values of all visible pixels for a view at that zoom, in black or white after the
-/// colours below.
+/// Writes the values of all visible pixels for a view at that zoom, in black or white according to
+/// the colours below.
 void drawPixelValues(QPainter& painter, const ViewGeometry& geometry, const PixelSource& source);
 
 }  // namespace render

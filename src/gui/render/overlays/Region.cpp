@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// The region of interest.
 #include "gui/render/overlays/Region.h"
 
 #include "gui/render/overlays/Marks.h"
@@ -97,7 +95,7 @@ private:
         return Outline::ellipse(QRectF(screen(centre - corner), screen(centre + corner)), _window);
     }
 
-    /// Fills what lies within an odd number of the areas.
+    /// Fills what is within an odd number of the areas.
     void fill(const QList<QPolygonF>& areas, const QColor& color)
     {
         QPainterPath path;

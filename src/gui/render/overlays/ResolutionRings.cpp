@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-//
-// Circles of constant resolution round the beam centre.
 #include "gui/render/overlays/ResolutionRings.h"
 
 #include "gui/render/geometry/RingGeometry.h"
@@ -28,7 +26,7 @@ void drawLabel(QPainter& painter, QPoint anchor, const QString& label, const QRe
     const QSize text(metrics.horizontalAdvance(label), metrics.height());
     const QPoint corner = labelCorner(anchor, text, boundary);
     painter.fillRect(QRect(corner, text + QSize(2 * labelMargin, 2 * labelMargin)), Qt::white);
-    // Widths are rounded, and a label that is wrapped for half a pixel loses all but its first
+    // Widths are rounded, and a label wrapped because of half a pixel loses all but its first
     // digit.
     QTextOption option;
     option.setWrapMode(QTextOption::NoWrap);

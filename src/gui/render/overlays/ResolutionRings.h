@@ -19,8 +19,8 @@ class TarvikService;
 namespace render {
 
 /// The rings of one view with their labels, as the service recommends them for what is visible.
-/// They are asked for anew when their number changes, which follows the zoom, or what the header
-/// says of the beam and the detector: rings stand round the beam centre wherever it is moved to.
+/// They are requested again when their number changes, which follows the zoom, or what the header
+/// says of the beam and the detector: rings stay around the beam centre wherever it is moved.
 class ResolutionRings {
 public:
     /// Draws the rings clipped to what the image covers.
@@ -29,7 +29,7 @@ public:
               const TarvikService& service);
 
 private:
-    /// All that the rings depend on; no number equals itself where the header has none.
+    /// All that the rings depend on; NaN, unequal to itself, where the header has no value.
     struct Origin {
         int count = -1;
         QSize image;

@@ -141,7 +141,7 @@ public:
     }
 
 private:
-    // So phrased that a mean that is no number yields the limits of the type.
+    // Phrased so that a NaN mean yields the limits of the type.
     static double lowerEnd(double mean)
     {
         const double low = (mean - half) * Binning<T>::resolution;
@@ -172,7 +172,7 @@ float floatAtLeast(double number)
 constexpr std::size_t BlockPixels = histogramblocks::BlockPixels;
 constexpr std::size_t Padding = histogramblocks::Padding;
 
-/// Nearly all floats lie in the tails.
+/// Nearly all floats are in the tails.
 void fillFloats(Filling<float>& filling, const float* pixels, const GoodPixels& good)
 {
     std::array<float, BlockPixels + Padding> binned;

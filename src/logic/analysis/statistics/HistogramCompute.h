@@ -12,7 +12,7 @@ class GoodPixels;
 template <class T>
 class ValueCounts;
 
-/// What an IntegratedHistogram holds.
+/// The contents of an IntegratedHistogram.
 struct IntergrateHistogramPrivate {
     /// Ends of the binned range, lower inclusive, upper exclusive.
     double lower = 0;
@@ -30,10 +30,10 @@ struct IntergrateHistogramPrivate {
 
 /// Fills bins and tails from an image under its mask. The number of bins is 1000 for each byte of
 /// an integer pixel, one unit wide, and 100000 for floating pixels, 1e-6 (float) or 1e-9 (double)
-/// wide; they stand around the mean, within the values that the type can hold. NaN is not counted.
+/// wide; they are around the mean, within the values that the type can hold. NaN is not counted.
 ///
 /// Memory: two scratch arrays of the image's size from the pool of pixel memory, so that the loop
-/// never reallocates; only what the tails need of them is touched. A tail that fills most of its
+/// never reallocates; only the part that the tails need is touched. A tail that fills most of its
 /// scratch keeps it. Integers of 16 and 32 bits and bytes are counted by ValueCounts, which takes
 /// one more.
 class HistogramCompute {

@@ -6,14 +6,14 @@
 
 #include "logic/analysis/statistics/IntegratedHistogram.h"
 
-/// What is known of all the pixels of one image under its mask. Filled once by ComputeStatistics
-/// on a loader's thread, then shared read-only by pointer: the histogram makes it neither copied
-/// nor moved. A good pixel is one that the mask does not exclude.
+/// Numbers over all pixels of one image under its mask. Filled once by ComputeStatistics
+/// on a loader's thread, then shared read-only by pointer: because of the histogram it can't be
+/// copied or moved. A good pixel is one that the mask does not exclude.
 struct ImageStatistics {
     /// Smallest and largest good pixel; the first pixel of the image takes part in any case.
     double minimum = 0;
     double maximum = 0;
-    /// Mean and standard deviation of the good pixels; NaN when there is none.
+    /// Mean and standard deviation of the good pixels; NaN if there isn't one.
     double mean = 0;
     double sigma = 0;
     /// The default contrast: intensities at the top of the linear part and at the bottom of the
@@ -24,12 +24,12 @@ struct ImageStatistics {
     unsigned int zeros = 0;
     /// Pixels that mask bits 1 to 4 exclude.
     unsigned int defective = 0;
-    /// Good pixels at or above the saturation value of the header; 0 without one.
+    /// Good pixels at or above the saturation value of the header; 0 without such a value.
     unsigned int saturated = 0;
     /// Sum of the good pixels.
     double sum = 0;
-    /// Is the minimum below -2? The values -1 and -2 alone are marks, not data.
+    /// True if the minimum is below -2. The values -1 and -2 alone are marks, not data.
     bool hasNegatives = false;
-    /// How many good pixels lie at or below any value.
+    /// Number of good pixels at or below any value.
     IntegratedHistogram histogram;
 };

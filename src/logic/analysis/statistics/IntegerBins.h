@@ -11,7 +11,7 @@
 
 /// Bins of one value each, from the integer part of the binned range's lower end on. A range that
 /// begins at a fraction ends at one too, and may hold one value more than there are bins: that
-/// value is none of theirs and belongs to the tail above.
+/// value has no bin and belongs to the tail above.
 template <class T>
 class IntegerBins {
 public:

@@ -37,7 +37,7 @@ unsigned int lookUp(const IntergrateHistogramPrivate& histogram, double x)
     if constexpr (std::is_same_v<T, bool>) {
         v = std::floor(x) != 0;
     } else if constexpr (std::is_integral_v<T>) {
-        // Nothing lies below the lowest value of the type, and no value of the type says so.
+        // Nothing is below the lowest value of the type, and no value of the type can express that.
         if (std::floor(x) < static_cast<double>(std::numeric_limits<T>::min()))
             return 0;
         v = convertPixel<T>(std::floor(x));

@@ -8,13 +8,13 @@
 
 #include <memory>
 
-struct IntergrateHistogramPrivate;  // spelled so
+struct IntergrateHistogramPrivate;  // the spelling is part of the interface
 template <class T>
 class ValueCounts;
 
-/// Tells for any value how many good pixels lie at or below it. A fixed number of bins around the
+/// Gives for any value the number of good pixels at or below it. A fixed number of bins around the
 /// mean holds the bulk of the pixels, the sorted pixel values themselves the tails, so that a hot
-/// pixel far from the mean costs one array element and no bin.
+/// pixel far from the mean costs one array element, not a bin.
 /// Thread: filled by one thread, then read by any.
 class IntegratedHistogram {
 public:
@@ -24,7 +24,7 @@ public:
     IntegratedHistogram& operator=(const IntegratedHistogram&) = delete;
 
     /// Counts an image under a mask of the same size; `mean` is the mean of its good pixels.
-    /// @throws MNotImplementedException for a pixel type that is none of the twelve,
+    /// @throws MNotImplementedException for a pixel type other than the twelve,
     /// MBadParameterException for a mask of another size, MRuntimeException when memory is short
     void compute(const morvend::imglib::MImage& image, const morvend::imglib::MImage& mask,
                  double mean);

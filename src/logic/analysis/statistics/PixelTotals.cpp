@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The vector loops of the statistics, for each instruction set: blocks that stay in the nearest
-// cache, so that a block with rare pixels can be gone over again.
+// cache, so that a block with rare pixels can be read again.
 #include "logic/analysis/statistics/PixelTotals.h"
 
 #include "logic/analysis/statistics/TotalsBlock.h"
@@ -75,7 +75,8 @@ HWY_INLINE void floatBlock(const float* pixels, const std::uint8_t* bits, std::s
             const auto value = hn::PromoteTo(
                 dd, hn::IfThenElseZero(goodLanes(dh, bits, at), hn::LoadU(dh, pixels + at)));
             sums[k] = hn::Add(sums[k], value);
-            // The square of a float is exact as a double, so that a fused addition is none.
+            // The square of a float is exact as a double, so a fused multiply-add gives the same
+            // sum.
             squares[k] = hn::MulAdd(value, value, squares[k]);
         }
     }

@@ -13,7 +13,7 @@
 /// What one pass over the pixels finds.
 template <class T>
 struct PixelTotals {
-    /// Beginning with the first pixel, whatever its mask says.
+    /// Beginning with the first pixel, even if it is masked.
     T minimum, maximum;
     unsigned int zeros = 0;
     unsigned int saturated = 0;
@@ -25,7 +25,7 @@ struct PixelTotals {
         , maximum(first)
     {}
 
-    /// So phrased that a NaN becomes the minimum.
+    /// Phrased so that a NaN becomes the minimum.
     void extend(T value)
     {
         if (value > maximum)
@@ -35,7 +35,7 @@ struct PixelTotals {
     }
 };
 
-/// Does an integer reach the saturation value of the header, which counts from 1 on?
+/// True if an integer reaches the header's saturation value, if that is 1 or more.
 template <class T>
 bool saturates(T value, int saturation)
 {

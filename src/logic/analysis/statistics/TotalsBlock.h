@@ -52,7 +52,7 @@ struct IntegerBlock {
 };
 
 /// Sums over the good floats of a block. Pixel i is added to sum i % Lanes in doubles, whatever the
-/// width of vectors. The extremes mean nothing when there is a NaN.
+/// width of vectors. The extremes are meaningless if there is a NaN.
 struct FloatBlock {
     static constexpr std::size_t Lanes = 16;
 
@@ -74,8 +74,8 @@ struct FloatBlock {
         totals.sum += sum;
         totals.squares += square;
         totals.zeros += zeros;
-        // A block that holds a NaN or moves an extreme is gone over in order: which of several NaNs
-        // and zeros stays depends on it. Nothing is above a maximum that is NaN.
+        // A block that holds a NaN or moves an extreme is processed in order: which of several NaNs
+        // and zeros remains depends on it. Nothing is above a maximum that is NaN.
         const bool same =
             lowest >= totals.minimum && (std::isnan(totals.maximum) || highest <= totals.maximum);
         if (!same || std::isnan(sum))

@@ -67,7 +67,7 @@ template <class T>
 void ValueCounts<T>::_moveWindow()
 {
     --_movesLeft;
-    // The median of some: neither hot nor dead pixels move it.
+    // The median of a sample: neither hot nor dead pixels move it.
     std::array<Lane, 101> some;
     const std::size_t step = (_otherCount - _othersAtLastLook) / some.size();
     for (std::size_t i = 0; i < some.size(); ++i)

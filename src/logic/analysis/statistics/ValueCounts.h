@@ -23,24 +23,25 @@ inline constexpr bool CountsValues =
     std::is_same_v<T, short> || std::is_same_v<T, unsigned int> || std::is_same_v<T, int>;
 
 /// One pass over the pixels from which both totals and histogram follow. Values within a window of
-/// 256 are counted, good pixels outside of it listed. The window begins at 0 and moves where most
-/// pixels lie elsewhere; what it holds is exact wherever it stands.
+/// 256 are counted, good pixels outside of it listed. The window begins at 0 and moves to where
+/// most pixels are; its counts are exact wherever it is.
 ///
-/// Memory: scratch of the image's size from the pool, touched as far as there are pixels outside
-/// of the window, and the tables of PairCounts where larger counts need them.
+/// Memory: scratch of the image's size from the pool, touched only as far as there are pixels
+/// outside of the window, and the tables of PairCounts if larger counts need them.
 template <class T>
 class ValueCounts {
 public:
     /// Both outlive the object; 64 bytes past the last pixel are readable.
     ValueCounts(const T* pixels, const GoodPixels& good);
 
-    /// Goes on up to a pixel: a multiple of 4096, or the end of the image.
+    /// Counts up to a pixel: a multiple of 4096, or the end of the image.
     void upTo(std::size_t end);
 
-    // Of the whole image, once it has been gone over.
+    // Of the whole image, once all of it is counted.
     std::size_t size() const { return _good.size(); }
     PixelTotals<T> totals(int saturation) const;
-    /// Calls f(value, times) for all good pixels, in no order; a value may come more than once.
+    /// Calls f(value, times) for all good pixels, in no particular order; a value may come more
+    /// than once.
     template <class Function>
     void forEach(Function&& f) const
     {

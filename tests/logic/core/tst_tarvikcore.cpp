@@ -158,7 +158,7 @@ TEST(TarvikCore, RecordsAreKnownToTheMetaSystemByName)
 TEST(TarvikCoreDeathTest, UnknownColourTableIsAProgrammingError)
 {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
-    EXPECT_DEATH(TarvikCore().setDefaultColorTable("Grey"), "src/logic/tarvikcore");
+    EXPECT_DEATH(TarvikCore().setDefaultColorTable("Grey"), "logic/core/TarvikCore");
 }
 
 TEST(TarvikCore, ServicesGoWhenToldOrWithTheCore)

@@ -136,7 +136,7 @@ TEST(Observer, WithoutGroupSpreadsNothing)
 TEST(ObserverDeathTest, NotifyWithoutGroupIsAProgrammingError)
 {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
-    EXPECT_DEATH(View().notify(), "src/logic/synchronizer.*_synchronizer");
+    EXPECT_DEATH(View().notify(), "src/logic/records/Synchronizer.*_synchronizer");
 }
 
 }  // namespace

@@ -14,7 +14,7 @@ import numpy as np
 
 
 def search(image, good, width):
-    """Neighbours by raw position; what lies before or behind the image doesn't count."""
+    """Neighbours by raw position; what lies before or after the image doesn't count."""
     peak = good.copy()
     for shift in (width + 1, width, width - 1, 1):
         peak[shift:] &= image[:-shift] < image[shift:]

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// The pool behind PixelBuffer.
+// The pool of PixelBuffer.
 #include "imagelib/image/PixelBuffer.h"
 
 #include "imagelib/image/MException.h"

@@ -9,7 +9,8 @@
 
 namespace morvend::imglib {
 
-/// Calls a function on a thread of its own unless stop() comes first.
+/// Calls a function on a thread of its own unless stop() comes first. No caller yet: the interface
+/// for scripts.
 ///
 /// Once stop() has returned, the function is not running and will not be called. From within the
 /// function itself start(), stop() and the destructor may be called too: they don't wait for it.

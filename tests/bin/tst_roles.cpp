@@ -38,7 +38,7 @@ Ended runWithoutDisplay(const QStringList& arguments, const QString& display = {
             process.readAllStandardError().toStdString()};
 }
 
-/// The one process that was told to watch `parent`, or 0.
+/// The one process that was started to watch `parent`, or 0.
 qint64 childThatWatches(qint64 parent)
 {
     const QByteArray wanted = "--parent-pid" + QByteArray(1, '\0') + QByteArray::number(parent);

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// A byte-offset stream behind the width and the number of its pixels. Every instruction set gives
+// A byte-offset stream after the width and the number of its pixels. Every instruction set gives
 // what the decoder gives that goes pixel by pixel, and what is packed comes back.
 #include "imagelib/io/formats/cbf/ByteOffset.h"
 #include "tests/fuzz/Demand.h"

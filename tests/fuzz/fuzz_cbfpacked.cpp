@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// A stream of packed, canonical or nibble-offset CBF pixels behind the layout of its image.
+// A stream of packed, canonical or nibble-offset CBF pixels after the layout of its image.
 #include "imagelib/image/MException.h"
 #include "imagelib/io/formats/cbf/Canonical.h"
 #include "imagelib/io/formats/cbf/NibbleOffset.h"

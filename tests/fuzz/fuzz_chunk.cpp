@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// A stored chunk behind its filters: LZ4, bitshuffle of each packing, byte shuffle and deflate, one
+// A stored chunk after its filters: LZ4, bitshuffle of each packing, byte shuffle and deflate, one
 // or two of them. Every instruction set and number of threads gives the same.
 #include "imagelib/codec/Bitshuffle.h"
 #include "imagelib/codec/ChunkDecoder.h"

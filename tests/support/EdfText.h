@@ -22,7 +22,7 @@ inline std::string edfHeader(const std::string& statements, std::size_t unit = 5
 }
 
 /// One EDF frame of 32-bit integers or, with a header of 512 bytes, of unsigned ones of 16 bits;
-/// one row when no width is told. `more` statements replace earlier ones. Frames may be put one
+/// one row when no width is given. `more` statements replace earlier ones. Frames may be put one
 /// after the other.
 template <class T = std::int32_t>
 std::string edfFrame(const std::vector<T>& pixels, std::size_t width = 0,

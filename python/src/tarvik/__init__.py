@@ -1,6 +1,6 @@
 # SPDX-FileCopyrightText: 2026 the TARVIK authors
 # SPDX-License-Identifier: MIT
-"""Talks to the TARVIK image viewer: texts, images and drawings over its message queue."""
+"""Texts, images and drawings over a TARVIK message queue; the viewer does not listen yet."""
 
 from .queue import MessageQueue, PeerGone
 from .wire import Ellipse, Image, Line, Pixel, String, WireError

@@ -87,7 +87,7 @@ void Convert::writeFiles() const
 
 void Convert::writeSeries() const
 {
-    // Set up before the staging folder exists: otherwise a signal would leave that behind.
+    // Set up before the staging folder exists: otherwise a signal would leave it there.
     const StopSignals stop;
     const StagingFolder staging(_arguments.output);
     {

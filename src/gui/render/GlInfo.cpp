@@ -50,7 +50,7 @@ GlInfo GlInfo::ofCurrentContext()
     // Reads GL_EXTENSIONS as one text or, in a core profile, one by one.
     info.textureRg = context.hasExtension("GL_ARB_texture_rg");
     info.maxTextureSize = number(gl, GL_MAX_TEXTURE_SIZE);
-    // A core profile can't report the bits; the queries leave errors behind. A context that
+    // A core profile can't report the bits; the queries leave behind errors. A context that
     // is lost returns errors for ever.
     for (int i = 0; i < 16 && gl.glGetError() != GL_NO_ERROR; ++i) {
     }

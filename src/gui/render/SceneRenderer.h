@@ -28,7 +28,7 @@ public:
     /// if they are missing or the contrast is not being dragged.
     void setColouring(PixelKind kind, PlottingMode mode, const Colouring& colouring);
     /// Draws the visible part into the current frame buffer and viewport, and leaves no state
-    /// behind that would disturb a painter.
+    /// that would disturb a painter.
     /// @param image  the one that the textures hold
     /// @param devicePixelRatio  pixels of the frame buffer for each one of the geometry's
     void draw(const DisplayImage& image, PlottingMode mode, const ViewGeometry& geometry,

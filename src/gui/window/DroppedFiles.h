@@ -21,7 +21,7 @@ inline QStringList droppedFiles(const QMimeData& data)
 }
 
 /// Accepts a drag or a drop as a copy, whatever its source proposes: a file manager deletes what
-/// was taken as a move. A source that offers no copy is told that nothing was taken.
+/// was taken as a move. A source that offers no copy learns that nothing was taken.
 inline void acceptCopy(QDropEvent& event)
 {
     event.setDropAction(Qt::CopyAction);

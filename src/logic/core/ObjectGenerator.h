@@ -11,7 +11,8 @@
 class TarvikCore;
 
 /// A subclass makes one kind of object. make() may be called from any thread; the caller must hold
-/// no lock that the GUI thread needs, since it waits for that thread.
+/// no lock that the GUI thread needs, since it waits for that thread. No caller yet: the interface
+/// for scripts.
 class ObjectGenerator : public QObject {
     Q_OBJECT
 public:

@@ -16,7 +16,7 @@ class HalvoClient;
 /// the right to drive it. Each view talks to it through a HalvoClient.
 ///
 /// It cannot reach a detector yet: setConnected(true) reports this by error(), and connected()
-/// stays false. Thread: GUI only.
+/// stays false. No caller yet: the detector controls of the window. Thread: GUI only.
 class HalvoService : public QObject {
     Q_OBJECT
 public:

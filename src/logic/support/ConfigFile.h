@@ -7,7 +7,7 @@
 #include <string>
 
 /// Names a configuration file and the character that separates its keys from its values. It reads
-/// nothing itself.
+/// nothing itself. No caller yet: configuration files of the window.
 class ConfigFile {
 public:
     ConfigFile(std::string fileName, char separator);

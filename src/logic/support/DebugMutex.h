@@ -9,7 +9,7 @@
 
 /// A recursive mutex that can stand in for any QRecursiveMutex and asserts its correct use: it is
 /// unlocked only by its owner, not more often than locked, and not locked when it is destroyed.
-/// Thread: any.
+/// No caller yet: for hunting a suspected locking fault. Thread: any.
 class DebugMutex : private QRecursiveMutex {
 public:
     DebugMutex() = default;

@@ -59,7 +59,7 @@ class ToolCase(unittest.TestCase):
         return self.folder / name
 
     def master(self, frames, detector=(), wavelength=None, blocks=(), name="x"):
-        """An HDF5 master with its frames inside, or in data files of so many frames as told."""
+        """An HDF5 master with its frames inside, or in data files of so many frames as given."""
         path = self.folder / f"{name}_master.h5"
         with h5py.File(path, "w") as master:
             entry, data = master.create_group("entry"), master.create_group("entry/data")
@@ -87,7 +87,7 @@ class ToolCase(unittest.TestCase):
         return json.loads(done.stdout, parse_constant=self.fail)
 
     def text(self, command, *words):
-        """The text for people: what stands behind the first word of each line."""
+        """The text for people: what follows the first word of each line."""
         done = run(command, *words)
         self.assertEqual((done.returncode, done.stderr), (0, ""))
         return dict(line.split(None, 1) for line in done.stdout.splitlines() if " " in line)

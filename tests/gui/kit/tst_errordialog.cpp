@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// A failure is told and the program lives on.
+// A failure is reported and the program goes on.
 #include "gui/kit/ErrorDialog.h"
 #include "tests/support/WaitFor.h"
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// What is told about the OpenGL stack, and what follows from it.
+// What is reported about the OpenGL stack, and what follows from it.
 #include "gui/render/GlInfo.h"
 
 #include <gtest/gtest.h>

@@ -184,7 +184,7 @@ TEST_P(Overlays, ABoxIsDarkenedWithAnOutlineAtEveryZoom)
     for (int power = -2; power <= 5; ++power) {
         SCOPED_TRACE(power);
         const double zoom = std::ldexp(1.0, power);
-        // Ends before its begin: both are drawn alike.
+        // Ends before its start: both are drawn alike.
         show(regions::box(420, 400, 400, 380));
         look(400 - 64 / zoom, 380 - 96 / zoom, power);
         const QImage picture = grab();

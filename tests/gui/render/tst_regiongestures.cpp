@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// What the user does with the mouse to regions of interest, and what the service is told.
+// What the user does with the mouse to regions of interest, and what the service receives.
 #include "gui/kit/PressedKeys.h"
 #include "tests/gui/render/MouseEvents.h"
 #include "tests/gui/render/SharedView.h"

@@ -100,7 +100,7 @@ protected:
         return waitFor([this] { return !_errors.isEmpty() && !errorDialog(); });
     }
 
-    /// Drops files on a widget. @returns what their source is told of it
+    /// Drops files on a widget. @returns what is reported to their source
     Qt::DropAction drop(QWidget* target, const QList<QUrl>& urls,
                         Qt::DropActions offered = Qt::CopyAction)
     {

@@ -127,7 +127,7 @@ void twoMasks(RawPeer& peer)
     MImage image;
     image.optionalData().set_pixel_mask(MImage());
     std::vector<std::byte> meta = wire::pack(image).meta;
-    // Behind size, place and number of fields stands the one field, before the empty tree.
+    // After size, place and number of fields comes the one field, before the empty tree.
     const std::vector<std::byte> field(meta.begin() + 40, meta.end() - 4);
     meta.at(36) = std::byte(2);
     meta.insert(meta.end() - 4, field.begin(), field.end());

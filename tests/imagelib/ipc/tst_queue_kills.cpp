@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Two processes with two threads each send seeded messages of all kinds both ways while either is
-// killed at any moment and started again. TARVIK_KILLS: how many kills, 40 unless told. A thousand
+// killed at any moment and started again. TARVIK_KILLS: how many kills, 40 by default. A thousand
 // under the address sanitizer want ASAN_OPTIONS=quarantine_size_mb=8: it holds freed memory back.
 #include "imagelib/ipc/QueueAddress.h"
 #include "imagelib/ipc/UniqueFd.h"

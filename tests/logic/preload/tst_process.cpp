@@ -143,7 +143,7 @@ TEST_F(WithProcess, ADeadPreloaderOnlyMissesAndComesAgain)
         ASSERT_TRUE(connected(before));
         EXPECT_NE(process->processId(), old);
         EXPECT_FALSE(client.get(image, 4));
-        // Its successor reads ahead without being told by a PUT; it may not have got to 5 yet, and
+        // Its successor reads ahead without a PUT; it may not have got to 5 yet, and
         // begins after 4 once more when it is asked for that.
         ASSERT_TRUE(waitFor([&] { return client.get(image, 5) || (client.get(image, 4), false); }));
         EXPECT_TRUE(shows(image, 5));

@@ -105,7 +105,7 @@ TEST(Hostile, FilesThatUnpackToMoreThanTheMachineHas)
                               std::string(std::size_t(216'000'000), '\0');
     expectReadable(folder.write("empty.edf.gz", gzipPacked(empty)));
 
-    // What is behind the last pixel of a strip is padding, and never unpacked.
+    // What follows the last pixel of a strip is padding, and never unpacked.
     TiffBuilder file;
     const std::string strip = zlibPacked(std::string(8 << 20, '\0'));
     const std::string tags = "259 S 8\n273 L " + std::to_string(file.data(strip)) + "\n279 L " +

@@ -100,7 +100,7 @@ def bitshuffle_lz4_chunk(data, elements=0):
 
 
 def raw(name, chunks, filters, shape=(1, 64, 64), dtype="u4", masks=()):
-    """Chunks of given bytes, one a frame, behind filters that need not know of them."""
+    """Chunks of given bytes, one a frame, with filters that need not know of them."""
     with h5py.File(name + ".h5", "w") as f:
         plist = h5py.h5p.create(h5py.h5p.DATASET_CREATE)
         plist.set_chunk((1,) + shape[1:])

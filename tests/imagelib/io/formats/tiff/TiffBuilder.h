@@ -14,7 +14,7 @@
 
 namespace tarvik::tests {
 
-/// Builds a file of either byte order, plain or BigTIFF. Data come first, directories behind them.
+/// Builds a file of either byte order, plain or BigTIFF. Data come first, directories after them.
 class TiffBuilder {
 public:
     explicit TiffBuilder(bool bigEndian = false, bool bigTiff = false)

@@ -321,7 +321,7 @@ TEST(TiffDamage, OtherFilesAreNotMineAndAHeadAloneIsAFailure)
 
 TEST(TiffDamage, EveryCutIsAFailure)
 {
-    // Pixels before and behind the directory, strips, tiles, Deflate.
+    // Pixels before and after the directory, strips, tiles, Deflate.
     std::vector<std::string> files = {tiffOf(3, SixPixels, "270 A # Exposure_time 0.5 s\\0"),
                                       tiffOf(3, SixPixels, "", true, true),
                                       tiffOf(3, SixPixels, "273 L 8 14\n278 L 1\n279 L 6 6"),

@@ -39,7 +39,7 @@ TEST(Hdf5Damage, IsToldInWordsBeforeTheLibrarysOwn)
         return at;
     };
     constexpr std::size_t ChecksumOfSuperblock = 44;
-    constexpr std::size_t InObject = 8;  // behind its version
+    constexpr std::size_t InObject = 8;  // after its version
     const std::string wrongChecksum =
         " can't be opened: the file is damaged there (HDF5: incorrect metadata checksum";
     const struct {

@@ -215,7 +215,7 @@ TEST_F(Hdf5Header, AFullFileFillsEveryField)
     EXPECT_THAT(*header.rawHeader(), testing::Not(HasSubstr("flatfield =")));
     EXPECT_THAT(*header.rawHeader(), testing::Not(HasSubstr("/entry/data/data")));
     EXPECT_FALSE(header.pixel_mask());
-    // Values behind an external link.
+    // Values reached by an external link.
     const Header linked = open("linked_meta.nxs")->frame(0).optionalData();
     EXPECT_EQ(*linked.detector_distance(), 0.3f);
     EXPECT_THAT(*linked.rawHeader(), testing::Not(HasSubstr("WARNING"))) << "no mask, none lost";

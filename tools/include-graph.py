@@ -3,7 +3,8 @@
 # SPDX-License-Identifier: MIT
 """Prints the circles of the include graph between units, longest first.
 
-A unit is X.h with X.cpp. With --most N, fails when a circle has more than N units.
+A unit is X.h with X.cpp. With --most N, prints only circles of more than N units, and fails when
+there are any.
 """
 
 import argparse
@@ -53,10 +54,10 @@ def circles(arrows):
 
 
 arguments = argparse.ArgumentParser(description=__doc__)
-arguments.add_argument("folders", nargs="*", default=["src"], metavar="FOLDER")
+arguments.add_argument("folders", nargs="*", default=["imagelib", "src", "demo"], metavar="FOLDER")
 arguments.add_argument("--most", type=int, help="units that a circle may have")
 given = arguments.parse_args()
-found = circles(graph(given.folders))
+found = [circle for circle in circles(graph(given.folders)) if len(circle) > (given.most or 0)]
 for circle in found:
     print(len(circle), ", ".join(circle))
-sys.exit(given.most is not None and any(len(circle) > given.most for circle in found))
+sys.exit(given.most is not None and bool(found))

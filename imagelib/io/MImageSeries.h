@@ -32,7 +32,7 @@ struct ImagePath;
 class MImageSeries {
 public:
     /// An empty series that keeps up to `memorySize` pushed images, at least one. Images of files
-    /// are read anew each time and not kept.
+    /// are read again each time and not kept.
     explicit MImageSeries(std::size_t memorySize);
     MImageSeries(MImageSeries&& other) noexcept;
     MImageSeries& operator=(MImageSeries&& other) noexcept;

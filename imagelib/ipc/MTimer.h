@@ -23,8 +23,8 @@ public:
     MTimer(const MTimer&) = delete;
     MTimer& operator=(const MTimer&) = delete;
 
-    /// Stops, then counts anew: `onTimeout` is called once after `seconds`. Negative values and NaN
-    /// count as 0; infinity never comes.
+    /// Stops, then counts again: `onTimeout` is called once after `seconds`. Negative values and
+    /// NaN count as 0; infinity never comes.
     void start(double seconds, const std::function<void()>& onTimeout);
     void stop();
 

@@ -270,7 +270,7 @@ void QueueEnd::disconnect(Peer peer)
     }
     ::shutdown(link->socket.get(), SHUT_RDWR);
     leave(link);
-    // From here on nobody stores messages of this peer.
+    // From here on no thread stores messages of this peer.
     const std::lock_guard lock(_mutex);
     std::erase_if(_inbox, [&](const Received& each) { return each.peer == peer; });
 }

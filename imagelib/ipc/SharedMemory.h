@@ -29,8 +29,9 @@ private:
     std::size_t _size = 0;
 };
 
-/// A new memory file whose pages are reserved and whose size is sealed, so that nobody who maps it
-/// can be killed by a change of it. @throws MRuntimeException when the system has none to give
+/// A new memory file whose pages are reserved and whose size is sealed, so that no process that
+/// maps it can be killed by a change of it. @throws MRuntimeException when the system has none to
+/// give
 UniqueFd makeMemoryFile(const char* name, std::size_t bytes);
 
 /// The size of a memory file that came from another process.

@@ -13,7 +13,7 @@
 
 namespace morvend::imglib {
 
-/// Keeps the container open. One that was replaced or rewritten is opened anew; where frames are
+/// Keeps the container open. One that was replaced or rewritten is opened again; if frames are
 /// appended to several, and for HDF5 always, the reader itself follows the writer.
 class FrameSeries : public Series {
 public:

@@ -13,7 +13,7 @@
 
 namespace morvend::imglib {
 
-/// Every image is read from its file anew, so that a file which was rewritten shows its new
+/// Every image is read from its file each time, so that a file which was rewritten shows its new
 /// content. Knows its files from one listing of the folder.
 class NumberedSeries : public Series {
 public:
@@ -31,7 +31,7 @@ public:
     void update() override;
 
 private:
-    /// Lists the folder anew; keeps the members where that fails.
+    /// Lists the folder again; keeps the members if that fails.
     void relist();
     /// The file of a number; for one that is not listed, with the usual width.
     SeriesFinder::Member member(int number) const;

@@ -26,7 +26,7 @@ public:
     /// Number of frames in each column, from left to right; one empty column without frames.
     static std::vector<int> columnHeights(int frames);
 
-    /// Takes a frame over, tiles anew and makes it the active one.
+    /// Takes over a frame, tiles again and makes it the active one.
     void addSubWindow(AbstractSubWindow* frame) { addSubWindows({frame}); }
     /// The same for several, tiled once; the last one becomes active.
     void addSubWindows(const QList<AbstractSubWindow*>& frames);

@@ -25,7 +25,7 @@ inline QStringList droppedFiles(const QMimeData& data)
 inline void acceptCopy(QDropEvent& event)
 {
     event.setDropAction(Qt::CopyAction);
-    if (event.dropAction() != Qt::CopyAction)  // the toolkit goes back to what was proposed
+    if (event.dropAction() != Qt::CopyAction)  // the toolkit returns to the proposed action
         event.setDropAction(Qt::IgnoreAction);
     event.accept();
 }

@@ -27,7 +27,7 @@
 
 namespace {
 
-/// Takes the room that is left in a tool bar, or a given width.
+/// Fills the free space in a tool bar, or takes a given width.
 QWidget* spacer(int minimumWidth, QSizePolicy::Policy policy)
 {
     auto* widget = new QWidget;
@@ -67,7 +67,8 @@ MainWindow::MainWindow(TarvikCore& core, bool useGlsl, bool quitOnClose)
 MainWindow::~MainWindow()
 {
     emit aboutToTerminate(this);
-    // Views first, then what they show; none of them may call back into a window that is going.
+    // Views first, then what they show; none of them may call into a window that is being
+    // destroyed.
     for (const SubFrame& frame : _subFrames)
         disconnect(frame.subWindow, nullptr, this, nullptr);
     delete _mdiArea;
@@ -94,7 +95,7 @@ void MainWindow::setOpenDirectory(const QString& path) { OpenDirectory::set(path
 
 void MainWindow::openFiles(const QStringList& files, SubWindow* first)
 {
-    // All views first, since each tiling moves all that are there.
+    // All views first, since each tiling moves all existing ones.
     QList<AbstractSubWindow*> views;
     for (qsizetype i = first ? 1 : 0; i < files.size(); ++i)
         views.append(_makeSubWindow());
@@ -127,7 +128,7 @@ void MainWindow::enableNonActiveSubWindows(bool enabled)
 
 SubWindow* MainWindow::_makeSubWindow()
 {
-    // Views of one main window synchronise with each other: its address is their key.
+    // The address of the main window is the key by which its views synchronise.
     const QString key = QString::number(reinterpret_cast<quintptr>(this));
     TarvikService* service = _core.newService(key);
     auto* window = new SubWindow(
@@ -201,7 +202,7 @@ void MainWindow::dropEvent(QDropEvent* event)
 
 void MainWindow::_open()
 {
-    // First, as the view that is active now may be gone when the dialog closes.
+    // First, as the active view may have gone when the dialog closes.
     const QStringList files = OpenFileDialog(this).choose();
     openFiles(files, activeSubWindow());
 }

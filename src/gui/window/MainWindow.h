@@ -27,7 +27,7 @@ class MainWindow : public QMainWindow {
 public:
     /// @param core  outlives the window
     /// @param useGlsl  false colours all images on the processor
-    /// @param quitOnClose  closing ends the application; otherwise the window goes away alone
+    /// @param quitOnClose  closing ends the application; otherwise only the window closes
     MainWindow(TarvikCore& core, bool useGlsl, bool quitOnClose);
     ~MainWindow() override;
 
@@ -35,11 +35,11 @@ public:
     SubWindow* activeSubWindow() const;
     /// In order of creation.
     QList<SubWindow*> subWindows() const;
-    /// The folder where the next file is looked for, see window/OpenDirectory.
+    /// The folder where the open dialog starts, see window/OpenDirectory.
     QString openDirectory() const;
     void setOpenDirectory(const QString& path);
 
-    /// Opens each file in a view of its own. A new view whose file can't be shown goes again.
+    /// Opens each file in a view of its own. A new view whose file can't be shown closes again.
     /// @param first  takes the first file, unless null
     void openFiles(const QStringList& files, SubWindow* first = nullptr);
 
@@ -57,7 +57,7 @@ public slots:
     void hideToolBar();
     void disableClose();
     void enableClose();
-    /// Closes, also when disableClose() was called.
+    /// Closes, even if disableClose() was called.
     void close();
 
 signals:
@@ -75,7 +75,7 @@ private slots:
     void _handleCloseEvent(QObject* window);
 
 private:
-    /// What belongs to one view.
+    /// The parts of one view.
     struct SubFrame {
         SubWindow* subWindow = nullptr;
         TarvikService* service = nullptr;

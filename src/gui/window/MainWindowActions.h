@@ -14,7 +14,7 @@
 /// Actions and the window's shortcuts for them; both call the same slot.
 class MainWindowActions {
 public:
-    /// What the actions do.
+    /// The effects of the actions.
     struct Slots {
         std::function<void()> newWindow;
         std::function<void()> open;

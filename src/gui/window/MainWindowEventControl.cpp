@@ -18,7 +18,7 @@ bool MainWindowEventControl::keyPressed(int key) { return PressedKeys::pressed(k
 
 bool MainWindowEventControl::eventFilter(QObject* watched, QEvent* event)
 {
-    // Nobody here will hear of the release of a key that is still down.
+    // The release of a key that is still down will not arrive here.
     if (watched == &_window && event->type() == QEvent::WindowDeactivate)
         PressedKeys::clear();
     const bool ofKey = event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease;

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// What a main window learns of all events of the program.
+// What a main window sees of all events of the program.
 #pragma once
 
 #include <QObject>
@@ -9,14 +9,14 @@
 class QWidget;
 
 /// Records which keys are held down while its main window is the active one. Thread: GUI only,
-/// apart from keyPressed().
+/// except keyPressed().
 class MainWindowEventControl : public QObject {
     Q_OBJECT
 public:
-    /// Watches from now on until its end.
+    /// Watches until it is destroyed.
     explicit MainWindowEventControl(const QWidget& window);
 
-    /// Is a key down? Thread: any.
+    /// True if a key is down. Thread: any.
     static bool keyPressed(int key);
 
     bool eventFilter(QObject* watched, QEvent* event) override;

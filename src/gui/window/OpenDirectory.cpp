@@ -10,7 +10,7 @@ namespace {
 
 const QString key = QStringLiteral("ImageDirectory");
 
-/// The folder itself or that of a file; empty when nothing is there.
+/// The folder itself or that of a file; empty if it doesn't exist.
 QString existingFolder(const QString& path)
 {
     const QFileInfo info(path);

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// The folder where the next file is looked for.
+// The folder where the open dialog starts.
 #pragma once
 
 #include <QString>
@@ -9,9 +9,9 @@
 /// Remembered among the user's settings under "ImageDirectory".
 namespace OpenDirectory {
 
-/// The remembered folder, or that of a remembered file; the current folder where neither exists.
+/// The remembered folder, or that of a remembered file; the current folder if neither exists.
 QString get();
-/// Remembers a folder, or the folder of a file. What does not exist is ignored.
+/// Remembers a folder, or the folder of a file. A path that doesn't exist is ignored.
 void set(const QString& path);
 
 }  // namespace OpenDirectory

@@ -20,7 +20,7 @@ OpenFileDialog::OpenFileDialog(QWidget* parent)
 
 QStringList OpenFileDialog::choose()
 {
-    // The frames must not hear of the focus moving to the dialog and back.
+    // The frames must not react to the focus moving to the dialog and back.
     const QSignalBlocker quiet(qApp);
     if (exec() != Accepted)
         return {};
@@ -47,11 +47,12 @@ QString OpenFileDialog::filter(const QString& name, const QStringList& endings)
 QStringList OpenFileDialog::imageFilters()
 {
     QStringList images = doubleUpper({".cbf", ".tif", ".tiff", ".edf"});
-    // Whole files that were packed. Patterns without the inner ending would show every archive.
+    // Files packed as a whole. Patterns without the inner ending would show every archive.
     for (const QString& ending : QStringList(images))
         images << ending + ".gz" << ending + ".bz2";
     const QStringList containers = doubleUpper({".h5", ".hdf5"});
-    const QStringList entries = doubleUpper({".nxs"});  // the file that others hang on, as a master
+    const QStringList entries =
+        doubleUpper({".nxs"});  // the file that others depend on, like a master
     QStringList masters;
     for (const QString& ending : containers)
         masters << "_master" + ending;

@@ -8,14 +8,14 @@
 #include <QString>
 #include <QStringList>
 
-/// Shows image files, of HDF5 series at first only the masters, in the folder where the next file
-/// is looked for; remembers the folder when files were chosen.
+/// Shows image files, of HDF5 series at first only the masters, in the remembered
+/// folder; remembers the folder when files were chosen.
 class OpenFileDialog : public QFileDialog {
     Q_OBJECT
 public:
     explicit OpenFileDialog(QWidget* parent);
 
-    /// Runs the dialog. @returns all marked files, none when cancelled
+    /// Runs the dialog. @returns all marked files, empty if cancelled
     QStringList choose();
 
     /// Each entry followed by its ending in upper case.

@@ -197,7 +197,7 @@ void SubWindow::_newImageSlot()
 void SubWindow::_errorSlot(const QString& message)
 {
     _noteFolder();
-    // First, as the message waits for a click.
+    // Comes first, as the message waits for a click.
     if (_closesOnError)
         close();
     ErrorDialog::showMessage(message.toUtf8().constData());

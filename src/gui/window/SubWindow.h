@@ -23,19 +23,19 @@ class TarvikService;
 /// the service of the view, but lives and dies with it.
 ///
 /// Its slots copy a record of the service, change a field and hand it back. A load that fails ends
-/// in an error dialog; the image before stays. What a step leaves out is said in a line over the
-/// image. Thread: GUI only.
+/// in an error dialog; the previous image stays. A line over the image reports what a step has
+/// skipped. Thread: GUI only.
 class SubWindow : public AbstractSubWindow {
     Q_OBJECT
 public:
     using MDrawingList = morvend::imglib::MDrawingList<>;
     using MImage = morvend::imglib::MImage;
 
-    /// What the view asks of its window.
+    /// Requests of the view to its window.
     struct Slots {
         /// Opens files that were dropped on the view, the first one in the view itself.
         std::function<void(const QStringList& files, SubWindow* first)> openFiles;
-        /// Makes the folder of a file the one where the next file is looked for.
+        /// Makes the folder of a file the one where the open dialog starts.
         std::function<void(const QString& file)> setOpenDirectory;
     };
 
@@ -46,16 +46,16 @@ public:
     ImageDrawerMain* imageDrawer() const { return _imageDrawer; }
     /// One step in or out (1 or -1) about the centre of the view.
     void zoom(int step);
-    /// The part of the image on show, in image pixels.
+    /// The visible part of the image, in image pixels.
     QRectF visibileRange() const;  // the spelling is part of the interface
     /// Size of the view in screen pixels.
     QSize displaySize() const;
 
 public slots:
-    /// Opens a file and makes its folder the one where the next file is looked for. A view without
-    /// an image bears the file's name meanwhile.
+    /// Opens a file and makes its folder the one where the open dialog starts. A view without
+    /// an image shows the file's name meanwhile.
     void loadFile(QString fileName);
-    /// The same, for a view that was made for this file: it closes when the file can't be shown.
+    /// The same, for a view that was made for this file: it closes if the file can't be shown.
     void loadFileOrClose(const QString& fileName);
     void loadImage(const MImage* image);
     void addToPaintList(const MDrawingList* list);
@@ -64,7 +64,7 @@ public slots:
     void goTo(int imageNumber);
     void setOffsetX(double offsetX);
     void setOffsetY(double offsetY);
-    /// @param zoomPower  zoom as a power of two, held within -2 to 6
+    /// @param zoomPower  zoom as a power of two, clamped to -2 to 6
     void setZoomPower(int zoomPower);
     void setViewport(double offsetX, double offsetY, int zoomPower);
     void setForeground(double foreground);
@@ -80,7 +80,7 @@ public slots:
     void hideResolutionRings();
 
 signals:
-    /// A new file was asked for.
+    /// A new file was requested.
     void changedFile();
     void aboutToTerminate(QObject* window);
 
@@ -102,8 +102,8 @@ private:
     template <class Change>
     void _changeContrast(Change&& change);
     void _setActions();
-    /// Remembers the folder of the file that was asked for. Not before it has answered, since a
-    /// look at it would wait as long as the file does.
+    /// Remembers the folder of the file that was requested. Not before it has answered, since a
+    /// check of it would wait as long as the file does.
     void _noteFolder();
 
     const Slots _slots;

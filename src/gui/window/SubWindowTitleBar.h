@@ -22,7 +22,7 @@ public:
     QComboBox* stepBox() const { return _stepBox; }
     /// Images to step forward or back.
     int step() const;
-    /// Enables or disables what needs an image.
+    /// Enables or disables the controls that need an image.
     void setImageLoaded(bool loaded);
 
 private:

@@ -7,7 +7,7 @@
 namespace {
 
 // %1 point size, %2 font family, %3 grey of the text, %4 top and %8 bottom of the gradient, %5 its
-// top on hover, %6 when pressed, %7 grey of what is checked or selected.
+// top on hover, %6 when pressed, %7 grey of checked or selected items.
 const char* const style = R"(
 QToolBar {
     color: white; spacing: 0px; border: none; min-height: 30px; max-height: 30px;

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Any change of number or file starts the wait anew.
+// Any change of number or file restarts the wait.
 #include "logic/loading/AwaitedImage.h"
 
 #include <utility>

@@ -32,7 +32,7 @@ struct LoaderData {
     /// Of the image's size, never empty after a job.
     morvend::imglib::MImage mask;
     morvend::imglib::MImage thumbnailMask;
-    /// Made anew by every job.
+    /// Made by every job.
     QSharedPointer<ImageStatistics> statistics;
     /// Of the region in statisticsData.
     RoiStatistics roiStatistics;

@@ -30,7 +30,7 @@ public:
         int first = -1;
         int last = -1;
     };
-    /// An image on show. Path that its series was opened by, empty for one in memory.
+    /// A shown image. Path that its series was opened by, empty for one in memory.
     struct Shown {
         std::string path;
         int number = -1;
@@ -42,7 +42,7 @@ public:
     /// open
     explicit SeriesSession(Shown shown);
 
-    /// Opens the series on show, unless that has been done or another series is open.
+    /// Opens the shown series, unless that has been done or another series is open.
     void comeBack();
     /// Opens a file with its series. @returns the number of the image that the path names
     int open(const std::string& path);
@@ -73,7 +73,7 @@ public:
     void closeOther() { _beside.reset(); }
     /// Looks for new images.
     void scan();
-    /// Of the open series; nothing until comeBack() has opened the series on show.
+    /// Of the open series; nothing until comeBack() has opened the shown series.
     std::optional<Bounds> bounds() const;
     /// The path that the open series was opened by, empty for one in memory.
     const std::string& openedAs() const { return _openedAs; }

@@ -23,7 +23,7 @@ morvend::imglib::MImage emptyThumbnail(const morvend::imglib::MImage& image);
 /// `hasNegatives` is false, negative pixels are marks: the first one in a cell becomes its value.
 morvend::imglib::MImage ofImage(const morvend::imglib::MImage& image, bool hasNegatives);
 
-/// The same in steps, for work that goes over the pixels anyway and brings them into the cache.
+/// The same in steps, for work that reads the pixels anyway and brings them into the cache.
 /// The image outlives it unchanged.
 class Builder {
 public:

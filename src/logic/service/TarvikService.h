@@ -174,7 +174,7 @@ public slots:
     /// Goes n images forward, or back when negative, from the number that was asked for last, while
     /// that has not come, else from the image; without image nothing happens. Missing
     /// and unreadable images are skipped, which noticeSignal() reports, and the ends of the series
-    /// are not left. 0 loads the image anew.
+    /// are not left. 0 loads the image again.
     /// @param signalLoadError false for a request that repeats automatically: no end of the
     /// series is announced, and no image that may be half written
     void nextImage(int n = 1, bool signalLoadError = true);

@@ -13,7 +13,7 @@ namespace morvend::imglib {
 struct PackedLayout {
     bool version2 = false;              ///< x-CBF_PACKED_V2: more widths, longer block heads
     bool flat = false;                  ///< differences only from the pixel before
-    bool uncorrelatedSections = false;  ///< each section of a stack begins anew
+    bool uncorrelatedSections = false;  ///< each section of a stack starts afresh
     bool isUnsigned = false;
     std::size_t fast = 0;
     std::size_t second = 0;

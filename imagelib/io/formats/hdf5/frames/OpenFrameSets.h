@@ -11,7 +11,7 @@
 namespace morvend::imglib::hdf5 {
 
 /// Opens data sets of frames and keeps the most recently used; one whose file has changed on disk
-/// is opened anew.
+/// is opened again.
 ///
 /// Chunks whose filters are known are read raw and decoded straight into the image, outside the
 /// library and its lock (ChunkReader); frames of virtual data sets are put together from their

@@ -59,7 +59,7 @@ struct OpenedObject {
     bool isDataset() const { return H5Iget_type(object.id()) == H5I_DATASET; }
 };
 
-/// Opens files, keeps the few most recently used, and opens a file anew when it has changed on
+/// Opens files, keeps the few most recently used, and opens a file again when it has changed on
 /// disk. Follows soft and external links itself, to tell a dead link from a missing one.
 /// Thread: callers take turns.
 class OpenFiles {

@@ -29,10 +29,11 @@ int count(const QImage& picture, const QRect& part, Condition&& condition)
     return found;
 }
 
-class Overlays : public EitherView<ImageDrawerMain> {
+/// With shaders alone: without them a view draws its overlays by the same painter.
+class Overlays : public SharedView<ImageDrawerMain> {
 protected:
     Overlays()
-        : EitherView(QSize(400, 300))
+        : SharedView(QSize(400, 300))
     {}
 
     /// An image of 1000 by 800 pixels in one grey; pixel (300, 250) stands in the view's corner.
@@ -93,10 +94,7 @@ protected:
     QColor _plain;
 };
 
-INSTANTIATE_TEST_SUITE_P(Colouring, Overlays, testing::Bool(),
-                         [](const auto& row) { return row.param ? "Shaders" : "Processor"; });
-
-TEST_P(Overlays, TheBeamCentreIsARedCrossAtEveryZoom)
+TEST_F(Overlays, TheBeamCentreIsARedCrossAtEveryZoom)
 {
     MBasicImageOptionalData<> edit;
     edit.set_beam_center_x(500.5F);
@@ -117,7 +115,7 @@ TEST_P(Overlays, TheBeamCentreIsARedCrossAtEveryZoom)
     EXPECT_EQ(painted(grab()), 0);
 }
 
-TEST_P(Overlays, PeaksAreBlueAndHighlightedOnesGreen)
+TEST_F(Overlays, PeaksAreBlueAndHighlightedOnesGreen)
 {
     MImage image = images::uniform(1000, 800, 0);
     for (const int rank : {0, 1, 2})
@@ -148,7 +146,7 @@ TEST_P(Overlays, PeaksAreBlueAndHighlightedOnesGreen)
     EXPECT_EQ(painted(grab()), 0);
 }
 
-TEST_P(Overlays, ThePaintListIsDrawnInItsColours)
+TEST_F(Overlays, ThePaintListIsDrawnInItsColours)
 {
     const double nan = std::nan("");
     MDrawingList<> list;
@@ -179,7 +177,7 @@ TEST_P(Overlays, ThePaintListIsDrawnInItsColours)
     EXPECT_EQ(painted(grab()), 0);
 }
 
-TEST_P(Overlays, ABoxIsDarkenedWithAnOutlineAtEveryZoom)
+TEST_F(Overlays, ABoxIsDarkenedWithAnOutlineAtEveryZoom)
 {
     for (int power = -2; power <= 5; ++power) {
         SCOPED_TRACE(power);
@@ -199,7 +197,7 @@ TEST_P(Overlays, ABoxIsDarkenedWithAnOutlineAtEveryZoom)
     }
 }
 
-TEST_P(Overlays, ALineRunsBetweenItsMarks)
+TEST_F(Overlays, ALineRunsBetweenItsMarks)
 {
     show(regions::line(350, 300, 450, 300));
     look(300, 250, 0);
@@ -214,7 +212,7 @@ TEST_P(Overlays, ALineRunsBetweenItsMarks)
     }
 }
 
-TEST_P(Overlays, ACircleIsDarkerThanItsSurround)
+TEST_F(Overlays, ACircleIsDarkerThanItsSurround)
 {
     show(regions::circle(450, 400, 100));
     look(300, 250, 0);
@@ -225,7 +223,7 @@ TEST_P(Overlays, ACircleIsDarkerThanItsSurround)
                           {{85, 150}, Qt::black}});
 }
 
-TEST_P(Overlays, OnlyTheRingOfAPowderRegionIsDarkened)
+TEST_F(Overlays, OnlyTheRingOfAPowderRegionIsDarkened)
 {
     show(regions::powder(500, 400, 60, 120));
     for (const bool farAway : {false, true}) {
@@ -243,7 +241,7 @@ TEST_P(Overlays, OnlyTheRingOfAPowderRegionIsDarkened)
     EXPECT_EQ(painted(grab()), 0);
 }
 
-TEST_P(Overlays, ValuesAreWrittenAtTheHighestZoomOnly)
+TEST_F(Overlays, ValuesAreWrittenAtTheHighestZoomOnly)
 {
     for (const int power : {-2, 0, 5, 6}) {
         look(500, 400, power);
@@ -264,7 +262,7 @@ TEST_P(Overlays, ValuesAreWrittenAtTheHighestZoomOnly)
     EXPECT_EQ(grab().pixelColor(100, 100), QColor(Qt::darkGray));
 }
 
-TEST_P(Overlays, TheBoxOfValuesFollowsTheCursorAndStaysInTheView)
+TEST_F(Overlays, TheBoxOfValuesFollowsTheCursorAndStaysInTheView)
 {
     look(300, 250, 0);
     const auto boxed = [&](QPoint cursor) {
@@ -303,10 +301,7 @@ protected:
     }
 };
 
-INSTANTIATE_TEST_SUITE_P(Colouring, Rings, testing::Bool(),
-                         [](const auto& row) { return row.param ? "Shaders" : "Processor"; });
-
-TEST_P(Rings, StandAtTheirRadiiAtEveryZoom)
+TEST_F(Rings, StandAtTheirRadiiAtEveryZoom)
 {
     for (int power = -2; power <= 6; ++power) {
         const double zoom = std::ldexp(1.0, power);
@@ -328,7 +323,7 @@ TEST_P(Rings, StandAtTheirRadiiAtEveryZoom)
     }
 }
 
-TEST_P(Rings, FollowTheBeamCentreAndTheDistanceOfTheHeader)
+TEST_F(Rings, FollowTheBeamCentreAndTheDistanceOfTheHeader)
 {
     const auto isRing = [](const QColor& c) { return c.blue() > c.red() + 60; };
     // Left of its centre, where no label stands.
@@ -352,7 +347,7 @@ TEST_P(Rings, FollowTheBeamCentreAndTheDistanceOfTheHeader)
     expectFirst(350, 500);
 }
 
-TEST_P(Rings, AreClippedToTheImageAndLabelledOnWhite)
+TEST_F(Rings, AreClippedToTheImageAndLabelledOnWhite)
 {
     const QImage picture = grab();
     const auto is = [](Qt::GlobalColor colour) {
@@ -373,10 +368,8 @@ TEST_P(Rings, AreClippedToTheImageAndLabelledOnWhite)
     (void)grab();
 }
 
-TEST_P(Rings, AloneStandOverTheHeightMap)
+TEST_F(Rings, AloneStandOverTheHeightMap)
 {
-    if (!GetParam())
-        return;  // always flat
     drawer().setPlottingMode(PlottingMode::ThreeDimensional);
     const QImage with = grab();
     show(regions::box(350, 300, 500, 400));

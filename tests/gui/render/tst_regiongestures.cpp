@@ -54,34 +54,38 @@ protected:
 TEST_F(RegionGestures, ARightDragDrawsARegionAndFillsAllItsFields)
 {
     const StatisticsData before = region();
-    drag(Qt::RightButton, {20, 30}, {{60, 70}, {90, 80}});
+    // Halves of image pixels and fractions of a radius are cut off.
+    look(350, 300, 1);
+    drag(Qt::RightButton, {21, 31}, {{60, 70}, {90, 80}});
     EXPECT_EQ(region(), before) << "without a chosen kind";
     for (const int type : {StatisticsData::Line, StatisticsData::Box, StatisticsData::Circle}) {
         choose(type);
-        drag(Qt::RightButton, {20, 30}, {{60, 70}, {50, 70}});
-        StatisticsData expected = regions::between(type, 370, 330, 400, 370);
-        expected.circleX = 370;
-        expected.circleY = 330;
-        expected.radius = 50;
-        expected.theta = std::atan2(40, 30);
+        drag(Qt::RightButton, {21, 31}, {{60, 70}, {51, 73}});
+        StatisticsData expected = regions::between(type, 360, 315, 375, 336);
+        expected.circleX = 360;
+        expected.circleY = 315;
+        expected.radius = 25;
+        expected.theta = std::atan2(73 - 31, 51 - 21);
         expected.innerRadius = region().innerRadius;
         expected.outerRadius = region().outerRadius;
         EXPECT_EQ(region(), expected) << type;
-        EXPECT_EQ(viewport(), atFirst) << "the image stays";
+        EXPECT_EQ(viewport(), ViewportData(350, 300, 1, 0, 0)) << "the image stays";
     }
 }
 
 TEST_F(RegionGestures, APowderRingGrowsRoundTheBeamCentre)
 {
-    choose(StatisticsData::CentredCircle);
-    // (350 + 190, 300 + 100) is 39 pixels from the beam centre, (350 + 200, ...) 49.
-    drag(Qt::RightButton, {190, 100}, {{195, 100}, {200, 100}});
-    StatisticsData expected = regions::powder(500.25, 400.5, 39, 49);
-    expected.endX = 550;
-    expected.endY = 400;
-    expected.radius = region().radius;
-    expected.theta = region().theta;
-    EXPECT_EQ(region(), expected);
+    // (350 + 190, 300 + 100) is 39 pixels from the beam centre, (350 + 180, ...) 29.
+    for (const auto& [end, inner, outer] : {std::tuple(200, 39, 49), {180, 29, 39}}) {
+        choose(StatisticsData::CentredCircle);
+        drag(Qt::RightButton, {190, 100}, {{195, 100}, {170, 100}, {end, 100}});
+        StatisticsData expected = regions::powder(500.25, 400.5, inner, outer);
+        expected.endX = 350 + end;
+        expected.endY = 400;
+        expected.radius = region().radius;
+        expected.theta = region().theta;
+        EXPECT_EQ(region(), expected);
+    }
 }
 
 TEST_F(RegionGestures, ControlSetsTheCentreOfAPowderRingAndWithItTheBeamCentre)
@@ -208,6 +212,9 @@ TEST_F(RegionGestures, TheMiddleButtonTurnsTheHeightMapOnly)
     EXPECT_EQ(viewport(), ViewportData(350, 300, 0, 0.5F, 10.0F));
     drag(Qt::LeftButton, {100, 100}, {{90, 100}});
     EXPECT_EQ(viewport(), ViewportData(360, 300, 0, 0.5F, 10.0F)) << "the left button pans as ever";
+    mouse::hover(drawer(), {100, 60});
+    mouse::wheel(drawer(), {100, 60}, {0, 120});
+    EXPECT_EQ(viewport(), ViewportData(410, 330, 1, 0.5F, 10.0F));
 }
 
 TEST_F(RegionGestures, TheWheelStepsOnceHoweverFarItTurns)

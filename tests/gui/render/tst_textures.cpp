@@ -3,7 +3,6 @@
 //
 // What goes to the graphics card: pixel formats, tiles, the mesh and the pixels under it.
 #include "gui/render/MeshGrid.h"
-#include "gui/render/PlotSample.h"
 #include "gui/render/TextureFormat.h"
 #include "gui/render/TileGrid.h"
 
@@ -11,13 +10,11 @@
 
 #include <QOpenGLFunctions>
 
-#include <numeric>
 #include <set>
 
 namespace {
 
 using namespace morvend::datatypes;
-using morvend::imglib::MImage;
 using render::TextureFormat;
 
 /// That they show the right colours is seen in pictures.
@@ -94,22 +91,6 @@ TEST(Mesh, IsThatOf128By128VerticesOverTheUnitSquare)
     EXPECT_EQ(lines.back(), 16383U);
     EXPECT_EQ(Indices(triangles.end() - 6, triangles.end()),
               (Indices{16254, 16255, 16383, 16254, 16383, 16382}));
-}
-
-TEST(Mesh, StandsOnThePixelsOfTheVisiblePart)
-{
-    MImage image(1000, 600, 0);
-    auto* pixels = static_cast<int*>(image.data());
-    std::iota(pixels, pixels + image.size(), 0);
-    const MImage sample = render::plotSample(image, QRectF(100.5, 50, 640, 320));
-    ASSERT_EQ(sample.width(), 128);
-    ASSERT_EQ(sample.height(), 128);
-    for (const int col : {0, 1, 77, 127})
-        for (const int row : {0, 2, 127})
-            EXPECT_EQ(sample.pixel<int>(col, row, -1),
-                      (50 + row * 5 / 2) * 1000 + static_cast<int>(100.5 + col * 5));
-    const MImage end = render::plotSample(image, QRectF(999.9, 599.9, 0.1, 0.1));
-    EXPECT_EQ(end.pixel<int>(127, 127, -1), 1000 * 600 - 1);
 }
 
 }  // namespace

@@ -18,33 +18,6 @@ TEST(ZoomPan, TheFirstViewportCentresTheImageAtOnePixelPerPixel)
     EXPECT_EQ(render::centredViewport({99, 51}, view), ViewportData(-50, -24, 0, 0, 0));
 }
 
-TEST(ZoomPan, TheImagePointUnderTheCursorStaysAtAnyZoom)
-{
-    const QPoint cursor(133, 41);
-    for (int power = -2; power <= 6; ++power)
-        for (const int step : {1, -1}) {
-            const ViewportData before(17.5, -3.25, power, 10, 20);
-            const render::ViewGeometry geometry({1000, 800}, view, before);
-            const QPointF point(geometry.imageX(cursor.x()), geometry.imageY(cursor.y()));
-            const ViewportData after = render::zoomedAbout(before, point, cursor, step);
-            const render::ViewGeometry zoomed({1000, 800}, view, after);
-            EXPECT_DOUBLE_EQ(zoomed.imageX(cursor.x()), point.x());
-            EXPECT_DOUBLE_EQ(zoomed.imageY(cursor.y()), point.y());
-            EXPECT_EQ(after.zoomPower, std::clamp(power + step, -2, 6));
-            EXPECT_EQ(after.rotationX, 10);
-            EXPECT_EQ(after.rotationY, 20);
-        }
-}
-
-TEST(ZoomPan, APanKeepsFractionsOfImagePixels)
-{
-    const ViewportData start(10, 20, 3, 1, 2);
-    EXPECT_EQ(render::panned(start, {3, -5}, 8, 1),
-              ViewportData(10 - 3.0 / 8, 20 + 5.0 / 8, 3, 1, 2));
-    EXPECT_EQ(render::panned(start, {3, -5}, 0.25, -1), ViewportData(10 + 12, 20 - 20, 3, 1, 2))
-        << "in a thumbnail";
-}
-
 TEST(ZoomPan, NoMoveWidensTheEmptyBorder)
 {
     struct Row {

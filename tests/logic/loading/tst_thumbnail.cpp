@@ -152,58 +152,6 @@ TEST(MaskThumbnails, AreMadeOnceForEachMask)
     EXPECT_EQ(known.of(first).pixel<int>(0, 0, -1), 8) << "its pixels have changed";
 }
 
-/// The first thumbnail pixel of an image whose first cell, of 5 x 1 pixels, holds the values.
-template <class T>
-T firstCell(const std::vector<T>& values, bool hasNegatives)
-{
-    MImage image(1000, 5, T(0));
-    for (int y = 0; y < 5; ++y)
-        std::copy(values.begin(), values.end(), pixels<T>(image) + 1000 * y);
-    return thumbnail::ofImage(image, hasNegatives).pixel<T>(0, 0, T(99));
-}
-
-TEST(Thumbnail, CellIsTheTruncatedMean)
-{
-    EXPECT_EQ(firstCell<int>({5, 5, 5, 5, 3}, false), 4);
-    EXPECT_EQ(firstCell<int>({-5, -5, -5, -5, -3}, true), -4);
-    EXPECT_EQ(firstCell(std::vector(5, 4294967295U), false), 4294967295U);
-    EXPECT_FLOAT_EQ(firstCell<float>({1, 2, 0, 0, 0}, false), 0.6F);
-    EXPECT_EQ(firstCell<bool>({false, true, false, false, false}, false), true);
-    EXPECT_EQ(firstCell<bool>({false, false, false, false, false}, false), false);
-    const long long top = std::numeric_limits<long long>::max();
-    EXPECT_EQ(firstCell(std::vector(5, top), false), top);
-}
-
-TEST(Thumbnail, NegativeMarksAreNeverBlendedAway)
-{
-    EXPECT_EQ(firstCell<int>({5, 5, -1, -2, 5}, false), -1);
-    EXPECT_EQ(firstCell<int>({5, 5, -1, 5, 5}, true), 3);
-    EXPECT_EQ(firstCell<float>({5, 5, -0.5F, -1, 5}, false), -0.5F);
-    EXPECT_EQ(firstCell<signed char>({100, 100, -2, 100, 100}, false), -2);
-}
-
-TEST(Thumbnail, SingleBadPixelSurvivesInTheMask)
-{
-    MImage mask(3000, 3000, 0U);
-    pixels<unsigned>(mask)[3000 * 1517 + 1203] = 16;
-    const MImage thumb = thumbnail::ofMask(mask);
-    const auto* marks = thumb.pixels<unsigned>();
-    EXPECT_EQ(std::count(marks, marks + thumb.size(), 0U), int(thumb.size()) - 1);
-    EXPECT_EQ(thumb.pixel<unsigned>(1203 / 15, 1517 / 15, 0), 16U);
-}
-
-TEST(Thumbnail, RowsWithoutSourceAreZero)
-{
-    // One column of 7 pixels gives cells of 7 x 7: 143 rows of cells, 57 rows without any.
-    const MImage thumb = thumbnail::ofImage(MImage(7, 1000, 4U), false);
-    ASSERT_EQ(thumb.width(), 1);
-    ASSERT_EQ(thumb.height(), 200);
-    EXPECT_EQ(thumb.pixel<int>(0, 142, -1), 4);
-    EXPECT_EQ(thumb.pixel<int>(0, 143, -1), 0);
-    EXPECT_EQ(thumb.pixel<int>(0, 199, -1), 0);
-    EXPECT_EQ(thumbnail::ofMask(MImage(7, 1000, 4U)).pixel<int>(0, 199, -1), 0);
-}
-
 TEST(MaskFixup, KeepsAMaskOfTheRightSizeAndReplacesOthers)
 {
     MaskFixup fixup;

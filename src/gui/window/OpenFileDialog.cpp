@@ -51,8 +51,7 @@ QStringList OpenFileDialog::imageFilters()
     for (const QString& ending : QStringList(images))
         images << ending + ".gz" << ending + ".bz2";
     const QStringList containers = doubleUpper({".h5", ".hdf5"});
-    const QStringList entries =
-        doubleUpper({".nxs"});  // the file that others depend on, like a master
+    const QStringList entries = doubleUpper({".nxs"});  // others depend on it, like a master
     QStringList masters;
     for (const QString& ending : containers)
         masters << "_master" + ending;

@@ -188,8 +188,7 @@ private:
     std::string _wanted;
     std::string _origin;
     std::deque<std::string> _rest;
-    std::size_t _namesOfLink =
-        0;  // at the front of them: they come from a link, not from the request
+    std::size_t _namesOfLink = 0;  // at their front: those from a link, not from the request
     std::string _path;
     Object _here;
     int _links = 0;

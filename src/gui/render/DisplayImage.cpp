@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <utility>
 
 namespace render {
 
@@ -44,14 +45,23 @@ void displayPixelsAs(const MImage& image, const QRect& part, void* out)
 }  // namespace
 
 DisplayImage::DisplayImage(const MImage& base)
-    : _kind(kindOf(base.type()))
+    : _size(base.width(), base.height())
+    , _kind(kindOf(base.type()))
     , _image(base)
 {
+    if (const auto& saturation = std::as_const(_image).optionalData().saturation_value())
+        _saturation = *saturation;
     const auto& pixel_mask = _image.optionalData().pixel_mask();
     assert(pixel_mask);
     _mask = *pixel_mask;
     if (_mask.width() != _image.width() || _mask.height() != _image.height())
         _mask = MImage(_image, 0U);
+}
+
+void DisplayImage::letPixelsGo()
+{
+    _image = MImage();
+    _mask = MImage();
 }
 
 void displayPixels(const MImage& image, const QRect& part, void* out)

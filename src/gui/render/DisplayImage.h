@@ -10,6 +10,8 @@
 #include <QRect>
 #include <QSize>
 
+#include <optional>
+
 namespace render {
 
 /// An image with its mask, both as the loader left them: shown as 32-bit signed, unsigned or float
@@ -25,14 +27,23 @@ public:
     /// of another size counts as good pixels
     explicit DisplayImage(const MImage& base);
 
-    bool empty() const { return _image.empty(); }
-    QSize size() const { return {_image.width(), _image.height()}; }
+    bool empty() const { return _size.isEmpty(); }
+    QSize size() const { return _size; }
     PixelKind kind() const { return _kind; }
+    /// From this intensity on a pixel is saturated, where the header says so.
+    std::optional<int> saturation() const { return _saturation; }
+
+    /// Lets go of image and mask; all of the above stays.
+    void letPixelsGo();
+    bool hasPixels() const { return !_image.empty(); }
+    // Those that it has:
     const MImage& image() const { return _image; }
     const MImage& mask() const { return _mask; }
 
 private:
+    QSize _size;
     PixelKind _kind = PixelKind::Int;
+    std::optional<int> _saturation;
     MImage _image;
     MImage _mask;
 };

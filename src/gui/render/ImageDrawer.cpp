@@ -36,11 +36,7 @@ ImageDrawer::ImageDrawer(TarvikService* service, bool useGlsl, QWidget* parent)
     setMouseTracking(true);
     setAutoFillBackground(false);
     _wheelTimer.start();
-    if (render::OpenGlSupport::ofThisProcess().usable) {
-        _canvas = std::make_unique<render::GlCanvas>(
-            this, render::GlCanvas::Client{[this] { _initializeGL(); }, [this] { _paintGL(); },
-                                           [this] { _releaseGL(); }});
-    }
+    _takeSurface();
     connect(service, &TarvikService::newImageSignal, this, &ImageDrawer::newImageSlot);
     connect(service, &TarvikService::headerChangedSignal, this, &ImageDrawer::_changedHeaderSlot);
     connect(service, &TarvikService::newContrastSignal, this, &ImageDrawer::setContrastSlot);
@@ -51,7 +47,44 @@ ImageDrawer::ImageDrawer(TarvikService* service, bool useGlsl, QWidget* parent)
     connect(service, &TarvikService::saturatedSignal, this, &ImageDrawer::_saturatedSlot);
 }
 
-ImageDrawer::~ImageDrawer() = default;
+ImageDrawer::~ImageDrawer() { render::Surfaces::ofThisProcess().giveBack(*this); }
+
+bool ImageDrawer::needsSurface() const
+{
+    return _glslWanted && _plottingMode == PlottingMode::ThreeDimensional;
+}
+
+void ImageDrawer::_takeSurface()
+{
+    if (_canvas || !render::OpenGlSupport::ofThisProcess().usable ||
+        !render::Surfaces::ofThisProcess().take(*this))
+        return;
+    _initialized = false;  // until there is a context
+    _sampledColouring.forget();
+    _canvas = std::make_unique<render::GlCanvas>(
+        this, render::GlCanvas::Client{[this] { _initializeGL(); }, [this] { _paintGL(); },
+                                       [this] { _releaseGL(); }});
+    _canvas->lower();  // below the lines of text
+    _canvas->resize(size().expandedTo(QSize(1, 1)));
+    if (isVisible())
+        _canvas->show();
+    _restPixels();
+}
+
+void ImageDrawer::loseSurface()
+{
+    _canvas.reset();
+    _restPixels();
+    update();
+}
+
+void ImageDrawer::setInUse(bool inUse)
+{
+    _inUse = inUse;
+    _restPixels();
+}
+
+void ImageDrawer::_restPixels() { letPixelsBePacked(_samples() && !_inUse); }
 
 double ImageDrawer::imgX(int x) const { return viewGeometry().imageX(x); }
 
@@ -74,7 +107,9 @@ QRect ImageDrawer::imageBoundary(const ViewportData& viewport) const
 
 ImageDrawer::MImage ImageDrawer::rgbData(int x, int y, int width, int height) const
 {
-    return render::CpuColouring::rgb(_image, _colouring(), QRect(x, y, width, height));
+    return render::CpuColouring::rgb(_image.hasPixels() ? _image
+                                                        : render::DisplayImage(baseImage()),
+                                     _colouring(), QRect(x, y, width, height));
 }
 
 QImage ImageDrawer::grab(double devicePixelRatio)
@@ -124,7 +159,7 @@ void ImageDrawer::repaint()
 ImageDrawer::Work ImageDrawer::work() const
 {
     Work work;
-    work.colouredPixels = _cpuColouring.colouredPixels();
+    work.colouredPixels = _cpuColouring.colouredPixels() + _sampledColouring.colouredPixels();
     if (_scene) {
         const render::ImageTextures::Uploads& uploads = _scene->textures().uploads();
         work.imageUploads = uploads.images;
@@ -142,10 +177,13 @@ void ImageDrawer::setBackgroundColor(const QColor& color)
 
 void ImageDrawer::newImageSlot()
 {
-    if (!_initialized || !_service->imageLoaded())
+    if (!_service->imageLoaded())
         return;
+    if (!_initialized)
+        return _restPixels();
     _image = render::DisplayImage(baseImage());
     _cpuColouring.invalidate();
+    _sampledColouring.forget();
     if (_useGlsl)
         _uploadImage();
     setContrastSlot(_service->contrastData());
@@ -154,8 +192,34 @@ void ImageDrawer::newImageSlot()
         setViewportSlot(viewport);
     else
         _service->setViewportData(defaultViewport());
+    if (_samples() && !size().isEmpty())
+        _sample(devicePixelRatioF());
     emit newCursorCoordinates(imgX(), imgY());
     update();
+}
+
+bool ImageDrawer::_samples() const
+{
+    const render::OpenGlSupport& openGl = render::OpenGlSupport::ofThisProcess();
+    return !_canvas && _glslWanted && openGl.usable && openGl.info->glslPossible();
+}
+
+void ImageDrawer::_sample(double devicePixelRatio)
+{
+    const ViewportData viewport = effectiveViewportData();
+    if (_sampledColouring.holds(viewport, size(), devicePixelRatio))
+        return;
+    if (!_image.hasPixels())
+        _image = render::DisplayImage(baseImage());
+    _sampledColouring.take(_image, viewport, size(), devicePixelRatio);
+    _image.letPixelsGo();
+    _restPixels();
+}
+
+void ImageDrawer::_drawSample(QPainter& painter)
+{
+    _sample(painter.device()->devicePixelRatioF());
+    _sampledColouring.draw(painter, _colouring());
 }
 
 void ImageDrawer::_uploadImage()
@@ -177,6 +241,7 @@ void ImageDrawer::setContrastSlot(const ContrastData& contrast)
         return;
     _contrastData = contrast;
     _cpuColouring.invalidate();
+    _sampledColouring.invalidate();
     if (usesGlsl() && _scene->textures().hasImage()) {
         _makeCurrent();
         _scene->setColouring(_image.kind(), _plottingMode, _colouring());
@@ -198,6 +263,8 @@ void ImageDrawer::adoptViewport(const ViewportData& viewport)
 void ImageDrawer::setPlottingMode(PlottingMode mode)
 {
     _plottingMode = mode;
+    if (needsSurface())
+        _takeSurface();
     if (mode == PlottingMode::Flat)
         setBackgroundColor(Qt::darkGray);
     else if (mode == PlottingMode::ThreeDimensional)
@@ -244,6 +311,8 @@ void ImageDrawer::paintEvent(QPaintEvent*)
 {
     if (_canvas)
         return;
+    if (size().isEmpty())
+        return;
     if (!_initialized) {
         _initialized = true;
         _useGlsl = false;
@@ -260,6 +329,7 @@ void ImageDrawer::resizeEvent(QResizeEvent* event)
 {
     _resizing = true;
     QWidget::resizeEvent(event);
+    _takeSurface();
     // Qt shows black for ever if a QOpenGLWidget has ever been resized to nothing.
     if (_canvas)
         _canvas->resize(size().expandedTo(QSize(1, 1)));
@@ -353,8 +423,7 @@ render::ViewGeometry ImageDrawer::_geometry(const ViewportData& viewport) const
 
 render::ViewGeometry ImageDrawer::_baseGeometry() const
 {
-    const QSize image =
-        _service->imageLoaded() ? QSize(baseImage().width(), baseImage().height()) : QSize();
+    const QSize image = _service->imageLoaded() ? baseSize() : QSize();
     return {image, size(), effectiveViewportData(), imageScaleFactor()};
 }
 
@@ -366,9 +435,8 @@ render::Colouring ImageDrawer::_colouring() const
         table = _service->defaultColorTable();
     if (!table)
         table = morvend::imglib::MColorTable::hdr();
-    const auto& saturation = _image.image().optionalData().saturation_value();
-    if (_service->highlightSaturated() && saturation)
-        colouring.saturation = *saturation;
+    if (_service->highlightSaturated())
+        colouring.saturation = _image.saturation();
     return colouring;
 }
 
@@ -383,7 +451,7 @@ void ImageDrawer::_prepareScene()
     // An image that came before the view was ready, or a new context.
     const bool onCard = !usesGlsl() || _scene->textures().hasImage();
     // The reduced picture of a very long image is empty, and stays empty.
-    if (_service->imageLoaded() && (_image.empty() || !onCard) && !baseImage().empty())
+    if (_service->imageLoaded() && (_image.empty() || !onCard) && !baseSize().isEmpty())
         newImageSlot();
     // Other views that received the signal have made their contexts current.
     _makeCurrent();
@@ -400,7 +468,9 @@ void ImageDrawer::_renderScene(QPainter& painter)
     }
     if (!_service->imageLoaded() || _image.empty())
         return;
-    if (!usesGlsl())
+    if (_samples())
+        _drawSample(painter);
+    else if (!usesGlsl())
         _cpuColouring.draw(painter, _image, _colouring(), effectiveViewportData(), size());
     painter.setRenderHint(QPainter::Antialiasing);
     if (_service->resolutionDefined() && _service->showResolutionRings())

@@ -6,6 +6,8 @@
 
 #include "gui/render/CpuColouring.h"
 #include "gui/render/DisplayImage.h"
+#include "gui/render/SampledColouring.h"
+#include "gui/render/Surfaces.h"
 #include "gui/render/geometry/ViewGeometry.h"
 #include "imagelib/image/MImage.h"
 #include "logic/records/ContrastData.h"
@@ -33,11 +35,15 @@ class SceneRenderer;
 /// Shows one image of a service, coloured on the graphics card, and converts between widget and
 /// image coordinates. A contrast change sets some numbers in a shader and never walks the image.
 /// Without shaders the processor colours the visible part. The surface is a QOpenGLWidget that
-/// fills the view; if OpenGL can't be used, there is none and the view paints like any widget.
+/// fills the view; if OpenGL can't be used, or so many views have one already, there is none and the
+/// view paints like any widget, by the rule of the shaders if they would be used.
+///
+/// A view without surface keeps no pixels but those on the screen, and lets the service pack the
+/// image between looks, unless it is in use.
 ///
 /// A view keeps no state of its own: gestures go to the service, and what its signals return is
 /// shown. Positions are widget coordinates. Thread: GUI only.
-class ImageDrawer : public QWidget {
+class ImageDrawer : public QWidget, private render::Surfaces::Holder {
     Q_OBJECT
 public:
     using MImage = morvend::imglib::MImage;
@@ -84,6 +90,10 @@ public:
     void setBackgroundColor(const QColor& color);
     /// Whether shaders are used if available.
     bool wantsGlsl() const { return _glslWanted; }
+    /// Does the user work with this view? Then its pixels stay at hand.
+    void setInUse(bool inUse);
+    /// Has it an OpenGL surface, see render/Surfaces?
+    bool hasSurface() const { return _canvas != nullptr; }
     /// True if shaders colour the image. Known once the view is initialized.
     bool usesGlsl() const { return _useGlsl && _onCard; }
     /// Limits the side of textures from the next image on, whatever the card allows.
@@ -116,6 +126,8 @@ signals:
 protected:
     /// The image to show.
     virtual MImage baseImage() const = 0;
+    /// Its size, without a look at the pixels.
+    virtual QSize baseSize() const { return {baseImage().width(), baseImage().height()}; }
     virtual ViewportData defaultViewport() const = 0;
     /// The viewport to adopt if one is wanted.
     virtual ViewportData correctViewport(const ViewportData& wanted,
@@ -124,6 +136,8 @@ protected:
     virtual ViewportData effectiveViewportData() const = 0;
     /// Pixels of the shown picture for each image pixel.
     virtual double imageScaleFactor() const = 0;
+    /// May the pixels of the service's image be packed between looks at them?
+    virtual void letPixelsBePacked(bool) {}
     /// Direction of a pan: +1 moves the image with the cursor.
     virtual int moveDirection() const = 0;
 
@@ -167,6 +181,15 @@ private:
     render::ViewGeometry _geometry(const ViewportData& viewport) const;
     render::ViewGeometry _baseGeometry() const;
     render::Colouring _colouring() const;
+    bool needsSurface() const override;
+    void loseSurface() override;
+    /// Takes a surface where there is one for it.
+    void _takeSurface();
+    /// Colours the processor what shaders would?
+    bool _samples() const;
+    void _restPixels();
+    void _drawSample(QPainter& painter);
+    void _sample(double devicePixelRatio);
     // Called by the canvas, with its context current.
     void _initializeGL();
     void _paintGL();
@@ -180,9 +203,11 @@ private:
 
     TarvikService* _service;
     bool _initialized = false;
+    bool _inUse = false;
     bool _resizing = false;
     render::DisplayImage _image;
     render::CpuColouring _cpuColouring;
+    render::SampledColouring _sampledColouring;
     ViewportData _viewportData;
     ContrastData _contrastData;
     std::unique_ptr<render::SceneRenderer> _scene;  // with shaders only

@@ -22,6 +22,7 @@ ImageDrawerMain::ImageDrawerMain(TarvikService* service, bool useGlsl, QWidget* 
     , _statisticsData(service->statisticsData())
     , _paintList(service->paintList())
 {
+    setInUse(false);
     setCursor(_cursors.cross());
     setPlottingMode(service->plottingMode());
     _setPeakData(service->peakData());
@@ -46,6 +47,8 @@ void ImageDrawerMain::zoom(int step)
 
 ImageDrawer::MImage ImageDrawerMain::baseImage() const { return service().image(); }
 
+QSize ImageDrawerMain::baseSize() const { return service().imageSize(); }
+
 ViewportData ImageDrawerMain::defaultViewport() const
 {
     return render::centredViewport(service().imageSize(), size());
@@ -57,10 +60,19 @@ ViewportData ImageDrawerMain::correctViewport(const ViewportData& wanted,
     return render::withoutWiderBorder(wanted, current, service().imageSize(), size());
 }
 
+void ImageDrawerMain::letPixelsBePacked(bool may) { service().setPixelsPacked(may); }
+
 void ImageDrawerMain::setViewportSlot(const ViewportData& viewport)
 {
     ImageDrawer::setViewportSlot(viewport);
     _viewportSize = isVisible() ? std::optional(size()) : std::nullopt;
+    _tellCursor();
+}
+
+void ImageDrawerMain::_tellCursor()
+{
+    if (_cursorInside && service().imageLoaded())
+        emit newCursorCoordinates(imgX(), imgY());
 }
 
 void ImageDrawerMain::resizeEvent(QResizeEvent* event)
@@ -70,6 +82,7 @@ void ImageDrawerMain::resizeEvent(QResizeEvent* event)
         return;
     adoptViewport(render::resized(viewport(), *_viewportSize, size()));
     _viewportSize = size();
+    _tellCursor();
     if (_viewportBeforeResize)
         return;
     _viewportBeforeResize = service().viewportData();

@@ -45,8 +45,10 @@ public slots:
 
 protected:
     MImage baseImage() const override;
+    QSize baseSize() const override;
     ViewportData effectiveViewportData() const override { return viewport(); }
     double imageScaleFactor() const override { return 1.0; }
+    void letPixelsBePacked(bool may) override;
     int moveDirection() const override { return 1; }
 
     void paintRings(QPainter* painter) override;
@@ -71,6 +73,8 @@ private:
     /// A right drag draws a region of the chosen kind, unless it moves the existing one.
     bool _drawsRegion(Qt::MouseButtons buttons) const;
     void _shareResize();
+    /// Another image pixel may be under the cursor, which stands still.
+    void _tellCursor();
     void _hover();
     void _drag(Qt::MouseButtons buttons);
     void _rotatePlot(QPoint move);

@@ -8,6 +8,7 @@
 #include "imagelib/image/MException.h"
 #include "logic/analysis/roi/RoiComputer.h"
 #include "logic/analysis/statistics/ComputeStatistics.h"
+#include "logic/loading/Outline.h"
 #include "logic/loading/Thumbnail.h"
 #include "logic/support/Assert.h"
 #include "logic/support/Console.h"
@@ -295,6 +296,11 @@ void ImageLoaderThread::_analyse()
     region.setStatisticsData(_data.statisticsData);
     _data.roiStatistics = region.computeOrWarn();
     _endStep(StepTimes::Region, "TIME FOR ADDITIONAL COMPUTATION: ");
+    if (_data.pack)
+        _data.packed = morvend::codec::PackedPixels::of(_data.image);
+    // Hundreds of images may wait for a view that is slower than the workers.
+    if (_data.packed)
+        _data.image = outlineOf(_data.image);
 }
 
 void ImageLoaderThread::_deliver()

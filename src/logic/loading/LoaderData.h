@@ -4,6 +4,7 @@
 // What travels from a request to load an image to the view that shows it.
 #pragma once
 
+#include "imagelib/codec/PackedPixels.h"
 #include "imagelib/image/MImage.h"
 #include "logic/analysis/roi/RoiStatistics.h"
 #include "logic/analysis/statistics/ImageStatistics.h"
@@ -14,6 +15,7 @@
 
 #include <QSharedPointer>
 
+#include <memory>
 #include <string>
 
 /// One image with all that is computed for it, and the settings that the view had when it asked.
@@ -36,6 +38,10 @@ struct LoaderData {
     QSharedPointer<ImageStatistics> statistics;
     /// Of the region in statisticsData.
     RoiStatistics roiStatistics;
+    /// In: shall the pixels be packed too, since nobody may look at them for long?
+    bool pack = false;
+    /// Out: null where that was not wanted, or saves nothing.
+    std::shared_ptr<const morvend::codec::PackedPixels> packed;
     // Copied in by the caller and carried through unchanged.
     ContrastData contrastData;
     ViewportData viewportData;

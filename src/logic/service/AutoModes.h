@@ -24,6 +24,7 @@ public:
     HalvoMonitor& monitor() { return _monitor; }
     AutoLoader& autoLoader() { return _autoLoader; }
     bool on(Mode mode) const { return _mode == mode; }
+    bool any() const { return _mode.has_value(); }
     const QString& host() const { return _host; }
     int port() const { return _port; }
     double minPause() const { return _minPause; }

@@ -27,6 +27,7 @@ LoaderData Opening::_request() const
     request.viewportData = _records.viewport();
     request.statisticsData = _records.statistics();
     request.peakData = _records.peaks();
+    request.pack = _packing;
     return request;
 }
 

@@ -26,6 +26,8 @@ public:
     /// @param shown, records  outlive this object
     Opening(const ShownImage& shown, const Records& records);
 
+    /// Shall the pixels of images come packed?
+    void setPacking(bool packing) { _packing = packing; }
     const ImageLoader& loader() const { return _loader; }
     void openImage(const char* fileName);
     void openImage(int imageIndex, bool signalLoadError = true);
@@ -59,6 +61,7 @@ private:
     const ShownImage& _shown;
     const Records& _records;
     ImageLoader _loader;
+    bool _packing = false;
     std::list<LoaderData> _finished;  // loads that are not visible yet
     QElapsedTimer _clock;             // restarted by every request
     std::unique_ptr<ContainerWatch> _watch;

@@ -4,12 +4,14 @@
 // The image that a view shows.
 #pragma once
 
+#include "imagelib/codec/PackedPixels.h"
 #include "imagelib/image/MImage.h"
 #include "logic/analysis/peaks/ImagePeaks.h"
 #include "logic/analysis/statistics/ImageStatistics.h"
 
 #include <QSharedPointer>
 
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -18,13 +20,19 @@ struct ShownImage {
     using MImage = morvend::imglib::MImage;
 
     bool loaded() const { return !image.empty(); }
+    /// The image with its pixels, which are unpacked where they were dropped. What they tell, its
+    /// header, type and size, is in `image` in any case.
+    const MImage& whole();
+    /// Drops pixels that are packed.
+    void dropPixels();
 
-    MImage image;  ///< its header holds the user's edits
+    MImage image;  ///< its header holds the user's edits; its pixels may be dropped
     MImage mask;
     MImage thumbnail;
     MImage thumbnailMask;
     QSharedPointer<ImageStatistics> statistics;
     std::string path;  ///< empty without file
     int index = -1;
+    std::shared_ptr<const morvend::codec::PackedPixels> packed;  ///< null where they aren't
     std::optional<ImagePeaks> peaks{};  ///< searched for when first requested
 };

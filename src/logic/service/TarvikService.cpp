@@ -31,7 +31,20 @@ PeakData TarvikService::peakData() const { return _d->records.peaks(); }
 
 // The image.
 
-const MImage& TarvikService::image() const { return _d->shown.image; }
+const MImage& TarvikService::image() const
+{
+    _d->packer.looked();
+    return _d->shown.whole();
+}
+
+void TarvikService::setPixelsPacked(bool packed)
+{
+    _d->packsPixels = packed;
+    _d->updatePacking();
+}
+
+bool TarvikService::pixelsAtHand() const { return std::as_const(_d->shown.image).cdata() != nullptr; }
+
 const MImage& TarvikService::thumbnail() const { return _d->shown.thumbnail; }
 const MImage& TarvikService::mask() const { return _d->shown.mask; }
 const MImage& TarvikService::thumbnailMask() const { return _d->shown.thumbnailMask; }
@@ -39,7 +52,7 @@ bool TarvikService::imageLoaded() const { return _d->shown.loaded(); }
 
 QSize TarvikService::imageSize() const
 {
-    return imageLoaded() ? QSize(image().width(), image().height()) : QSize(-1, -1);
+    return imageLoaded() ? QSize(_d->shown.image.width(), _d->shown.image.height()) : QSize(-1, -1);
 }
 
 int TarvikService::imageIndex() const { return _d->shown.index; }
@@ -82,7 +95,10 @@ ImagePeaks TarvikService::imagePeaks()
     return *peaks;
 }
 
-const TarvikService::Header& TarvikService::optionalData() const { return image().optionalData(); }
+const TarvikService::Header& TarvikService::optionalData() const
+{
+    return std::as_const(_d->shown.image).optionalData();
+}
 const TarvikService::Header& TarvikService::globalHeader() const { return _d->headerEdits.edits(); }
 
 // How it is shown.
@@ -187,7 +203,7 @@ void TarvikService::recommendResolutionRadius(int n, double& centreX, double& ce
                                               std::vector<QString>& labels) const
 {
     geometry::RingAdvice advice =
-        geometry::adviseRings(optionalData(), image().width(), image().height(), n);
+        geometry::adviseRings(optionalData(), _d->shown.image.width(), _d->shown.image.height(), n);
     radii = std::move(advice.radii);
     labels = std::move(advice.labels);
     if (resolutionDefined())

@@ -62,6 +62,13 @@ public:
     const MImage& thumbnail() const;
     const MImage& mask() const;
     const MImage& thumbnailMask() const;
+    /// For a view at whose pixels nobody looks for long, such as one of many small ones: from now
+    /// on they are packed whenever nobody else has them, unless the view is in a mode. Any look at
+    /// image() brings them back for a while, at the price of about a millisecond a megapixel; asked
+    /// for again, they are packed again at once.
+    void setPixelsPacked(bool packed);
+    /// Is there an image whose pixels are not packed?
+    bool pixelsAtHand() const;
     bool imageLoaded() const;
     /// Width and height, -1 and -1 without image.
     QSize imageSize() const;

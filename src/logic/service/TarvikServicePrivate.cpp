@@ -17,6 +17,7 @@ TarvikService::TarvikServicePrivate::TarvikServicePrivate(TarvikService& service
     connect(&records, &Records::newPeakSignal, &service, &S::newPeakSignal);
     const ViewRegion* region = &records.region();
     connect(region, &ViewRegion::newStatisticsSignal, &service, &S::newStatisticsSignal);
+    connect(region, &ViewRegion::newStatisticsSignal, &service, [this] { packer.looked(); });
     connect(region, &ViewRegion::regionComputedSignal, &service, &S::regionComputedSignal);
     connect(region, &ViewRegion::headerChangedSignal, &service, &S::headerChangedSignal);
 
@@ -58,8 +59,16 @@ void TarvikService::TarvikServicePrivate::unwatch()
     opening.watch(false);
 }
 
+void TarvikService::TarvikServicePrivate::updatePacking()
+{
+    const bool packs = packsPixels && !modes.any();
+    opening.setPacking(packs);
+    packer.setOn(packs);
+}
+
 void TarvikService::TarvikServicePrivate::modeChanged(Mode mode, bool on)
 {
+    updatePacking();
     switch (mode) {
     case Mode::Movie:
         emit _service.movieModeSignal(on);

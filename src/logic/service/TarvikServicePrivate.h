@@ -9,6 +9,7 @@
 #include "logic/service/AutoModes.h"
 #include "logic/service/HeaderEdits.h"
 #include "logic/service/Opening.h"
+#include "logic/service/PixelPacker.h"
 #include "logic/service/Records.h"
 #include "logic/service/ShownImage.h"
 #include "logic/service/TarvikService.h"
@@ -40,7 +41,12 @@ public:
     void modeChanged(Mode mode, bool on) override;
     void monitorHostChanged(const QString& host, int port, double minPause) override;
 
+    /// Has pixels packed where the view wants that and is in no mode.
+    void updatePacking();
+
     ShownImage shown;
+    bool packsPixels = false;
+    PixelPacker packer{shown};
     HeaderEdits headerEdits;
     Records records;
     Opening opening{shown, records};

@@ -60,7 +60,7 @@ const RoiStatistics& ViewRegion::awaitNumbers()
 void ViewRegion::_compute()
 {
     _askedFor = value();
-    _worker.request(_shown.image, _shown.mask, _askedFor);
+    _worker.request(_shown.whole(), _shown.mask, _askedFor);
 }
 
 void ViewRegion::_announceNumbers()

@@ -6,12 +6,52 @@
 
 #include "imagelib/image/MException.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <utility>
+#include <vector>
 
 namespace morvend::imglib {
 
 using Kind = ReaderRequest::Kind;
+
+/// The files that have readers, the one that was asked longest ago first.
+class RemoteFile::Running {
+public:
+    static Running& instance()
+    {
+        static Running& running = *new Running;  // threads that were left behind outlive statics
+        return running;
+    }
+
+    /// A file is about to ask its reader; its mutex is held.
+    void asks(const RemoteFile& file)
+    {
+        std::vector<std::unique_ptr<ReaderProcess>> surplus;  // ends after the lock
+        const std::lock_guard lock(_mutex);
+        std::erase(_files, &file);
+        _files.push_back(&file);
+        for (auto each = _files.begin(); _files.size() > mostReaders && *each != &file;) {
+            const std::unique_lock idle((*each)->_mutex, std::try_to_lock);
+            if (!idle) {
+                ++each;
+                continue;
+            }
+            (*each)->_parked = (*each)->_process != nullptr;
+            surplus.push_back(std::move((*each)->_process));
+            each = _files.erase(each);
+        }
+    }
+    void forget(const RemoteFile& file)
+    {
+        const std::lock_guard lock(_mutex);
+        std::erase(_files, &file);
+    }
+
+private:
+    std::mutex _mutex;
+    std::vector<const RemoteFile*> _files;
+};
 
 RemoteFile::RemoteFile(std::string path, std::string format, ReaderProcess::Options options,
                        std::string dataset)
@@ -20,13 +60,19 @@ RemoteFile::RemoteFile(std::string path, std::string format, ReaderProcess::Opti
     , _dataset(std::move(dataset))
     , _options(std::move(options))
 {
-    _start();
+    try {
+        _start();
+    } catch (...) {
+        Running::instance().forget(*this);
+        throw;
+    }
 }
 
-RemoteFile::~RemoteFile() = default;
+RemoteFile::~RemoteFile() { Running::instance().forget(*this); }
 
 MImage RemoteFile::frame(std::size_t position) const
 {
+    const std::lock_guard lock(_mutex);
     MImage image;
     const std::string number = std::to_string(position + _state.firstNumber);
     const ReaderAnswer answer =
@@ -37,6 +83,7 @@ MImage RemoteFile::frame(std::size_t position) const
 
 std::string RemoteFile::framePath(std::size_t position) const
 {
+    const std::lock_guard lock(_mutex);
     // The answer to a frame brings its path along.
     if (_state.framePath.empty() || _framePosition != position)
         _ask({Kind::Path, {}, position}, "looking for the file of an image");
@@ -45,8 +92,9 @@ std::string RemoteFile::framePath(std::size_t position) const
 
 void RemoteFile::update()
 {
+    const std::lock_guard lock(_mutex);
     // Looks are frequent and unasked: a file that kills each reader would kill as many.
-    if (!_process)
+    if (!_process && !_parked)
         return;
     try {
         _ask({Kind::Update, {}, 0}, "looking for new images");
@@ -60,13 +108,19 @@ void RemoteFile::update()
     }
 }
 
-pid_t RemoteFile::pid() const { return _process && _process->alive() ? _process->pid() : -1; }
+pid_t RemoteFile::pid() const
+{
+    const std::lock_guard lock(_mutex);
+    return _process && _process->alive() ? _process->pid() : -1;
+}
 
 void RemoteFile::_start() const
 {
     MImage none;
     _header = {};
     _process.reset();
+    _parked = false;
+    Running::instance().asks(*this);
     try {
         _process = std::make_unique<ReaderProcess>(_options);
     } catch (const MException& error) {
@@ -105,6 +159,8 @@ ReaderAnswer RemoteFile::_ask(const ReaderRequest& request, const std::string& d
     // It is no failure if a reader died while idle.
     if (!_process || !_process->alive())
         _start();
+    else
+        Running::instance().asks(*this);
     MImage none;
     const ReaderAnswer answer = _exchange(request, doing, image ? *image : none);
     const std::string format = std::exchange(_state.format, {});

@@ -8,6 +8,8 @@
 #include "imagelib/io/process/HeaderChange.h"
 #include "imagelib/io/process/ReaderProcess.h"
 
+#include <mutex>
+
 namespace morvend::imglib {
 
 /// Asks a reader process for everything. When the reader dies or does not answer in time, that
@@ -15,9 +17,15 @@ namespace morvend::imglib {
 /// file again. No request is tried twice, so that a file which kills each reader only fails; and a
 /// look for new images starts no reader after a failure; the next request for an image does.
 ///
+/// No more than mostReaders run in a process for long: the one that was asked longest ago ends when
+/// another one starts, and starts again when its file is asked for something.
+///
 /// Images lie in memory that is shared with the reader, read-only; they outlive it.
 class RemoteFile : public ImageFile {
 public:
+    /// Only readers that are at work at this moment may be more.
+    static constexpr std::size_t mostReaders = 16;
+
     /// Opens a file.
     /// @param format  its format, for messages
     /// @param dataset  the data set; empty for the default
@@ -43,6 +51,8 @@ public:
     pid_t pid() const;
 
 private:
+    class Running;
+
     /// @param doing  the running request, as in "reading image 12"
     ReaderAnswer _ask(const ReaderRequest& request, const std::string& doing,
                       MImage* image = nullptr) const;
@@ -54,11 +64,14 @@ private:
     std::string _format;
     std::string _dataset;
     ReaderProcess::Options _options;
+    // Over all below: another file may end the reader between two requests.
+    mutable std::mutex _mutex;
     // A request may need a new reader: so the state changes behind a const interface.
     mutable std::unique_ptr<ReaderProcess> _process;
     mutable HeaderChange _header;
     mutable ReaderAnswer _state;
     mutable std::size_t _framePosition = 0;  // of _state.framePath
+    mutable bool _parked = false;            // its reader made room for another one
     bool _lookFailed = false;                // and was reported
 };
 

@@ -11,7 +11,10 @@
 
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <future>
+#include <memory>
+#include <vector>
 
 namespace tarvik::tests {
 
@@ -102,6 +105,28 @@ void expectKeepsItsClass()
 }
 
 }  // namespace
+
+TEST(RemoteFile, FewReadersServeManyFiles)
+{
+    std::vector<std::unique_ptr<RemoteFile>> files;
+    const auto readers = [&] {
+        return std::ranges::count_if(files, [](const auto& file) { return file->pid() >= 0; });
+    };
+    for (std::size_t i = 0; i < RemoteFile::mostReaders + 4; ++i) {
+        files.push_back(std::make_unique<RemoteFile>("/data/strange", "STRANGE", strangeReader()));
+        EXPECT_LE(readers(), long(RemoteFile::mostReaders));
+    }
+    EXPECT_LT(files.front()->pid(), 0) << "the one that was asked longest ago";
+    const MImage image = files[4]->frame(Good);
+    for (const auto& file : files)
+        expectGood(file->frame(Good), Good);
+    expectGood(image, Good);
+    EXPECT_EQ(readers(), long(RemoteFile::mostReaders));
+    EXPECT_LT(files.front()->pid(), 0);
+    files.front()->update();
+    EXPECT_GE(files.front()->pid(), 0) << "a series that is watched is looked at all the same";
+    EXPECT_EQ(readers(), long(RemoteFile::mostReaders));
+}
 
 TEST(RemoteFile, ShowsTheFileOfTheReader)
 {

@@ -24,6 +24,9 @@ using Key = PreloaderCache::Key;
 
 namespace {
 
+/// Files that are opened at shorter intervals are opened together.
+constexpr std::chrono::milliseconds calm{300};
+
 void warn(const std::string& place, const std::exception& error)
 {
     console::warn("Preloader: Error opening " + place + "\n          " + error.what() + '\n');
@@ -126,9 +129,13 @@ Preloader::~Preloader()
     _thread.join();
 }
 
-void Preloader::run(const Key& key)
+void Preloader::run(const Key& key, bool opened)
 {
     const std::lock_guard lock(_mutex);
+    const auto now = std::chrono::steady_clock::now();
+    _notBefore = opened && now - _lastOpened < calm ? now + calm : now;
+    if (opened)
+        _lastOpened = now;
     if (key != _wanted)
         _wish(key);
 }
@@ -136,8 +143,10 @@ void Preloader::run(const Key& key)
 void Preloader::forget(const std::string& path)
 {
     const std::lock_guard lock(_mutex);
-    if (path == std::get<0>(_wanted))
+    if (path == std::get<0>(_wanted)) {
+        _notBefore = {};
         _wish({});
+    }
 }
 
 void Preloader::_wish(const Key& key)
@@ -160,6 +169,8 @@ bool Preloader::_nextRequest(Key& key, bool& back)
     _idle = true;
     _condition.notify_all();
     _condition.wait(lock, [this] { return _stop || _request; });
+    while (!_stop && std::chrono::steady_clock::now() < _notBefore)
+        _condition.wait_until(lock, std::chrono::steady_clock::time_point(_notBefore));
     _idle = false;
     key = _wanted;
     back = _back;

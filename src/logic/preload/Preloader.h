@@ -7,6 +7,7 @@
 #include "logic/preload/PreloaderCache.h"
 
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <mutex>
 #include <thread>
@@ -30,7 +31,9 @@ public:
 
     /// Reads ahead from the image after this one. Nothing happens if this is the wanted one
     /// already, unless its series could not be opened.
-    void run(const PreloaderCache::Key& key);
+    /// @param opened  it has just been opened: when hundreds are, one soon after the other, only the
+    /// last one is read ahead
+    void run(const PreloaderCache::Key& key, bool opened = false);
     /// No view shows this series now: if it is the wanted one, its images are dropped and their
     /// memory is given back.
     void forget(const std::string& path);
@@ -59,6 +62,8 @@ private:
     PreloaderCache& _cache;
     const std::uint64_t _mostBytes;
     PreloaderCache::Key _wanted;
+    std::chrono::steady_clock::time_point _lastOpened;
+    std::chrono::steady_clock::time_point _notBefore;
     bool _back = false;  // it is before the previously wanted one
     std::atomic<bool> _stop = false;
     std::atomic<bool> _request = false;

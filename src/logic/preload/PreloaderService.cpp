@@ -57,7 +57,7 @@ void PreloaderService::_serve(Peer peer)
         console::print("Preloader: GET, " + place);
         _answer(peer, key);
     }
-    _preloader.run(key);
+    _preloader.run(key, method == preloader::PUT);
 }
 
 void PreloaderService::_answer(Peer peer, const PreloaderCache::Key& key)

@@ -133,7 +133,7 @@ SubWindow* MainWindow::_makeSubWindow()
     TarvikService* service = _core.newService(key);
     auto* window = new SubWindow(
         {[this](const QStringList& files, SubWindow* first) { openFiles(files, first); },
-         [this](const QString& file) { setOpenDirectory(file); }},
+         [](const QString& file) { OpenDirectory::setSoon(file); }},
         service, _useGlsl);
     _subFrames.insert({window, service});
     connect(window, &QObject::destroyed, this, &MainWindow::_handleCloseEvent);

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "gui/window/OpenDirectory.h"
 
+#include "logic/loading/Strand.h"
+
 #include <QDir>
 #include <QFileInfo>
 #include <QSettings>
@@ -36,4 +38,10 @@ void OpenDirectory::set(const QString& path)
         folder = existingFolder(path.section(QStringLiteral("::/"), 0, 0));
     if (!folder.isEmpty())
         QSettings().setValue(key, folder);
+}
+
+void OpenDirectory::setSoon(const QString& path)
+{
+    static const auto& strand = *new std::shared_ptr(Strand::create(WorkerPool::process()));
+    strand->post([path] { set(path); });
 }

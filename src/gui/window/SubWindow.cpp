@@ -3,8 +3,7 @@
 #include "gui/window/SubWindow.h"
 
 #include "gui/kit/ErrorDialog.h"
-#include "gui/kit/NoticeLine.h"
-#include "gui/kit/QuietLine.h"
+#include "gui/kit/TextLine.h"
 #include "gui/render/ImageDrawerMain.h"
 #include "gui/window/DroppedFiles.h"
 #include "gui/window/SubWindowTitleBar.h"
@@ -31,8 +30,10 @@ SubWindow::SubWindow(Slots receivers, TarvikService* service, bool useGlsl)
             &SubWindow::_loadPreviousFileSlot);
     connect(service, &TarvikService::newImageSignal, this, &SubWindow::_newImageSlot);
     connect(service, &TarvikService::imageLoadErrorSignal, this, &SubWindow::_errorSlot);
-    connect(service, &TarvikService::waitingSignal, new QuietLine(_imageDrawer), &QuietLine::say);
-    connect(service, &TarvikService::noticeSignal, new NoticeLine(_imageDrawer), &NoticeLine::say);
+    connect(service, &TarvikService::waitingSignal, new TextLine(_imageDrawer, Qt::BottomEdge),
+            &TextLine::say);
+    connect(service, &TarvikService::noticeSignal,
+            new TextLine(_imageDrawer, Qt::TopEdge, TextLine::noticeTime), &TextLine::say);
     connect(this, &AbstractSubWindow::windowStateChanged, this, &SubWindow::_activate);
 }
 
@@ -197,6 +198,8 @@ void SubWindow::_newImageSlot()
 void SubWindow::_errorSlot(const QString& message)
 {
     _noteFolder();
+    if (!_service->imageLoaded() && !_titleFixed)
+        setWindowTitle({});  // it was the name of the file
     // Comes first, as the message waits for a click.
     if (_closesOnError)
         close();
@@ -207,6 +210,7 @@ void SubWindow::_activate(Qt::WindowStates oldState, Qt::WindowStates newState)
 {
     Q_UNUSED(oldState)
     _windowState = newState;
+    _imageDrawer->setInUse(newState.testFlag(Qt::WindowActive));
     if (_windowState.testFlag(Qt::WindowActive))
         _setActions();
 }

@@ -2,19 +2,19 @@
 // SPDX-License-Identifier: MIT
 //
 // The sentence over a view.
-#include "gui/kit/NoticeLine.h"
+#include "gui/kit/TextLine.h"
 #include "tests/support/WaitFor.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-TEST(NoticeLine, LiesOverTheUpperEdgeForAWhileAndInNobodysWay)
+TEST(TextLine, LiesOverTheUpperEdgeForAWhileAndInNobodysWay)
 {
     QWidget view;
     view.resize(300, 200);
     view.show();
-    NoticeLine line(&view, std::chrono::hours(1));
+    TextLine line(&view, Qt::TopEdge, std::chrono::hours(1));
     EXPECT_FALSE(line.isVisible());
     line.say("Left out: image 3 is missing");
     EXPECT_TRUE(line.isVisible());
@@ -30,11 +30,11 @@ TEST(NoticeLine, LiesOverTheUpperEdgeForAWhileAndInNobodysWay)
     }
 }
 
-TEST(NoticeLine, GoesByItself)
+TEST(TextLine, GoesByItself)
 {
     QWidget view;
     view.show();
-    NoticeLine line(&view, std::chrono::milliseconds(1));
+    TextLine line(&view, Qt::TopEdge, std::chrono::milliseconds(1));
     line.say("once");
     EXPECT_TRUE(waitFor([&] { return !line.isVisible(); }));
     line.say("again");

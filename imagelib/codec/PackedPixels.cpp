@@ -51,4 +51,13 @@ imglib::MImage PackedPixels::unpacked() const
     return image;
 }
 
+imglib::MImage PackedPixels::outline(const imglib::MImage& image)
+{
+    const auto& pixels = image.imageData();
+    imglib::MImage outline(image.width(), image.height(),
+                           {nullptr, pixels.type(), pixels.typeBits(), pixels.size()});
+    outline.setOptionalData(image.optionalData());
+    return outline;
+}
+
 }  // namespace morvend::codec

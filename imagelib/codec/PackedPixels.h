@@ -26,6 +26,9 @@ public:
     /// @throws MRuntimeException when memory is short
     imglib::MImage unpacked() const;
 
+    /// Header, type and size of an image whose pixels are packed: cdata() is null.
+    static imglib::MImage outline(const imglib::MImage& image);
+
     PackedPixels(const imglib::MImage& image, std::vector<std::byte> stored);
 
 private:

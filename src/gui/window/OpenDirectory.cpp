@@ -2,11 +2,14 @@
 // SPDX-License-Identifier: MIT
 #include "gui/window/OpenDirectory.h"
 
-#include "logic/loading/Strand.h"
+#include "logic/loading/WorkerPool.h"
 
 #include <QDir>
 #include <QFileInfo>
 #include <QSettings>
+
+#include <atomic>
+#include <mutex>
 
 namespace {
 
@@ -21,6 +24,19 @@ QString existingFolder(const QString& path)
     return info.isDir() ? QDir(path).absolutePath() : info.absolutePath();
 }
 
+QString folderOf(const QString& path)
+{
+    const QString folder = existingFolder(path);
+    // Perhaps a data set in a file.
+    return folder.isEmpty() ? existingFolder(path.section(QStringLiteral("::/"), 0, 0)) : folder;
+}
+
+void store(const QString& folder)
+{
+    if (!folder.isEmpty())
+        QSettings().setValue(key, folder);
+}
+
 }  // namespace
 
 QString OpenDirectory::get()
@@ -31,17 +47,20 @@ QString OpenDirectory::get()
     return folder.isEmpty() ? QDir::currentPath() : folder;
 }
 
-void OpenDirectory::set(const QString& path)
-{
-    QString folder = existingFolder(path);
-    if (folder.isEmpty())  // perhaps a data set in a file
-        folder = existingFolder(path.section(QStringLiteral("::/"), 0, 0));
-    if (!folder.isEmpty())
-        QSettings().setValue(key, folder);
-}
+void OpenDirectory::set(const QString& path) { store(folderOf(path)); }
 
 void OpenDirectory::setSoon(const QString& path)
 {
-    static const auto& strand = *new std::shared_ptr(Strand::create(WorkerPool::process()));
-    strand->post([path] { set(path); });
+    static std::atomic<unsigned int> last{0};
+    WorkerPool::process().post([path, number = ++last] {
+        const QString folder = folderOf(path);
+        // One that was slow to answer must not take the place of a newer one.
+        static std::mutex& mutex = *new std::mutex;
+        static unsigned int stored = 0;
+        const std::lock_guard lock(mutex);
+        if (number < stored || folder.isEmpty())
+            return;
+        stored = number;
+        store(folder);
+    });
 }

@@ -13,7 +13,7 @@ namespace OpenDirectory {
 QString get();
 /// Remembers a folder, or the folder of a file. A path that doesn't exist is ignored.
 void set(const QString& path);
-/// The same on a worker, for a file system that may not answer. Calls keep their order.
+/// The same on a worker, for a file system that may not answer. The last call counts.
 void setSoon(const QString& path);
 
 }  // namespace OpenDirectory

@@ -8,7 +8,6 @@
 #include "imagelib/image/MException.h"
 #include "logic/analysis/roi/RoiComputer.h"
 #include "logic/analysis/statistics/ComputeStatistics.h"
-#include "logic/loading/Outline.h"
 #include "logic/loading/Thumbnail.h"
 #include "logic/support/Assert.h"
 #include "logic/support/Console.h"
@@ -300,7 +299,7 @@ void ImageLoaderThread::_analyse()
         _data.packed = morvend::codec::PackedPixels::of(_data.image);
     // Hundreds of images may wait for a view that is slower than the workers.
     if (_data.packed)
-        _data.image = outlineOf(_data.image);
+        _data.image = morvend::codec::PackedPixels::outline(_data.image);
 }
 
 void ImageLoaderThread::_deliver()

@@ -133,11 +133,16 @@ void Preloader::run(const Key& key, bool opened)
 {
     const std::lock_guard lock(_mutex);
     const auto now = std::chrono::steady_clock::now();
-    _notBefore = opened && now - _lastOpened < calm ? now + calm : now;
+    const bool together =
+        opened && std::get<0>(key) != std::get<0>(_wanted) && now - _lastOpened < calm;
     if (opened)
         _lastOpened = now;
-    if (key != _wanted)
-        _wish(key);
+    else
+        _notBefore = {};
+    if (key == _wanted)
+        return _condition.notify_all();
+    _notBefore = together ? now + calm : now;
+    _wish(key);
 }
 
 void Preloader::forget(const std::string& path)

@@ -12,7 +12,7 @@ void Arrival::show(const LoaderData& load)
 {
     const std::string oldId = _records.syncId();
     _shown = {load.image,      load.mask, load.thumbnail, load.thumbnailMask,
-              load.statistics, load.path, load.index, load.packed};
+              load.statistics, load.path, load.index,     load.packed};
     const bool sameGroup = oldId == _records.syncId();
     _edits.newImage(_shown.image, _shown.index, sameGroup);
     _records.region().takeNumbers(load);

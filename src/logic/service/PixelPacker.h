@@ -9,8 +9,8 @@
 
 #include <QTimer>
 
-/// As long as it is on, has the pixels of the image packed by a worker where they came unpacked, and
-/// drops them a while after each look. Thread: GUI only.
+/// As long as it is on, has the pixels of the image packed by a worker where they came unpacked,
+/// and drops them a while after each look. Thread: GUI only.
 class PixelPacker {
 public:
     /// @param shown  outlives this object

@@ -2,8 +2,6 @@
 // SPDX-License-Identifier: MIT
 #include "logic/service/ShownImage.h"
 
-#include "logic/loading/Outline.h"
-
 #include <utility>
 
 const ShownImage::MImage& ShownImage::whole()
@@ -19,5 +17,5 @@ const ShownImage::MImage& ShownImage::whole()
 void ShownImage::dropPixels()
 {
     if (packed)
-        image = outlineOf(image);
+        image = morvend::codec::PackedPixels::outline(image);
 }

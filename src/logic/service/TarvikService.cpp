@@ -43,7 +43,10 @@ void TarvikService::setPixelsPacked(bool packed)
     _d->updatePacking();
 }
 
-bool TarvikService::pixelsAtHand() const { return std::as_const(_d->shown.image).cdata() != nullptr; }
+bool TarvikService::pixelsAtHand() const
+{
+    return std::as_const(_d->shown.image).cdata() != nullptr;
+}
 
 const MImage& TarvikService::thumbnail() const { return _d->shown.thumbnail; }
 const MImage& TarvikService::mask() const { return _d->shown.mask; }

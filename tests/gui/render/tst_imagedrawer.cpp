@@ -159,6 +159,14 @@ TEST_F(ImageDrawerTest, TheCursorIsToldInImagePixelsUntilItLeaves)
     mouse::hover(drawer(), {20, 30});
     ASSERT_GE(cursor.count(), 1);
     EXPECT_EQ(last(), QPointF(350 + 20, 300 + 30));
+    mouse::enter(drawer(), {20, 30});
+    drawer().resize(400, 300);
+    EXPECT_EQ(last(), QPointF(300 + 20, 250 + 30)) << "it stands still over another pixel";
+    drawer().zoom(1);
+    EXPECT_EQ(last(), QPointF(drawer().imgX(20), drawer().imgY(30)));
+    drawer().zoom(-1);
+    drawer().resize(300, 200);
+    settle();
     _view.hideCursor();
     EXPECT_EQ(last(), QPointF(-1, -1));
 }

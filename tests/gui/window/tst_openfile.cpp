@@ -4,6 +4,7 @@
 // Which files the open dialog shows, and where it looks for them.
 #include "gui/window/OpenDirectory.h"
 #include "gui/window/OpenFileDialog.h"
+#include "logic/loading/WorkerPool.h"
 #include "tests/support/TempFolder.h"
 #include "tests/support/WaitFor.h"
 
@@ -48,6 +49,13 @@ TEST(OpenDirectoryTest, IsTheRememberedFolderAsLongAsItExists)
     EXPECT_EQ(OpenDirectory::get(), path);
     OpenDirectory::set(path + "/missing/x.cbf");
     EXPECT_EQ(OpenDirectory::get(), path) << "what does not exist is ignored";
+    for (const QString& soon : {QDir::rootPath(), file + "::/entry/data", QDir::rootPath(), path})
+        OpenDirectory::setSoon(soon);
+    EXPECT_TRUE(waitFor([] {
+        const auto pool = WorkerPool::process().usage();
+        return pool.busy + pool.queued == 0;
+    }));
+    EXPECT_EQ(OpenDirectory::get(), path) << "the last one counts";
 
     QSettings().setValue("ImageDirectory", file);
     EXPECT_EQ(OpenDirectory::get(), path) << "a path that turned into a file gives its folder";

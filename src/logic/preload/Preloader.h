@@ -31,8 +31,8 @@ public:
 
     /// Reads ahead from the image after this one. Nothing happens if this is the wanted one
     /// already, unless its series could not be opened.
-    /// @param opened  it has just been opened: when hundreds are, one soon after the other, only the
-    /// last one is read ahead
+    /// @param opened  it has just been opened: when hundreds are, one soon after the other, only
+    /// the last one is read ahead
     void run(const PreloaderCache::Key& key, bool opened = false);
     /// No view shows this series now: if it is the wanted one, its images are dropped and their
     /// memory is given back.

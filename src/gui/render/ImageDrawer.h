@@ -35,8 +35,8 @@ class SceneRenderer;
 /// Shows one image of a service, coloured on the graphics card, and converts between widget and
 /// image coordinates. A contrast change sets some numbers in a shader and never walks the image.
 /// Without shaders the processor colours the visible part. The surface is a QOpenGLWidget that
-/// fills the view; if OpenGL can't be used, or so many views have one already, there is none and the
-/// view paints like any widget, by the rule of the shaders if they would be used.
+/// fills the view; if OpenGL can't be used, or so many views have one already, there is none and
+/// the view paints like any widget, by the rule of the shaders if they would be used.
 ///
 /// A view without surface keeps no pixels but those on the screen, and lets the service pack the
 /// image between looks, unless it is in use.

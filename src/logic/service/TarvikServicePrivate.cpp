@@ -7,9 +7,9 @@
 TarvikService::TarvikServicePrivate::TarvikServicePrivate(TarvikService& service,
                                                           RecordGroups& groups,
                                                           std::shared_ptr<HalvoService> detector)
-    : records(groups, shown, headerEdits)
+    : _service(service)
+    , records(groups, shown, headerEdits)
     , halvoClient(std::make_unique<HalvoClient>(std::move(detector)))
-    , _service(service)
 {
     using S = TarvikService;
     connect(&records, &Records::newContrastSignal, &service, &S::newContrastSignal);

@@ -21,6 +21,10 @@
 
 /// Holds the parts, connects their signals to those of the service, and lets the modes drive it.
 class TarvikService::TarvikServicePrivate final : public ViewDriver {
+    // First: the modes call unwatch() when they are destroyed.
+    TarvikService& _service;
+    std::array<QMetaObject::Connection, 2> _watching;
+
 public:
     TarvikServicePrivate(TarvikService& service, RecordGroups& groups,
                          std::shared_ptr<HalvoService> detector);
@@ -59,8 +63,4 @@ public:
     bool highlightSaturated = true;
     std::list<const MColorTable*> colorTables;
     MDrawingList paintList;
-
-private:
-    TarvikService& _service;
-    std::array<QMetaObject::Connection, 2> _watching;
 };

@@ -82,7 +82,7 @@ bool ViewRegion::_activeCentredCircle() const
 bool ViewRegion::_isAtBeamCentre() const
 {
     // Headers hold single precision: values count as equal if they become equal there.
-    const geometry::Header& header = _shown.image.optionalData();
+    const geometry::Header& header = std::as_const(_shown.image).optionalData();
     return geometry::beamCentreDefined(header) &&
            *header.beam_center_x() == static_cast<float>(value().powderX) &&
            *header.beam_center_y() == static_cast<float>(value().powderY);
@@ -99,7 +99,7 @@ void ViewRegion::_moveBeamCentre()
 
 void ViewRegion::followBeamCentre()
 {
-    const geometry::Header& header = _shown.image.optionalData();
+    const geometry::Header& header = std::as_const(_shown.image).optionalData();
     if (!_activeCentredCircle() || !geometry::beamCentreDefined(header) || _isAtBeamCentre())
         return;
     StatisticsData region = value();

@@ -60,6 +60,7 @@ RemoteFile::RemoteFile(std::string path, std::string format, ReaderProcess::Opti
     , _dataset(std::move(dataset))
     , _options(std::move(options))
 {
+    const std::lock_guard lock(_mutex);  // other files may look for readers to end meanwhile
     try {
         _start();
     } catch (...) {

@@ -28,6 +28,7 @@ enum StrangeImage {
 
 inline const std::string FatalPath = "/data/fatal";
 inline const std::string FatalUpdatePath = "/data/fatal_update";
+inline const std::string HangingPath = "/data/hanging";
 inline const std::string MissingPath = "/data/missing";
 
 /// Large enough to cross in shared memory, but for the small one; each position has other pixels.

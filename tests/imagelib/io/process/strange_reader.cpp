@@ -75,6 +75,8 @@ std::unique_ptr<ImageFile> open(const std::string& path, const std::string& /*da
 {
     if (path == FatalPath)
         std::raise(SIGBUS);
+    while (path == HangingPath)
+        ::pause();
     if (path == MissingPath)
         throw MNoFileAccessException("Cannot open file: No such file or directory: " + path);
     return std::make_unique<StrangeFile>(path == FatalUpdatePath);

@@ -128,6 +128,24 @@ TEST(RemoteFile, FewReadersServeManyFiles)
     EXPECT_EQ(readers(), long(RemoteFile::mostReaders));
 }
 
+TEST(RemoteFile, AnOpeningThatHangsKeepsItsReader)
+{
+    std::stop_source stop;
+    ReaderProcess::Options options = strangeReader();
+    options.stop = stop.get_token();
+    auto opening = std::async(std::launch::async, [&] {
+        return messageOf<MTerminateException>([&] { RemoteFile(HangingPath, "STRANGE", options); });
+    });
+    EXPECT_TRUE(waitFor([] { return children().size() == 1; }));
+    std::vector<std::unique_ptr<RemoteFile>> others;
+    for (std::size_t i = 0; i <= RemoteFile::mostReaders; ++i)
+        others.push_back(std::make_unique<RemoteFile>("/data/strange", "STRANGE", strangeReader()));
+    EXPECT_EQ(opening.wait_for(0s), std::future_status::timeout);
+    stop.request_stop();
+    EXPECT_EQ(opening.get(),
+              "STRANGE: the reader process was stopped while opening the file: " + HangingPath);
+}
+
 TEST(RemoteFile, ShowsTheFileOfTheReader)
 {
     RemoteFile file = openStrange();

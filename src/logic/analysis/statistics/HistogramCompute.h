@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// The counting pass of the cumulative histogram.
+// The bins of the cumulative histogram; integers of 8 to 32 bits come counted from ValueCounts.
 #pragma once
 
 #include "imagelib/image/MImage.h"

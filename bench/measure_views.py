@@ -24,20 +24,19 @@ def status(pid, field):
         return next(int(line.split()[1]) for line in lines if line.startswith(field + ":"))
 
 
-def descendants(pid):
-    children = {}
+def companions(pid):
+    """The processes that serve a viewer: its children, and those that were told its number."""
+    found = []
     for entry in os.listdir("/proc"):
-        if entry.isdigit():
-            try:
-                with open(f"/proc/{entry}/stat", encoding="ascii", errors="replace") as stat:
-                    parent = int(stat.read().rpartition(")")[2].split()[1])
-                children.setdefault(parent, []).append(int(entry))
-            except OSError:
-                pass
-    found, todo = [], [pid]
-    while todo:
-        todo.extend(children.get(todo.pop(), []))
-        found = sorted(set(found) | set(todo))
+        try:
+            with open(f"/proc/{entry}/stat", encoding="ascii", errors="replace") as stat:
+                parent = int(stat.read().rpartition(")")[2].split()[1])
+            with open(f"/proc/{entry}/cmdline", "rb") as line:
+                words = line.read().split(b"\0")
+        except (OSError, IndexError):
+            continue
+        if parent == pid or (b"--parent-pid" in words and str(pid).encode() in words):
+            found.append(int(entry))
     return found
 
 
@@ -72,7 +71,7 @@ def main():
     print(f"on show: {shown()} of {len(options.files)} after {time.monotonic() - begin:.1f} s")
     if not options.early:
         time.sleep(3)
-    children = descendants(viewer.pid)
+    children = companions(viewer.pid)
     print(f"memory: {max(most, status(viewer.pid, 'VmHWM')) / 1024:.0f} MiB at the most, "
           f"{status(viewer.pid, 'VmRSS') / 1024:.0f} MiB now; {status(viewer.pid, 'Threads')} threads, "
           f"{len(children)} processes besides")

@@ -192,9 +192,9 @@ void ImageDrawer::newImageSlot()
         setViewportSlot(viewport);
     else
         _service->setViewportData(defaultViewport());
+    emit newCursorCoordinates(imgX(), imgY());
     if (_samples() && !size().isEmpty())
         _sample(devicePixelRatioF());
-    emit newCursorCoordinates(imgX(), imgY());
     update();
 }
 

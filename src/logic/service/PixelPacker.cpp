@@ -16,11 +16,9 @@ PixelPacker::PixelPacker(ShownImage& shown)
 void PixelPacker::setOn(bool on)
 {
     _on = on;
-    // Not now: who calls may hold a reference to the image.
-    if (_on)
-        _timer.start(0);
-    else
-        _timer.stop();
+    if (!_on)
+        return _timer.stop();
+    _pack();
 }
 
 void PixelPacker::looked()

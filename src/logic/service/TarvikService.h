@@ -63,9 +63,9 @@ public:
     const MImage& mask() const;
     const MImage& thumbnailMask() const;
     /// For a view at whose pixels nobody looks for long, such as one of many small ones: from now
-    /// on they are packed whenever nobody else has them, unless the view is in a mode. Any look at
-    /// image() brings them back for a while, at the price of about a millisecond a megapixel; asked
-    /// for again, they are packed again at once.
+    /// on they are packed, unless the view is in a mode. A look at image() brings them back for a
+    /// second, at the price of about a millisecond a megapixel. Called again, it drops them at
+    /// once: not while a reference to image() is in use.
     void setPixelsPacked(bool packed);
     /// Is there an image whose pixels are not packed?
     bool pixelsAtHand() const;

@@ -25,7 +25,7 @@ def status(pid, field):
 
 
 def companions(pid):
-    """The processes that serve a viewer: its children, and those that were told its number."""
+    """The processes that serve a viewer: its children, and those given its number."""
     found = []
     for entry in os.listdir("/proc"):
         try:

@@ -16,8 +16,8 @@ fi
 plan=$(ninja -C $build -n "$@" 2>&1 | tail -n 1 || true)
 [ "$plan" != "ninja: no work to do." ] || exit 0
 steps=$(sed -n 's|^\[[0-9]*/\([0-9]*\)\].*|\1|p' <<<"$plan")
-# A step takes some four seconds of a processor.
-minutes=$(((${steps:-0} * 4 / $(nproc) + 59) / 60))
+# A step takes some three seconds of a processor.
+minutes=$(((${steps:-0} * 3 / $(nproc) + 59) / 60))
 expected=
 if [ "$minutes" -ge 2 ]; then
     expected="about $minutes minutes"

@@ -32,7 +32,7 @@ look() {
     [ -z "$(find "$file" "${file%.cpp}.h" .clang-tidy -cnewer "$stamp" 2>/dev/null)" ] && [ -e "$stamp" ] && return 0
     [ "$(date +%s)" -lt "$end" ] || { echo "$file" >>build/tidy/left; return 0; }
     own=$(basename "$file" .cpp)
-    "$tidy" -p build/ci --quiet --extra-arg=-Wno-unknown-warning-option \
+    "$tidy" -p build/tidy --quiet --extra-arg=-Wno-unknown-warning-option \
         --header-filter="/$own\.h$" "$file" 2>/dev/null || { echo "clang-tidy finds fault with $file" && return 1; }
     mkdir -p "$(dirname "$stamp")"
     touch "$stamp"
@@ -41,6 +41,8 @@ export -f look
 export tidy end=$(($(date +%s) + limit))
 mkdir -p build/tidy
 rm -f build/tidy/left
+# clang can't read what the compiler has precompiled.
+sed 's/ -Winvalid-pch -include [^ ]*cmake_pch.hxx//' build/ci/compile_commands.json >build/tidy/compile_commands.json
 printf '%s\0' "${files[@]}" | xargs -0 -r -n 1 -P "$(nproc)" bash -c 'look "$1"' look
 [ ! -e build/tidy/left ] ||
     echo "clang-tidy: $(wc -l <build/tidy/left) changed files are left for tools/check-tidy.sh --all, as time is up"

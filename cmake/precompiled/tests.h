@@ -1,0 +1,3 @@
+// What most tests include; precompiled.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>

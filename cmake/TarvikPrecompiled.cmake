@@ -14,7 +14,7 @@ function(tarvik_precompiled kind)
     target_link_libraries(tarvik_precompiled_${kind} PRIVATE ${ARGN} tarvik_options)
     target_compile_options(tarvik_precompiled_${kind} PRIVATE -fPIC)
     target_precompile_headers(tarvik_precompiled_${kind}
-        PRIVATE ${PROJECT_SOURCE_DIR}/cmake/precompiled/${kind}.h)
+        PRIVATE \"cmake/precompiled/${kind}.h\")
 endfunction()
 
 # tarvik_precompile(target kind): the target uses the headers of that kind.

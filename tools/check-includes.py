@@ -39,6 +39,7 @@ ROOMS = {
     "src/logic/geometry": "geometry",
     "src/logic/detector": "detector",
     "src/logic/headerfiles": "headerfiles",
+    "src/logic/output": "output",
     "src/logic/service": "service",
     "src/logic/core": "core",
     "src/gui/kit": "guikit",
@@ -79,7 +80,8 @@ ARROWS = {
     "geometry": ["image"],
     "detector": ["image", "support"],
     "headerfiles": ["image", "support"],
-    "service": ["loading", "peaks", "geometry", "detector", "headerfiles"],
+    "output": ["loading", "records"],
+    "service": ["loading", "output", "peaks", "geometry", "detector", "headerfiles"],
     "core": ["service"],
     "guikit": ["support", "display"],
     "viewgeometry": ["records"],
@@ -97,7 +99,7 @@ ARROWS = {
 # toolbox: any of its headers may be included from above. Rooms whose names begin with "hdf5" share
 # one page and one target, and are open to each other.
 DOORS = {
-    "display": "MDrawingList MColorTable MContrast MColorMap ColorMapper DisplayValue TransferLevels",
+    "display": "MDrawingList MColorTable MContrast MColorMap MRect ColorMapper DisplayValue TransferLevels",
     "ipc": "MMessageQueue MessageChannel SegmentPool MTimer",
     "cbf": "CbfReader CbfWriter",
     "tiff": "TiffReader TiffWriter",

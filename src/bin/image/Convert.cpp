@@ -7,10 +7,10 @@
 #include "bin/image/CrashGuard.h"
 #include "bin/image/Progress.h"
 #include "bin/image/SourceGuard.h"
-#include "bin/image/StagingFolder.h"
 #include "bin/image/StopSignals.h"
 #include "imagelib/io/MHdf5Writer.h"
 #include "imagelib/io/MImageWriter.h"
+#include "logic/output/StagingFolder.h"
 
 #include <algorithm>
 #include <utility>

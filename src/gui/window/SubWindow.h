@@ -6,6 +6,7 @@
 
 #include "gui/kit/AbstractSubWindow.h"
 #include "imagelib/display/MDrawingList.h"
+#include "imagelib/display/MRect.h"
 #include "imagelib/image/MImage.h"
 
 #include <QRectF>
@@ -30,6 +31,7 @@ class SubWindow : public AbstractSubWindow {
 public:
     using MDrawingList = morvend::imglib::MDrawingList<>;
     using MImage = morvend::imglib::MImage;
+    using MRect = morvend::imglib::MRect;
 
     /// Requests of the view to its window.
     struct Slots {
@@ -78,6 +80,14 @@ public slots:
     void setColorMode(QString colormode);
     void showResolutionRings();
     void hideResolutionRings();
+    /// Asks for a file, and writes a picture of the view or of its image to it.
+    void openExportDialog();
+    /// Writes the view with its overlays, beside a colour bar where the rectangle says. Waits until
+    /// all is written. @throws MNoFileAccessException "Cannot write to " and the name
+    void exportToFile(QString fileName, QString format, MRect colorLegendPos);
+    void exportToFile(QString fileName, QString format);
+    /// Asks for a file, and writes a copy of the image to it.
+    void openSaveAsDialog();
 
 signals:
     /// A new file was requested.

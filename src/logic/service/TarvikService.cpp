@@ -3,6 +3,8 @@
 #include "logic/service/TarvikService.h"
 
 #include "logic/geometry/RingAdvice.h"
+#include "logic/output/OutputFiles.h"
+#include "logic/output/Pictures.h"
 #include "logic/service/HeaderFiles.h"
 #include "logic/service/TarvikServicePrivate.h"
 #include "logic/support/Console.h"
@@ -129,6 +131,38 @@ const std::list<const TarvikService::MColorTable*>& TarvikService::colorTables()
 void TarvikService::setColorTables(const std::list<const MColorTable*>& colorTables)
 {
     _d->colorTables = colorTables;
+}
+
+// Pictures and files.
+
+ImageSnapshot TarvikService::snapshot() const
+{
+    return {imageLoaded() ? image() : MImage(), mask(), shownContrast(), highlightDefective(),
+            highlightSaturated()};
+}
+
+ContrastData TarvikService::shownContrast() const
+{
+    ContrastData contrast = contrastData();
+    if (!contrast.colorTable)
+        contrast.colorTable = defaultColorTable();
+    return contrast;
+}
+
+QImage TarvikService::colorLegend(int width, int height) const
+{
+    return pictures::colorLegend(shownContrast(), width, height);
+}
+
+void TarvikService::exportImage(const QString& fileName, const QString& format,
+                                const morvend::imglib::MRect& legend) const
+{
+    output::exportImage(snapshot(), fileName, format, legend);
+}
+
+void TarvikService::saveAs(const QString& fileName, const QString& extension) const
+{
+    output::saveAs(snapshot().image, fileName, extension);
 }
 
 // Modes and the detector.

@@ -5,9 +5,11 @@
 #pragma once
 
 #include "imagelib/display/MDrawingList.h"
+#include "imagelib/display/MRect.h"
 #include "imagelib/image/MImage.h"
 #include "logic/analysis/peaks/ImagePeaks.h"
 #include "logic/analysis/statistics/ImageStatistics.h"
+#include "logic/output/ImageSnapshot.h"
 #include "logic/records/ContrastData.h"
 #include "logic/records/PeakData.h"
 #include "logic/records/PlottingMode.h"
@@ -16,6 +18,7 @@
 #include "logic/service/ComputedRegion.h"
 #include "logic/service/CursorInfo.h"
 
+#include <QImage>
 #include <QObject>
 #include <QSharedPointer>
 #include <QSize>
@@ -158,6 +161,24 @@ public:
     /// labels. The centre stays as it was unless resolutionDefined().
     void recommendResolutionRadius(int n, double& centreX, double& centreY,
                                    std::vector<double>& radii, std::vector<QString>& labels) const;
+
+    // Pictures and files of the image; they wait until all is written, for scripts. Widgets give
+    // the snapshot to an OutputJob instead.
+    ImageSnapshot snapshot() const;
+    /// The contrast with the default colour table if it has none.
+    ContrastData shownContrast() const;
+    /// A picture of a colour bar with ticks.
+    QImage colorLegend(int width, int height) const;
+    /// Writes the image in its colours; without image nothing happens.
+    /// @param legend  place of a colour bar beside the picture, MRect() for none
+    /// @throws MNoFileAccessException "Cannot write to " and the name
+    void exportImage(const QString& fileName, const QString& format,
+                     const morvend::imglib::MRect& legend) const;
+    /// Writes the image's data with its header as edited; without image nothing happens.
+    /// @param extension  cbf, tif, tiff, h5 or hdf5, in any case
+    /// @throws MBadParameterException "Unrecognized file format" for another one, MException when
+    /// the file can't be written
+    void saveAs(const QString& fileName, const QString& extension) const;
 
 public slots:
     // Setters of a record store it, signal it in any case, and hand it to the group when it is new

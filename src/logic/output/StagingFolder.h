@@ -7,8 +7,6 @@
 #include <functional>
 #include <string>
 
-namespace tarvik::tool {
-
 /// A hidden folder beside the output, in which the files are made under their final names. Removed
 /// with all that is still in it.
 class StagingFolder {
@@ -33,5 +31,3 @@ private:
     std::string _name;
     std::string _folder;
 };
-
-}  // namespace tarvik::tool

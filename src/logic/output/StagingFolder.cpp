@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Makes the temporary folder and moves files out of it.
-#include "bin/image/StagingFolder.h"
+#include "logic/output/StagingFolder.h"
 
 #include "imagelib/image/MException.h"
 
@@ -11,8 +11,6 @@
 #include <filesystem>
 #include <system_error>
 #include <vector>
-
-namespace tarvik::tool {
 
 namespace {
 
@@ -54,5 +52,3 @@ void StagingFolder::publish(const std::function<void(const std::string& place)>&
             cannotWrite(_directory + name, error);
     }
 }
-
-}  // namespace tarvik::tool

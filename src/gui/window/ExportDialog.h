@@ -1,0 +1,43 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The dialog that asks what to export, and writes it.
+#pragma once
+
+#include <QDialog>
+#include <QPointer>
+#include <QString>
+
+class OutputJob;
+class QProgressBar;
+class SubWindow;
+
+/// Writes a picture of a view, or of its whole image, to a file that was chosen before. The file is
+/// written on a worker while the dialog shows the progress; Cancel ends that and keeps an older
+/// file. Ends as rejected when it fails, after a message, and when the view closes.
+class ExportDialog : public QDialog {
+    Q_OBJECT
+public:
+    /// @param format  one of QImageWriter
+    ExportDialog(SubWindow* subWindow, const QString& fileName, const QString& format);
+
+public slots:
+    void reject() override;
+
+private slots:
+    void setCurrentView(bool currentView);
+    void setColorBar(bool colorBar);
+    void exportToFile();
+    void closeEvent(QCloseEvent* event) override;
+    void _finishedSlot(const QString& error);
+
+private:
+    QPointer<SubWindow> _subWindow;
+    bool _currentView = false;
+    bool _colorBar = true;
+    QString _fileName;
+    QString _format;
+    QWidget* _choices;
+    QProgressBar* _progress;
+    OutputJob* _job = nullptr;  // while it writes
+};

@@ -45,6 +45,27 @@ void ImageDrawerMain::zoom(int step)
         viewport(), QPointF(imgX(centre.x()), imgY(centre.y())), centre, step > 0 ? 1 : -1));
 }
 
+void ImageDrawerMain::fit()
+{
+    if (service().imageLoaded())
+        service().setViewportData(
+            render::fittedViewport(viewport(), service().imageSize(), size()));
+}
+
+void ImageDrawerMain::oneToOne(const QPoint& about)
+{
+    if (service().imageLoaded())
+        service().setViewportData(render::zoomedAbout(
+            viewport(), QPointF(imgX(about.x()), imgY(about.y())), about, -viewport().zoomPower));
+}
+
+std::optional<CursorInfo> ImageDrawerMain::infoAtCursor() const
+{
+    if (!service().imageLoaded() || !_cursorInside || !_cursorOnImage())
+        return {};
+    return CursorInfo(&service(), imgX(), imgY());
+}
+
 ImageDrawer::MImage ImageDrawerMain::baseImage() const { return service().image(); }
 
 QSize ImageDrawerMain::baseSize() const { return service().imageSize(); }
@@ -272,6 +293,20 @@ void ImageDrawerMain::virtualWheelEvent(QWheelEvent* event)
         return;
     service().setViewportData(
         render::zoomedAbout(viewport(), QPointF(imgX(), imgY()), _cursor(), step));
+}
+
+void ImageDrawerMain::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    // It is a press too, from which a drag may follow.
+    mousePressEvent(event);
+    if (event->button() != Qt::LeftButton || !moveImage() || !service().imageLoaded())
+        return;
+    const bool fitted =
+        viewport() == render::fittedViewport(viewport(), service().imageSize(), size());
+    if (fitted && viewport().zoomPower != 0)
+        oneToOne(event->position().toPoint());
+    else
+        fit();
 }
 
 void ImageDrawerMain::enterEvent(QEnterEvent* event)

@@ -21,7 +21,8 @@
 /// cursor. The right button draws a region of the kind that the service's record names, or with the
 /// Control key a powder ring round the cursor instead of the beam centre. Any button drags a region
 /// or one of its handles, which the hovering cursor shows; elsewhere the left button moves
-/// the image, and the middle one turns the height map.
+/// the image, and the middle one turns the height map. A double click there fits the image into the
+/// view, or shows a fitted one at 1:1 about the cursor.
 class ImageDrawerMain : public ImageDrawer {
     Q_OBJECT
 public:
@@ -29,6 +30,13 @@ public:
 
     /// One step in or out about the centre of the view, by the sign of the argument.
     void zoom(int step);
+    /// Shows the whole image, as large as it fits.
+    void fit();
+    /// One screen pixel for each image pixel, about a widget coordinate or the centre of the view.
+    void oneToOne(const QPoint& about);
+    void oneToOne() { oneToOne(rect().center()); }
+    /// The texts about the pixel under the cursor; nothing if it is beside the image.
+    std::optional<CursorInfo> infoAtCursor() const;
 
     // What a thumbnail shares with this view.
     using ImageDrawer::service;
@@ -56,6 +64,7 @@ protected:
     void virtualMousePressEvent(QMouseEvent* event) override;
     void virtualMouseMoveEvent(QMouseEvent* event) override;
     void virtualWheelEvent(QWheelEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
     /// Keeps the image point in the middle of the view there, even beyond the limits of a pan, so
     /// that a window that is maximised and restored shows the same as before.
     void resizeEvent(QResizeEvent* event) override;

@@ -24,6 +24,22 @@ ViewportData centredViewport(QSize image, QSize view)
             double((image.height() - view.height()) / 2), 0, 0, 0};
 }
 
+ViewportData fittedViewport(const ViewportData& current, QSize image, QSize view)
+{
+    ViewportData result = current;
+    result.defined = true;
+    const auto fits = [&] {
+        return image.width() * result.zoom() <= view.width() &&
+               image.height() * result.zoom() <= view.height();
+    };
+    result.setZoomPower(ViewportData::maximumZoomPower);
+    while (result.zoomPower > ViewportData::minimumZoomPower && !fits())
+        result.setZoomPower(result.zoomPower - 1);
+    result.offsetX = (image.width() - view.width() / result.zoom()) / 2;
+    result.offsetY = (image.height() - view.height() / result.zoom()) / 2;
+    return result;
+}
+
 ViewportData zoomedAbout(const ViewportData& viewport, QPointF imagePoint, QPointF screenPoint,
                          int step)
 {

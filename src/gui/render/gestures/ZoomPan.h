@@ -15,8 +15,12 @@ namespace render {
 /// The image centred at one screen pixel for each image pixel.
 ViewportData centredViewport(QSize image, QSize view);
 
+/// The whole image centred at the largest zoom at which it fits; at the smallest zoom if it fits at
+/// none. Keeps the rotation.
+ViewportData fittedViewport(const ViewportData& current, QSize image, QSize view);
+
 /// One step in or out, keeping an image point at a screen point.
-/// @param step  +1 or -1, clamped with the zoom power's range
+/// @param step  as a power of two, clamped with the zoom power's range
 ViewportData zoomedAbout(const ViewportData& viewport, QPointF imagePoint, QPointF screenPoint,
                          int step);
 

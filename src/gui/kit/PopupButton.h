@@ -7,6 +7,8 @@
 #include <QPointer>
 #include <QToolButton>
 
+class PanelMenu;
+
 /// Shows a panel below itself, in which the keyboard works as in any window. The panel opens after
 /// a long press, or as setPopupMode() says. Thread: GUI only.
 class PopupButton : public QToolButton {
@@ -23,7 +25,7 @@ public slots:
     void hideMenu();
 
 private:
-    class Menu;
+    using Menu = PanelMenu;
 
     Menu* _menu;
     QPointer<QWidget> _popup;

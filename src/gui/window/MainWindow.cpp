@@ -3,47 +3,34 @@
 #include "gui/window/MainWindow.h"
 
 #include "gui/kit/MdiArea.h"
-#include "gui/kit/RibbonInterface.h"
 #include "gui/kit/SvgIcon.h"
-#include "gui/kit/SvgWidget.h"
 #include "gui/render/OpenGlSupport.h"
+#include "gui/window/ControlBar.h"
 #include "gui/window/DroppedFiles.h"
 #include "gui/window/MainWindowActions.h"
 #include "gui/window/MainWindowEventControl.h"
 #include "gui/window/OpenDirectory.h"
-#include "gui/window/OpenFileDialog.h"
+#include "gui/window/SideBarColumn.h"
 #include "gui/window/SubWindow.h"
-#include "gui/window/ToolBarStyle.h"
 #include "logic/core/TarvikCore.h"
 #include "logic/service/TarvikService.h"
+#include "logic/support/Assert.h"
 
 #include <QCoreApplication>
 #include <QDropEvent>
-#include <QToolBar>
+#include <QSettings>
 #include <QVBoxLayout>
 
 #include <algorithm>
 #include <utility>
 
-namespace {
-
-/// Fills the free space in a tool bar, or takes a given width.
-QWidget* spacer(int minimumWidth, QSizePolicy::Policy policy)
-{
-    auto* widget = new QWidget;
-    widget->setMinimumWidth(minimumWidth);
-    widget->setSizePolicy(policy, QSizePolicy::Preferred);
-    return widget;
-}
-
-}  // namespace
+const QString shortcutModeKey = QStringLiteral("KeyboardShortcutMode");
 
 MainWindow::MainWindow(TarvikCore& core, bool useGlsl, bool quitOnClose)
     : _core(core)
     , _mdiArea(new MdiArea)
     , _splitter(new MdiSplitter(Qt::Horizontal))
-    , _controlBar(new QToolBar(QStringLiteral("Control Bar")))
-    , _ribbon(new RibbonInterface)
+    , _keyboardShortcutMode(QSettings().value(shortcutModeKey, false).toBool())
     , _useGlsl(useGlsl)
     , _quitOnClose(quitOnClose)
 {
@@ -56,11 +43,14 @@ MainWindow::MainWindow(TarvikCore& core, bool useGlsl, bool quitOnClose)
     setAcceptDrops(true);
     render::OpenGlSupport::prepare(*this);
     setContextMenuPolicy(Qt::PreventContextMenu);
-    _actions = std::make_unique<MainWindowActions>(
-        *this, MainWindowActions::Slots{[this] { newSubWindow(); }, [this] { _open(); }});
-    _eventControl = std::make_unique<MainWindowEventControl>(*this);
-    _createMenus();
+    _actions = std::make_unique<MainWindowActions>(*this);
+    _actions->keys->setChecked(_keyboardShortcutMode);
+    _eventControl = std::make_unique<MainWindowEventControl>(
+        *this, [this] { return _keyboardShortcutMode ? activeSubWindow() : nullptr; });
+    _controlBar = std::make_unique<ControlBar>(*this, *_actions);
     _createLayout();
+    _connectActions();
+    _connectSynchronization();
     resize(1200, 800);
 }
 
@@ -112,6 +102,8 @@ void MainWindow::openFiles(const QStringList& files, SubWindow* first)
     }
 }
 
+void MainWindow::noteAnswer(const QString& file, bool) { OpenDirectory::setSoon(file); }
+
 void MainWindow::enableAllSubWindows()
 {
     for (SubWindow* window : subWindows())
@@ -131,11 +123,9 @@ SubWindow* MainWindow::_makeSubWindow()
     // The address of the main window is the key by which its views synchronise.
     const QString key = QString::number(reinterpret_cast<quintptr>(this));
     TarvikService* service = _core.newService(key);
-    auto* window = new SubWindow(
-        {[this](const QStringList& files, SubWindow* first) { openFiles(files, first); },
-         [](const QString& file) { OpenDirectory::setSoon(file); }},
-        service, _useGlsl);
+    auto* window = new SubWindow(*this, service, _useGlsl);
     _subFrames.insert({window, service});
+    connect(window, &AbstractSubWindow::gotActivated, this, &MainWindow::_subWindowActivated);
     connect(window, &QObject::destroyed, this, &MainWindow::_handleCloseEvent);
     return window;
 }
@@ -151,20 +141,6 @@ SubWindow* MainWindow::newSubWindow(SubWindow** subwindow)
 }
 
 SubWindow* MainWindow::newSubWindow() { return newSubWindow(nullptr); }
-
-void MainWindow::showToolBar()
-{
-    _actions->silenceShortcuts(false);
-    _controlBar->show();
-    _ribbon->show();
-}
-
-void MainWindow::hideToolBar()
-{
-    _actions->silenceShortcuts(true);
-    _controlBar->hide();
-    _ribbon->hide();
-}
 
 void MainWindow::disableClose() { _closeDisabled = true; }
 
@@ -200,44 +176,30 @@ void MainWindow::dropEvent(QDropEvent* event)
     openFiles(droppedFiles(*event->mimeData()));
 }
 
-void MainWindow::_open()
+std::set<MainWindow::SubFrame>::const_iterator MainWindow::_frameOf(const QObject* subWindow) const
 {
-    // First, as the active view may have gone when the dialog closes.
-    const QStringList files = OpenFileDialog(this).choose();
-    openFiles(files, activeSubWindow());
+    return std::find_if(_subFrames.begin(), _subFrames.end(), [subWindow](const SubFrame& frame) {
+        return frame.subWindow == subWindow;
+    });
+}
+
+void MainWindow::_subWindowActivated(AbstractSubWindow* subWindow)
+{
+    assert(subWindow != nullptr);
+    Q_UNUSED(subWindow)
 }
 
 void MainWindow::_handleCloseEvent(QObject* window)
 {
-    const auto isWindow = [window](const SubFrame& frame) { return frame.subWindow == window; };
-    const auto frame = std::find_if(_subFrames.begin(), _subFrames.end(), isWindow);
+    const auto frame = _frameOf(window);
     if (frame == _subFrames.end())
         return;
     _core.deleteService(frame->service);
     _subFrames.erase(frame);
-}
-
-void MainWindow::_createMenus()
-{
-    _controlBar->setFloatable(false);
-    _controlBar->setMovable(false);
-    _controlBar->setStyleSheet(toolBarStyle());
-    addToolBar(_controlBar);
-
-    const QString file = QStringLiteral("File");
-    _controlBar->addAction(_ribbon->addToolBar(file));
-    _ribbon->setStyleSheet(toolBarStyle());
-    _ribbon->addAction(file, _actions->newWindowAction());
-    _ribbon->addAction(file, _actions->openAction());
-    _ribbon->addSeparator(file);
-
-    _controlBar->addSeparator();
-    _controlBar->addWidget(spacer(0, QSizePolicy::Expanding));
-    auto* logo = new SvgWidget(QStringLiteral(":icons/morvend_logo.svg"));
-    logo->setHeight(15);
-    logo->setFixedWidth(logo->sizeHint().width());
-    _controlBar->addWidget(logo);
-    _controlBar->addWidget(spacer(10, QSizePolicy::Fixed));
+    if (_mdiArea->subWindowList().isEmpty()) {
+        _sideBars->setVisible(false);
+        _actions->reset();
+    }
 }
 
 void MainWindow::_createLayout()
@@ -246,11 +208,7 @@ void MainWindow::_createLayout()
     auto* rows = new QVBoxLayout(central);
     rows->setContentsMargins(0, 0, 0, 0);
     rows->setSpacing(0);
-
-    auto* bars = new QHBoxLayout;
-    bars->setSpacing(0);
-    bars->addWidget(_ribbon);
-    rows->addLayout(bars);
+    rows->addWidget(_controlBar->row());
 
     auto* area = new QWidget;
     area->setSizePolicy(QSizePolicy::MinimumExpanding, QSizePolicy::MinimumExpanding);
@@ -258,6 +216,7 @@ void MainWindow::_createLayout()
     areaLayout->setContentsMargins(0, 0, 0, 0);
     areaLayout->addWidget(_splitter);
     _splitter->addWidget(_mdiArea);
+    _sideBars = std::make_unique<SideBarColumn>(*_splitter);
     rows->addWidget(area, 1);
     setCentralWidget(central);
 }

@@ -4,25 +4,29 @@
 // The top-level window: control bar, ribbon and the tiled image views.
 #pragma once
 
+#include "gui/window/ViewHost.h"
+
 #include <QMainWindow>
 
 #include <memory>
 #include <set>
 
+class AbstractSubWindow;
+class ControlBar;
 class MainWindowActions;
 class MainWindowEventControl;
 class MdiArea;
 class MdiSplitter;
-class QToolBar;
-class RibbonInterface;
-class SubWindow;
+class QAction;
+class SideBarColumn;
 class TarvikCore;
 class TarvikService;
 
-/// The one top-level window of the graphical role. It makes image views with their services, sends
-/// its actions to the active one and remembers the folder of the last opened file.
+/// The one top-level window of the graphical role. It makes image views with their services and
+/// panels, sends its actions to the active one, and remembers for the user the folder of the last
+/// opened file and the keyboard shortcut mode.
 /// Thread: GUI only.
-class MainWindow : public QMainWindow {
+class MainWindow : public QMainWindow, public ViewHost {
     Q_OBJECT
 public:
     /// @param core  outlives the window
@@ -39,9 +43,24 @@ public:
     QString openDirectory() const;
     void setOpenDirectory(const QString& path);
 
-    /// Opens each file in a view of its own. A new view whose file can't be shown closes again.
-    /// @param first  takes the first file, unless null
-    void openFiles(const QStringList& files, SubWindow* first = nullptr);
+    /// True if keys and drags with a held key act on the image, see SubWindowEventControl.
+    bool keyboardShortcutMode() const { return _keyboardShortcutMode; }
+
+    /// Opens each file, or the images of each folder, in a view of its own. A new view whose file
+    /// can't be shown closes again.
+    /// @param first  takes the first one, unless null
+    void openFiles(const QStringList& files, SubWindow* first = nullptr) override;
+    void noteAnswer(const QString& file, bool shown) override;
+
+    // The state of the actions; setting it triggers nothing.
+    /// Whether there are panels to show.
+    void enableSideBar(bool enabled);
+    void enableMovieModeAction(bool enabled) override;
+    void setMovieModeAction(bool on) override;
+    void enableWatchSeriesModeAction(bool enabled) override;
+    void setWatchSeriesModeAction(bool on) override;
+    void setHalvoMonitorMode(bool on) override;
+    void setHalvoMonitorHost(QString host, int port, double minPause) override;
 
     void enableAllSubWindows();
     /// Enables or disables every view but the active one.
@@ -55,10 +74,20 @@ public slots:
     /// A view without controls, for scripts. Shortcuts are off while the tool bar is hidden.
     void showToolBar();
     void hideToolBar();
+    void enableKeyboardShortcuts();
+    void disableKeyboardShortcuts();
+    /// Shows or hides the panels of the active view; shown only if there is one.
+    void toggleSideBar(bool on);
     void disableClose();
     void enableClose();
     /// Closes, even if disableClose() was called.
     void close();
+    /// Appends a line with the identifier of each view, the decimal value of its address.
+    void subFrames(QString* returnList);
+    /// Check the box if the value is not 0, else uncheck it.
+    void synchronizeViewport(int val);
+    void synchronizeContrast(int val);
+    void synchronizeStatistics(int val);
 
 signals:
     void aboutToTerminate(QObject* window);
@@ -71,8 +100,18 @@ protected:
     void dropEvent(QDropEvent* event) override;
 
 private slots:
+    void _about();
     void _open();
+    void _openExportDialog();
+    void _openSaveAsDialog();
+    void _openHelpBrowser();
+    void _toggleMovieMode(bool on);
+    void _toggleWatchSeriesMode(bool on);
+    void _toggleHalvoMonitorMode(bool on);
+    void _setHalvoMonitorHost(const QString& host, int port, double minPause);
     void _handleCloseEvent(QObject* window);
+    void _subWindowActivated(AbstractSubWindow* subWindow);
+    void _setKeyboardShortcutMode(bool on);
 
 private:
     /// The parts of one view.
@@ -83,7 +122,11 @@ private:
     };
 
     SubWindow* _makeSubWindow();
-    void _createMenus();
+    /// The parts of a view, the end of the set if it isn't one of this window.
+    std::set<SubFrame>::const_iterator _frameOf(const QObject* subWindow) const;
+    TarvikService* _activeService() const;
+    void _connectActions();
+    void _connectSynchronization();
     void _createLayout();
 
     TarvikCore& _core;
@@ -91,8 +134,9 @@ private:
     MdiSplitter* _splitter;
     std::unique_ptr<MainWindowActions> _actions;
     std::unique_ptr<MainWindowEventControl> _eventControl;
-    QToolBar* _controlBar;
-    RibbonInterface* _ribbon;
+    std::unique_ptr<ControlBar> _controlBar;
+    std::unique_ptr<SideBarColumn> _sideBars;
+    bool _keyboardShortcutMode = false;
     bool _useGlsl;
     bool _quitOnClose;
     bool _closeDisabled = false;

@@ -5,34 +5,63 @@
 #pragma once
 
 #include <QAction>
+#include <QCheckBox>
+#include <QKeySequence>
 #include <QList>
 #include <QShortcut>
 #include <QWidget>
 
-#include <functional>
+class HalvoWidget;
+class QToolButton;
 
-/// Actions and the window's shortcuts for them; both call the same slot.
+/// All actions, boxes and buttons of a main window, and the window's shortcuts that trigger them.
+/// They do nothing by themselves: the window connects them. Thread: GUI only.
 class MainWindowActions {
 public:
-    /// The effects of the actions.
-    struct Slots {
-        std::function<void()> newWindow;
-        std::function<void()> open;
+    /// An action that a key of the window triggers.
+    struct Key {
+        const QAction* action;
+        QKeySequence keys;
     };
 
-    MainWindowActions(QWidget& window, const Slots& receivers);
+    /// @param window  parent of the actions
+    explicit MainWindowActions(QWidget& window);
 
-    QAction* newWindowAction() const { return _newWindowAction; }
-    QAction* openAction() const { return _openAction; }
+    QAction* const newWindow;
+    QAction* const open;
+    QAction* const saveAs;
+    QAction* const exportPicture;
+    QCheckBox* const syncViewport;
+    QCheckBox* const syncContrast;
+    QCheckBox* const syncStatistics;
+    QAction* const movie;
+    QAction* const watch;
+    HalvoWidget* const monitorWidget;
+    QToolButton* const monitor;
+    QAction* const help;
+    QAction* const about;
+    QAction* const keys;
+    QAction* const tools;
 
-    /// A silenced shortcut does nothing.
+    /// Silent shortcuts do nothing.
     void silenceShortcuts(bool silent);
+    /// Everything with a key, in the order of the tool bars.
+    QList<Key> shortcuts() const;
+
+    /// Sets the state without triggering anything.
+    static void setSilently(QAction* action, bool checked);
+    static void enableSilently(QAction* action, bool enabled);
+    void setMonitor(bool on);
+    /// The state without views. The monitor stays enabled: it makes a view of its own.
+    void reset();
 
 private:
-    QAction* _add(QWidget& window, const QString& text, const QString& tip, const QKeySequence& key,
-                  const std::function<void()>& slot);
+    /// A shortcut of the window beside the action, which works whichever tab is shown.
+    void _addKey(QWidget& window, QAction* action, const QKeySequence& key);
 
-    QList<QShortcut*> _shortcuts;  // filled along with the actions, hence first
-    QAction* _newWindowAction;
-    QAction* _openAction;
+    struct Shortcut {
+        QAction* action;
+        QShortcut* key;
+    };
+    QList<Shortcut> _shortcuts;
 };

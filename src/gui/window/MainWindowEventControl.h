@@ -6,15 +6,20 @@
 
 #include <QObject>
 
-class QWidget;
+#include <functional>
 
-/// Records which keys are held down while its main window is the active one. Thread: GUI only,
-/// except keyPressed().
+class QKeyEvent;
+class QWidget;
+class SubWindow;
+
+/// Records which keys are held down while its main window is the active one, and diverts keys and
+/// mouse to a view in the keyboard shortcut mode. Thread: GUI only, except keyPressed().
 class MainWindowEventControl : public QObject {
     Q_OBJECT
 public:
     /// Watches until it is destroyed.
-    explicit MainWindowEventControl(const QWidget& window);
+    /// @param target  the view whose gestures get the events first; null if there isn't one now
+    MainWindowEventControl(const QWidget& window, std::function<SubWindow*()> target);
 
     /// True if a key is down. Thread: any.
     static bool keyPressed(int key);
@@ -22,5 +27,8 @@ public:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    bool _key(QKeyEvent& event);
+
     const QWidget& _window;
+    const std::function<SubWindow*()> _target;
 };

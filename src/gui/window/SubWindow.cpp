@@ -6,38 +6,63 @@
 #include "gui/kit/TextLine.h"
 #include "gui/render/ImageDrawerMain.h"
 #include "gui/window/DroppedFiles.h"
+#include "gui/window/SubWindowEventControl.h"
 #include "gui/window/SubWindowTitleBar.h"
+#include "gui/window/ViewHost.h"
 #include "imagelib/display/MColorTable.h"
 #include "logic/service/TarvikService.h"
 
+#include <QApplication>
 #include <QDropEvent>
 #include <QFile>
 #include <QMap>
 
 #include <utility>
 
-SubWindow::SubWindow(Slots receivers, TarvikService* service, bool useGlsl)
-    : _slots(std::move(receivers))
+SubWindow::SubWindow(ViewHost& mainWindow, TarvikService* service, bool useGlsl)
+    : _mainWindow(mainWindow)
     , _service(service)
     , _imageDrawer(new ImageDrawerMain(service, useGlsl))
     , _controls(new SubWindowTitleBar(*this))
+    , _eventControl(new SubWindowEventControl(this, service, [this](int step) { zoom(step); }))
 {
     setAttribute(Qt::WA_DeleteOnClose);
     setWidget(_imageDrawer);
     setAcceptDrops(true);
+    connect(_controls->stepBox(), &QComboBox::currentIndexChanged, this,
+            &SubWindow::_setFileIncreaseNumber);
     connect(_controls->nextAction(), &QAction::triggered, this, &SubWindow::_loadNextFileSlot);
     connect(_controls->previousAction(), &QAction::triggered, this,
             &SubWindow::_loadPreviousFileSlot);
-    connect(service, &TarvikService::newImageSignal, this, &SubWindow::_newImageSlot);
-    connect(service, &TarvikService::imageLoadErrorSignal, this, &SubWindow::_errorSlot);
-    connect(service, &TarvikService::waitingSignal, new TextLine(_imageDrawer, Qt::BottomEdge),
-            &TextLine::say);
-    connect(service, &TarvikService::noticeSignal,
-            new TextLine(_imageDrawer, Qt::TopEdge, TextLine::noticeTime), &TextLine::say);
+    connect(_controls->movieAction(), &QAction::triggered, this, &SubWindow::_autoLoadSlot);
     connect(this, &AbstractSubWindow::windowStateChanged, this, &SubWindow::_activate);
+    _connectService();
+}
+
+void SubWindow::_connectService()
+{
+    connect(_service, &TarvikService::newImageSignal, this, &SubWindow::_newImageSlot);
+    connect(_service, &TarvikService::imageLoadErrorSignal, this, &SubWindow::_errorSlot);
+    connect(_service, &TarvikService::movieModeSignal, this, &SubWindow::_passiveAutoLoadSlot);
+    connect(_service, &TarvikService::watchSeriesModeSignal, this,
+            &SubWindow::_passiveWatchSeriesModeSlot);
+    connect(_service, &TarvikService::halvoMonitorModeSignal, this,
+            &SubWindow::_passiveHalvoMonitorModeSlot);
+    connect(_service, &TarvikService::halvoMonitorHostSignal, this,
+            &SubWindow::_passiveHalvoMonitorHostSlot);
+    connect(_service, &TarvikService::waitingSignal, new TextLine(_imageDrawer, Qt::BottomEdge),
+            &TextLine::say);
+    connect(_service, &TarvikService::noticeSignal,
+            new TextLine(_imageDrawer, Qt::TopEdge, TextLine::noticeTime), &TextLine::say);
 }
 
 SubWindow::~SubWindow() { emit aboutToTerminate(this); }
+
+bool SubWindow::imageHasFocus() const
+{
+    const QWidget* focus = QApplication::focusWidget();
+    return focus == this || focus == _imageDrawer || (focus && _imageDrawer->isAncestorOf(focus));
+}
 
 void SubWindow::zoom(int step) { _imageDrawer->zoom(step); }
 
@@ -175,18 +200,18 @@ void SubWindow::dragMoveEvent(QDragMoveEvent* event) { acceptCopy(*event); }
 void SubWindow::dropEvent(QDropEvent* event)
 {
     acceptCopy(*event);
-    _slots.openFiles(droppedFiles(*event->mimeData()), this);
+    _mainWindow.openFiles(droppedFiles(*event->mimeData()), this);
 }
 
-void SubWindow::_noteFolder()
+void SubWindow::_noteAnswer(bool shown)
 {
     if (!_asked.isEmpty())
-        _slots.setOpenDirectory(std::exchange(_asked, {}));
+        _mainWindow.noteAnswer(std::exchange(_asked, {}), shown);
 }
 
 void SubWindow::_newImageSlot()
 {
-    _noteFolder();
+    _noteAnswer(true);
     _closesOnError = false;
     if (!_titleFixed)
         setWindowTitle(_service->imageDescription());
@@ -197,7 +222,7 @@ void SubWindow::_newImageSlot()
 
 void SubWindow::_errorSlot(const QString& message)
 {
-    _noteFolder();
+    _noteAnswer(false);
     if (!_service->imageLoaded() && !_titleFixed)
         setWindowTitle({});  // it was the name of the file
     // Comes first, as the message waits for a click.
@@ -215,12 +240,54 @@ void SubWindow::_activate(Qt::WindowStates oldState, Qt::WindowStates newState)
         _setActions();
 }
 
-void SubWindow::_loadNextFileSlot() { _service->nextImage(_controls->step(), true); }
+void SubWindow::_setFileIncreaseNumber(int index)
+{
+    _fileIncreaseNumber = _controls->stepBox()->itemData(index).toInt();
+    _service->setMovieModeStep(_fileIncreaseNumber);
+}
 
-void SubWindow::_loadPreviousFileSlot() { _service->nextImage(-_controls->step(), true); }
+void SubWindow::_loadNextFileSlot() { _service->nextImage(_fileIncreaseNumber, true); }
+
+void SubWindow::_loadPreviousFileSlot() { _service->nextImage(-_fileIncreaseNumber, true); }
+
+void SubWindow::_autoLoadSlot() { _service->setMovieMode(!_service->movieMode()); }
+
+void SubWindow::_passiveAutoLoadSlot(bool on)
+{
+    _controls->setMovie(on);
+    if (active())
+        _mainWindow.setMovieModeAction(on);
+}
+
+void SubWindow::_passiveWatchSeriesModeSlot(bool on)
+{
+    if (active())
+        _mainWindow.setWatchSeriesModeAction(on);
+}
+
+void SubWindow::_passiveHalvoMonitorModeSlot(bool on)
+{
+    if (active())
+        _mainWindow.setHalvoMonitorMode(on);
+}
+
+void SubWindow::_passiveHalvoMonitorHostSlot(const QString& host, int port, double minPause)
+{
+    if (active())
+        _mainWindow.setHalvoMonitorHost(host, port, minPause);
+}
 
 void SubWindow::_setActions()
 {
-    if (_windowState.testFlag(Qt::WindowActive))
-        _controls->setImageLoaded(_service->imageLoaded());
+    if (!_windowState.testFlag(Qt::WindowActive))
+        return;
+    const bool loaded = _service->imageLoaded();
+    _controls->setImageLoaded(loaded);
+    _mainWindow.enableMovieModeAction(loaded);
+    _mainWindow.setMovieModeAction(loaded && _service->movieMode());
+    _mainWindow.enableWatchSeriesModeAction(loaded);
+    _mainWindow.setWatchSeriesModeAction(loaded && _service->watchSeriesMode());
+    _mainWindow.setHalvoMonitorMode(_service->halvoMonitorMode());
+    _mainWindow.setHalvoMonitorHost(_service->halvoMonitorHost(), _service->halvoMonitorPort(),
+                                    _service->halvoMonitorMinPause());
 }

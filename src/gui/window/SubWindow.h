@@ -12,13 +12,12 @@
 #include <QRectF>
 #include <QSize>
 #include <QString>
-#include <QStringList>
-
-#include <functional>
 
 class ImageDrawerMain;
+class SubWindowEventControl;
 class SubWindowTitleBar;
 class TarvikService;
+class ViewHost;
 
 /// A frame around one image view, with the controls of that view in its title bar. It does not own
 /// the service of the view, but lives and dies with it.
@@ -33,19 +32,15 @@ public:
     using MImage = morvend::imglib::MImage;
     using MRect = morvend::imglib::MRect;
 
-    /// Requests of the view to its window.
-    struct Slots {
-        /// Opens files that were dropped on the view, the first one in the view itself.
-        std::function<void(const QStringList& files, SubWindow* first)> openFiles;
-        /// Makes the folder of a file the one where the open dialog starts.
-        std::function<void(const QString& file)> setOpenDirectory;
-    };
-
-    SubWindow(Slots receivers, TarvikService* service, bool useGlsl);
+    /// @param mainWindow  outlives the view
+    SubWindow(ViewHost& mainWindow, TarvikService* service, bool useGlsl);
     ~SubWindow() override;
 
     TarvikService* service() const { return _service; }
     ImageDrawerMain* imageDrawer() const { return _imageDrawer; }
+    SubWindowEventControl* subWindowEventControl() const { return _eventControl; }
+    /// True if keys go to the image, and not into a field.
+    bool imageHasFocus() const;
     /// One step in or out (1 or -1) about the centre of the view.
     void zoom(int step);
     /// The visible part of the image, in image pixels.
@@ -103,24 +98,34 @@ private slots:
     void _newImageSlot();
     void _errorSlot(const QString& message);
     void _activate(Qt::WindowStates oldState, Qt::WindowStates newState);
+    void _setFileIncreaseNumber(int index);
     void _loadNextFileSlot();
     void _loadPreviousFileSlot();
+    void _autoLoadSlot();
+    // The service owns the modes, the view only follows.
+    void _passiveAutoLoadSlot(bool on);
+    void _passiveWatchSeriesModeSlot(bool on);
+    void _passiveHalvoMonitorModeSlot(bool on);
+    void _passiveHalvoMonitorHostSlot(const QString& host, int port, double minPause);
 
 private:
     template <class Change>
     void _changeViewport(Change&& change);
     template <class Change>
     void _changeContrast(Change&& change);
+    void _connectService();
     void _setActions();
-    /// Remembers the folder of the file that was requested. Not before it has answered, since a
-    /// check of it would wait as long as the file does.
-    void _noteFolder();
+    /// Reports the file that was requested. Not before it has answered, since a check of it would
+    /// wait as long as the file does.
+    void _noteAnswer(bool shown);
 
-    const Slots _slots;
+    ViewHost& _mainWindow;
     TarvikService* _service;
     Qt::WindowStates _windowState;
     ImageDrawerMain* _imageDrawer;
     SubWindowTitleBar* _controls;
+    SubWindowEventControl* _eventControl;
+    int _fileIncreaseNumber = 1;
     QString _asked;  // the file, until it has answered
     bool _titleFixed = false;
     bool _closesOnError = false;

@@ -5,11 +5,15 @@
 #include "gui/kit/AbstractSubWindow.h"
 #include "gui/kit/SvgIcon.h"
 
+#include <QSignalBlocker>
+
 namespace {
+
+constexpr QSize iconSize(25, 15);
 
 QAction* stepAction(const QString& text, const QString& tip, const QString& icon, QObject* parent)
 {
-    auto* action = new QAction(svgIcon(icon, QSize(25, 15)), text, parent);
+    auto* action = new QAction(svgIcon(icon, iconSize), text, parent);
     action->setToolTip(tip);
     return action;
 }
@@ -25,21 +29,35 @@ SubWindowTitleBar::SubWindowTitleBar(AbstractSubWindow& frame)
     , _nextAction(stepAction(QStringLiteral("Next"),
                              QStringLiteral("Go forward within the present image series"),
                              QStringLiteral(":icons/next.svg"), this))
+    , _movieAction(new QAction(this))
+    , _continueIcon(svgIcon(QStringLiteral(":icons/continue.svg"), iconSize))
+    , _interruptIcon(svgIcon(QStringLiteral(":icons/interrupt.svg"), iconSize))
 {
     for (const int step : {1, 5, 10, 20, 50, 100})
         _stepBox->addItem(QString::number(step), step);
     _stepBox->setToolTip(QStringLiteral("Set the number of images to step forward or back. This "
                                         "also affects the movie mode"));
+    // A click leaves the keyboard to the view, whose keys would be typed into the box otherwise.
+    _stepBox->setFocusPolicy(Qt::TabFocus);
+    _movieAction->setToolTip(QStringLiteral("Start/Stop Movie Mode"));
+    _movieAction->setCheckable(true);
     frame.addTitleBarWidget(_stepBox);
-    frame.addTitleBarAction(_previousAction);
-    frame.addTitleBarAction(_nextAction);
+    for (QAction* action : {_previousAction, _nextAction, _movieAction})
+        frame.addTitleBarAction(action);
+    frame.addTitleBarSpacing(10);
+    setMovie(false);
     setImageLoaded(false);
 }
 
-int SubWindowTitleBar::step() const { return _stepBox->currentData().toInt(); }
-
 void SubWindowTitleBar::setImageLoaded(bool loaded)
 {
-    _previousAction->setEnabled(loaded);
-    _nextAction->setEnabled(loaded);
+    for (QAction* action : {_previousAction, _nextAction, _movieAction})
+        action->setEnabled(loaded);
+}
+
+void SubWindowTitleBar::setMovie(bool playing)
+{
+    const QSignalBlocker quiet(_movieAction);
+    _movieAction->setChecked(playing);
+    _movieAction->setIcon(playing ? _interruptIcon : _continueIcon);
 }

@@ -6,6 +6,7 @@
 
 #include <QAction>
 #include <QComboBox>
+#include <QIcon>
 #include <QObject>
 
 class AbstractSubWindow;
@@ -19,14 +20,18 @@ public:
 
     QAction* previousAction() const { return _previousAction; }
     QAction* nextAction() const { return _nextAction; }
+    QAction* movieAction() const { return _movieAction; }
     QComboBox* stepBox() const { return _stepBox; }
-    /// Images to step forward or back.
-    int step() const;
     /// Enables or disables the controls that need an image.
     void setImageLoaded(bool loaded);
+    /// Shows whether a movie is playing, without triggering anything.
+    void setMovie(bool playing);
 
 private:
     QComboBox* _stepBox;
     QAction* _previousAction;
     QAction* _nextAction;
+    QAction* _movieAction;
+    const QIcon _continueIcon;
+    const QIcon _interruptIcon;
 };

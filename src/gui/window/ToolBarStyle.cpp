@@ -35,6 +35,10 @@ QToolButton:pressed {
         stop: 0 rgb(%6,%6,%6), stop: 1 rgb(%8,%8,%8));
 }
 QToolButton:checked { color: white; font-weight: bold; background-color: rgb(%7,%7,%7); }
+QToolButton[popupMode="1"] { padding-right: 22px; }
+QToolButton::menu-button { border: none; width: 18px; }
+QToolButton::menu-button:hover { background-color: rgba(255,255,255,40); }
+QToolButton::menu-arrow { image: url(:icons/down.svg); width: 8px; }
 QCheckBox {
     background-color: transparent; color: rgb(%3,%3,%3); font-size: %1pt; font-family: %2;
     margin-left: 10px; margin-right: 10px;

@@ -48,6 +48,13 @@ public:
         _groups.of<T>().detach(observer);
     }
 
+    /// True if changes of a record spread through groups; at first they do.
+    template <class T>
+    bool synchronized() const
+    {
+        return _groups.of<T>().enabled();
+    }
+
     /// Makes the table of this identifier the default; it must be one of the tables (asserted).
     void setDefaultColorTable(const QString& name);
 

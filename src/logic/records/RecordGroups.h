@@ -20,6 +20,11 @@ public:
     {
         return std::get<SyncGroups<T>>(_groups);
     }
+    template <class T>
+    const SyncGroups<T>& of() const
+    {
+        return std::get<SyncGroups<T>>(_groups);
+    }
 
 private:
     std::tuple<SyncGroups<ContrastData>, SyncGroups<ViewportData>, SyncGroups<StatisticsData>,

@@ -36,6 +36,7 @@ public:
         }
     }
 
+    bool enabled() const { return _enabled; }
     /// True if changes spread. Switching on makes all members take over their group's record.
     /// @returns whether the value has changed
     bool setEnabled(bool enabled)

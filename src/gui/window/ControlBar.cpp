@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "gui/window/ControlBar.h"
 
+#include "gui/kit/PopupButton.h"
 #include "gui/kit/RibbonInterface.h"
 #include "gui/kit/SvgWidget.h"
 #include "gui/window/MainWindowActions.h"

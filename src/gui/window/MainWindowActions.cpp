@@ -2,32 +2,13 @@
 // SPDX-License-Identifier: MIT
 #include "gui/window/MainWindowActions.h"
 
+#include "gui/kit/PopupButton.h"
 #include "gui/window/HalvoWidget.h"
 #include "logic/detector/HalvoMonitor.h"
 
-#include <QMenu>
 #include <QSignalBlocker>
-#include <QToolButton>
-#include <QWidgetAction>
 
 #include <utility>
-
-namespace {
-
-/// A button whose arrow opens a panel.
-QToolButton* popupButton(QWidget* panel)
-{
-    auto* button = new QToolButton;
-    auto* menu = new QMenu(button);
-    auto* entry = new QWidgetAction(menu);
-    entry->setDefaultWidget(panel);
-    menu->addAction(entry);
-    QObject::connect(menu, &QMenu::aboutToShow, panel, [panel] { panel->setFocus(); });
-    button->setMenu(menu);
-    return button;
-}
-
-}  // namespace
 
 MainWindowActions::MainWindowActions(QWidget& window)
     : newWindow(new QAction(QStringLiteral("New Window"), &window))
@@ -40,7 +21,7 @@ MainWindowActions::MainWindowActions(QWidget& window)
     , movie(new QAction(QStringLiteral("Movie Mode"), &window))
     , watch(new QAction(QStringLiteral("Watch Series"), &window))
     , monitorWidget(new HalvoWidget)
-    , monitor(popupButton(monitorWidget))
+    , monitor(new PopupButton(monitorWidget))
     , help(new QAction(QStringLiteral("Documentation"), &window))
     , about(new QAction(QStringLiteral("About"), &window))
     , keys(new QAction(QStringLiteral("Keys"), &window))

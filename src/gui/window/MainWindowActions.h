@@ -12,7 +12,7 @@
 #include <QWidget>
 
 class HalvoWidget;
-class QToolButton;
+class PopupButton;
 
 /// All actions, boxes and buttons of a main window, and the window's shortcuts that trigger them.
 /// They do nothing by themselves: the window connects them. Thread: GUI only.
@@ -37,7 +37,7 @@ public:
     QAction* const movie;
     QAction* const watch;
     HalvoWidget* const monitorWidget;
-    QToolButton* const monitor;
+    PopupButton* const monitor;
     QAction* const help;
     QAction* const about;
     QAction* const keys;

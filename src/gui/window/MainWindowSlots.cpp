@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // What the actions of the main window do.
+#include "gui/kit/PopupButton.h"
 #include "gui/window/About.h"
 #include "gui/window/ControlBar.h"
 #include "gui/window/HalvoWidget.h"
@@ -20,7 +21,6 @@
 #include <QDesktopServices>
 #include <QDir>
 #include <QSettings>
-#include <QToolButton>
 #include <QUrl>
 
 void MainWindow::_connectActions()

@@ -100,17 +100,14 @@ public:
         }
         row.sum += static_cast<double>(totals.sum);
         band.squares += static_cast<double>(totals.squares);
-        band.extremes.add(static_cast<double>(totals.lowest));
-        band.extremes.add(static_cast<double>(totals.highest));
+        band.extremes.add(totals.extremes);
     }
 
 private:
     struct Totals {
         Sum<T> sum = 0;
         Sum<T> squares = 0;
-        T lowest = 0;
-        T highest = 0;
-        bool any = false;
+        ExtremesOf<T> extremes;
     };
 
     /// One loop for each kind of sum, so that the compiler makes vectors of them.
@@ -124,13 +121,9 @@ private:
         Sum<T> squares = 0;
         for (std::size_t i = 0; i < count; ++i)
             squares += static_cast<Sum<T>>(square(values[i]));
-        T lowest = totals.any ? totals.lowest : values[0];
-        T highest = totals.any ? totals.highest : values[0];
-        for (std::size_t i = 0; i < count; ++i) {
-            lowest = values[i] < lowest ? values[i] : lowest;
-            highest = values[i] > highest ? values[i] : highest;
-        }
-        totals = {totals.sum + sum, totals.squares + squares, lowest, highest, true};
+        totals.sum += sum;
+        totals.squares += squares;
+        totals.extremes.add(values, count);
     }
 
     const T* _pixels;
@@ -213,8 +206,8 @@ RoiStatistics ComputeBoxStatistics::compute(const MImage& image, const MImage& m
     }
     for (const Projection& row : rows)
         result.integral += row.sum;
-    result.minimum = extremes.minimum;
-    result.maximum = extremes.maximum;
+    result.minimum = extremes.minimum();
+    result.maximum = extremes.maximum();
     if (good != 0) {
         result.mean = result.integral / static_cast<double>(good);
         result.sigma = deviation(squares, static_cast<double>(good), result.mean);

@@ -7,6 +7,8 @@
 #include "logic/analysis/roi/RoiStatistics.h"
 
 #include <cmath>
+#include <cstddef>
+#include <limits>
 
 namespace roi {
 
@@ -47,28 +49,54 @@ struct WeightedSums {
     }
 };
 
-/// Smallest and largest value of a region; the first value that enters initialises both.
+/// Smallest and largest value of a region; 0 without values. NaN has no place in their order: it
+/// is an extreme only where there is nothing else.
 template <class T>
-struct ExtremesOf {
-    T minimum = T(0);
-    T maximum = T(0);
-    bool any = false;
+class ExtremesOf {
+public:
     void add(T value)
     {
-        if (!any)
-            minimum = maximum = value;
-        any = true;
-        minimum = value < minimum ? value : minimum;
-        maximum = value > maximum ? value : maximum;
+        _any = true;
+        _minimum = value < _minimum ? value : _minimum;
+        _maximum = value > _maximum ? value : _maximum;
+    }
+    /// In a loop of which the compiler makes vectors.
+    void add(const T* values, std::size_t count)
+    {
+        T lowest = _minimum;
+        T highest = _maximum;
+        for (std::size_t i = 0; i < count; ++i) {
+            lowest = values[i] < lowest ? values[i] : lowest;
+            highest = values[i] > highest ? values[i] : highest;
+        }
+        _minimum = lowest;
+        _maximum = highest;
+        _any |= count > 0;
     }
     template <class U>
     void add(const ExtremesOf<U>& other)
     {
-        if (!other.any)
+        if (!other.any())
             return;
-        add(static_cast<T>(other.minimum));
-        add(static_cast<T>(other.maximum));
+        add(static_cast<T>(other.minimum()));
+        add(static_cast<T>(other.maximum()));
     }
+    bool any() const { return _any; }
+    T minimum() const { return _result(_minimum); }
+    T maximum() const { return _result(_maximum); }
+
+private:
+    using Limits = std::numeric_limits<T>;
+    T _result(T extreme) const
+    {
+        if (!_any)
+            return T(0);
+        return _minimum <= _maximum ? extreme : Limits::quiet_NaN();
+    }
+
+    T _minimum = Limits::has_infinity ? Limits::infinity() : Limits::max();
+    T _maximum = Limits::has_infinity ? -Limits::infinity() : Limits::lowest();
+    bool _any = false;
 };
 using Extremes = ExtremesOf<double>;
 
@@ -89,8 +117,8 @@ struct RegionSums : WeightedSums {
     void store(RoiStatistics& result) const
     {
         result.integral = sum;
-        result.minimum = extremes.minimum;
-        result.maximum = extremes.maximum;
+        result.minimum = extremes.minimum();
+        result.maximum = extremes.maximum();
         WeightedSums::store(result.mean, result.sigma);
     }
 };

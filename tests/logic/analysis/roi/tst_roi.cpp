@@ -275,6 +275,25 @@ TEST(Regions, NothingDefinedGivesADefaultRecord)
     EXPECT_THAT(point.curveLabels, ElementsAre("Length/Pixels", "Intensity"));
 }
 
+TEST(Regions, NaNIsNoExtremeBesideNumbers)
+{
+    constexpr double Gap = std::numeric_limits<double>::quiet_NaN();
+    std::vector<double> pixels(1600);
+    for (int i = 0; i < 1600; ++i)
+        pixels[std::size_t(i)] = i % 40 < 2 ? Gap : i % 40 + i / 40;
+    MImage image = imageOf(40, 40, pixels);
+    setGeometry(image);
+    for (const StatisticsData& region :
+         {regions::box(0, 0, 40, 40), regions::powder(10.25, 7.5, 0, 60),
+          regions::line(0, 3, 39, 3)}) {
+        const RoiStatistics result = compute(image, region);
+        const bool line = region.roiType == StatisticsData::Line;
+        EXPECT_EQ(result.minimum, line ? 5 : 2);
+        EXPECT_EQ(result.maximum, line ? 42 : 78);
+    }
+    EXPECT_TRUE(std::isnan(compute(image, regions::box(0, 0, 2, 40)).minimum));
+}
+
 TEST(Line, EndPixelsCountHalf)
 {
     const RoiStatistics result =

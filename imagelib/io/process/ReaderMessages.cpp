@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <set>
 #include <vector>
 
 namespace morvend::imglib {
@@ -109,7 +110,13 @@ void ReaderAnswer::fail(const std::exception& error)
     message = error.what();
 }
 
-void ReaderAnswer::rethrow() const { throwException(exception, message); }
+void ReaderAnswer::rethrow() const
+{
+    // A reader has no say in what became of this process's own companions and work.
+    static const std::set<std::string> Own{"MReaderGoneException", "MPeerGoneException",
+                                           "MTerminateException"};
+    throwException(Own.contains(exception) ? "MRuntimeException" : exception, message);
+}
 
 std::string ReaderAnswer::toText() const
 {

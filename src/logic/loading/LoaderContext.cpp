@@ -39,9 +39,12 @@ void LoaderContext::scan()
     requests.begin(number);
     try {
         session.scan();
+        _scanFailure.clear();
     } catch (const std::exception& error) {
-        // The known state of the series stays; a picture of it is on the screen.
-        console::warn(std::string("WARNING: ") + error.what() + '\n');
+        // The known state of the series stays; a picture of it is on the screen. A folder that
+        // can't be reached would be reported ten times a second.
+        if (std::exchange(_scanFailure, error.what()) != error.what())
+            console::warn("WARNING: " + _scanFailure + '\n');
     }
     requests.leave(number);
     _desk->scanned(*this, session.bounds());

@@ -41,4 +41,5 @@ public:
 private:
     const std::shared_ptr<LoaderDesk> _desk;
     std::atomic<bool> _abandoned = false;
+    std::string _scanFailure;  // of the last scan, empty if it went well; the running job's alone
 };

@@ -91,7 +91,8 @@ ReaderAnswer fullAnswer()
     return answer;
 }
 
-template <class Exception>
+/// @tparam Arriving  the class in this process
+template <class Exception, class Arriving = Exception>
 void expectKeepsItsClass()
 {
     ReaderAnswer answer = fullAnswer();
@@ -99,7 +100,7 @@ void expectKeepsItsClass()
     try {
         ReaderAnswer::fromText(answer.toText()).rethrow();
     } catch (const std::exception& error) {
-        EXPECT_EQ(typeid(error), typeid(Exception));
+        EXPECT_EQ(typeid(error), typeid(Arriving));
         EXPECT_STREQ(error.what(), "text: /data/x");
     }
 }
@@ -340,8 +341,11 @@ TEST(ReaderMessages, FailuresKeepTheirClass)
     expectKeepsItsClass<MUnknownFormatException>();
     expectKeepsItsClass<MNotImplementedException>();
     expectKeepsItsClass<MTimeoutException>();
-    expectKeepsItsClass<MTerminateException>();
     expectKeepsItsClass<MException>();
+    // A reader has no say in what ends here.
+    expectKeepsItsClass<MTerminateException, MRuntimeException>();
+    expectKeepsItsClass<MReaderGoneException, MRuntimeException>();
+    expectKeepsItsClass<MPeerGoneException, MRuntimeException>();
     ReaderAnswer answer;
     answer.fail(std::runtime_error(std::string("a\0b", 3)));
     EXPECT_THROW(ReaderAnswer::fromText(answer.toText()).rethrow(), MRuntimeException);

@@ -43,6 +43,7 @@ ROOMS = {
     "src/logic/service": "service",
     "src/logic/core": "core",
     "src/gui/kit": "guikit",
+    "src/gui/plot": "plot",
     "src/gui/render": "render",
     "src/gui/render/geometry": "viewgeometry",
     "src/gui/render/gestures": "gestures",
@@ -88,6 +89,7 @@ ARROWS = {
     "gestures": ["viewgeometry", "guikit"],
     "overlays": ["viewgeometry", "service"],
     "render": ["gestures", "overlays"],
+    "plot": ["guikit", "display", "output"],
     "window": ["render", "core"],
     "tool": ["io", "display", "core"],
     "reader": ["hdf5nexus", "ioprocess"],
@@ -99,7 +101,7 @@ ARROWS = {
 # toolbox: any of its headers may be included from above. Rooms whose names begin with "hdf5" share
 # one page and one target, and are open to each other.
 DOORS = {
-    "display": "MDrawingList MColorTable MContrast MColorMap MRect ColorMapper DisplayValue TransferLevels",
+    "display": "MDrawingList MColorTable MContrast MColorMap MRect ColorMapper DisplayValue TransferLevels AxisScale",
     "ipc": "MMessageQueue MessageChannel SegmentPool MTimer",
     "cbf": "CbfReader CbfWriter",
     "tiff": "TiffReader TiffWriter",
@@ -121,12 +123,13 @@ DOORS = {
     "headerfiles": "WriteHeaderToFilesThread",
     "viewgeometry": "ViewGeometry RingGeometry",
     "render": "ImageDrawer ImageDrawerMain ImageDrawerThumbnail OpenGlSupport",
+    "plot": "Plotter",
     "window": "MainWindow",
 }
 
 WITHOUT_QT = {"image", "paths", "codec", "display", "ipc", "formatbase", "cbf", "tiff", "edf",
               "hdf5library", "hdf5frames", "hdf5nexus", "hdf5write", "ioprocess", "io", "reader", "demo"}
-WITH_WIDGETS = {"guikit", "render", "window", "bin"}
+WITH_WIDGETS = {"guikit", "plot", "render", "window", "bin"}
 WIDGETS = re.compile(r"Q(Widget|Application|MainWindow|Dialog|MessageBox|Layout|[HV]BoxLayout"
                      r"|Label|PushButton|ToolButton|ToolBar|Splitter|OpenGLWidget|FileDialog"
                      r"|ComboBox|CheckBox|ScrollArea|Action|Menu|Style.*)")

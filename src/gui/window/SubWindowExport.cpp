@@ -3,9 +3,9 @@
 //
 // The slots of a view that write pictures and copies of its image.
 #include "gui/kit/ErrorDialog.h"
+#include "gui/kit/SaveFileDialog.h"
 #include "gui/render/ImageDrawerMain.h"
 #include "gui/window/ExportDialog.h"
-#include "gui/window/SaveFileDialog.h"
 #include "gui/window/SubWindow.h"
 #include "logic/output/OutputFiles.h"
 #include "logic/output/OutputJob.h"

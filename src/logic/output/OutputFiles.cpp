@@ -54,12 +54,12 @@ class ForeignData {
 public:
     explicit ForeignData(const std::string& master)
         : _master(master)
-        , _replacesSeries(exists(master) && !hasOtherMaster(master))
+        , _replacesSeries(_exists(master) && !_hasOtherMaster(master))
     {}
 
     void check(const std::string& place) const
     {
-        if (place != _master && !_replacesSeries && exists(place))
+        if (place != _master && !_replacesSeries && _exists(place))
             throw MBadParameterException(
                 "The data would replace a file that may belong to another series; choose another "
                 "name: " +
@@ -67,12 +67,12 @@ public:
     }
 
 private:
-    static bool exists(const std::string& path)
+    static bool _exists(const std::string& path)
     {
         return QFileInfo::exists(QFile::decodeName(path.c_str()));
     }
     /// "x.h5" and "x_master.h5" have data files of the same names.
-    static bool hasOtherMaster(const std::string& master)
+    static bool _hasOtherMaster(const std::string& master)
     {
         const QFileInfo file(QFile::decodeName(master.c_str()));
         const QString stem = file.completeBaseName();
@@ -101,17 +101,13 @@ void saveHdf5(const MImage& image, const std::string& path)
 
 }  // namespace
 
-void output::writePicture(const QImage& picture, const QString& fileName, const QString& format)
+void output::writeBytes(const QByteArray& bytes, const QString& fileName)
 {
-    CancellableBuffer packed;
-    packed.open(QIODevice::ReadWrite);
-    const bool written = QImageWriter(&packed, format.toLatin1()).write(picture);
-    checkCancelled();
-    if (!written || fileName.isEmpty())
+    if (fileName.isEmpty())
         cannotWrite(fileName);
     try {
         AtomicFile file(localName(fileName));
-        file.write(packed.data().constData(), static_cast<std::size_t>(packed.size()));
+        file.write(bytes.constData(), static_cast<std::size_t>(bytes.size()));
         checkCancelled();
         file.commit();
     } catch (const MTerminateException&) {
@@ -119,6 +115,17 @@ void output::writePicture(const QImage& picture, const QString& fileName, const 
     } catch (const MException&) {
         cannotWrite(fileName);
     }
+}
+
+void output::writePicture(const QImage& picture, const QString& fileName, const QString& format)
+{
+    CancellableBuffer packed;
+    packed.open(QIODevice::ReadWrite);
+    const bool written = QImageWriter(&packed, format.toLatin1()).write(picture);
+    checkCancelled();
+    if (!written)
+        cannotWrite(fileName);
+    writeBytes(packed.data(), fileName);
 }
 
 void output::exportImage(const ImageSnapshot& snapshot, const QString& fileName,

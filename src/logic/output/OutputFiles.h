@@ -6,6 +6,7 @@
 
 #include "logic/output/Pictures.h"
 
+#include <QByteArray>
 #include <QString>
 
 /// Files appear under their names when they are complete: a failure or a cancel (CancelScope)
@@ -13,6 +14,10 @@
 namespace output {
 
 using morvend::imglib::MRect;
+
+/// Writes a file as it is.
+/// @throws as writePicture() does
+void writeBytes(const QByteArray& bytes, const QString& fileName);
 
 /// Writes a picture in any format of QImageWriter.
 /// @throws MNoFileAccessException "Cannot write to " and the name, MTerminateException when

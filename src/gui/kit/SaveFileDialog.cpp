@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
-#include "gui/window/SaveFileDialog.h"
+#include "gui/kit/SaveFileDialog.h"
 
 #include "logic/support/Console.h"
 

@@ -1,0 +1,128 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+#include "gui/plot/PlotPainter.h"
+
+#include "logic/support/GlobalStyle.h"
+
+#include <QFontMetrics>
+#include <QPainter>
+#include <QPolygonF>
+
+#include <algorithm>
+
+namespace plot {
+namespace {
+
+const QColor readoutColour(150, 200, 255);
+
+QFont fontOf(int points) { return {GLOBALSTYLE::fontFamily, points}; }
+
+QString shortText(double value, int digits) { return QString::number(value, 'g', digits); }
+
+void paintXTicks(QPainter& painter, const Picture& picture)
+{
+    const PlotFrame& frame = picture.frame;
+    const int bottom = frame.top + frame.plotHeight();
+    const QFontMetrics metrics(painter.font());
+    for (const auto& [pixel, value] : picture.scale.xTicks) {
+        painter.drawLine(pixel, bottom, pixel, bottom - 5);
+        const QString text = shortText(value, 4);
+        painter.drawText(pixel - metrics.horizontalAdvance(text) / 2,
+                         frame.size.height() - frame.bottom + 16, text);
+    }
+}
+
+void paintYTicks(QPainter& painter, const Picture& picture)
+{
+    constexpr int Largest = 12;
+    constexpr int Smallest = 5;
+    const PlotFrame& frame = picture.frame;
+    const int room = frame.left - 3;
+    for (const auto& [pixel, value] : picture.scale.yTicks) {
+        painter.drawLine(frame.left, pixel, frame.left + 5, pixel);
+        QString text = shortText(value, 4);
+        for (int points = Largest; points >= Smallest; --points) {
+            painter.setFont(fontOf(points));
+            const QFontMetrics metrics(painter.font());
+            const QString exact = shortText(value, 5);
+            const int width = metrics.horizontalAdvance(exact);
+            const QString brief = shortText(value, 4);
+            text = width > metrics.horizontalAdvance(brief) && width > room ? brief : exact;
+            if (width <= room)
+                break;
+        }
+        const QFontMetrics metrics(painter.font());
+        painter.drawText(room - metrics.horizontalAdvance(text),
+                         pixel + (metrics.ascent() - metrics.descent()) / 2, text);
+    }
+}
+
+void paintReadout(QPainter& painter, const Picture& picture)
+{
+    const auto& [point, x, y] = *picture.readout;
+    painter.setPen(readoutColour);
+    painter.drawLine(point - QPointF(3, 0), point + QPointF(3, 0));
+    painter.drawLine(point - QPointF(0, 3), point + QPointF(0, 3));
+    painter.setFont(fontOf(12));
+    const QString text = '(' + shortText(x, 3) + ", " + shortText(y, 3) + ')';
+    const QFontMetrics metrics(painter.font());
+    const PlotFrame& frame = picture.frame;
+    painter.drawText(frame.size.width() - frame.right - 4 - metrics.horizontalAdvance(text),
+                     metrics.height() + frame.top + 3, text);
+}
+
+void paintArrow(QPainter& painter, const Picture& picture, const LeftRightArrow& arrow)
+{
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setFont(fontOf(10));
+    painter.setPen(Qt::white);
+    painter.setBrush(Qt::white);
+    const QFontMetrics metrics(painter.font());
+    const int base =
+        picture.frame.top + (arrow.level ? 3 * metrics.height() + 9 : 2 * metrics.height() + 6);
+    const double left = picture.scale.pixelOf(arrow.left);
+    const double right = picture.scale.pixelOf(arrow.right);
+    const double line = base + 2;
+    painter.drawLine(QPointF(left + 3, line), QPointF(right - 3, line));
+    painter.drawPolygon(QPolygonF({{left, line}, {left + 4, line - 2}, {left + 4, line + 2}}));
+    painter.drawPolygon(QPolygonF({{right, line}, {right - 4, line - 2}, {right - 4, line + 2}}));
+    painter.drawText(QPointF((left + right - metrics.horizontalAdvance(arrow.text)) / 2, base),
+                     arrow.text);
+    painter.restore();
+}
+
+}  // namespace
+
+void paint(QPainter& painter, const Picture& picture)
+{
+    const PlotFrame& frame = picture.frame;
+    const QRect area(frame.left, frame.top, frame.plotWidth(), frame.plotHeight());
+    painter.setPen(Qt::white);
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(area);
+    painter.setFont(fontOf(12));
+    painter.drawText(frame.size.width() - 24 - frame.right, frame.top - 5, QStringLiteral("Log"));
+    if (!picture.scale.graph.empty()) {
+        if (picture.dragged) {
+            const auto [from, to] = std::minmax(picture.dragged->first, picture.dragged->second);
+            painter.fillRect(QRectF(from, area.top() + 1, to - from, area.height() - 1),
+                             QColor(255, 255, 255, 50));
+        }
+        painter.setClipRect(area.adjusted(0, 0, 1, 1));
+        painter.drawPolyline(picture.scale.graph.data(), int(picture.scale.graph.size()));
+        for (const LeftRightArrow& arrow : picture.arrows)
+            paintArrow(painter, picture, arrow);
+        painter.setClipping(false);
+        const int width = QFontMetrics(painter.font()).horizontalAdvance(picture.xLabel);
+        painter.drawText(area.center().x() - width / 2, frame.size.height() - frame.bottom + 31,
+                         picture.xLabel);
+    }
+    paintXTicks(painter, picture);
+    painter.drawText(frame.left, frame.top - 5, picture.yLabel);
+    paintYTicks(painter, picture);
+    if (picture.readout)
+        paintReadout(painter, picture);
+}
+
+}  // namespace plot

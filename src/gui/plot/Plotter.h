@@ -1,0 +1,71 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// A small plot of one curve.
+#pragma once
+
+#include "gui/plot/PlotPainter.h"
+
+#include <QString>
+#include <QWidget>
+
+#include <optional>
+#include <utility>
+
+class QCheckBox;
+
+/// Draws one curve with axes, ticks, an optional logarithmic y axis, arrows that measure along x
+/// and the values at the cursor. The wheel zooms into x about the cursor, a drag with the right
+/// button into the dragged range, a double click shows all again. A right click offers to save and
+/// copy the plot. It knows nothing of images. Thread: GUI only.
+class Plotter : public QWidget {
+    Q_OBJECT
+public:
+    /// @param minimumWidth,minimumHeight  in pixels, also the size hint
+    /// @param margin  pixels around the plot, to which the texts of the axes are added
+    Plotter(int minimumWidth, int minimumHeight, int margin, QWidget* parent = nullptr);
+
+    /// @param rows  x, y and mask in ascending order of x, see plot::Rows
+    /// @param topPadding,bottomPadding  pixels kept free above the highest and below the lowest
+    /// point
+    void setPlot(plot::Rows rows, int topPadding, int bottomPadding, const QString& xLabel,
+                 const QString& yLabel);
+    void clearPlot();
+    /// An arrow between two x with a text over it. Texts of neighbours stand at two heights.
+    void addLeftRightArrow(double x1, double x2, const QString& text);
+
+    /// Shows a part of the x axis; all without a range or where no two rows are in it.
+    void showRange(std::optional<std::pair<double, double>> range);
+    /// What is drawn.
+    const plot::Picture& picture() const { return _picture; }
+    /// All rows as text, one in a line under the labels; masked ones have a y of 0.
+    QString text() const;
+
+    QSize sizeHint() const override { return minimumSize(); }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+
+private slots:
+    void _setPlot(bool logarithmic);
+
+private:
+    void _openMenu(const QPoint& position);
+    void _save();
+    void _copy();
+    void _setCursorInfo(double x);
+    void _zoom(double factor, double x);
+
+    plot::Rows _data;
+    plot::Picture _picture;
+    std::optional<std::pair<double, double>> _range;
+    std::optional<double> _dragFrom;  // pixel
+    QCheckBox* _logBox;
+};

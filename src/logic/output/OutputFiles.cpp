@@ -108,7 +108,6 @@ void output::writeBytes(const QByteArray& bytes, const QString& fileName)
     try {
         AtomicFile file(localName(fileName));
         file.write(bytes.constData(), static_cast<std::size_t>(bytes.size()));
-        checkCancelled();
         file.commit();
     } catch (const MTerminateException&) {
         throw;

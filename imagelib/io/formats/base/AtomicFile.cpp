@@ -5,6 +5,7 @@
 #include "imagelib/io/formats/base/AtomicFile.h"
 
 #include "imagelib/image/MException.h"
+#include "imagelib/io/formats/base/Cancellation.h"
 
 #include <algorithm>
 #include <atomic>
@@ -56,9 +57,10 @@ AtomicFile::~AtomicFile()
 
 void AtomicFile::write(const void* bytes, std::size_t count)
 {
-    constexpr std::size_t Most = std::size_t(1) << 30;
+    constexpr std::size_t Most = std::size_t(1) << 24;
     const char* from = static_cast<const char*>(bytes);
     while (count > 0) {
+        checkCancelled();
         const ssize_t done = ::write(_file, from, std::min(count, Most));
         if (done < 0 && errno != EINTR)
             _fail(errno);
@@ -71,6 +73,7 @@ void AtomicFile::write(const void* bytes, std::size_t count)
 
 void AtomicFile::commit()
 {
+    checkCancelled();
     const int file = std::exchange(_file, -1);
     if (::close(file) != 0)  // network file systems report a full disk here
         _fail(errno);

@@ -16,7 +16,7 @@ std::string temporaryName(const std::string& path);
 
 /// Writes beside the target under a temporary name (hidden, ending in ".tmp") and renames it by
 /// commit(): readers see the old file or the new one, never a part. Without commit() nothing is
-/// left behind. A replaced file keeps its permissions.
+/// left behind. A replaced file keeps its permissions. Writing follows checkCancelled().
 /// Thread: one at a time; several objects may write to one path, the last commit wins.
 class AtomicFile {
 public:

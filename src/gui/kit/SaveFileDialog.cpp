@@ -43,10 +43,6 @@ void SaveFileDialog::_applyFilterSlot(QString filter)
     if (files.isEmpty())
         return;
     const QFileInfo file(files.first());
-    if (file.isDir() || file.suffix() == extension)
-        return;
-    // Of "run_0.5deg" the part after the point is no ending of a format.
-    const bool known = _extensionToFilter.contains(file.suffix().toLower());
-    const QString base = known ? file.completeBaseName() : file.fileName();
-    selectFile(file.dir().filePath(base + '.' + extension));
+    if (!file.isDir() && file.suffix() != extension)
+        selectFile(file.dir().filePath(file.completeBaseName() + '.' + extension));
 }

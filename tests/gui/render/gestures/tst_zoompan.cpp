@@ -18,6 +18,17 @@ TEST(ZoomPan, TheFirstViewportCentresTheImageAtOnePixelPerPixel)
     EXPECT_EQ(render::centredViewport({99, 51}, view), ViewportData(-50, -24, 0, 0, 0));
 }
 
+TEST(ZoomPan, AFittedImageIsCentredAtTheLargestZoomThatShowsAllOfIt)
+{
+    const ViewportData current(7, 7, 5, 30, 40);
+    const auto fitted = [&](QSize image) { return render::fittedViewport(current, image, view); };
+    EXPECT_EQ(fitted({200, 100}), ViewportData(0, 0, 0, 30, 40));
+    EXPECT_EQ(fitted({201, 100}), ViewportData(-99.5, -50, -1, 30, 40));
+    EXPECT_EQ(fitted({50, 40}), ViewportData(-25, -5, 1, 30, 40));
+    EXPECT_EQ(fitted({1, 1}), ViewportData(-1.0625, -0.28125, 6, 30, 40));
+    EXPECT_EQ(fitted({1000, 900}), ViewportData(100, 250, -2, 30, 40)) << "too large";
+}
+
 TEST(ZoomPan, NoMoveWidensTheEmptyBorder)
 {
     struct Row {

@@ -38,6 +38,10 @@ Target askForTarget(QWidget* parent, const QStringList& extensions, const QStrin
     Target target;
     if (dialog->exec() == QDialog::Accepted && dialog)
         target = {dialog->selectedFiles().value(0), dialog->extension()};
+    // A name with the ending of another format than the chosen one would deceive all readers.
+    if (const QString ending = QFileInfo(target.file).suffix().toLower();
+        extensions.contains(ending))
+        target.extension = ending;
     delete dialog;
     return target;
 }

@@ -59,6 +59,9 @@ void ContainerSideBar::addSideBar(SideBar* sideBar)
 void ContainerSideBar::setLevel(unsigned int level)
 {
     SideBar::setLevel(level);
+    // What is left below the panels belongs to the root's filler.
+    setSizePolicy(QSizePolicy::Preferred,
+                  level > 0 ? QSizePolicy::Maximum : QSizePolicy::Preferred);
     for (SideBar* sideBar : _sideBars)
         sideBar->setLevel(level + 1);
 }

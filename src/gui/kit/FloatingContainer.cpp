@@ -64,7 +64,7 @@ void FloatingContainer::mouseMoveEvent(QMouseEvent* event)
     const QPoint global = event->globalPosition().toPoint();
     if (window() != this)
         event->ignore();
-    else if (event->buttons() & Qt::LeftButton && frameGeometry().contains(global))
+    else if (event->buttons() & Qt::LeftButton && (_torn || frameGeometry().contains(global)))
         move(global - _offset);
 }
 

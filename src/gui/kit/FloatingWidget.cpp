@@ -10,6 +10,12 @@
 
 #include <algorithm>
 
+namespace {
+
+constexpr int LeastDropHeight = 30;
+
+}  // namespace
+
 FloatingWidget::FloatingWidget(QWidget* child, const QString& title, const QColor& background,
                                QWidget* parent)
     : QWidget(parent)
@@ -77,7 +83,9 @@ void FloatingWidget::catchChild()
 
 void FloatingWidget::_catchDropped()
 {
-    if (isVisible() && _isOver(QCursor::pos()))
+    // An empty place may have no height.
+    const QRect target(0, 0, width(), std::max(height(), LeastDropHeight));
+    if (isVisible() && target.contains(mapFromGlobal(QCursor::pos())))
         catchChild();
 }
 

@@ -94,5 +94,5 @@ void SideBarTitle::paintEvent(QPaintEvent*)
     static const QFont font(GLOBALSTYLE::fontFamily, 13);
     static const QFontMetrics metrics(font);
     painter.setFont(font);
-    painter.drawText(x + 20, (metrics.height() + h) / 2, _sideBar->title());
+    painter.drawText(x + 20, (metrics.capHeight() + h) / 2, _sideBar->title());
 }

@@ -87,7 +87,9 @@ TEST(SideBarTest, LevelsAreCountedFromTheRootWhichCanNotBeFolded)
     settle();
     EXPECT_EQ(column.title(0)->size(), QSize(column.area->viewport()->width(), 30));
     column.area->resize(250, 250);
+    group->toggleVisible(true);
     settle();
+    EXPECT_EQ(group->height(), 25) << "no more than the title in it";
     EXPECT_EQ(column.title(0)->width(), column.area->viewport()->width());
 }
 

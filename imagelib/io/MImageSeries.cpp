@@ -132,6 +132,7 @@ MImage MImageSeries::at(std::size_t number) const { return at(toInt(number)); }
 bool MImageSeries::empty() const { return _d->series->empty(); }
 int MImageSeries::first() const { return empty() ? -1 : _d->series->first(); }
 int MImageSeries::last() const { return empty() ? -1 : _d->series->last(); }
+NumberRanges MImageSeries::gaps() const { return empty() ? nullptr : _d->series->gaps(); }
 int MImageSeries::next(int number) const { return empty() ? -1 : _d->series->next(number); }
 int MImageSeries::previous(int number) const { return empty() ? -1 : _d->series->previous(number); }
 void MImageSeries::update()

@@ -6,6 +6,7 @@
 #pragma once
 
 #include "imagelib/image/MImage.h"
+#include "imagelib/image/NumberRange.h"
 
 #include <cstddef>
 #include <memory>
@@ -74,6 +75,9 @@ public:
     /// one: steps over gaps.
     int next(int number) const;
     int previous(int number) const;
+    /// The runs of numbers in between that the last listing of the folder lacked, the first ten
+    /// thousand of them; null without any. Costs nothing.
+    NumberRanges gaps() const;
     /// The file that holds the image of a number, as an absolute path.
     /// @throws MRuntimeException for a series in memory, MOutOfRangeException for a number that the
     /// series can't have

@@ -22,6 +22,9 @@ auto lowerBound(const std::vector<Member>& members, int number)
                             [](const Member& left, int right) { return left.number < right; });
 }
 
+/// Nobody could tell more of them apart on a screen.
+constexpr std::size_t MostGaps = 10'000;
+
 bool padded(const Member& member)
 {
     return static_cast<int>(std::to_string(member.number).size()) < member.digits;
@@ -42,6 +45,7 @@ NumberedSeries::NumberedSeries(SeriesFinder finder, std::unique_ptr<ImageFile> o
     const auto place = lowerBound(_members, mine.number);
     if (place == _members.end() || place->number != mine.number)
         _members.insert(place, mine);
+    findGaps();
 }
 
 void NumberedSeries::relist()
@@ -54,6 +58,19 @@ void NumberedSeries::relist()
                              ? _members.end()
                              : std::find_if(_members.begin(), _members.end(), padded);
     _padding = example == _members.end() ? _finder.opened().digits : example->digits;
+    findGaps();
+}
+
+void NumberedSeries::findGaps()
+{
+    std::vector<NumberRange> gaps;
+    for (std::size_t i = 1; i < _members.size() && gaps.size() < MostGaps; ++i) {
+        const int before = _members[i - 1].number;
+        if (_members[i].number - before > 1)
+            gaps.push_back({before + 1, _members[i].number - 1});
+    }
+    _gaps =
+        gaps.empty() ? nullptr : std::make_shared<const std::vector<NumberRange>>(std::move(gaps));
 }
 
 Member NumberedSeries::member(int number) const

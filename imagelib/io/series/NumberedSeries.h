@@ -26,6 +26,7 @@ public:
     int last() const override { return _members.back().number; }
     int next(int number) const override;
     int previous(int number) const override;
+    NumberRanges gaps() const override { return _gaps; }
     MImage at(int number) const override;
     std::string pathToImage(int number) const override;
     void update() override;
@@ -33,6 +34,7 @@ public:
 private:
     /// Lists the folder again; keeps the members if that fails.
     void relist();
+    void findGaps();
     /// The file of a number; for one that is not listed, with the usual width.
     SeriesFinder::Member member(int number) const;
 
@@ -40,6 +42,7 @@ private:
     ImagePathOpener _open;
     std::string _format;
     std::vector<SeriesFinder::Member> _members;  // by rising number, never empty
+    NumberRanges _gaps;
     int _padding = 0;  // least digits in the name of a file that is not known
     mutable std::unique_ptr<ImageFile> _opened;
 };

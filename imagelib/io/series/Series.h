@@ -5,6 +5,7 @@
 #pragma once
 
 #include "imagelib/image/MImage.h"
+#include "imagelib/image/NumberRange.h"
 
 #include <string>
 
@@ -23,6 +24,8 @@ public:
     /// Without gaps, unless a kind knows better.
     virtual int next(int number) const;
     virtual int previous(int number) const;
+    /// The runs of numbers between first() and last() without image; null without any.
+    virtual NumberRanges gaps() const { return {}; }
     virtual MImage at(int number) const = 0;
     virtual std::string pathToImage(int number) const = 0;
     virtual void update() {}

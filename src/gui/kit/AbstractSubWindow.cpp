@@ -51,7 +51,7 @@ void AbstractSubWindow::setWidget(QWidget* widget)
     assert(widget);
     delete _widget;
     _widget = widget;
-    _layout->addWidget(widget, 1);
+    _layout->insertWidget(1, widget, 1);
 }
 
 void AbstractSubWindow::hideToolButtons() { _setToolButtonsVisible(false); }
@@ -97,4 +97,6 @@ void AbstractSubWindow::_setToolButtonsVisible(bool visible)
     for (QWidget* item : _titleBar->titleWidgets())
         item->setVisible(visible);
     _titleBar->exitButton()->setVisible(visible);
+    _toolButtonsShown = visible;
+    emit toolButtonsShownSignal(visible);
 }

@@ -27,6 +27,10 @@ public:
     /// Puts a widget below the title bar, replacing the previous one, which is deleted.
     void setWidget(QWidget* widget);
     QWidget* widget() const { return _widget; }
+    /// Puts a widget along the lower edge, below the content.
+    void addFootWidget(QWidget* widget) { _layout->addWidget(widget); }
+    /// False for a bare view.
+    bool toolButtonsShown() const { return _toolButtonsShown; }
     TitleBar* titleBar() const { return _titleBar; }
     void addTitleBarWidget(QWidget* widget) { _titleBar->addWidget(widget); }
     void addTitleBarAction(QAction* action) { _titleBar->addAction(action); }
@@ -45,6 +49,8 @@ signals:
     void gotActivated(AbstractSubWindow* frame);
     void windowStateChanged(Qt::WindowStates oldState, Qt::WindowStates newState);
     void terminated(AbstractSubWindow* frame);
+    /// The view has become bare, or is so no longer.
+    void toolButtonsShownSignal(bool shown);
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -57,6 +63,7 @@ private:
     void _setToolButtonsVisible(bool visible);
 
     bool _active = false;
+    bool _toolButtonsShown = true;
     QWidget* _widget = nullptr;
     QVBoxLayout* _layout;
     TitleBar* _titleBar;

@@ -7,6 +7,7 @@
 #include "gui/render/ImageDrawerMain.h"
 #include "gui/window/DroppedFiles.h"
 #include "gui/window/SubWindowEventControl.h"
+#include "gui/window/SubWindowStrip.h"
 #include "gui/window/SubWindowTitleBar.h"
 #include "gui/window/ViewHost.h"
 #include "imagelib/display/MColorTable.h"
@@ -28,6 +29,7 @@ SubWindow::SubWindow(ViewHost& mainWindow, TarvikService* service, bool useGlsl)
 {
     setAttribute(Qt::WA_DeleteOnClose);
     setWidget(_imageDrawer);
+    new SubWindowStrip(*this, *service, [this] { return _fileIncreaseNumber; });
     setAcceptDrops(true);
     connect(_controls->stepBox(), &QComboBox::currentIndexChanged, this,
             &SubWindow::_setFileIncreaseNumber);

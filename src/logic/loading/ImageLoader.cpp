@@ -42,7 +42,8 @@ ImageLoader::ImageLoader(QObject* parent)
     , _desk(std::make_shared<LoaderDesk>(LoaderDesk::Signals{
           [this] { emit newImage(); }, [this] { emit imageContainerChangedSignal(); },
           [this](const std::string& message) { emit loadError(textOf(message)); },
-          [this](const std::string& message) { emit notice(textOf(message)); }}))
+          [this](const std::string& message) { emit notice(textOf(message)); },
+          [this] { emit readAheadSignal(); }}))
     , _context(std::make_shared<LoaderContext>(_desk))
     , _strand(Strand::create(WorkerPool::process()))
 {
@@ -105,6 +106,16 @@ void ImageLoader::step(int n, const Data& data, bool signalLoadError)
         _ask({TaskOpenIndex, data, signalLoadError, {n}, true});
 }
 
+void ImageLoader::seek(const Data& data, bool forward)
+{
+    if (_emptying)
+        return;
+    const int step = forward ? 1 : -1;
+    Data beside = data;
+    beside.index -= step;
+    _ask({TaskOpenIndex, beside, true, {step}, false});
+}
+
 void ImageLoader::_ask(const Request& request)
 {
     const bool byNumber = request.task == TaskOpenIndex;
@@ -142,8 +153,9 @@ std::string ImageLoader::_nameOf(const Request& request)
     const std::string file = _openedPath.empty() ? "the image" : _openedPath;
     if (request.fromAsked)
         return "another image of " + file;
+    const int beside = request.steps.empty() ? 0 : request.steps.front();
     return request.task == TaskOpenIndex
-               ? "image " + std::to_string(request.data.index) + " of " + file
+               ? "image " + std::to_string(request.data.index + beside) + " of " + file
                : file;
 }
 
@@ -194,6 +206,7 @@ void ImageLoader::emptyTaskQueue()
     _strand->drop();
     _strand->waitForDone();
     _emptying = false;
+    _context->listQueued = false;
     if (_context->scanQueued.exchange(false))
         _updateTimer.start(static_cast<int>(scanPeriod));  // a scan was dropped: later, then
 }
@@ -203,6 +216,14 @@ void ImageLoader::results(std::list<Data>& out) { _desk->take(out); }
 int ImageLoader::firstIndex() const { return _desk->bounds().first; }
 
 int ImageLoader::lastIndex() const { return _desk->bounds().last; }
+
+SeriesState ImageLoader::seriesState() const { return _desk->bounds(); }
+
+void ImageLoader::listReadAhead()
+{
+    if (!_context->listQueued.exchange(true))
+        _strand->post([context = _context] { context->listReadAhead(); });
+}
 
 void ImageLoader::update()
 {

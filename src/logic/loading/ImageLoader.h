@@ -54,6 +54,9 @@ public:
     /// @param signalLoadError false for the steps of a movie, which are repeated: these report
     /// nothing at the end of the series
     void step(int n, const Data& data, bool signalLoadError);
+    /// Queues a request for the number in `data`, or for the next image beyond it, forward or back,
+    /// that can be shown. What is skipped, or that there is none, is reported as of a step.
+    void seek(const Data& data, bool forward);
     /// Drops what is queued and waits for a running job, whose result still comes. No caller yet in
     /// the program, since a job may hang: the modes of a view use dropTaskQueue().
     void emptyTaskQueue();
@@ -66,8 +69,12 @@ public:
     /// Lowest and highest image number of the series when the last job ended, -1 for an empty one.
     int firstIndex() const;
     int lastIndex() const;
+    /// What is known of the series' images.
+    SeriesState seriesState() const;
 
 public slots:
+    /// Looks what has been read ahead, between two jobs; readAheadSignal() follows.
+    void listReadAhead();
     /// Scans the series for new images, at most once in 100 ms; the last of many calls is not lost.
     void update();
 
@@ -80,6 +87,8 @@ signals:
     void loadError(QString message);
     /// What a step has skipped, or why it has no target.
     void notice(QString message);
+    /// The read-ahead was looked at.
+    void readAheadSignal();
     // From the GUI thread.
     /// What the view is waiting for, as a text to show: first after 0.4 seconds, then each second;
     /// empty once the wait is over.

@@ -49,3 +49,10 @@ void LoaderContext::scan()
     requests.leave(number);
     _desk->scanned(*this, session.bounds());
 }
+
+void LoaderContext::listReadAhead()
+{
+    listQueued = false;
+    auto list = session.listReadAhead();
+    _desk->readAhead(*this, list ? std::make_shared<const ReadAhead>(std::move(*list)) : nullptr);
+}

@@ -33,10 +33,13 @@ public:
     void notice(const std::string& message);
     /// The job of a scan: looks for new images.
     void scan();
+    /// The job that asks what has been read ahead.
+    void listReadAhead();
 
     SeriesSession session;  ///< the running job's alone
     RequestList requests;
     std::atomic<bool> scanQueued = false;
+    std::atomic<bool> listQueued = false;
 
 private:
     const std::shared_ptr<LoaderDesk> _desk;

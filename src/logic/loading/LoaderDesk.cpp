@@ -28,6 +28,15 @@ SeriesSession::Shown LoaderDesk::shown() const
     return _shown;
 }
 
+void LoaderDesk::_setBounds(const std::optional<Bounds>& bounds)
+{
+    if (!bounds)
+        return;
+    auto list = std::move(_bounds.readAhead);
+    _bounds = *bounds;
+    _bounds.readAhead = std::move(list);
+}
+
 template <class Action>
 void LoaderDesk::_from(const LoaderContext& context, Action&& action)
 {
@@ -40,7 +49,9 @@ void LoaderDesk::deliver(const LoaderContext& from, const std::optional<Bounds>&
                          const LoaderData& record, const std::string& openedAs)
 {
     _from(from, [&] {
-        _bounds = bounds.value_or(_bounds);
+        if (openedAs != _shown.path)
+            _bounds.readAhead.reset();
+        _setBounds(bounds);
         _results.push_back(record);
         _shown = {openedAs, record.index};
         _signals.newImage();
@@ -51,7 +62,7 @@ void LoaderDesk::fail(const LoaderContext& from, const std::optional<Bounds>& bo
                       const std::string& message)
 {
     _from(from, [&] {
-        _bounds = bounds.value_or(_bounds);
+        _setBounds(bounds);
         if (!message.empty())
             _signals.loadError(message);
     });
@@ -65,7 +76,15 @@ void LoaderDesk::notice(const LoaderContext& from, const std::string& message)
 void LoaderDesk::scanned(const LoaderContext& from, const std::optional<Bounds>& bounds)
 {
     _from(from, [&] {
-        _bounds = bounds.value_or(_bounds);
+        _setBounds(bounds);
         _signals.scanned();
+    });
+}
+
+void LoaderDesk::readAhead(const LoaderContext& from, std::shared_ptr<const ReadAhead> list)
+{
+    _from(from, [&] {
+        _bounds.readAhead = std::move(list);
+        _signals.readAhead();
     });
 }

@@ -27,6 +27,7 @@ public:
         std::function<void()> scanned;
         std::function<void(const std::string&)> loadError;
         std::function<void(const std::string&)> notice;
+        std::function<void()> readAhead;
     };
 
     explicit LoaderDesk(Signals signals_)
@@ -38,7 +39,7 @@ public:
     void serve(const LoaderContext* context);
     /// Moves all records to the end of a list, in the order they came.
     void take(std::list<LoaderData>& out);
-    /// Of the series when the last job ended.
+    /// Of the series when the last job ended, with the read-ahead that was listed last.
     Bounds bounds() const;
     /// The series and the image of the last record.
     SeriesSession::Shown shown() const;
@@ -52,8 +53,11 @@ public:
               const std::string& message);
     void notice(const LoaderContext& from, const std::string& message);
     void scanned(const LoaderContext& from, const std::optional<Bounds>& bounds);
+    void readAhead(const LoaderContext& from, std::shared_ptr<const ReadAhead> list);
 
 private:
+    /// Under the mutex.
+    void _setBounds(const std::optional<Bounds>& bounds);
     /// Calls an action, unless another context counts.
     template <class Action>
     void _from(const LoaderContext& context, Action&& action);

@@ -17,7 +17,7 @@ int LoaderRequest::way() const
 
 void LoaderRequest::join(const LoaderRequest& newer)
 {
-    if (newer.steps.empty()) {
+    if (newer.steps.empty() || !newer.fromAsked) {
         *this = newer;
         return;
     }

@@ -59,11 +59,48 @@ int SeriesSession::push(const MImage& image)
     return _current().last();
 }
 
-MImage SeriesSession::read(int number) const { return _current().at(number); }
+MImage SeriesSession::read(int number)
+{
+    try {
+        MImage image = _current().at(number);
+        _noteSuccess(number);
+        return image;
+    } catch (const morvend::imglib::MTerminateException&) {
+        throw;  // says nothing of the image
+    } catch (const morvend::MOutOfRangeException&) {
+        throw;  // there is no such image
+    } catch (const morvend::MException& error) {
+        _noteFailure(number, error.what());
+        throw;
+    }
+}
 
 bool SeriesSession::readAhead(int number, MImage& image)
 {
-    return _preloader.get(image, static_cast<unsigned long>(number), "");
+    if (!_preloader.get(image, static_cast<unsigned long>(number), ""))
+        return false;
+    _noteSuccess(number);
+    return true;
+}
+
+void SeriesSession::_noteFailure(int number, const std::string& reason)
+{
+    if (_beside)
+        return;
+    auto failed = _failed ? *_failed : SeriesState::Failures();
+    if (failed.size() >= SeriesState::MostFailures)
+        failed.erase(failed.begin());
+    failed[number] = reason;
+    _failed = std::make_shared<const SeriesState::Failures>(std::move(failed));
+}
+
+void SeriesSession::_noteSuccess(int number)
+{
+    if (_beside || !_failed || !_failed->contains(number))
+        return;
+    auto failed = *_failed;
+    failed.erase(number);
+    _failed = std::make_shared<const SeriesState::Failures>(std::move(failed));
 }
 
 void SeriesSession::catchUp(int number)
@@ -110,6 +147,7 @@ void SeriesSession::keep(const LoaderData& record)
     if (_beside) {
         _series.exchange(_beside->series);
         _openedAs.swap(_beside->openedAs);
+        _failed.reset();
         _tellPreloader(record.index);
     }
     if (!_headerKnown && !_openedAs.empty()) {
@@ -139,5 +177,6 @@ std::optional<SeriesSession::Bounds> SeriesSession::bounds() const
 {
     if (!_comeBackTo.empty())
         return {};
-    return _series.empty() ? Bounds{} : Bounds{_series.first(), _series.last()};
+    return _series.empty() ? Bounds{}
+                           : Bounds{_series.first(), _series.last(), _series.gaps(), _failed, {}};
 }

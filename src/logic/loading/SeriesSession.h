@@ -10,6 +10,7 @@
 #include "logic/loading/LoaderData.h"
 #include "logic/loading/MaskFixup.h"
 #include "logic/loading/MaskThumbnails.h"
+#include "logic/loading/SeriesState.h"
 #include "logic/loading/Steps.h"
 #include "logic/preload/PreloaderClient.h"
 
@@ -25,11 +26,8 @@
 class SeriesSession {
 public:
     using MImage = morvend::imglib::MImage;
-    /// Lowest and highest number of the series, -1 for an empty one.
-    struct Bounds {
-        int first = -1;
-        int last = -1;
-    };
+    /// All of the state but the read-ahead.
+    using Bounds = SeriesState;
     /// A shown image. Path that its series was opened by, empty for one in memory.
     struct Shown {
         std::string path;
@@ -50,10 +48,13 @@ public:
     /// file. @returns the image's number
     int push(const MImage& image);
 
-    /// The image of a number, from its file.
-    MImage read(int number) const;
+    /// The image of a number, from its file. A failure in the open series is remembered until the
+    /// image can be read.
+    MImage read(int number);
     /// The image of a number if the preloader has it. @returns false otherwise
     bool readAhead(int number, MImage& image);
+    /// What the preloader has of the open series; nothing if it does not answer.
+    std::optional<ReadAhead> listReadAhead() const { return _preloader.list(); }
     /// Looks for new images if the series is not known to go as far as this number.
     void catchUp(int number);
     /// The file of an image, empty for an image in memory.
@@ -106,7 +107,11 @@ private:
     /// Lets the preloader follow the series that has just been opened.
     void _tellPreloader(int number);
 
+    void _noteFailure(int number, const std::string& reason);
+    void _noteSuccess(int number);
+
     morvend::imglib::MImageSeries _series;
+    std::shared_ptr<const SeriesState::Failures> _failed;  // of the open series
     std::optional<Other> _beside;
     std::string _openedAs;
     std::string _comeBackTo;

@@ -256,6 +256,7 @@ bool Preloader::_read(const Key& key, Series& series)
         return false;
     } catch (const std::exception& error) {
         series.failed(number, error);
+        _cache.fail(key, error.what());
     }
     return true;
 }

@@ -4,6 +4,8 @@
 // Insertion and erasure of images.
 #include "logic/preload/PreloaderCache.h"
 
+#include <algorithm>
+#include <limits>
 #include <vector>
 
 using morvend::imglib::FileStamp;
@@ -17,6 +19,48 @@ void PreloaderCache::add(const Key& key, const MImage& image, const Origin& orig
     Entry& entry = _entries[key];
     entry = {image, origin};
     _fill += _bytes(entry);
+    _held[std::get<0>(key)].add(std::get<1>(key));
+    _failed.erase(key);
+}
+
+void PreloaderCache::fail(const Key& key, const std::string& reason)
+{
+    const std::lock_guard lock(_mutex);
+    if (_failed.size() < ReadAhead::MostFailures)
+        _failed[key] = reason.substr(0, ReadAhead::LongestReason);
+}
+
+ReadAhead PreloaderCache::list(const std::string& path) const
+{
+    // Numbers of a series are those of an int.
+    const auto number = [](unsigned long from) {
+        return static_cast<int>(
+            std::min<unsigned long>(from, static_cast<unsigned>(std::numeric_limits<int>::max())));
+    };
+    ReadAhead list;
+    const std::lock_guard lock(_mutex);
+    if (const auto held = _held.find(path); held != _held.end()) {
+        for (const auto& [first, last] : held->second.runs()) {
+            if (list.held.size() < ReadAhead::MostRuns)
+                list.held.push_back({number(first), number(last)});
+        }
+    }
+    for (const auto& [key, reason] : _failed) {
+        if (std::get<0>(key) == path)
+            list.failed[number(std::get<1>(key))] = reason;
+    }
+    return list;
+}
+
+PreloaderCache::Entries::iterator PreloaderCache::_erase(Entries::iterator entry)
+{
+    const auto& [path, number] = entry->first;
+    const auto held = _held.find(path);
+    held->second.remove(number);
+    if (held->second.runs().empty())
+        _held.erase(held);
+    _fill -= _bytes(entry->second);
+    return _entries.erase(entry);
 }
 
 bool PreloaderCache::count(const Key& key) const
@@ -43,14 +87,19 @@ void PreloaderCache::_eraseWhere(Condition&& condition)
         --each;
         if (!condition(*each))
             continue;
-        _fill -= _bytes(each->second);
-        erased.push_back(std::move(each->second.image));
-        each = _entries.erase(each);
+        erased.push_back(each->second.image);
+        each = _erase(each);
     }
 }
 
 void PreloaderCache::eraseIfLessEqual(const Key& key)
 {
+    {
+        const std::lock_guard lock(_mutex);
+        std::erase_if(_failed, [&](const auto& failure) {
+            return std::get<0>(failure.first) != std::get<0>(key);
+        });
+    }
     _eraseWhere([&](const Entries::value_type& entry) {
         return std::get<0>(entry.first) != std::get<0>(key) ||
                std::get<1>(entry.first) <= std::get<1>(key);
@@ -94,6 +143,5 @@ void PreloaderCache::eraseIfStale(const Key& key)
     const auto place = _entries.find(key);
     if (place == _entries.end() || !(place->second.origin.stamp == origin.stamp))
         return;
-    _fill -= _bytes(place->second);
-    _entries.erase(place);
+    _erase(place);
 }

@@ -6,6 +6,8 @@
 
 #include "imagelib/image/MImage.h"
 #include "imagelib/io/formats/base/FileStamp.h"
+#include "logic/preload/NumberRuns.h"
+#include "logic/preload/ReadAhead.h"
 
 #include <atomic>
 #include <cstdint>
@@ -27,8 +29,12 @@ public:
         bool mayGrow;  // a container that its writer appends to
     };
 
-    /// Inserts or overwrites. The bytes of an overwritten image still count.
+    /// Inserts or overwrites; forgets a failure. The bytes of an overwritten image still count.
     void add(const Key& key, const MImage& image, const Origin& origin = {});
+    /// Notes why an image can't be read. Failures go with the images of their series.
+    void fail(const Key& key, const std::string& reason);
+    /// What there is of a series. Costs what its runs of numbers cost.
+    ReadAhead list(const std::string& path) const;
     bool count(const Key& key) const;
     /// A copy of the image, which shares the pixels.
     /// @throws MOutOfRangeException "Cache fault" if it isn't there
@@ -56,7 +62,12 @@ private:
     template <class Condition>
     void _eraseWhere(Condition&& condition);
 
+    /// Erases one entry; the lock is held.
+    Entries::iterator _erase(Entries::iterator entry);
+
     mutable std::mutex _mutex;
+    std::map<std::string, NumberRuns> _held;  // the numbers of the entries, by path
+    std::map<Key, std::string> _failed;
     Entries _entries;
     std::atomic<std::uint64_t> _fill = 0;
 };

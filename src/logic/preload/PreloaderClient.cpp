@@ -127,6 +127,24 @@ void PreloaderClient::put(unsigned long index, const std::string& path)
     _setPath(wanted);
 }
 
+template <class Question>
+void PreloaderClient::_ask(Question&& question) const
+{
+    const std::lock_guard lock(traffic());
+    const MMessageQueue::Peer peer = queue().peer();
+    if (peer == MMessageQueue::NoPeer)
+        return;
+    try {
+        question(peer);
+    } catch (const morvend::MPeerGoneException&) {
+        // Killed; the next query goes to its successor.
+    } catch (const std::exception& error) {
+        // A late answer must not be taken for the answer to a later query.
+        queue().disconnect(peer);
+        console::warn(std::string("WARNING: The preloader is left alone: ") + error.what() + '\n');
+    }
+}
+
 bool PreloaderClient::get(MImage& image, unsigned long index, const std::string& path)
 {
     if (!_enabled)
@@ -142,11 +160,8 @@ bool PreloaderClient::get(MImage& image, unsigned long index, const std::string&
 
 bool PreloaderClient::_receive(MImage& image, unsigned long index) const
 {
-    const std::lock_guard lock(traffic());
-    const MMessageQueue::Peer peer = queue().peer();
-    if (peer == MMessageQueue::NoPeer)
-        return false;
-    try {
+    bool received = false;
+    _ask([&](MMessageQueue::Peer peer) {
         queue().sendTo(peer, preloader::pack(preloader::GET, index, _path));
         const std::string reply = queue().receiveFrom(peer, longestWait);
         bool hit = false;
@@ -156,15 +171,20 @@ bool PreloaderClient::_receive(MImage& image, unsigned long index) const
             queue().receiveFrom(peer, image, longestWait);
             lastTree().complete(image, peer, sameTree, _defaultHeader);
         }
-        return hit;
-    } catch (const morvend::MPeerGoneException&) {
-        // Killed; the next query goes to its successor.
-    } catch (const std::exception& error) {
-        // A late answer must not be taken for the answer to a later query.
-        queue().disconnect(peer);
-        console::warn(std::string("WARNING: The preloader is left alone: ") + error.what() + '\n');
-    }
-    return false;
+        received = hit;
+    });
+    return received;
+}
+
+std::optional<ReadAhead> PreloaderClient::list() const
+{
+    std::optional<ReadAhead> result;
+    if (_enabled)
+        _ask([&](MMessageQueue::Peer peer) {
+            queue().sendTo(peer, preloader::pack(preloader::LIST, 0, _path));
+            result = preloader::unpackList(queue().receiveFrom(peer, longestWait));
+        });
+    return result;
 }
 
 void PreloaderClient::setEnabled(bool enabled)

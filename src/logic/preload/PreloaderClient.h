@@ -5,7 +5,9 @@
 #pragma once
 
 #include "imagelib/image/MImage.h"
+#include "logic/preload/ReadAhead.h"
 
+#include <optional>
 #include <string>
 
 /// A view's way to the images that the preloader process has read ahead. Whatever happens to that
@@ -38,6 +40,10 @@ public:
     /// @returns false on a miss, which leaves `image` as it is
     bool get(MImage& image, unsigned long index, const std::string& path = {});
 
+    /// What has been read ahead of the series of the last put(); nothing if the preloader does not
+    /// answer. It goes on as it was.
+    std::optional<ReadAhead> list() const;
+
     /// A known header of the series: its metadata tree serves all images that have an
     /// equal one.
     void setDefaultOptData(const Header& header) { _defaultHeader = header; }
@@ -46,6 +52,9 @@ public:
     void setEnabled(bool enabled);
 
 private:
+    /// Asks the preloader, in turn; whatever goes wrong with it ends the question.
+    template <class Question>
+    void _ask(Question&& question) const;
     bool _receive(MImage& image, unsigned long index) const;
     void _setPath(const std::string& path);
 

@@ -8,8 +8,58 @@
 #include "logic/support/Assert.h"
 
 #include <cstring>
+#include <limits>
+#include <string_view>
 
 namespace preloader {
+
+namespace {
+
+template <class Number>
+void append(std::string& data, Number number)
+{
+    data.append(reinterpret_cast<const char*>(&number), sizeof number);
+}
+
+/// Takes the fields of a list, one after the other.
+class Fields {
+public:
+    explicit Fields(const std::string& data)
+        : _data(data)
+    {}
+    std::string_view bytes(std::size_t count)
+    {
+        if (_data.size() - _place < count)
+            _refuse();
+        _place += count;
+        return std::string_view(_data).substr(_place - count, count);
+    }
+    std::uint32_t count(std::size_t most)
+    {
+        std::uint32_t value = 0;
+        std::memcpy(&value, bytes(sizeof value).data(), sizeof value);
+        if (value > most)
+            _refuse();
+        return value;
+    }
+    int number() { return static_cast<int>(count(std::numeric_limits<int>::max())); }
+    void end() const
+    {
+        if (_place != _data.size())
+            _refuse();
+    }
+
+private:
+    [[noreturn]] static void _refuse()
+    {
+        throw morvend::MRuntimeException("A list of the preloader is damaged");
+    }
+
+    const std::string& _data;
+    std::size_t _place = 0;
+};
+
+}  // namespace
 
 std::string pack(Method method, unsigned long index, const std::string& path)
 {
@@ -55,6 +105,39 @@ void unpack(const std::string& data, bool& hit)
 {
     assert(data.size() >= sizeof(bool));
     hit = data[0] != 0;
+}
+
+std::string pack(const ReadAhead& list)
+{
+    std::string data;
+    append(data, static_cast<std::uint32_t>(list.held.size()));
+    for (const auto& run : list.held) {
+        append(data, run.first);
+        append(data, run.last);
+    }
+    append(data, static_cast<std::uint32_t>(list.failed.size()));
+    for (const auto& [number, reason] : list.failed) {
+        append(data, number);
+        append(data, static_cast<std::uint32_t>(reason.size()));
+        data += reason;
+    }
+    return data;
+}
+
+ReadAhead unpackList(const std::string& data)
+{
+    ReadAhead list;
+    Fields fields(data);
+    for (auto left = fields.count(ReadAhead::MostRuns); left > 0; --left) {
+        const int first = fields.number();
+        list.held.push_back({first, fields.number()});
+    }
+    for (auto left = fields.count(ReadAhead::MostFailures); left > 0; --left) {
+        const int number = fields.number();
+        list.failed[number] = fields.bytes(fields.count(ReadAhead::LongestReason));
+    }
+    fields.end();
+    return list;
 }
 
 }  // namespace preloader

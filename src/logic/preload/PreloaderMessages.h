@@ -4,6 +4,8 @@
 // The requests and replies between a viewer and its preloader.
 #pragma once
 
+#include "logic/preload/ReadAhead.h"
+
 #include <cstdint>
 #include <string>
 
@@ -17,13 +19,14 @@
 ///
 /// A GET is answered by one byte, 0 for a miss, 1 for a hit, and after a hit by an image. A hit may
 /// be 2 instead: the image comes without its metadata tree, which is that of the last image on this
-/// connection.
+/// connection. A LIST is answered by the bytes of a ReadAhead.
 namespace preloader {
 
 enum Method : std::uint32_t {
-    GET = 0,    ///< hand over an image, and read ahead from it
-    PUT = 1,    ///< read ahead from this image
-    FORGET = 2  ///< no view shows this series now
+    GET = 0,     ///< hand over an image, and read ahead from it
+    PUT = 1,     ///< read ahead from this image
+    FORGET = 2,  ///< no view shows this series now
+    LIST = 3     ///< say what has been read ahead; the index is ignored
 };
 
 std::string pack(Method method, unsigned long index, const std::string& path);
@@ -40,5 +43,9 @@ bool hasSameTree(const std::string& data);
 const std::string& checkedReply(const std::string& data);
 /// Asserts that the byte is present.
 void unpack(const std::string& data, bool& hit);
+
+std::string pack(const ReadAhead& list);
+/// @throws MRuntimeException for bytes that no pack() made
+ReadAhead unpackList(const std::string& data);
 
 }  // namespace preloader

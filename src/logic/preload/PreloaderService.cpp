@@ -49,6 +49,8 @@ void PreloaderService::_serve(Peer peer)
     preloader::unpack(preloader::checkedRequest(_queue.receiveFrom(peer)), method, index, path);
     const PreloaderCache::Key key(path, index);
     const std::string place = path + ", " + std::to_string(index) + '\n';
+    if (method == preloader::LIST)
+        return _queue.sendTo(peer, preloader::pack(_cache.list(path)));
     if (method == preloader::FORGET)
         return _preloader.forget(path);
     if (method == preloader::PUT) {

@@ -4,6 +4,7 @@
 
 #include <QFile>
 
+#include <limits>
 #include <utility>
 
 namespace {
@@ -64,6 +65,22 @@ void Opening::nextImage(int n, bool signalLoadError)
     _clock.restart();
     if (_shown.loaded())
         _loader.step(n, _request(), signalLoadError);
+}
+
+void Opening::seekImage(int imageIndex)
+{
+    _clock.restart();
+    if (!_shown.loaded() || imageIndex < 0)
+        return;
+    LoaderData request = _request();
+    request.index = imageIndex;
+    const bool atEnd = imageIndex == std::numeric_limits<int>::max();
+    _loader.seek(request, imageIndex >= _shown.index && !atEnd);
+}
+
+SeriesState Opening::seriesState() const
+{
+    return _shown.loaded() ? _loader.seriesState() : SeriesState{};
 }
 
 void Opening::openLast(bool signalLoadError) { openImage(lastIndex(), signalLoadError); }

@@ -33,6 +33,9 @@ public:
     void openImage(int imageIndex, bool signalLoadError = true);
     void openImage(const MImage& image);
     void nextImage(int n, bool signalLoadError);
+    void seekImage(int imageIndex);
+    SeriesState seriesState() const;
+    void listReadAhead() { _loader.listReadAhead(); }
     void openLast(bool signalLoadError);
     /// Drops the requests that have not begun.
     void dropRequests() { _loader.dropTaskQueue(); }

@@ -265,6 +265,9 @@ void TarvikService::nextImage(int n, bool signalLoadError)
     _d->opening.nextImage(n, signalLoadError);
 }
 
+void TarvikService::seekImage(int imageIndex) { _d->opening.seekImage(imageIndex); }
+void TarvikService::listReadAhead() { _d->opening.listReadAhead(); }
+SeriesState TarvikService::seriesState() const { return _d->opening.seriesState(); }
 void TarvikService::openLast(bool signalLoadError) { _d->opening.openLast(signalLoadError); }
 void TarvikService::scanImageContainer() { _d->opening.scan(); }
 void TarvikService::watchImageContainer(bool watch) { _d->opening.watch(watch); }

@@ -9,6 +9,7 @@
 #include "imagelib/image/MImage.h"
 #include "logic/analysis/peaks/ImagePeaks.h"
 #include "logic/analysis/statistics/ImageStatistics.h"
+#include "logic/loading/SeriesState.h"
 #include "logic/output/ImageSnapshot.h"
 #include "logic/records/ContrastData.h"
 #include "logic/records/PeakData.h"
@@ -79,6 +80,8 @@ public:
     int imageIndex() const;
     int firstIndex() const;
     int lastIndex() const;
+    /// What is known of all images of the series, without reading them; empty without image.
+    SeriesState seriesState() const;
     /// The image's file; empty without image or file.
     QString imagePath() const;
     /// The header's text about the image; empty if there isn't one.
@@ -206,6 +209,12 @@ public slots:
     /// @param signalLoadError false for a request that repeats automatically: no end of the
     /// series is announced, and no image that may be half written
     void nextImage(int n = 1, bool signalLoadError = true);
+    /// Goes to an image of the open series, or, away from the one shown, to the next that can be
+    /// shown; noticeSignal() reports what is skipped. For a hand that is dragged over the series:
+    /// the newest request wins.
+    void seekImage(int imageIndex);
+    /// Looks at the read-ahead; readAheadSignal() follows, and seriesState() has the answer.
+    void listReadAhead();
     /// Goes to the last image of the series; without image nothing happens.
     void openLast(bool signalLoadError = true);
     /// Looks for images that were added to the series; imageContainerChangedSignal() follows.
@@ -262,6 +271,8 @@ signals:
     void regionComputedSignal();
     /// The series was scanned for new images.
     void imageContainerChangedSignal();
+    /// listReadAhead() has an answer.
+    void readAheadSignal();
     void plottingModeSignal(PlottingMode mode);
     void resolutionRingsSignal(bool show);
     void resolutionDefinedSignal(bool defined);

@@ -27,6 +27,7 @@ TarvikService::TarvikServicePrivate::TarvikServicePrivate(TarvikService& service
     connect(loader, &ImageLoader::loadError, &service, &S::imageLoadErrorSignal);
     connect(loader, &ImageLoader::waitingSignal, &service, &S::waitingSignal);
     connect(loader, &ImageLoader::notice, &service, &S::noticeSignal);
+    connect(loader, &ImageLoader::readAheadSignal, &service, &S::readAheadSignal);
     connect(loader, &ImageLoader::imageContainerChangedSignal, &service,
             &S::imageContainerChangedSignal);
 

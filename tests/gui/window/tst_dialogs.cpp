@@ -3,11 +3,11 @@
 //
 // The dialogs of a view, driven as a user does, and its actions with the clipboard.
 #include "gui/kit/ErrorDialog.h"
+#include "gui/kit/SaveFileDialog.h"
 #include "gui/render/ImageDrawerMain.h"
 #include "gui/window/About.h"
 #include "gui/window/ExportDialog.h"
 #include "gui/window/MainWindow.h"
-#include "gui/window/SaveFileDialog.h"
 #include "gui/window/SubWindow.h"
 #include "gui/window/ViewActions.h"
 #include "imagelib/image/MException.h"

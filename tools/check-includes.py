@@ -111,7 +111,7 @@ DOORS = {
     "hdf5nexus": "NexusReader DatasetList",
     "hdf5write": "NexusWriter",
     "ioprocess": "RemoteFile ReaderServer ReaderProcess",
-    "io": "MImageSeries MImageWriter MHdf5Writer FormatRegistry",
+    "io": "FolderStart MImageSeries MImageWriter MHdf5Writer FormatRegistry",
     "statistics": "ComputeStatistics ImageStatistics MaskRule GoodPixels",
     "peaks": "ImagePeaks",
     "roi": "RoiComputer RoiStatistics RegionWorker",

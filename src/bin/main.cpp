@@ -63,7 +63,7 @@ int runViewer(MainApplication& application, const CommandLine& line)
     core.setDefaultColorTable(QStringLiteral("High Dynamic Range"));
     MainWindow mainWindow(core, line.glslEnabled, true);
     application.setMainWindow(&mainWindow);
-    mainWindow.resize(1200, 800);
+    mainWindow.restorePlace();
     mainWindow.openFiles(line.imageFiles);
     mainWindow.show();
     const int result = QCoreApplication::exec();

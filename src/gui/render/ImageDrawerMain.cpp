@@ -286,6 +286,14 @@ void ImageDrawerMain::_moveRegion()
         service().setStatisticsData(*moved);
 }
 
+const std::vector<ImageDrawerMain::Gesture>& ImageDrawerMain::gestures()
+{
+    static const std::vector<Gesture> all{{"Wheel", "Zoom in or out about the cursor"},
+                                          {"Left drag", "Move the image"},
+                                          {"Double click", "Between the whole image and 1:1"}};
+    return all;
+}
+
 void ImageDrawerMain::virtualWheelEvent(QWheelEvent* event)
 {
     const int step = render::wheelStep(event->angleDelta());

@@ -16,6 +16,7 @@
 #include "logic/service/CursorInfo.h"
 
 #include <optional>
+#include <vector>
 
 /// Shows the service's image and adds the gestures of the main view. The wheel zooms about the
 /// cursor. The right button draws a region of the kind that the service's record names, or with the
@@ -26,6 +27,13 @@
 class ImageDrawerMain : public ImageDrawer {
     Q_OBJECT
 public:
+    /// What the mouse does in a view, in words.
+    struct Gesture {
+        const char* mouse;
+        const char* effect;
+    };
+    static const std::vector<Gesture>& gestures();
+
     ImageDrawerMain(TarvikService* service, bool useGlsl, QWidget* parent = nullptr);
 
     /// One step in or out about the centre of the view, by the sign of the argument.

@@ -4,9 +4,12 @@
 
 #include "gui/kit/PopupButton.h"
 #include "gui/kit/RibbonInterface.h"
+#include "gui/kit/SvgIcon.h"
 #include "gui/kit/SvgWidget.h"
 #include "gui/window/MainWindowActions.h"
+#include "gui/window/RecentFiles.h"
 #include "gui/window/ToolBarStyle.h"
+#include "gui/window/ViewActions.h"
 
 #include <QHBoxLayout>
 #include <QMainWindow>
@@ -15,10 +18,10 @@
 
 namespace {
 
-const QString file = QStringLiteral("File");
-const QString synchronize = QStringLiteral("Synchronize");
-const QString autoLoad = QStringLiteral("Auto Load");
-const QString help = QStringLiteral("Help");
+const QString File = QStringLiteral("File");
+const QString Synchronize = QStringLiteral("Synchronize");
+const QString AutoLoad = QStringLiteral("Auto Load");
+const QString Help = QStringLiteral("Help");
 
 /// Fills the free space in a tool bar, or takes a given width.
 QWidget* spacer(int minimumWidth, QSizePolicy::Policy policy)
@@ -38,30 +41,34 @@ QToolBar* toolBar(const QString& title)
     return bar;
 }
 
-/// Room for the bold text of checked buttons, so that nothing moves when one is checked.
-void reserveBold(const QWidget& bars)
+/// Gives buttons room for their texts, in bold where they may be checked: nothing moves when one
+/// is, and a bar that is too narrow moves whole buttons into its menu.
+void reserveTexts(const QWidget& bars)
 {
     for (QToolButton* button : bars.findChildren<QToolButton*>()) {
-        if (!button->isCheckable())
+        if (button->objectName() == QLatin1String("qt_toolbar_ext_button"))
+            button->setIcon(svgIcon(QStringLiteral(":icons/right.svg"), QSize(16, 16)));
+        if (button->text().isEmpty() || !button->icon().isNull())
             continue;
         button->ensurePolished();
-        QFont bold = button->font();
-        bold.setBold(true);
+        QFont font = button->font();
+        font.setBold(button->isCheckable());
         button->setStyleSheet(QStringLiteral("QToolButton { min-width: %1px; }")
-                                  .arg(QFontMetrics(bold).horizontalAdvance(button->text())));
+                                  .arg(QFontMetrics(font).horizontalAdvance(button->text())));
     }
 }
 
 }  // namespace
 
-ControlBar::ControlBar(QMainWindow& window, const MainWindowActions& actions)
+ControlBar::ControlBar(QMainWindow& window, const MainWindowActions& actions,
+                       const ViewActions& viewActions)
     : _controlBar(toolBar(QStringLiteral("Control Bar")))
     , _row(new QWidget)
     , _ribbon(new RibbonInterface)
     , _rightToolBar(toolBar(QStringLiteral("View Bar")))
 {
     window.addToolBar(_controlBar);
-    for (const QString& tab : {file, synchronize, autoLoad, help})
+    for (const QString& tab : {File, Synchronize, AutoLoad, Help})
         _controlBar->addAction(_ribbon->addToolBar(tab));
     _ribbon->setStyleSheet(toolBarStyle());
     _fillRibbon(actions);
@@ -75,6 +82,9 @@ ControlBar::ControlBar(QMainWindow& window, const MainWindowActions& actions)
     _controlBar->addWidget(spacer(10, QSizePolicy::Fixed));
 
     _rightToolBar->addWidget(spacer(0, QSizePolicy::Expanding));
+    for (QAction* action :
+         {viewActions.fitAction(), viewActions.oneToOneAction(), viewActions.copyPictureAction()})
+        _rightToolBar->addAction(action);
     _rightToolBar->addAction(actions.keys);
     _rightToolBar->addAction(actions.tools);
     _rightToolBar->addWidget(spacer(10, QSizePolicy::Fixed));
@@ -84,8 +94,12 @@ ControlBar::ControlBar(QMainWindow& window, const MainWindowActions& actions)
     row->setSpacing(0);
     row->addWidget(_ribbon);
     row->addWidget(_rightToolBar);
-    reserveBold(*_controlBar);
-    reserveBold(*_row);
+    // In a narrow window the ribbon gives way, the controls of the view stay.
+    _ribbon->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Minimum);
+    _ribbon->setMinimumWidth(60);
+    _rightToolBar->setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Preferred);
+    reserveTexts(*_controlBar);
+    reserveTexts(*_row);
 }
 
 void ControlBar::setVisible(bool visible)
@@ -96,19 +110,27 @@ void ControlBar::setVisible(bool visible)
 
 void ControlBar::_fillRibbon(const MainWindowActions& actions)
 {
-    _ribbon->addAction(file, actions.newWindow);
-    _ribbon->addAction(file, actions.open);
-    _ribbon->addAction(file, actions.saveAs);
-    _ribbon->addAction(file, actions.exportPicture);
-    _ribbon->addSeparator(file);
+    _ribbon->addAction(File, actions.newWindow);
+    _ribbon->addAction(File, actions.open);
+    _ribbon->addAction(File, actions.saveAs);
+    _ribbon->addAction(File, actions.exportPicture);
+    _ribbon->addSeparator(File);
+    auto* recent = new QToolButton;
+    recent->setText(actions.recent->title());
+    recent->setToolTip(actions.recent->toolTip());
+    recent->setMenu(actions.recent);
+    recent->setPopupMode(QToolButton::InstantPopup);
+    _ribbon->addWidget(File, recent);
+    _ribbon->addAction(File, actions.reopen);
 
     for (QCheckBox* box : {actions.syncViewport, actions.syncContrast, actions.syncStatistics})
-        _ribbon->addWidget(synchronize, box);
+        _ribbon->addWidget(Synchronize, box);
 
-    _ribbon->addAction(autoLoad, actions.movie);
-    _ribbon->addAction(autoLoad, actions.watch);
-    _ribbon->addWidget(autoLoad, actions.monitor);
+    _ribbon->addAction(AutoLoad, actions.movie);
+    _ribbon->addAction(AutoLoad, actions.watch);
+    _ribbon->addWidget(AutoLoad, actions.monitor);
 
-    _ribbon->addAction(help, actions.help);
-    _ribbon->addAction(help, actions.about);
+    _ribbon->addAction(Help, actions.help);
+    _ribbon->addAction(Help, actions.about);
+    _ribbon->addAction(Help, actions.shortcuts);
 }

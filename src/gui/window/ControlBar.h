@@ -9,13 +9,15 @@ class QMainWindow;
 class QToolBar;
 class QWidget;
 class RibbonInterface;
+class ViewActions;
 
 /// Tabs, the tool bar of the chosen tab, and the tool bar at its right that all tabs share.
 /// Thread: GUI only.
 class ControlBar {
 public:
     /// Puts the tabs on top of the window and the actions on their tool bars.
-    ControlBar(QMainWindow& window, const MainWindowActions& actions);
+    ControlBar(QMainWindow& window, const MainWindowActions& actions,
+               const ViewActions& viewActions);
 
     /// The second row: the ribbon and the tool bar at its right, for the window's layout.
     QWidget* row() const { return _row; }

@@ -2,16 +2,21 @@
 // SPDX-License-Identifier: MIT
 #include "gui/window/MainWindow.h"
 
+#include "gui/kit/ContainerSideBar.h"
 #include "gui/kit/MdiArea.h"
 #include "gui/kit/SvgIcon.h"
 #include "gui/render/OpenGlSupport.h"
 #include "gui/window/ControlBar.h"
 #include "gui/window/DroppedFiles.h"
+#include "gui/window/LaterSettings.h"
 #include "gui/window/MainWindowActions.h"
 #include "gui/window/MainWindowEventControl.h"
 #include "gui/window/OpenDirectory.h"
+#include "gui/window/RecentFiles.h"
+#include "gui/window/SavedSetting.h"
 #include "gui/window/SideBarColumn.h"
 #include "gui/window/SubWindow.h"
+#include "gui/window/ViewActions.h"
 #include "logic/core/TarvikCore.h"
 #include "logic/service/TarvikService.h"
 #include "logic/support/Assert.h"
@@ -24,13 +29,28 @@
 #include <algorithm>
 #include <utility>
 
-const QString shortcutModeKey = QStringLiteral("KeyboardShortcutMode");
+namespace {
 
-MainWindow::MainWindow(TarvikCore& core, bool useGlsl, bool quitOnClose)
+const QString ShortcutModeKey = QStringLiteral("KeyboardShortcutMode");
+
+/// Keys that no other window of the process uses.
+unsigned long long freePanelKeys()
+{
+    static unsigned long long next = 0;
+    return std::exchange(next, next + PanelKeys);
+}
+
+}  // namespace
+
+MainWindow::MainWindow(TarvikCore& core, bool useGlsl, bool quitOnClose, PanelMaker panels)
     : _core(core)
     , _mdiArea(new MdiArea)
     , _splitter(new MdiSplitter(Qt::Horizontal))
-    , _keyboardShortcutMode(QSettings().value(shortcutModeKey, false).toBool())
+    , _viewActions(new ViewActions(*this, [this] { return activeSubWindow(); }))
+    , _panelMaker(std::move(panels))
+    , _firstPanelKey(freePanelKeys())
+    , _columnWidth(SideBarColumn::MaximumWidth)
+    , _keyboardShortcutMode(QSettings().value(ShortcutModeKey, false).toBool())
     , _useGlsl(useGlsl)
     , _quitOnClose(quitOnClose)
 {
@@ -47,23 +67,31 @@ MainWindow::MainWindow(TarvikCore& core, bool useGlsl, bool quitOnClose)
     _actions->keys->setChecked(_keyboardShortcutMode);
     _eventControl = std::make_unique<MainWindowEventControl>(
         *this, [this] { return _keyboardShortcutMode ? activeSubWindow() : nullptr; });
-    _controlBar = std::make_unique<ControlBar>(*this, *_actions);
+    _controlBar = std::make_unique<ControlBar>(*this, *_actions, *_viewActions);
     _createLayout();
     _connectActions();
     _connectSynchronization();
+    _createMemory();
+    SideBar::setDefaultVisibility(_firstPanelKey + 1, true);
     resize(1200, 800);
 }
 
 MainWindow::~MainWindow()
 {
     emit aboutToTerminate(this);
+    // As long as the views are there.
+    _placeSetting.reset();
+    _sessionSetting.reset();
+    LaterSettings::finish();
     // Views first, then what they show; none of them may call into a window that is being
     // destroyed.
     for (const SubFrame& frame : _subFrames)
         disconnect(frame.subWindow, nullptr, this, nullptr);
     delete _mdiArea;
-    for (const SubFrame& frame : _subFrames)
+    for (const SubFrame& frame : _subFrames) {
+        delete frame.sideBar;
         _core.deleteService(frame.service);
+    }
 }
 
 SubWindow* MainWindow::activeSubWindow() const
@@ -102,7 +130,12 @@ void MainWindow::openFiles(const QStringList& files, SubWindow* first)
     }
 }
 
-void MainWindow::noteAnswer(const QString& file, bool) { OpenDirectory::setSoon(file); }
+void MainWindow::noteAnswer(const QString& file, bool shown)
+{
+    OpenDirectory::setSoon(file);
+    if (shown)
+        _actions->recent->add(file);
+}
 
 void MainWindow::enableAllSubWindows()
 {
@@ -124,10 +157,29 @@ SubWindow* MainWindow::_makeSubWindow()
     const QString key = QString::number(reinterpret_cast<quintptr>(this));
     TarvikService* service = _core.newService(key);
     auto* window = new SubWindow(*this, service, _useGlsl);
-    _subFrames.insert({window, service});
+    _subFrames.insert({window, service, _makePanels(*service)});
+    _remember(window);
     connect(window, &AbstractSubWindow::gotActivated, this, &MainWindow::_subWindowActivated);
     connect(window, &QObject::destroyed, this, &MainWindow::_handleCloseEvent);
     return window;
+}
+
+ContainerSideBar* MainWindow::_makePanels(TarvikService& service)
+{
+    ContainerSideBar* root = _panelMaker(service, _firstPanelKey);
+    for (const SideBar* panel : root->findChildren<SideBar*>()) {
+        connect(panel, &SideBar::gotVisbile, this, &MainWindow::_setSideBarVisibleSlot);
+        connect(panel, &SideBar::toggledVisible, this, &MainWindow::_placeChanged);
+    }
+    _sideBars->add(root);
+    const bool first = _subFrames.empty();
+    enableSideBar(root->begin() != root->end());
+    // The column as the user left it at the last start.
+    if (first && _columnWanted && _actions->tools->isEnabled()) {
+        MainWindowActions::setSilently(_actions->tools, true);
+        _sideBars->setVisible(true, _columnWidth);
+    }
+    return root;
 }
 
 SubWindow* MainWindow::newSubWindow(SubWindow** subwindow)
@@ -166,6 +218,25 @@ void MainWindow::closeEvent(QCloseEvent* event)
     }
 }
 
+void MainWindow::resizeEvent(QResizeEvent* event)
+{
+    QMainWindow::resizeEvent(event);
+    _placeChanged();
+}
+
+void MainWindow::moveEvent(QMoveEvent* event)
+{
+    QMainWindow::moveEvent(event);
+    _placeChanged();
+}
+
+void MainWindow::changeEvent(QEvent* event)
+{
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::WindowStateChange)
+        _placeChanged();
+}
+
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) { acceptCopy(*event); }
 
 void MainWindow::dragMoveEvent(QDragMoveEvent* event) { acceptCopy(*event); }
@@ -186,7 +257,9 @@ std::set<MainWindow::SubFrame>::const_iterator MainWindow::_frameOf(const QObjec
 void MainWindow::_subWindowActivated(AbstractSubWindow* subWindow)
 {
     assert(subWindow != nullptr);
-    Q_UNUSED(subWindow)
+    const auto frame = _frameOf(subWindow);
+    if (frame != _subFrames.end())
+        _sideBars->setCurrent(frame->sideBar);
 }
 
 void MainWindow::_handleCloseEvent(QObject* window)
@@ -194,8 +267,11 @@ void MainWindow::_handleCloseEvent(QObject* window)
     const auto frame = _frameOf(window);
     if (frame == _subFrames.end())
         return;
+    delete frame->sideBar;
     _core.deleteService(frame->service);
     _subFrames.erase(frame);
+    if (_sessionSetting)
+        _sessionSetting->changed();
     if (_mdiArea->subWindowList().isEmpty()) {
         _sideBars->setVisible(false);
         _actions->reset();

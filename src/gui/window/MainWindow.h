@@ -4,23 +4,30 @@
 // The top-level window: control bar, ribbon and the tiled image views.
 #pragma once
 
+#include "gui/window/PanelTree.h"
 #include "gui/window/ViewHost.h"
 
 #include <QMainWindow>
+#include <QPointer>
+#include <QVariant>
 
 #include <memory>
 #include <set>
 
 class AbstractSubWindow;
+class ContainerSideBar;
 class ControlBar;
 class MainWindowActions;
 class MainWindowEventControl;
 class MdiArea;
 class MdiSplitter;
-class QAction;
+class SavedSetting;
+class ShortcutSheet;
+class SideBar;
 class SideBarColumn;
 class TarvikCore;
 class TarvikService;
+class ViewActions;
 
 /// The one top-level window of the graphical role. It makes image views with their services and
 /// panels, sends its actions to the active one, and remembers for the user the folder of the last
@@ -32,7 +39,8 @@ public:
     /// @param core  outlives the window
     /// @param useGlsl  false colours all images on the processor
     /// @param quitOnClose  closing ends the application; otherwise only the window closes
-    MainWindow(TarvikCore& core, bool useGlsl, bool quitOnClose);
+    /// @param panels  makes the panels of each view
+    MainWindow(TarvikCore& core, bool useGlsl, bool quitOnClose, PanelMaker panels = makePanels);
     ~MainWindow() override;
 
     /// Null without views.
@@ -42,6 +50,10 @@ public:
     /// The folder where the open dialog starts, see window/OpenDirectory.
     QString openDirectory() const;
     void setOpenDirectory(const QString& path);
+
+    /// Takes the place on the screen and the panels of the last start, and remembers them from now
+    /// on.
+    void restorePlace();
 
     /// True if keys and drags with a held key act on the image, see SubWindowEventControl.
     bool keyboardShortcutMode() const { return _keyboardShortcutMode; }
@@ -95,6 +107,9 @@ signals:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void moveEvent(QMoveEvent* event) override;
+    void changeEvent(QEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dragMoveEvent(QDragMoveEvent* event) override;
     void dropEvent(QDropEvent* event) override;
@@ -111,6 +126,10 @@ private slots:
     void _setHalvoMonitorHost(const QString& host, int port, double minPause);
     void _handleCloseEvent(QObject* window);
     void _subWindowActivated(AbstractSubWindow* subWindow);
+    void _setSideBarVisibleSlot(SideBar* panel);
+    void _showShortcuts();
+    void _reopenSession();
+    void _placeChanged();
     void _setKeyboardShortcutMode(bool on);
 
 private:
@@ -118,6 +137,7 @@ private:
     struct SubFrame {
         SubWindow* subWindow = nullptr;
         TarvikService* service = nullptr;
+        ContainerSideBar* sideBar = nullptr;
         bool operator<(const SubFrame& other) const { return subWindow < other.subWindow; }
     };
 
@@ -128,6 +148,14 @@ private:
     void _connectActions();
     void _connectSynchronization();
     void _createLayout();
+    void _createMemory();
+    /// The panels of a new view.
+    ContainerSideBar* _makePanels(TarvikService& service);
+    /// Has the session follow a view.
+    void _remember(SubWindow* window);
+    QVariant _session() const;
+    QVariant _place(const QVariant& written) const;
+    void _layOut(const QList<QList<int>>& layout);
 
     TarvikCore& _core;
     MdiArea* _mdiArea;
@@ -136,6 +164,14 @@ private:
     std::unique_ptr<MainWindowEventControl> _eventControl;
     std::unique_ptr<ControlBar> _controlBar;
     std::unique_ptr<SideBarColumn> _sideBars;
+    ViewActions* _viewActions;
+    std::unique_ptr<SavedSetting> _sessionSetting;
+    std::unique_ptr<SavedSetting> _placeSetting;  // null until restorePlace()
+    QPointer<ShortcutSheet> _shortcutSheet;
+    const PanelMaker _panelMaker;
+    const unsigned long long _firstPanelKey;
+    bool _columnWanted = false;  // by the user, also while there is no view
+    int _columnWidth;            // in pixels, for the next time it is shown
     bool _keyboardShortcutMode = false;
     bool _useGlsl;
     bool _quitOnClose;

@@ -4,6 +4,7 @@
 
 #include "gui/kit/PopupButton.h"
 #include "gui/window/HalvoWidget.h"
+#include "gui/window/RecentFiles.h"
 #include "logic/detector/HalvoMonitor.h"
 
 #include <QSignalBlocker>
@@ -15,6 +16,8 @@ MainWindowActions::MainWindowActions(QWidget& window)
     , open(new QAction(QStringLiteral("Open"), &window))
     , saveAs(new QAction(QStringLiteral("Save As"), &window))
     , exportPicture(new QAction(QStringLiteral("Export"), &window))
+    , recent(new RecentFiles(&window))
+    , reopen(new QAction(QStringLiteral("Last Session"), &window))
     , syncViewport(new QCheckBox(QStringLiteral("Synchronize Viewport")))
     , syncContrast(new QCheckBox(QStringLiteral("Synchronize Contrast")))
     , syncStatistics(new QCheckBox(QStringLiteral("Synchronize Statistics")))
@@ -24,6 +27,7 @@ MainWindowActions::MainWindowActions(QWidget& window)
     , monitor(new PopupButton(monitorWidget))
     , help(new QAction(QStringLiteral("Documentation"), &window))
     , about(new QAction(QStringLiteral("About"), &window))
+    , shortcuts(new QAction(QStringLiteral("Shortcuts"), &window))
     , keys(new QAction(QStringLiteral("Keys"), &window))
     , tools(new QAction(QStringLiteral("Tools"), &window))
 {
@@ -34,6 +38,10 @@ MainWindowActions::MainWindowActions(QWidget& window)
         QStringLiteral("Save image as cbf, tif or h5. Some header data may be lost. (Ctrl S)"));
     help->setToolTip(QStringLiteral("Open TARVIK help in default browser"));
     about->setToolTip(QStringLiteral("About TARVIK"));
+    shortcuts->setToolTip(QStringLiteral("All keys and mouse gestures (F1)"));
+    recent->setTitle(QStringLiteral("Recent Files"));
+    recent->setToolTip(QStringLiteral("Files that were shown last"));
+    _addKey(window, shortcuts, QKeySequence(Qt::Key_F1));
     _addKey(window, newWindow, QKeySequence::New);
     _addKey(window, open, QKeySequence::Open);
     _addKey(window, saveAs, QKeySequence(QStringLiteral("Ctrl+S")));
@@ -73,13 +81,25 @@ void MainWindowActions::silenceShortcuts(bool silent)
         shortcut.key->blockSignals(silent);
 }
 
-QList<MainWindowActions::Key> MainWindowActions::shortcuts() const
+QList<MainWindowActions::Key> MainWindowActions::keyed() const
 {
     QList<Key> all;
     for (const Shortcut& shortcut : _shortcuts)
         all.append({shortcut.action, shortcut.key->key()});
     all.append({keys, keys->shortcut()});
     return all;
+}
+
+void MainWindowActions::setLastSession(const QStringList& names)
+{
+    constexpr int Most = 10;
+    reopen->setEnabled(!names.isEmpty());
+    QString tip = QStringLiteral("Show again what was open when the program last ended");
+    for (const QString& name : names.mid(0, Most))
+        tip += '\n' + name;
+    if (names.size() > Most)
+        tip += QStringLiteral("\nand %1 more").arg(names.size() - Most);
+    reopen->setToolTip(tip);
 }
 
 void MainWindowActions::setSilently(QAction* action, bool checked)

@@ -13,6 +13,7 @@
 
 class HalvoWidget;
 class PopupButton;
+class RecentFiles;
 
 /// All actions, boxes and buttons of a main window, and the window's shortcuts that trigger them.
 /// They do nothing by themselves: the window connects them. Thread: GUI only.
@@ -31,6 +32,8 @@ public:
     QAction* const open;
     QAction* const saveAs;
     QAction* const exportPicture;
+    RecentFiles* const recent;
+    QAction* const reopen;
     QCheckBox* const syncViewport;
     QCheckBox* const syncContrast;
     QCheckBox* const syncStatistics;
@@ -40,13 +43,16 @@ public:
     PopupButton* const monitor;
     QAction* const help;
     QAction* const about;
+    QAction* const shortcuts;
     QAction* const keys;
     QAction* const tools;
 
     /// Silent shortcuts do nothing.
     void silenceShortcuts(bool silent);
     /// Everything with a key, in the order of the tool bars.
-    QList<Key> shortcuts() const;
+    QList<Key> keyed() const;
+    /// Names the files that reopen brings back; without files it is disabled.
+    void setLastSession(const QStringList& names);
 
     /// Sets the state without triggering anything.
     static void setSilently(QAction* action, bool checked);

@@ -2,19 +2,24 @@
 // SPDX-License-Identifier: MIT
 //
 // What the actions of the main window do.
+#include "gui/kit/ContainerSideBar.h"
 #include "gui/kit/PopupButton.h"
+#include "gui/render/ImageDrawerMain.h"
 #include "gui/window/About.h"
 #include "gui/window/ControlBar.h"
 #include "gui/window/HalvoWidget.h"
 #include "gui/window/MainWindow.h"
 #include "gui/window/MainWindowActions.h"
 #include "gui/window/OpenFileDialog.h"
+#include "gui/window/ShortcutSheet.h"
 #include "gui/window/SideBarColumn.h"
 #include "gui/window/SubWindow.h"
 #include "gui/window/SubWindowEventControl.h"
+#include "gui/window/ViewActions.h"
 #include "logic/core/TarvikCore.h"
 #include "logic/detector/HalvoMonitor.h"
 #include "logic/service/TarvikService.h"
+#include "logic/support/Assert.h"
 #include "logic/support/Console.h"
 
 #include <QCoreApplication>
@@ -22,6 +27,33 @@
 #include <QDir>
 #include <QSettings>
 #include <QUrl>
+
+namespace {
+
+/// From the actions themselves, so that none is missing or wrong.
+QList<ShortcutSheet::Section> allShortcuts(const MainWindowActions& actions,
+                                           const ViewActions& viewActions)
+{
+    const auto keyText = [](const QKeySequence& keys) {
+        return keys.toString(QKeySequence::NativeText);
+    };
+    ShortcutSheet::Section window{QStringLiteral("Window"), {}};
+    for (const MainWindowActions::Key& key : actions.keyed())
+        window.rows.append({keyText(key.keys), ShortcutSheet::effectOf(key.action->toolTip())});
+    ShortcutSheet::Section view{QStringLiteral("Active view"), {}};
+    for (const QAction* action : viewActions.all())
+        view.rows.append({keyText(action->shortcut()), ShortcutSheet::effectOf(action->toolTip())});
+    ShortcutSheet::Section mode{QStringLiteral("Keyboard shortcut mode"), {}};
+    for (const SubWindowEventControl::Key& key : SubWindowEventControl::keys())
+        mode.rows.append({keyText(QKeySequence(key.key)), QString::fromLatin1(key.effect)});
+    ShortcutSheet::Section mouse{QStringLiteral("Mouse on an image"), {}};
+    for (const ImageDrawerMain::Gesture& gesture : ImageDrawerMain::gestures())
+        mouse.rows.append(
+            {QString::fromLatin1(gesture.mouse), QString::fromLatin1(gesture.effect)});
+    return {window, view, mode, mouse};
+}
+
+}  // namespace
 
 void MainWindow::_connectActions()
 {
@@ -36,6 +68,7 @@ void MainWindow::_connectActions()
     on(_actions->watch, &MainWindow::_toggleWatchSeriesMode);
     on(_actions->help, &MainWindow::_openHelpBrowser);
     on(_actions->about, &MainWindow::_about);
+    on(_actions->shortcuts, &MainWindow::_showShortcuts);
     connect(_actions->keys, &QAction::toggled, this, &MainWindow::_setKeyboardShortcutMode);
     connect(_actions->tools, &QAction::toggled, this, &MainWindow::toggleSideBar);
     connect(_actions->monitor, &QAbstractButton::toggled, this,
@@ -103,12 +136,14 @@ void MainWindow::setHalvoMonitorHost(QString host, int port, double minPause)
 void MainWindow::showToolBar()
 {
     _actions->silenceShortcuts(false);
+    _viewActions->silenceShortcuts(false);
     _controlBar->setVisible(true);
 }
 
 void MainWindow::hideToolBar()
 {
     _actions->silenceShortcuts(true);
+    _viewActions->silenceShortcuts(true);
     _controlBar->setVisible(false);
 }
 
@@ -128,7 +163,20 @@ void MainWindow::subFrames(QString* returnList)
         *returnList += QStringLiteral("%1\n").arg(reinterpret_cast<quintptr>(window));
 }
 
-void MainWindow::toggleSideBar(bool on) { _sideBars->setVisible(on && activeSubWindow()); }
+void MainWindow::toggleSideBar(bool on)
+{
+    const SubWindow* active = activeSubWindow();
+    if (on && active) {
+        const auto frame = _frameOf(active);
+        assert(frame != _subFrames.end());
+        _sideBars->setCurrent(frame->sideBar);
+    }
+    _sideBars->setVisible(on && active);
+    _columnWanted = on;
+    _placeChanged();
+}
+
+void MainWindow::_setSideBarVisibleSlot(SideBar* panel) { _sideBars->ensureVisible(panel); }
 
 void MainWindow::_open()
 {
@@ -195,6 +243,15 @@ void MainWindow::_openSaveAsDialog()
 {
     if (SubWindow* active = activeSubWindow())
         active->openSaveAsDialog();
+}
+
+void MainWindow::_showShortcuts()
+{
+    if (!_shortcutSheet)
+        _shortcutSheet = new ShortcutSheet(allShortcuts(*_actions, *_viewActions), this);
+    _shortcutSheet->show();
+    _shortcutSheet->raise();
+    _shortcutSheet->activateWindow();
 }
 
 void MainWindow::_about() { About(this).exec(); }

@@ -11,7 +11,7 @@
 
 namespace {
 
-const char* const areaStyle = R"(
+const char* const AreaStyle = R"(
 QScrollBar:vertical { width: 15px; margin: 15px 0px; background-color: rgb(40,40,40); }
 QScrollBar:horizontal { height: 15px; margin: 0px 15px; background-color: rgb(40,40,40); }
 QScrollBar::handle { background-color: rgb(110,110,110); min-height: 20px; min-width: 20px; }
@@ -37,7 +37,7 @@ SideBarColumn::SideBarColumn(QSplitter& splitter)
     _sideBarScrollArea->setFrameShape(QFrame::NoFrame);
     _sideBarScrollArea->setWidgetResizable(true);
     _sideBarScrollArea->setMaximumWidth(MaximumWidth);
-    _sideBarScrollArea->setStyleSheet(QString::fromLatin1(areaStyle));
+    _sideBarScrollArea->setStyleSheet(QString::fromLatin1(AreaStyle));
     _sideBarScrollArea->setWidget(_sideBarStack);
     _sideBarScrollArea->hide();
     _sideBarStack->hide();
@@ -50,10 +50,12 @@ void SideBarColumn::setCurrent(QWidget* panels) { _sideBarStack->setCurrentWidge
 
 bool SideBarColumn::visible() const { return !_sideBarScrollArea->isHidden(); }
 
-void SideBarColumn::setVisible(bool visible)
+int SideBarColumn::width() const { return _sideBarScrollArea->width(); }
+
+void SideBarColumn::setVisible(bool visible, int width)
 {
     if (visible)
-        _splitter.setSizes({_splitter.width() - MaximumWidth, MaximumWidth});
+        _splitter.setSizes({_splitter.width() - width, width});
     _sideBarScrollArea->setVisible(visible);
     _sideBarStack->setVisible(visible);
 }

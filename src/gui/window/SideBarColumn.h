@@ -23,8 +23,9 @@ public:
     void add(QWidget* panels);
     void setCurrent(QWidget* panels);
     bool visible() const;
-    /// Shown, it takes its largest width from the views.
-    void setVisible(bool visible);
+    /// Shown, it takes a width from the views.
+    void setVisible(bool visible, int width = MaximumWidth);
+    int width() const;
     /// Scrolls until a part of the panels can be seen.
     void ensureVisible(QWidget* part);
 

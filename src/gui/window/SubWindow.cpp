@@ -16,6 +16,7 @@
 #include <QApplication>
 #include <QDropEvent>
 #include <QFile>
+#include <QFileInfo>
 #include <QMap>
 
 #include <utility>
@@ -207,8 +208,16 @@ void SubWindow::dropEvent(QDropEvent* event)
 
 void SubWindow::_noteAnswer(bool shown)
 {
-    if (!_asked.isEmpty())
-        _mainWindow.noteAnswer(std::exchange(_asked, {}), shown);
+    if (_asked.isEmpty())
+        return;
+    QString file = QFileInfo(std::exchange(_asked, {})).absoluteFilePath();
+    // Of a folder the image in it, which may be another one at the next time.
+    const QString image = _service->imagePath();
+    if (shown && image.startsWith(file + '/'))
+        file = image;
+    if (shown)
+        _file = file;
+    _mainWindow.noteAnswer(file, shown);
 }
 
 void SubWindow::_newImageSlot()

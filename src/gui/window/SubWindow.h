@@ -39,6 +39,8 @@ public:
     TarvikService* service() const { return _service; }
     ImageDrawerMain* imageDrawer() const { return _imageDrawer; }
     SubWindowEventControl* subWindowEventControl() const { return _eventControl; }
+    /// The file on show, as it was opened but with its whole path; empty without.
+    const QString& file() const { return _file; }
     /// True if keys go to the image, and not into a field.
     bool imageHasFocus() const;
     /// One step in or out (1 or -1) about the centre of the view.
@@ -127,6 +129,7 @@ private:
     SubWindowEventControl* _eventControl;
     int _fileIncreaseNumber = 1;
     QString _asked;  // the file, until it has answered
+    QString _file;   // that was opened last
     bool _titleFixed = false;
     bool _closesOnError = false;
 };

@@ -24,7 +24,7 @@ double dragged(double value, double pixels)
 }
 
 /// Least distance between foreground and background.
-constexpr double gap = 0.001;
+constexpr double Gap = 0.001;
 
 }  // namespace
 
@@ -93,14 +93,14 @@ bool SubWindowEventControl::_drag(const QMouseEvent& event)
         const double moved = dragged(front, move);
         if (moved == front)
             return true;
-        front = moved > back ? moved : back + gap;
+        front = moved > back ? moved : back + Gap;
     } else {
         const double moved = std::trunc(dragged(back, move));
         if (moved == back)
             return true;
         back = std::max(moved, _service->statistics()->minimum);
         if (!(back < front))
-            back = front - gap;
+            back = front - Gap;
     }
     _apply(position);
     return true;

@@ -9,11 +9,11 @@
 
 namespace {
 
-constexpr QSize iconSize(25, 15);
+constexpr QSize IconSize(25, 15);
 
 QAction* stepAction(const QString& text, const QString& tip, const QString& icon, QObject* parent)
 {
-    auto* action = new QAction(svgIcon(icon, iconSize), text, parent);
+    auto* action = new QAction(svgIcon(icon, IconSize), text, parent);
     action->setToolTip(tip);
     return action;
 }
@@ -30,8 +30,8 @@ SubWindowTitleBar::SubWindowTitleBar(AbstractSubWindow& frame)
                              QStringLiteral("Go forward within the present image series"),
                              QStringLiteral(":icons/next.svg"), this))
     , _movieAction(new QAction(this))
-    , _continueIcon(svgIcon(QStringLiteral(":icons/continue.svg"), iconSize))
-    , _interruptIcon(svgIcon(QStringLiteral(":icons/interrupt.svg"), iconSize))
+    , _continueIcon(svgIcon(QStringLiteral(":icons/continue.svg"), IconSize))
+    , _interruptIcon(svgIcon(QStringLiteral(":icons/interrupt.svg"), IconSize))
 {
     for (const int step : {1, 5, 10, 20, 50, 100})
         _stepBox->addItem(QString::number(step), step);

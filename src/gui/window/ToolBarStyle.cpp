@@ -35,7 +35,10 @@ QToolButton:pressed {
         stop: 0 rgb(%6,%6,%6), stop: 1 rgb(%8,%8,%8));
 }
 QToolButton:checked { color: white; font-weight: bold; background-color: rgb(%7,%7,%7); }
-QToolButton[popupMode="1"] { padding-right: 22px; }
+QToolButton[popupMode="1"], QToolButton[popupMode="2"] { padding-right: 22px; }
+QToolButton::menu-indicator {
+    image: url(:icons/down.svg); width: 8px; subcontrol-position: right center; right: 6px;
+}
 QToolButton::menu-button { border: none; width: 18px; }
 QToolButton::menu-button:hover { background-color: rgba(255,255,255,40); }
 QToolButton::menu-arrow { image: url(:icons/down.svg); width: 8px; }
@@ -44,7 +47,7 @@ QCheckBox {
     margin-left: 10px; margin-right: 10px;
 }
 QCheckBox::indicator {
-    width: 10px; height: 10px; background-color: rgba(220,220,220,255);
+    width: 10px; height: 10px; margin-top: 2px; background-color: rgba(220,220,220,255);
 }
 QCheckBox::indicator:disabled { background-color: rgba(100,100,100,255); }
 QCheckBox::indicator:checked { image: url(:icons/checkedWhiteBackground.svg); }

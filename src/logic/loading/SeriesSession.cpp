@@ -5,6 +5,7 @@
 #include "logic/loading/SeriesSession.h"
 
 #include "imagelib/image/MException.h"
+#include "imagelib/io/series/FolderStart.h"
 
 #include <filesystem>
 #include <utility>
@@ -42,8 +43,10 @@ void SeriesSession::comeBack()
 
 int SeriesSession::open(const std::string& path)
 {
-    _beside.emplace(Other{_series.beside(), path});
-    return _beside->series.open(path);
+    // Of a folder only the file counts from now on: another one may become the first.
+    const std::string file = morvend::imglib::fileToOpen(path);
+    _beside.emplace(Other{_series.beside(), file});
+    return _beside->series.open(file);
 }
 
 int SeriesSession::push(const MImage& image)

@@ -166,6 +166,28 @@ TEST_F(MainWindowTest, DroppedFilesOpenInTheViewAndInNewOnes)
     EXPECT_TRUE(waitForImage(_window->subWindows()[3], 4));
 }
 
+TEST_F(MainWindowTest, ADroppedFolderShowsItsFirstImage)
+{
+    drop(_window.get(), {QUrl::fromLocalFile(QString::fromStdString(_folder.path()))});
+    ASSERT_EQ(_window->subWindows().size(), 1);
+    SubWindow* window = _window->subWindows()[0];
+    EXPECT_TRUE(waitForImage(window, 1));
+    settle();
+    EXPECT_EQ(window->file(), file(1));
+}
+
+TEST_F(MainWindowTest, ThreeHundredFilesThatVanishedNeedOneClick)
+{
+    QStringList files;
+    for (int i = 0; i < 300; ++i)
+        files << path("gone_" + std::to_string(i) + ".edf");
+    _mayClose = [this] { return _window->subWindows().isEmpty(); };
+    _window->openFiles(files);
+    EXPECT_TRUE(errorWasShown());
+    EXPECT_EQ(_errors.size(), 1);
+    EXPECT_TRUE(_errors.value(0).startsWith("300 errors")) << _errors.value(0).toStdString();
+}
+
 TEST_F(MainWindowTest, DroppedFilesAreNeverMoved)
 {
     SubWindow* window = _window->newSubWindow();

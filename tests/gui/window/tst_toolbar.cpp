@@ -34,7 +34,7 @@ TEST_F(ToolBarTest, HasFourTabsWithTheirEntries)
         {"Synchronize", {"Synchronize Viewport", "Synchronize Contrast", "Synchronize Statistics"}},
         {"Auto Load", {"Movie Mode", "Watch Series", "HALVO Monitor"}},
         {"Help", {"Documentation", "About"}}};
-    _window->resize(900, 300);
+    _window->resize(1200, 300);
     auto* ribbon = _window->findChild<RibbonInterface*>();
     for (const auto& [tab, texts] : tabs) {
         QTest::mouseClick(named<QToolButton>(tab), Qt::LeftButton);

@@ -1,0 +1,30 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+#include "gui/window/PanelTree.h"
+
+#include "gui/kit/ContainerSideBar.h"
+
+#include <vector>
+
+ContainerSideBar* makePanels(TarvikService&, unsigned long long firstKey)
+{
+    auto* root = new ContainerSideBar(firstKey);
+    struct Group {
+        unsigned long long key;
+        const char* title;
+        std::vector<SideBar*> panels;
+    };
+    // A panel joins here, made for the service with the key after its group's. The panel of the
+    // view itself has key 1 and stands in the root.
+    const std::vector<Group> groups{{2, "Statistics", {}}, {5, "Info", {}}};
+    for (const Group& group : groups) {
+        if (group.panels.empty())
+            continue;
+        auto* container = new ContainerSideBar(firstKey + group.key);
+        container->setTitle(QString::fromLatin1(group.title));
+        for (SideBar* panel : group.panels)
+            container->addSideBar(panel);
+        root->addSideBar(container);
+    }
+    return root;
+}

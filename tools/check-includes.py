@@ -81,7 +81,7 @@ ARROWS = {
     "geometry": ["image"],
     "detector": ["image", "support"],
     "headerfiles": ["image", "support"],
-    "output": ["loading", "records"],
+    "output": ["loading", "records", "roi"],
     "service": ["loading", "output", "peaks", "geometry", "detector", "headerfiles"],
     "core": ["service"],
     "guikit": ["support", "display"],

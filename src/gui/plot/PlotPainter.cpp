@@ -13,7 +13,7 @@
 namespace plot {
 namespace {
 
-const QColor readoutColour(150, 200, 255);
+const QColor ReadoutColour(150, 200, 255);
 
 QFont fontOf(int points) { return {GLOBALSTYLE::fontFamily, points}; }
 
@@ -60,7 +60,7 @@ void paintYTicks(QPainter& painter, const Picture& picture)
 void paintReadout(QPainter& painter, const Picture& picture)
 {
     const auto& [point, x, y] = *picture.readout;
-    painter.setPen(readoutColour);
+    painter.setPen(ReadoutColour);
     painter.drawLine(point - QPointF(3, 0), point + QPointF(3, 0));
     painter.drawLine(point - QPointF(0, 3), point + QPointF(0, 3));
     painter.setFont(fontOf(12));

@@ -59,7 +59,8 @@ public:
             _factor = (top + frame.bottomPadding - frame.top - frame.plotHeight()) / (high - low);
             _offset = top - _factor * high;
         } else {
-            _offset = frame.plotHeight() / 2 + frame.top;
+            const int middle = frame.plotHeight() / 2;
+            _offset = middle + frame.top;
         }
     }
 

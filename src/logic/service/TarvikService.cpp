@@ -5,6 +5,7 @@
 #include "logic/geometry/RingAdvice.h"
 #include "logic/output/OutputFiles.h"
 #include "logic/output/Pictures.h"
+#include "logic/output/RegionReport.h"
 #include "logic/service/HeaderFiles.h"
 #include "logic/service/TarvikServicePrivate.h"
 #include "logic/support/Console.h"
@@ -12,6 +13,7 @@
 #include <QFile>
 
 #include <limits>
+#include <stdexcept>
 #include <utility>
 
 using morvend::imglib::MImage;
@@ -82,6 +84,20 @@ QSharedPointer<const ImageStatistics> TarvikService::statistics() const
 const RoiStatistics& TarvikService::roiStatistics() const
 {
     return _d->records.region().awaitNumbers();
+}
+
+QString TarvikService::roiStatisticsToString() const
+{
+    return output::regionReport(imagePath(), statisticsData(), roiStatistics());
+}
+
+void TarvikService::writeRoiStatisticsToFile(const char* fileName) const
+{
+    try {
+        output::writeBytes(roiStatisticsToString().toUtf8(), QFile::decodeName(fileName));
+    } catch (const morvend::MNoFileAccessException&) {
+        throw std::runtime_error(fileName);
+    }
 }
 
 bool TarvikService::regionPending() const { return _d->records.region().pending(); }
@@ -247,7 +263,9 @@ void TarvikService::recommendResolutionRadius(int n, double& centreX, double& ce
         beamCentre(centreX, centreY);
 }
 
-// Setters of records.
+// Setters of records. Slots keep copies of what they are given, which may be the very record that
+// they change.
+// NOLINTBEGIN(performance-unnecessary-value-param)
 
 void TarvikService::setContrastData(ContrastData data) { _d->records.setContrast(data); }
 void TarvikService::setViewportData(ViewportData data) { _d->records.setViewport(data); }
@@ -283,6 +301,7 @@ void TarvikService::setHalvoMonitorHost(QString host, int port, double minPause)
 {
     _d->modes.setHalvoMonitorHost(host, port, minPause);
 }
+// NOLINTEND(performance-unnecessary-value-param)
 
 // Switching what is shown.
 

@@ -92,6 +92,12 @@ public:
     /// counts from the next image or setStatisticsData() on. Waits until they are computed:
     /// for reports and scripts, and for widgets that take them at once.
     const RoiStatistics& roiStatistics() const;
+    /// The results of the region as text, see output::regionReport(); waits as roiStatistics()
+    /// does.
+    QString roiStatisticsToString() const;
+    /// Writes them to a file as UTF-8.
+    /// @throws std::runtime_error with the file's name when it can't be written
+    void writeRoiStatisticsToFile(const char* fileName) const;
     /// True while the numbers are being computed; regionComputedSignal() follows.
     bool regionPending() const;
     /// The available numbers, without waiting, and their region: an older one

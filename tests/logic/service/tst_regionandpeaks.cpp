@@ -6,6 +6,10 @@
 #include "tests/support/HeldRegions.h"
 #include "tests/support/Regions.h"
 
+#include <gmock/gmock.h>
+
+#include <QTemporaryDir>
+
 namespace {
 
 using namespace tarvik::tests;
@@ -122,6 +126,24 @@ TEST_F(RegionAndPeaks, ARegionBeyondAllBoundsLeavesNoNumbers)
     EXPECT_EQ(view->roiStatistics().area, 0);
     show(view, image(8, 4, 7));
     EXPECT_EQ(view->image().pixel<int>(0, 0, 0), 7);
+}
+
+TEST_F(RegionAndPeaks, ReportOfTheRegionGoesToAFile)
+{
+    EXPECT_EQ(view->roiStatisticsToString(), "# \n");
+    show(view, image(8, 4, 5));
+    view->setStatisticsData(box(3));
+    const QString report = view->roiStatisticsToString();
+    EXPECT_TRUE(report.contains("# Integral 30\n")) << report.toStdString();
+    const QTemporaryDir folder;
+    const std::string path = folder.filePath("report.txt").toStdString();
+    view->writeRoiStatisticsToFile(path.c_str());
+    QFile file(QString::fromStdString(path));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), report.toUtf8());
+    const std::string nowhere = path + "/report.txt";
+    EXPECT_THAT([&] { view->writeRoiStatisticsToFile(nowhere.c_str()); },
+                testing::ThrowsMessage<std::runtime_error>(nowhere));
 }
 
 TEST_F(RegionAndPeaks, PeaksFollowTheImage)

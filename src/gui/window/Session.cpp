@@ -88,7 +88,7 @@ Session Session::fromJson(const QByteArray& json)
 {
     Session session;
     const QJsonObject all = QJsonDocument::fromJson(json).object();
-    for (const QJsonValue& value : all[text("views")].toArray()) {
+    for (const auto& value : all[text("views")].toArray()) {
         const QJsonObject view = value.toObject();
         const QString file = view[text("file")].toString();
         if (file.isEmpty() || session.views.size() == MostViews)
@@ -99,9 +99,9 @@ Session Session::fromJson(const QByteArray& json)
                               view[text("background")].toDouble(),
                               view[text("colours")].toString()});
     }
-    for (const QJsonValue& column : all[text("layout")].toArray()) {
+    for (const auto& column : all[text("layout")].toArray()) {
         QList<int> sizes;
-        for (const QJsonValue& size : column.toArray())
+        for (const auto& size : column.toArray())
             sizes.append(size.toInt());
         session.layout.append(sizes);
     }

@@ -22,7 +22,10 @@
 #include <QToolBar>
 #include <QToolButton>
 
+#include <fstream>
 #include <functional>
+#include <iostream>
+#include <string>
 
 namespace {
 
@@ -272,6 +275,34 @@ TEST_F(MainWindowTest, ViewsMayGoWhileTheyLoadOrTellAnError)
     SubWindow* next = _window->newSubWindow();
     next->loadFile(file(3));
     EXPECT_TRUE(waitForImage(next, 3)) << "the program lives on";
+}
+
+/// Memory of this process, for bench/view_memory.py.
+void printMemory(int views)
+{
+    std::ifstream status("/proc/self/status");
+    for (std::string line; std::getline(status, line);)
+        if (line.starts_with("VmRSS:"))
+            std::cout << "VIEWS " << views << ": " << std::stoi(line.substr(6)) << " kB\n";
+}
+
+TEST_F(MainWindowTest, ViewsThatComeAndGoLeaveNothing)
+{
+    const int views = qMax(qEnvironmentVariableIntValue("TARVIK_VIEWS"), 22);
+    const auto objects = [this] {
+        return _window->findChildren<QObject*>().size() + _core.findChildren<QObject*>().size();
+    };
+    qsizetype after20 = 0;
+    for (int i = 1; i <= views; ++i) {
+        opened(i % 12 + 1)->close();
+        settle();
+        if (i == 20) {
+            after20 = objects();
+            printMemory(i);
+        }
+    }
+    printMemory(views);
+    EXPECT_EQ(objects(), after20);
 }
 
 TEST_F(MainWindowTest, SettersOfAViewEndInItsRecords)

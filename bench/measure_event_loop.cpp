@@ -3,10 +3,12 @@
 //
 // Measures how long the event loop of the viewer stands still while it steps through a series.
 //
-//   measure-event-loop [--window] FILE [STEPS]
+//   measure-event-loop [--window | --drag] FILE [STEPS]
 //
+// With --drag a hand runs over the series strip of a window, so many moves at 60 a second.
 // Without --window only the view service works, as for a view whose widgets cost nothing.
 #include "gui/kit/Look.h"
+#include "gui/kit/SeriesStrip.h"
 #include "gui/window/MainWindow.h"
 #include "gui/window/SubWindow.h"
 #include "logic/core/TarvikCore.h"
@@ -15,6 +17,7 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QMouseEvent>
 #include <QTimer>
 
 #include <algorithm>
@@ -90,6 +93,40 @@ void step(TarvikService* service, GapMeter& meter, int steps)
         Qt::QueuedConnection);
 }
 
+/// Drags over the strip, there and back, once the first image is shown.
+void drag(SubWindow* view, GapMeter& meter, int moves)
+{
+    TarvikService* service = view->service();
+    auto* timer = new QTimer(view);
+    const auto shown = std::make_shared<int>(0);
+    QObject::connect(service, &TarvikService::newImageSignal, timer, [=] { ++*shown; });
+    QObject::connect(timer, &QTimer::timeout, view, [=, &meter, done = 0]() mutable {
+        auto* strip = view->findChild<SeriesStrip*>();
+        const int range = strip->width() - 1;
+        const auto send = [&](QEvent::Type type) {
+            // A triangle: two seconds from end to end.
+            const int phase = done * range / 120 % (2 * range);
+            const QPoint at(phase < range ? phase : 2 * range - phase, 5);
+            QMouseEvent event(type, at, strip->mapToGlobal(at), Qt::LeftButton, Qt::LeftButton, {});
+            QCoreApplication::sendEvent(strip, &event);
+        };
+        if (done == 0) {
+            *shown = 0;
+            meter.start();
+            send(QEvent::MouseButtonPress);
+        } else {
+            send(QEvent::MouseMove);
+        }
+        if (done++ < moves)
+            return;
+        meter.print(moves);
+        std::printf("%d images shown\n", *shown);
+        QCoreApplication::exit(0);
+    });
+    QObject::connect(service, &TarvikService::newImageSignal, timer,
+                     [timer] { timer->isActive() ? void() : timer->start(16); });
+}
+
 }  // namespace
 
 int main(int argc, char** argv)
@@ -97,9 +134,10 @@ int main(int argc, char** argv)
     look::beforeApplication();
     QApplication application(argc, argv);
     QStringList words = QCoreApplication::arguments().mid(1);
-    const bool withWindow = words.removeAll(QStringLiteral("--window")) > 0;
+    const bool drags = words.removeAll(QStringLiteral("--drag")) > 0;
+    const bool withWindow = words.removeAll(QStringLiteral("--window")) > 0 || drags;
     if (words.isEmpty()) {
-        std::fputs("usage: measure-event-loop [--window] FILE [STEPS]\n", stderr);
+        std::fputs("usage: measure-event-loop [--window | --drag] FILE [STEPS]\n", stderr);
         return 2;
     }
     const int steps = words.size() > 1 ? std::max(1, words[1].toInt()) : 50;
@@ -116,7 +154,10 @@ int main(int argc, char** argv)
         window->show();
         SubWindow* view = window->newSubWindow();
         service = view->service();
-        step(service, meter, steps);
+        if (drags)
+            drag(view, meter, steps);
+        else
+            step(service, meter, steps);
         view->loadFile(words[0]);
     } else {
         service = core.newService(QStringLiteral("1"));

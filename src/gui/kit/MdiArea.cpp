@@ -33,6 +33,8 @@ MdiArea::~MdiArea()
 {
     // A deleted frame passes its focus on; the remaining frames must not react to that.
     const QSignalBlocker quiet(qApp);
+    for (AbstractSubWindow* frame : std::as_const(_subWindows))
+        disconnect(frame, nullptr, this, nullptr);
     qDeleteAll(_subWindows);
 }
 
@@ -52,6 +54,10 @@ void MdiArea::addSubWindows(const QList<AbstractSubWindow*>& frames)
         _subWindows.append(frame);
         connect(frame, &AbstractSubWindow::gotActivated, this, &MdiArea::_processGotActivated);
         connect(frame, &AbstractSubWindow::terminated, this, &MdiArea::_removeSlot);
+        connect(frame, &QObject::destroyed, this, [this, frame] {
+            if (_take(frame))
+                _rearrangeSoon();
+        });
     }
     _rearrange();
     frames.last()->setActivated(true);
@@ -59,13 +65,9 @@ void MdiArea::addSubWindows(const QList<AbstractSubWindow*>& frames)
 
 void MdiArea::removeSubWindow(AbstractSubWindow* frame)
 {
-    if (!_subWindows.removeOne(frame))
+    if (!_take(frame))
         return;
     disconnect(frame, nullptr, this, nullptr);
-    if (_subWindows.isEmpty())
-        _activeSubWindow = nullptr;
-    else if (frame == _activeSubWindow)
-        _subWindows.first()->setActivated(true);
     {
         // Hiding passes the focus to a neighbour, which must not become active by that.
         const QSignalBlocker quiet(qApp);
@@ -74,6 +76,18 @@ void MdiArea::removeSubWindow(AbstractSubWindow* frame)
     }
     frame->deleteLater();
     _rearrangeSoon();
+}
+
+bool MdiArea::_take(AbstractSubWindow* frame)
+{
+    if (!_subWindows.removeOne(frame))
+        return false;
+    if (frame != _activeSubWindow)
+        return true;
+    _activeSubWindow = nullptr;
+    if (!_subWindows.isEmpty())
+        _subWindows.first()->setActivated(true);
+    return true;
 }
 
 void MdiArea::_rearrangeSoon()

@@ -52,6 +52,8 @@ private slots:
     void _removeSlot(AbstractSubWindow* frame);
 
 private:
+    /// Takes a frame, which may be gone already, out of the list. @returns whether it was in it
+    bool _take(AbstractSubWindow* frame);
     void _rearrange();
     void _rearrangeSoon();
     void _shareOut(const std::vector<int>& heights);

@@ -89,7 +89,9 @@ QRect SeriesStrip::columns(Run run) const
         const long long place = std::clamp(number - _first, 0LL, count());
         return static_cast<int>((place * width() + count() - 1) / count());
     };
-    const int left = std::min(column(run.first), width() - 1);
+    int left = std::min(column(run.first), width() - 1);
+    if (left > 0 && numberAt(left) > run.first)
+        --left;  // shared with other numbers
     const int right = std::max(column(static_cast<long long>(run.last) + 1), left + 1);
     return {left, 0, right - left, height()};
 }

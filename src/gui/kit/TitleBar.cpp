@@ -10,6 +10,7 @@
 #include <QToolButton>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -65,6 +66,13 @@ TitleBar::TitleBar(QWidget* parent)
     _setStyleSheet(_nonActiveColor);
 }
 
+TitleBar::~TitleBar()
+{
+    // They go with the base class, after the list of them.
+    for (QWidget* each : std::as_const(_titleWidgets))
+        disconnect(each, nullptr, this, nullptr);
+}
+
 void TitleBar::setActiveColor(unsigned char red, unsigned char green, unsigned char blue)
 {
     _activeColor = QColor(red, green, blue);
@@ -89,6 +97,8 @@ void TitleBar::addWidget(QWidget* widget)
 {
     _itemLayout->insertWidget(_itemCount++, widget, 0, Qt::AlignVCenter);
     _titleWidgets.append(widget);
+    connect(widget, &QObject::destroyed, this,
+            [this, widget] { _itemCount -= static_cast<int>(_titleWidgets.removeAll(widget)); });
 }
 
 void TitleBar::addSpacing(int pixels) { _itemLayout->insertSpacing(_itemCount++, pixels); }
@@ -98,6 +108,8 @@ QSize TitleBar::minimumSizeHint() const { return {0, QWidget::minimumSizeHint().
 void TitleBar::actionEvent(QActionEvent* event)
 {
     QWidget::actionEvent(event);
+    if (event->type() == QEvent::ActionRemoved)
+        _removeAction(event->action());
     if (event->type() != QEvent::ActionAdded)
         return;
     auto* button = new QToolButton(this);
@@ -106,6 +118,24 @@ void TitleBar::actionEvent(QActionEvent* event)
     button->setFocusPolicy(Qt::NoFocus);
     addWidget(button);
     _titleActions.append(event->action());
+}
+
+void TitleBar::_removeAction(const QAction* action)
+{
+    const qsizetype place = _titleActions.indexOf(action);
+    if (place < 0)
+        return;
+    _titleActions.removeAt(place);
+    for (QWidget* each : QList<QWidget*>(_titleWidgets)) {
+        auto* button = qobject_cast<QToolButton*>(each);
+        if (!button || button->defaultAction() != action)
+            continue;
+        // Its click may be what removes the action.
+        button->hide();
+        _itemCount -= static_cast<int>(_titleWidgets.removeAll(each));
+        _itemLayout->removeWidget(button);
+        button->deleteLater();
+    }
 }
 
 void TitleBar::_setStyleSheet(const QColor& background)

@@ -21,6 +21,7 @@ public:
     static constexpr int fixedHeight = 25;
 
     explicit TitleBar(QWidget* parent = nullptr);
+    ~TitleBar() override;
 
     /// Colours take effect at the next change of activation.
     void setActiveColor(unsigned char red, unsigned char green, unsigned char blue);
@@ -51,6 +52,7 @@ protected:
     void actionEvent(QActionEvent* event) override;
 
 private:
+    void _removeAction(const QAction* action);
     void _setStyleSheet(const QColor& background);
 
     TitleLabel* _titleLabel;

@@ -13,14 +13,25 @@
 #include <QSignalSpy>
 
 #include <numeric>
+#include <random>
 
 namespace {
 
 TEST(MdiTiling, FramesFillColumnsFromLeftToRightAndShareTheArea)
 {
     // Frames in each column.
-    for (const std::vector<int>& columns : std::initializer_list<std::vector<int>>{
-             {1}, {1, 1}, {2, 1}, {2, 2, 1}, {3, 2, 2}, {3, 3, 3}, {3, 3, 2, 2}}) {
+    for (const std::vector<int>& columns : std::initializer_list<std::vector<int>>{{1},
+                                                                                   {1, 1},
+                                                                                   {2, 1},
+                                                                                   {2, 2},
+                                                                                   {2, 2, 1},
+                                                                                   {2, 2, 2},
+                                                                                   {3, 2, 2},
+                                                                                   {3, 3, 2},
+                                                                                   {3, 3, 3},
+                                                                                   {3, 3, 2, 2},
+                                                                                   {3, 3, 3, 2},
+                                                                                   {3, 3, 3, 3}}) {
         MdiArea area;
         area.resize(900, 800);
         area.show();
@@ -76,6 +87,50 @@ TEST(MdiTiling, FramesThatGoTogetherMoveTheOthersOnce)
     settle();
     EXPECT_EQ(area.subWindowList().size(), 2);
     EXPECT_LE(staying->moves, 2) << "out of its column and into one";
+}
+
+TEST(MdiTiling, RandomComingsAndGoingsAgreeWithAList)
+{
+    std::mt19937 random(7);
+    MdiArea area;
+    area.resize(900, 800);
+    area.show();
+    QList<AbstractSubWindow*> frames;
+    AbstractSubWindow* active = nullptr;
+    const auto any = [&] { return frames[qsizetype(random() % std::size_t(frames.size()))]; };
+    for (int round = 0; round < 300; ++round) {
+        const auto action = random() % 8;
+        if (frames.isEmpty() || action < 3) {
+            for (auto count = random() % 3 + 1; count > 0; --count)
+                frames.append(new AbstractSubWindow);
+            area.addSubWindows(frames.mid(area.subWindowList().size()));
+            active = frames.last();
+        } else if (action < 5) {
+            active = any();
+            active->setActivated(true);
+        } else {
+            AbstractSubWindow* gone = any();
+            frames.removeOne(gone);
+            if (gone == active)
+                active = frames.isEmpty() ? nullptr : frames.first();
+            if (action == 7)
+                delete gone;  // as with the widget around it
+            else
+                gone->close();
+        }
+        if (random() % 3 == 0)
+            settle();
+        ASSERT_EQ(area.subWindowList(), frames) << round;
+        ASSERT_EQ(area.activeSubWindow(), active) << round;
+        for (const AbstractSubWindow* frame : frames)
+            ASSERT_EQ(frame->active(), frame == active) << round;
+    }
+    settle();
+    const auto heights = MdiArea::columnHeights(int(frames.size()));
+    ASSERT_EQ(area.mainSplitter()->count(), int(heights.size()));
+    for (int i = 0; i < area.mainSplitter()->count(); ++i)
+        EXPECT_EQ(qobject_cast<QSplitter*>(area.mainSplitter()->widget(i))->count(),
+                  heights[std::size_t(i)]);
 }
 
 class MdiActivation : public testing::Test {

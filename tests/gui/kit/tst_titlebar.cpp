@@ -77,6 +77,12 @@ TEST_F(TitleBarTest, AnActionBecomesAButtonLeftOfTheTitleAndToolButtonsHide)
     _frame.showToolButtons();
     EXPECT_TRUE(button->isVisible());
     EXPECT_TRUE(_frame.titleBar()->exitButton()->isVisible());
+
+    delete box;
+    _frame.titleBar()->removeAction(&next);
+    EXPECT_TRUE(_frame.titleBar()->titleWidgets().isEmpty());
+    EXPECT_TRUE(_frame.titleBar()->titleActions().isEmpty());
+    _frame.hideToolButtons();
 }
 
 TEST_F(TitleBarTest, ColoursAreHeldInRangeAndShowFromTheNextActivation)

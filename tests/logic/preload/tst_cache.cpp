@@ -8,6 +8,9 @@
 
 #include <gmock/gmock.h>
 
+#include <random>
+#include <set>
+
 namespace {
 
 using morvend::imglib::FileStamp;
@@ -26,6 +29,50 @@ TEST(PreloaderCache, BytesOfAnOverwrittenImageGoOnCounting)
     const PreloaderCache::Key gone("a", 1);
     EXPECT_THAT([&] { (void)cache[gone]; },
                 testing::ThrowsMessage<morvend::MOutOfRangeException>("Cache fault"));
+}
+
+TEST(PreloaderCache, ListsWhatItHoldsInRuns)
+{
+    std::mt19937 random(3);
+    PreloaderCache cache;
+    std::set<int> model;
+    for (int round = 0; round < 2000; ++round) {
+        const int number = int(random() % 60);
+        if (random() % 50 == 0) {
+            cache.eraseIfLessEqual({"a", static_cast<unsigned long>(number)});
+            std::erase_if(model, [=](int each) { return each <= number; });
+        } else {
+            cache.add({"a", static_cast<unsigned long>(number)}, MImage(1, 1, 7));
+            model.insert(number);
+        }
+        std::set<int> listed;
+        int before = -2;
+        for (const auto& run : cache.list("a").held) {
+            ASSERT_GT(run.first, before + 1) << "runs that touch are one";
+            before = run.last;
+            for (int each = run.first; each <= run.last; ++each)
+                listed.insert(each);
+        }
+        ASSERT_EQ(listed, model) << round;
+    }
+    cache.fail({"a", 100}, "cut");
+    cache.fail({"b", 7}, "gone");
+    EXPECT_THAT(cache.list("a").failed, testing::ElementsAre(testing::Pair(100, "cut")));
+    cache.add({"a", 100}, MImage(1, 1, 7));
+    EXPECT_TRUE(cache.list("a").failed.empty());
+    cache.eraseIfLessEqual({"a", 0});
+    EXPECT_EQ(cache.list("b"), ReadAhead());
+}
+
+TEST(PreloaderMessages, AListArrivesAsItWasOrNotAtAll)
+{
+    const ReadAhead list{{{1, 5}, {9, 2'000'000'000}}, {{7, "x.cbf: cut"}, {8, ""}}};
+    const std::string bytes = preloader::pack(list);
+    EXPECT_EQ(preloader::unpackList(bytes), list);
+    for (std::size_t length = 0; length < bytes.size(); ++length)
+        EXPECT_THROW(preloader::unpackList(bytes.substr(0, length)), morvend::MRuntimeException);
+    EXPECT_THROW(preloader::unpackList(bytes + '.'), morvend::MRuntimeException);
+    EXPECT_THROW(preloader::unpackList(std::string(64, '\xff')), morvend::MRuntimeException);
 }
 
 TEST(PreloaderCache, ImageGoesWhenItsFileShowsSomethingElse)

@@ -1,0 +1,120 @@
+#!/usr/bin/env bash
+# SPDX-FileCopyrightText: 2026 the TARVIK authors
+# SPDX-License-Identifier: MIT
+#
+# make-screenshots.sh [BUILD [OUT]]: pictures of the viewer at work, on generated data and a virtual
+# screen, into OUT (screenshots/ in the build folder). BUILD is the build folder (build/ci).
+# docs/images holds some of them, made smaller: convert X.png -resize 900x600 +dither -colors 40 X.png
+# Needs xvfb, xdotool and ImageMagick, of which packaging/debian-packages.txt has all.
+set -euo pipefail
+here=$(cd "$(dirname "$0")/.." && pwd)
+build=$(cd "${1:-$here/build/ci}" && pwd)
+out=${2:-$build/screenshots}
+mkdir -p "$out"
+out=$(cd "$out" && pwd)
+
+if [ -z "${TARVIK_ON_VIRTUAL_SCREEN:-}" ]; then
+    export TARVIK_ON_VIRTUAL_SCREEN=1
+    exec xvfb-run -a -s "-screen 0 1200x800x24" "$0" "$build" "$out"
+fi
+
+work=$(mktemp -d)
+export XDG_CONFIG_HOME=$work/config
+program=
+stop() {
+    [ -z "$program" ] || kill "$program" 2>/dev/null || true
+    [ -z "$program" ] || wait "$program" 2>/dev/null || true
+    program=
+}
+trap 'stop; rm -rf "$work"' EXIT
+
+"$build/bin/tarvik-demo-data" "$work/demo" --size 1m --frames 6 --formats cbf >/dev/null
+frames=("$work"/demo/1m/cbf/*.cbf)
+rm "${frames[3]}"
+
+# start FILE...: runs the viewer until it shows all files.
+start() {
+    : >"$work/log"
+    "$build/bin/tarvik" "$@" >"$work/log" 2>&1 &
+    program=$!
+    for _ in $(seq 300); do
+        [ "$(grep -c 'TOTAL TIME LOADING' "$work/log")" -lt $# ] || break
+        kill -0 "$program" || { cat "$work/log" >&2; exit 1; }
+        sleep 0.1
+    done
+    settle
+}
+# Two equal pictures in a row show that the last paint is done.
+settle() {
+    for _ in $(seq 30); do
+        sleep 0.3
+        import -window root "$work/new.ppm"
+        ! cmp -s "$work/old.ppm" "$work/new.ppm" || break
+        cp "$work/new.ppm" "$work/old.ppm"
+    done
+}
+take() {
+    settle
+    import -window root -strip -define png:compression-level=9 "$out/$1.png"
+    echo "$out/$1.png"
+}
+click() { xdotool mousemove "$1" "$2" click 1; sleep 0.3; }
+key() { xdotool key "$@"; sleep 0.3; }
+
+start
+take empty-window
+stop
+
+start "${frames[0]}"
+xdotool mousemove 420 420
+take one-image
+# The tabs stand in a row at the top.
+tab=0
+for x in 20 130 255 345; do
+    click "$x" 12
+    tab=$((tab + 1))
+    take "ribbon-$tab"
+done
+click 25 12
+key ctrl+o
+take open-dialog
+key Escape
+key ctrl+0
+take fitted
+stop
+
+start "${frames[0]}"
+click 600 500
+key ctrl+p
+take export-name
+xdotool type "$work/picture.png"
+key Return
+take export-dialog
+stop
+
+start "${frames[@]:0:3}" "${frames[4]}"
+take four-frames
+stop
+
+echo "no image" >"$work/broken.cbf"
+"$build/bin/tarvik" "${frames[0]}" "$work/broken.cbf" >"$work/log" 2>&1 &
+program=$!
+sleep 3
+take error-dialog
+stop
+
+start "${frames[2]}"
+click 600 500
+key Escape
+take keyboard-mode
+stop
+
+start "${frames[2]}"
+click 600 500
+key n  # the keyboard mode is still on
+take strip-with-a-missing-image
+stop
+
+QT_SCALE_FACTOR=2 start "${frames[0]}"
+take scale-2
+stop

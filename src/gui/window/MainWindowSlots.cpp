@@ -3,6 +3,7 @@
 //
 // What the actions of the main window do.
 #include "gui/kit/ContainerSideBar.h"
+#include "gui/kit/ErrorDialog.h"
 #include "gui/kit/PopupButton.h"
 #include "gui/render/ImageDrawerMain.h"
 #include "gui/window/About.h"
@@ -25,6 +26,7 @@
 #include <QCoreApplication>
 #include <QDesktopServices>
 #include <QDir>
+#include <QFileInfo>
 #include <QSettings>
 #include <QUrl>
 
@@ -190,6 +192,12 @@ void MainWindow::_openHelpBrowser()
     const QDir folder(QCoreApplication::applicationDirPath() + "/../Resources/tarvik_doc");
     const QString url = "file:///" + folder.canonicalPath() + "/index.html";
     console::print((url + '\n').toStdString());
+    if (!QFileInfo::exists(folder.filePath(QStringLiteral("index.html")))) {
+        const QString message =
+            "The documentation is not installed: " + QDir::cleanPath(folder.path()) + "/index.html";
+        ErrorDialog::showMessage(message.toUtf8().constData());
+        return;
+    }
     QDesktopServices::openUrl(QUrl(url));
 }
 

@@ -57,6 +57,13 @@ TEST_F(ToolBarTest, HasFourTabsWithTheirEntries)
     EXPECT_EQ(monitor->popupMode(), QToolButton::MenuButtonPopup);
 }
 
+TEST_F(ToolBarTest, DocumentationThatIsNotInstalledIsReported)
+{
+    action("Documentation")->trigger();
+    ASSERT_EQ(_errors.size(), 1);
+    EXPECT_TRUE(_errors[0].contains("tarvik_doc/index.html")) << _errors[0].toStdString();
+}
+
 TEST_F(ToolBarTest, ShowsTheModesOfTheActiveView)
 {
     SubWindow* first = opened(1);

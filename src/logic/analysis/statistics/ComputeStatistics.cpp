@@ -7,6 +7,7 @@
 #include "imagelib/display/MContrast.h"
 #include "imagelib/image/BinaryDispatcher.h"
 #include "imagelib/image/PixelTypes.h"
+#include "logic/analysis/statistics/FloatTotals.h"
 #include "logic/analysis/statistics/ValueCounts.h"
 #include "logic/support/Assert.h"
 #include "logic/support/Console.h"

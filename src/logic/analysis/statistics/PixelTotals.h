@@ -63,7 +63,3 @@ PixelTotals<T> plainTotals(const T* pixels, const GoodPixels& good, int saturati
     });
     return totals;
 }
-
-/// The same of floats, with vectors: they are added in a fixed order, the same for every processor.
-/// 64 bytes past the last pixel are readable.
-PixelTotals<float> vectorTotals(const float* pixels, const GoodPixels& good);

@@ -3,12 +3,12 @@
 //
 // The vector loops of the statistics, for each instruction set: blocks that stay in the nearest
 // cache, so that a block with rare pixels can be read again.
-#include "logic/analysis/statistics/PixelTotals.h"
+#include "logic/analysis/statistics/FloatTotals.h"
 
 #include "logic/analysis/statistics/TotalsBlock.h"
 
 #undef HWY_TARGET_INCLUDE
-#define HWY_TARGET_INCLUDE "logic/analysis/statistics/PixelTotals.cpp"
+#define HWY_TARGET_INCLUDE "logic/analysis/statistics/FloatTotals.cpp"
 #include <hwy/foreach_target.h>
 // After foreach_target.h, which may include this file again for each instruction set.
 #include <hwy/highway.h>

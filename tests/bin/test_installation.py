@@ -31,6 +31,10 @@ class Installation(unittest.TestCase):
         self.assertEqual(sorted(os.listdir(self.prefix / "bin")),
                          ["tarvik", "tarvik-demo-data", "tarvik-image"])
 
+    def test_the_documentation_lies_where_the_viewer_looks(self):
+        pages = self.prefix / "bin/../share/doc/tarvik/html"
+        self.assertIn("<h1", (pages / "index.html").read_text())
+
     def test_the_desktop_understands_its_files(self):
         share = self.prefix / "share"
         check("desktop-file-validate", share / "applications/tarvik.desktop")

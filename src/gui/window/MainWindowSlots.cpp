@@ -189,10 +189,14 @@ void MainWindow::_open()
 
 void MainWindow::_openHelpBrowser()
 {
-    const QDir folder(QCoreApplication::applicationDirPath() + "/../Resources/tarvik_doc");
+    // Beside a program in its build folder, and where `cmake --install` puts the pages.
+    const QDir programs(QCoreApplication::applicationDirPath());
+    QDir folder(programs.filePath(QStringLiteral("../Resources/tarvik_doc")));
+    if (!folder.exists())
+        folder.setPath(programs.filePath(QStringLiteral("../share/doc/tarvik/html")));
     const QString url = "file:///" + folder.canonicalPath() + "/index.html";
     console::print((url + '\n').toStdString());
-    if (!QFileInfo::exists(folder.filePath(QStringLiteral("index.html")))) {
+    if (!folder.exists(QStringLiteral("index.html"))) {
         const QString message =
             "The documentation is not installed: " + QDir::cleanPath(folder.path()) + "/index.html";
         ErrorDialog::showMessage(message.toUtf8().constData());

@@ -43,6 +43,7 @@ ROOMS = {
     "src/logic/service": "service",
     "src/logic/core": "core",
     "src/gui/kit": "guikit",
+    "src/gui/panels": "panels",
     "src/gui/plot": "plot",
     "src/gui/render": "render",
     "src/gui/render/geometry": "viewgeometry",
@@ -90,7 +91,8 @@ ARROWS = {
     "overlays": ["viewgeometry", "service"],
     "render": ["gestures", "overlays"],
     "plot": ["guikit", "display", "output"],
-    "window": ["render", "core"],
+    "panels": ["render"],
+    "window": ["panels", "core"],
     "tool": ["io", "display", "core"],
     "reader": ["hdf5nexus", "ioprocess"],
     "bin": ["window"],
@@ -123,13 +125,14 @@ DOORS = {
     "headerfiles": "WriteHeaderToFilesThread",
     "viewgeometry": "ViewGeometry RingGeometry",
     "render": "ImageDrawer ImageDrawerMain ImageDrawerThumbnail OpenGlSupport",
+    "panels": "ViewBar GotoButton FastContrastControl",
     "plot": "Plotter",
     "window": "MainWindow",
 }
 
 WITHOUT_QT = {"image", "paths", "codec", "display", "ipc", "formatbase", "cbf", "tiff", "edf",
               "hdf5library", "hdf5frames", "hdf5nexus", "hdf5write", "ioprocess", "io", "reader", "demo"}
-WITH_WIDGETS = {"guikit", "plot", "render", "window", "bin"}
+WITH_WIDGETS = {"guikit", "panels", "plot", "render", "window", "bin"}
 WIDGETS = re.compile(r"Q(Widget|Application|MainWindow|Dialog|MessageBox|Layout|[HV]BoxLayout"
                      r"|Label|PushButton|ToolButton|ToolBar|Splitter|OpenGLWidget|FileDialog"
                      r"|ComboBox|CheckBox|ScrollArea|Action|Menu|Style.*)")

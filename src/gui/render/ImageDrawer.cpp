@@ -25,11 +25,13 @@ constexpr qint64 wheelPause = 20;
 
 }  // namespace
 
-ImageDrawer::ImageDrawer(TarvikService* service, bool useGlsl, QWidget* parent)
+ImageDrawer::ImageDrawer(TarvikService* service, bool useGlsl, QWidget* parent,
+                         SurfaceUse surfaceUse)
     : QWidget(parent)
     , _service(service)
     , _viewportData(service->viewportData())
     , _contrastData(service->contrastData())
+    , _surfaceUse(surfaceUse)
     , _glslWanted(useGlsl)
     , _useGlsl(useGlsl)
 {
@@ -56,7 +58,8 @@ bool ImageDrawer::needsSurface() const
 
 void ImageDrawer::_takeSurface()
 {
-    if (_canvas || !render::OpenGlSupport::ofThisProcess().usable ||
+    if (_canvas || _surfaceUse == SurfaceUse::Never ||
+        !render::OpenGlSupport::ofThisProcess().usable ||
         !render::Surfaces::ofThisProcess().take(*this))
         return;
     _initialized = false;  // until there is a context
@@ -198,11 +201,13 @@ void ImageDrawer::newImageSlot()
     update();
 }
 
-bool ImageDrawer::_samples() const
+bool ImageDrawer::canPlot3d() const
 {
     const render::OpenGlSupport& openGl = render::OpenGlSupport::ofThisProcess();
-    return !_canvas && _glslWanted && openGl.usable && openGl.info->glslPossible();
+    return _glslWanted && openGl.usable && openGl.info->glslPossible();
 }
+
+bool ImageDrawer::_samples() const { return !_canvas && canPlot3d(); }
 
 void ImageDrawer::_sample(double devicePixelRatio)
 {

@@ -48,9 +48,13 @@ class ImageDrawer : public QWidget, private render::Surfaces::Holder {
 public:
     using MImage = morvend::imglib::MImage;
 
+    /// Whether a view may take an OpenGL surface, see render/Surfaces.
+    enum class SurfaceUse { IfThereIsOne, Never };
+
     /// @param service  not owned; lives as long as the view
     /// @param useGlsl  false colours on the processor even if shaders are available
-    ImageDrawer(TarvikService* service, bool useGlsl, QWidget* parent = nullptr);
+    ImageDrawer(TarvikService* service, bool useGlsl, QWidget* parent = nullptr,
+                SurfaceUse surfaceUse = SurfaceUse::IfThereIsOne);
     ~ImageDrawer() override;
 
     /// The last cursor position.
@@ -94,6 +98,8 @@ public:
     void setInUse(bool inUse);
     /// Has it an OpenGL surface, see render/Surfaces?
     bool hasSurface() const { return _canvas != nullptr; }
+    /// Can OpenGL draw height maps here, in this view or in another one of the same image?
+    bool canPlot3d() const;
     /// True if shaders colour the image. Known once the view is initialized.
     bool usesGlsl() const { return _useGlsl && _onCard; }
     /// Limits the side of textures from the next image on, whatever the card allows.
@@ -219,6 +225,7 @@ private:
     int _lastMoveY = 0;
     QElapsedTimer _wheelTimer;
     bool _moveImage = true;
+    const SurfaceUse _surfaceUse;
     bool _glslWanted;
     bool _useGlsl;
     bool _onCard = true;  // the image is on the card

@@ -13,7 +13,7 @@
 #include <algorithm>
 
 ImageDrawerThumbnail::ImageDrawerThumbnail(ImageDrawerMain* main, QWidget* parent)
-    : ImageDrawer(&main->service(), main->wantsGlsl(), parent)
+    : ImageDrawer(&main->service(), main->wantsGlsl(), parent, SurfaceUse::Never)
     , _main(main)
 {
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);

@@ -11,7 +11,8 @@ class ImageDrawerMain;
 
 /// Shows the whole image at a reduced size and marks the part that the main view shows. A drag
 /// moves that part, the wheel zooms the main view about the point under the cursor; both within the
-/// limits of the main view. No caller yet: the side bar of the window.
+/// limits of the main view. So few pixels are coloured by the processor: the surfaces are left to
+/// main views.
 class ImageDrawerThumbnail : public ImageDrawer {
     Q_OBJECT
 public:

@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: MIT
 #include "gui/window/MainWindow.h"
 
-#include "gui/kit/ContainerSideBar.h"
 #include "gui/kit/MdiArea.h"
 #include "gui/kit/SvgIcon.h"
 #include "gui/render/OpenGlSupport.h"
@@ -88,10 +87,8 @@ MainWindow::~MainWindow()
     for (const SubFrame& frame : _subFrames)
         disconnect(frame.subWindow, nullptr, this, nullptr);
     delete _mdiArea;
-    for (const SubFrame& frame : _subFrames) {
-        delete frame.sideBar;
+    for (const SubFrame& frame : _subFrames)
         _core.deleteService(frame.service);
-    }
 }
 
 SubWindow* MainWindow::activeSubWindow() const
@@ -157,16 +154,17 @@ SubWindow* MainWindow::_makeSubWindow()
     const QString key = QString::number(reinterpret_cast<quintptr>(this));
     TarvikService* service = _core.newService(key);
     auto* window = new SubWindow(*this, service, _useGlsl);
-    _subFrames.insert({window, service, _makePanels(*service)});
+    _subFrames.insert({window, service, _makePanels(*window)});
     _remember(window);
     connect(window, &AbstractSubWindow::gotActivated, this, &MainWindow::_subWindowActivated);
     connect(window, &QObject::destroyed, this, &MainWindow::_handleCloseEvent);
     return window;
 }
 
-ContainerSideBar* MainWindow::_makePanels(TarvikService& service)
+ContainerSideBar* MainWindow::_makePanels(SubWindow& window)
 {
-    ContainerSideBar* root = _panelMaker(service, _firstPanelKey);
+    ContainerSideBar* root = _panelMaker(*window.service(), *window.imageDrawer(), _firstPanelKey);
+    connect(&window, &SubWindow::aboutToTerminate, root, [root] { delete root; });
     for (const SideBar* panel : root->findChildren<SideBar*>()) {
         connect(panel, &SideBar::gotVisbile, this, &MainWindow::_setSideBarVisibleSlot);
         connect(panel, &SideBar::toggledVisible, this, &MainWindow::_placeChanged);
@@ -267,7 +265,6 @@ void MainWindow::_handleCloseEvent(QObject* window)
     const auto frame = _frameOf(window);
     if (frame == _subFrames.end())
         return;
-    delete frame->sideBar;
     _core.deleteService(frame->service);
     _subFrames.erase(frame);
     if (_sessionSetting)

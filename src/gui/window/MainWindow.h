@@ -4,6 +4,7 @@
 // The top-level window: control bar, ribbon and the tiled image views.
 #pragma once
 
+#include "gui/kit/ContainerSideBar.h"
 #include "gui/window/PanelTree.h"
 #include "gui/window/ViewHost.h"
 
@@ -15,7 +16,6 @@
 #include <set>
 
 class AbstractSubWindow;
-class ContainerSideBar;
 class ControlBar;
 class MainWindowActions;
 class MainWindowEventControl;
@@ -137,7 +137,7 @@ private:
     struct SubFrame {
         SubWindow* subWindow = nullptr;
         TarvikService* service = nullptr;
-        ContainerSideBar* sideBar = nullptr;
+        QPointer<ContainerSideBar> sideBar;  // goes before the view that its panels steer
         bool operator<(const SubFrame& other) const { return subWindow < other.subWindow; }
     };
 
@@ -150,7 +150,7 @@ private:
     void _createLayout();
     void _createMemory();
     /// The panels of a new view.
-    ContainerSideBar* _makePanels(TarvikService& service);
+    ContainerSideBar* _makePanels(SubWindow& window);
     /// Has the session follow a view.
     void _remember(SubWindow* window);
     QVariant _session() const;

@@ -3,12 +3,15 @@
 #include "gui/window/PanelTree.h"
 
 #include "gui/kit/ContainerSideBar.h"
+#include "gui/panels/ViewBar.h"
 
 #include <vector>
 
-ContainerSideBar* makePanels(TarvikService&, unsigned long long firstKey)
+ContainerSideBar* makePanels(TarvikService& service, ImageDrawerMain& view,
+                             unsigned long long firstKey)
 {
     auto* root = new ContainerSideBar(firstKey);
+    root->addSideBar(new ViewBar(firstKey + 1, &service, &view));
     struct Group {
         unsigned long long key;
         const char* title;

@@ -11,6 +11,8 @@
 
 namespace {
 
+constexpr int ScrollBarWidth = 15;  // in the style
+
 const char* const AreaStyle = R"(
 QScrollBar:vertical { width: 15px; margin: 15px 0px; background-color: rgb(40,40,40); }
 QScrollBar:horizontal { height: 15px; margin: 0px 15px; background-color: rgb(40,40,40); }
@@ -33,7 +35,9 @@ SideBarColumn::SideBarColumn(QSplitter& splitter)
     _sideBarStack->setStyleSheet(
         QStringLiteral("background-color: %1;").arg(GLOBALSTYLE::sidebarColor.name()));
     _sideBarStack->layout()->setSizeConstraint(QLayout::SetMinAndMaxSize);
-    _sideBarStack->setMaximumWidth(MaximumWidth);
+    // Titles are as wide as the stack: wider than what is visible, they would need a second bar.
+    _sideBarStack->setMaximumWidth(MaximumWidth - ScrollBarWidth);
+    _sideBarScrollArea->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     _sideBarScrollArea->setFrameShape(QFrame::NoFrame);
     _sideBarScrollArea->setWidgetResizable(true);
     _sideBarScrollArea->setMaximumWidth(MaximumWidth);

@@ -25,7 +25,7 @@ SubWindow::SubWindow(ViewHost& mainWindow, TarvikService* service, bool useGlsl)
     : _mainWindow(mainWindow)
     , _service(service)
     , _imageDrawer(new ImageDrawerMain(service, useGlsl))
-    , _controls(new SubWindowTitleBar(*this))
+    , _controls(new SubWindowTitleBar(*this, service))
     , _eventControl(new SubWindowEventControl(this, service, [this](int step) { zoom(step); }))
 {
     setAttribute(Qt::WA_DeleteOnClose);

@@ -4,6 +4,8 @@
 
 #include "gui/kit/AbstractSubWindow.h"
 #include "gui/kit/SvgIcon.h"
+#include "gui/panels/FastContrastControl.h"
+#include "gui/panels/GotoButton.h"
 
 #include <QSignalBlocker>
 
@@ -20,7 +22,7 @@ QAction* stepAction(const QString& text, const QString& tip, const QString& icon
 
 }  // namespace
 
-SubWindowTitleBar::SubWindowTitleBar(AbstractSubWindow& frame)
+SubWindowTitleBar::SubWindowTitleBar(AbstractSubWindow& frame, TarvikService* service)
     : QObject(&frame)
     , _stepBox(new QComboBox)
     , _previousAction(stepAction(QStringLiteral("Previous"),
@@ -30,6 +32,8 @@ SubWindowTitleBar::SubWindowTitleBar(AbstractSubWindow& frame)
                              QStringLiteral("Go forward within the present image series"),
                              QStringLiteral(":icons/next.svg"), this))
     , _movieAction(new QAction(this))
+    , _gotoButton(new GotoButton(service, frame.titleBar()))
+    , _fastContrast(new FastContrastControl(&frame, service))
     , _continueIcon(svgIcon(QStringLiteral(":icons/continue.svg"), IconSize))
     , _interruptIcon(svgIcon(QStringLiteral(":icons/interrupt.svg"), IconSize))
 {
@@ -45,6 +49,9 @@ SubWindowTitleBar::SubWindowTitleBar(AbstractSubWindow& frame)
     for (QAction* action : {_previousAction, _nextAction, _movieAction})
         frame.addTitleBarAction(action);
     frame.addTitleBarSpacing(10);
+    _gotoButton->setFocusPolicy(Qt::NoFocus);
+    frame.addTitleBarWidget(_gotoButton);
+    frame.addTitleBarAction(_fastContrast->action());
     setMovie(false);
     setImageLoaded(false);
 }
@@ -53,6 +60,8 @@ void SubWindowTitleBar::setImageLoaded(bool loaded)
 {
     for (QAction* action : {_previousAction, _nextAction, _movieAction})
         action->setEnabled(loaded);
+    _gotoButton->setEnabled(loaded);
+    _fastContrast->action()->setEnabled(loaded);
 }
 
 void SubWindowTitleBar::setMovie(bool playing)

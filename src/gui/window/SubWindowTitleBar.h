@@ -10,13 +10,18 @@
 #include <QObject>
 
 class AbstractSubWindow;
+class FastContrastControl;
+class GotoButton;
+class TarvikService;
 
-/// The step box and the actions that go through a series by its step. Child of the frame.
+/// The step box and the actions that go through a series by its step, the way to an image by its
+/// number, and a small control of the contrast. Child of the frame.
 class SubWindowTitleBar : public QObject {
     Q_OBJECT
 public:
     /// Adds the controls to the title bar of a frame.
-    explicit SubWindowTitleBar(AbstractSubWindow& frame);
+    /// @param service  of the view in the frame; lives as long as the frame
+    SubWindowTitleBar(AbstractSubWindow& frame, TarvikService* service);
 
     QAction* previousAction() const { return _previousAction; }
     QAction* nextAction() const { return _nextAction; }
@@ -32,6 +37,8 @@ private:
     QAction* _previousAction;
     QAction* _nextAction;
     QAction* _movieAction;
+    GotoButton* _gotoButton;
+    FastContrastControl* _fastContrast;
     const QIcon _continueIcon;
     const QIcon _interruptIcon;
 };

@@ -62,6 +62,11 @@ QSize TarvikService::imageSize() const
     return imageLoaded() ? QSize(_d->shown.image.width(), _d->shown.image.height()) : QSize(-1, -1);
 }
 
+bool TarvikService::floatingPixels() const
+{
+    return imageLoaded() && _d->shown.image.type() == morvend::datatypes::FLOAT;
+}
+
 int TarvikService::imageIndex() const { return _d->shown.index; }
 int TarvikService::firstIndex() const { return _d->opening.firstIndex(); }
 int TarvikService::lastIndex() const { return _d->opening.lastIndex(); }

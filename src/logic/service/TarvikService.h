@@ -76,6 +76,8 @@ public:
     bool imageLoaded() const;
     /// Width and height, -1 and -1 without image.
     QSize imageSize() const;
+    /// Are the image's pixels floating-point numbers? False without image.
+    bool floatingPixels() const;
     /// Number of the image in its series, and the series' lowest and highest: -1 without image.
     int imageIndex() const;
     int firstIndex() const;

@@ -88,7 +88,8 @@ TEST_P(Thumbnail, HasTheShadersThatItsViewMayUse)
     late.show();
     (void)QTest::qWaitForWindowExposed(&late, Patience);
     settle();
-    EXPECT_EQ(late.usesGlsl(), GetParam());
+    EXPECT_EQ(late.canPlot3d(), GetParam());
+    EXPECT_FALSE(late.hasSurface()) << "surfaces are left to main views";
 }
 
 TEST_P(Thumbnail, DarkensWhatTheMainViewShows)

@@ -1,0 +1,81 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+#include "gui/panels/GotoWidget.h"
+
+#include "logic/service/TarvikService.h"
+
+#include <QGridLayout>
+#include <QKeyEvent>
+#include <QPushButton>
+#include <QSignalBlocker>
+#include <QSlider>
+#include <QSpinBox>
+
+namespace {
+
+template <class Control>
+void adopt(Control& control, int first, int last, int value)
+{
+    if (control.minimum() != first || control.maximum() != last)
+        control.setRange(first, last);
+    if (control.value() != value)
+        control.setValue(value);
+}
+
+}  // namespace
+
+GotoWidget::GotoWidget(TarvikService* service, QWidget* parent)
+    : QWidget(parent)
+    , _service(service)
+    , _slider(new QSlider(Qt::Horizontal))
+    , _box(new QSpinBox)
+    , _loadButton(new QPushButton(QStringLiteral("Load File")))
+{
+    auto* cancelButton = new QPushButton(QStringLiteral("Cancel"));
+    _loadButton->setDefault(true);
+    _slider->setMinimumWidth(150);
+    auto* grid = new QGridLayout(this);
+    grid->addWidget(_slider, 0, 0);
+    grid->addWidget(_box, 0, 1);
+    grid->addWidget(_loadButton, 1, 0);
+    grid->addWidget(cancelButton, 1, 1);
+    setFocusProxy(_box);
+    connect(_slider, &QSlider::valueChanged, _box, &QSpinBox::setValue);
+    connect(_box, &QSpinBox::valueChanged, _slider, &QSlider::setValue);
+    connect(_loadButton, &QPushButton::clicked, this, &GotoWidget::_load);
+    connect(cancelButton, &QPushButton::clicked, this, &GotoWidget::cancel);
+    connect(service, &TarvikService::newImageSignal, this, &GotoWidget::_update);
+    connect(service, &TarvikService::imageContainerChangedSignal, this, &GotoWidget::_update);
+    _update();
+}
+
+void GotoWidget::_update()
+{
+    const int first = _service->firstIndex();
+    const int last = _service->lastIndex();
+    const int value = _service->imageIndex();
+    adopt(*_slider, first, last, value);
+    adopt(*_box, first, last, value);
+}
+
+void GotoWidget::_load()
+{
+    _service->openImage(_box->value());
+    emit loadFile();
+}
+
+void GotoWidget::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+        _loadButton->click();
+    QWidget::keyPressEvent(event);
+}
+
+void GotoWidget::showEvent(QShowEvent* event)
+{
+    QWidget::showEvent(event);
+    if (!isVisible())
+        return;
+    _service->scanImageContainer();
+    _box->selectAll();  // a number that is typed takes the place of the old one
+}

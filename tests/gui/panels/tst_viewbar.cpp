@@ -1,0 +1,250 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The view panel under mouse and keyboard.
+#include "gui/panels/ColorModeSelector.h"
+#include "gui/panels/FastContrastControl.h"
+#include "gui/panels/GotoButton.h"
+#include "gui/panels/GotoWidget.h"
+#include "gui/panels/Histogram.h"
+#include "gui/panels/ViewBar.h"
+#include "gui/render/ImageDrawerThumbnail.h"
+#include "tests/gui/render/DrawnImage.h"
+#include "tests/gui/render/MouseEvents.h"
+
+#include <gtest/gtest.h>
+
+#include <QCheckBox>
+#include <QDoubleSpinBox>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSignalSpy>
+#include <QSlider>
+#include <QTimer>
+
+namespace {
+
+using morvend::imglib::MColorTable;
+
+template <class Widget>
+Widget* child(const QWidget& parent, const QString& text)
+{
+    for (Widget* each : parent.findChildren<Widget*>())
+        if (each->text() == text || each->toolTip() == text)
+            return each;
+    return nullptr;
+}
+
+class ViewBarTest : public testing::Test {
+protected:
+    ViewBarTest()
+        : view(QSize(300, 200))
+        , bar(1, view.service, view.drawer.get())
+        , histogram(*bar.findChild<Histogram*>())
+    {
+        bar.show();
+        view.open(images::patterned(60, 40));
+        view.service->setContrastData({50, 10, MColorTable::hdr(), false});
+        (void)QTest::qWaitForWindowExposed(&bar, Patience);
+        settle();
+    }
+
+    ContrastData contrast() const { return view.service->contrastData(); }
+    QPoint at(double value) const { return {histogram.model().scale().pixelOf(value), 100}; }
+    QDoubleSpinBox* box(int place) const
+    {
+        return histogram.findChildren<QDoubleSpinBox*>().at(place);
+    }
+    static void type(QWidget* field, const QString& text)
+    {
+        field->setFocus();
+        QTest::keyClick(field, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClicks(field, text);
+        QTest::keyClick(field, Qt::Key_Return);
+    }
+
+    DrawnImage view;
+    ViewBar bar;
+    Histogram& histogram;
+};
+
+TEST_F(ViewBarTest, ZonesAreDraggedAndLit)
+{
+    QSignalSpy sent(view.service, &TarvikService::newContrastSignal);
+    const QPoint foreground(at(50) + QPoint(4, 0));
+    mouse::drag(histogram, Qt::LeftButton, foreground, {foreground + QPoint(10, 0)});
+    EXPECT_NEAR(contrast().foreground, histogram.model().scale().valueAt(at(50).x() + 10), 1e-9);
+    EXPECT_EQ(contrast().background, 10);
+    ASSERT_EQ(sent.count(), 2);
+    EXPECT_TRUE(sent[0][0].value<ContrastData>().dragUpdate);
+    EXPECT_FALSE(sent[1][0].value<ContrastData>().dragUpdate) << "a drag ends with a full pass";
+
+    const double moved = contrast().foreground;
+    mouse::drag(histogram, Qt::LeftButton, at(10), {at(10) - QPoint(500, 0)});
+    EXPECT_EQ(contrast().background, histogram.model().span().minimum);
+    EXPECT_EQ(contrast().foreground, moved);
+
+    mouse::hover(histogram, {305, 100});
+    EXPECT_EQ(histogram.picture().foregroundZone.red(), 200);
+    EXPECT_EQ(histogram.picture().backgroundZone.red(), 150);
+    EXPECT_EQ(histogram.cursor().shape(), Qt::CrossCursor);
+    mouse::hover(histogram, {100, 180});
+    EXPECT_EQ(histogram.picture().foregroundZone.red(), 150);
+    EXPECT_EQ(histogram.cursor().shape(), Qt::ArrowCursor);
+}
+
+TEST_F(ViewBarTest, ADragEndsWhereTheMouseLeaves)
+{
+    const QPoint start(at(50) + QPoint(4, 0));
+    mouse::send(histogram, QEvent::MouseButtonPress, start, Qt::LeftButton, Qt::LeftButton);
+    mouse::send(histogram, QEvent::MouseMove, start + QPoint(5, 0), Qt::NoButton, Qt::LeftButton);
+    EXPECT_TRUE(contrast().dragUpdate);
+    QEvent leave(QEvent::Leave);
+    QApplication::sendEvent(&histogram, &leave);
+    EXPECT_FALSE(contrast().dragUpdate);
+    const double before = contrast().foreground;
+    mouse::send(histogram, QEvent::MouseMove, start + QPoint(6, 0), Qt::NoButton, Qt::LeftButton);
+    EXPECT_LT(contrast().foreground, before * 1.1) << "one pixel further";
+    EXPECT_GT(contrast().foreground, before);
+}
+
+TEST_F(ViewBarTest, LogBoxesChangeTheAxes)
+{
+    const auto& scale = histogram.model().scale();
+    QTest::mouseClick(child<QCheckBox>(histogram, "Plot intensiy on a logarithmic scale"),
+                      Qt::LeftButton);
+    EXPECT_FALSE(scale.logX);
+    EXPECT_TRUE(scale.logY);
+    EXPECT_NEAR(at(50).x(), 40 + 260 * 60 / 120, 1) << "50 of -10 to 110";
+    QTest::mouseClick(child<QCheckBox>(histogram, "Plot # pixels on a logarithmic scale"),
+                      Qt::LeftButton);
+    EXPECT_FALSE(scale.logY);
+    EXPECT_NEAR(scale.heightOf(*std::ranges::max_element(histogram.model().bins().linearCounts)),
+                90, 1e-9);
+}
+
+TEST_F(ViewBarTest, SpinBoxesSetTheLevels)
+{
+    type(box(1), "42.5");
+    EXPECT_EQ(contrast().foreground, 42.5);
+    type(box(0), "42.5");
+    EXPECT_LT(contrast().background, 42.5) << "stays below the foreground";
+    EXPECT_FALSE(contrast().dragUpdate);
+    view.service->setContrastData({30, 20, MColorTable::hdr(), false});
+    EXPECT_EQ(box(0)->value(), 20);
+    EXPECT_EQ(box(1)->value(), 30);
+    EXPECT_EQ(box(1)->singleStep(), 1);
+}
+
+TEST_F(ViewBarTest, AutoContrastIsThatOfTheStatistics)
+{
+    QTest::mouseClick(child<QPushButton>(histogram, "Auto Contrast"), Qt::LeftButton);
+    EXPECT_EQ(contrast().foreground, view.service->statistics()->foreground);
+    EXPECT_EQ(contrast().background, view.service->statistics()->background);
+    EXPECT_EQ(contrast().colorTable, MColorTable::hdr());
+}
+
+TEST_F(ViewBarTest, TablesAndTheirInversesAreChosen)
+{
+    auto* inverse = child<QCheckBox>(bar, "Invert Color");
+    QTest::mouseClick(child<QRadioButton>(bar, "Heat"), Qt::LeftButton);
+    EXPECT_EQ(contrast().colorTable, MColorTable::heat());
+    EXPECT_EQ(view.service->defaultColorTable(), MColorTable::heat());
+    QTest::mouseClick(inverse, Qt::LeftButton);
+    EXPECT_EQ(contrast().colorTable, MColorTable::heat()->inverseTable());
+    QTest::mouseClick(child<QRadioButton>(bar, "Rainbow"), Qt::LeftButton);
+    EXPECT_EQ(contrast().colorTable, MColorTable::rainbow()->inverseTable());
+    QTest::mouseClick(inverse, Qt::LeftButton);
+    EXPECT_EQ(contrast().colorTable, MColorTable::rainbow()) << "inverted twice";
+    view.service->setContrastData({50, 10, MColorTable::grey()->inverseTable(), false});
+    EXPECT_TRUE(inverse->isChecked());
+    EXPECT_TRUE(child<QRadioButton>(bar, "Grey Scale")->isChecked());
+}
+
+TEST_F(ViewBarTest, BoxesFollowTheView)
+{
+    auto* rings = child<QCheckBox>(bar, "Show Resolution Rings");
+    auto* saturated = child<QCheckBox>(bar, "Highlight Saturated Pixels");
+    auto* plot3d = child<QCheckBox>(bar, "Plot 3D");
+    EXPECT_FALSE(rings->isEnabled());
+    view.open(images::withGeometry(60, 40, 5, 30, 20));
+    EXPECT_TRUE(rings->isEnabled());
+    QTest::mouseClick(rings, Qt::LeftButton);
+    EXPECT_TRUE(view.service->showResolutionRings());
+    view.service->toggleHighlightSaturated(false);
+    EXPECT_FALSE(saturated->isChecked());
+    EXPECT_EQ(plot3d->isEnabled(), view.drawer->usesGlsl());
+    if (plot3d->isEnabled()) {
+        QTest::mouseClick(plot3d, Qt::LeftButton, {}, {8, plot3d->height() / 2});
+        EXPECT_EQ(view.service->plottingMode(), PlottingMode::ThreeDimensional);
+    }
+    EXPECT_FALSE(bar.findChild<ImageDrawerThumbnail*>()->hasSurface());
+}
+
+TEST(ViewBarWithoutImage, WaitsForOne)
+{
+    DrawnImage view(QSize(300, 200));
+    const ViewBar bar(1, view.service, view.drawer.get());
+    EXPECT_FALSE(bar.findChild<Histogram*>()->isEnabled());
+    EXPECT_TRUE(child<QCheckBox>(bar, "Plot intensiy on a logarithmic scale")->isHidden());
+    EXPECT_FALSE(child<QRadioButton>(bar, "Heat")->isEnabled());
+    EXPECT_FALSE(child<QCheckBox>(bar, "Invert Color")->isEnabled());
+}
+
+/// Five images in memory, the last on show.
+class SeriesTest : public testing::Test {
+protected:
+    SeriesTest()
+        : view(QSize(300, 200))
+    {
+        for (int i = 0; i < 5; ++i)
+            view.open(images::uniform(20, 10, i));
+    }
+
+    DrawnImage view;
+};
+
+TEST_F(SeriesTest, GoesToATypedNumber)
+{
+    GotoButton button(view.service, nullptr);
+    auto& widget = *qobject_cast<GotoWidget*>(button.popup());
+    QSignalSpy scanned(view.service, &TarvikService::imageContainerChangedSignal);
+    button.show();
+    (void)QTest::qWaitForWindowExposed(&button, Patience);
+    const int wanted = view.service->firstIndex() + 1;
+    // The click returns when the menu has closed.
+    QTimer::singleShot(0, [&] {
+        EXPECT_TRUE(widget.isVisible());
+        auto* box = widget.findChild<QSpinBox*>();
+        auto* slider = widget.findChild<QSlider*>();
+        EXPECT_EQ(box->value(), view.service->imageIndex());
+        EXPECT_EQ(box->minimum(), view.service->firstIndex());
+        EXPECT_EQ(slider->maximum(), view.service->lastIndex());
+        QTest::keyClicks(box, QString::number(wanted));
+        EXPECT_EQ(slider->value(), wanted);
+        QTest::keyClick(box, Qt::Key_Return);
+        EXPECT_FALSE(widget.isVisible());
+        button.hideMenu();  // were it still open, the test would hang
+    });
+    QTest::mouseClick(&button, Qt::LeftButton);
+    EXPECT_TRUE(scanned.count() > 0 || scanned.wait(Patience)) << "the range is fresh";
+    EXPECT_TRUE(waitFor([&] { return view.service->imageIndex() == wanted; }));
+}
+
+TEST_F(SeriesTest, FastContrastSetsTheForeground)
+{
+    view.service->setContrastData({1000, 10, MColorTable::hdr(), false});
+    FastContrastControl control(view.drawer.get(), view.service);
+    control.action()->trigger();
+    ASSERT_TRUE(waitFor([&] { return control.isVisible(); }));
+    const panels::FastContrastScale scale{10, control.width()};
+    QSignalSpy sent(view.service, &TarvikService::newContrastSignal);
+    mouse::drag(control, Qt::LeftButton, {50, 10}, {{80, 10}, {5000, 10}, {90, 10}});
+    EXPECT_EQ(view.service->contrastData().foreground, std::trunc(scale.valueAt(90)));
+    EXPECT_EQ(sent.last()[0].value<ContrastData>().dragUpdate, false);
+    EXPECT_EQ(sent[1][0].value<ContrastData>().dragUpdate, true);
+    mouse::drag(control, Qt::LeftButton, {50, 10}, {{-5, 10}});
+    EXPECT_GT(view.service->contrastData().foreground, 10) << "stays above the background";
+}
+
+}  // namespace

@@ -90,7 +90,11 @@ void ErrorDialog::showMessage(const char* message)
     static QPointer<ErrorDialog> shown;
     if (shown && shown->isVisible())
         return shown->_add(QString::fromUtf8(message));
-    shown = new ErrorDialog(message, QApplication::activeWindow());
+    // Not a dialog that may end by itself, such as a progress, and would take the message with it.
+    QWidget* parent = QApplication::activeWindow();
+    while (parent && !parent->isModal() && parent->parentWidget())
+        parent = parent->parentWidget()->window();
+    shown = new ErrorDialog(message, parent);
     shown->exec();
 }
 

@@ -39,6 +39,8 @@ public:
     const QList<AbstractSubWindow*>& subWindowList() const { return _subWindows; }
     MdiSplitter* mainSplitter() const { return _mainSplitter; }
 
+    /// However many frames there are: they share the room of their window and don't widen it.
+    QSize sizeHint() const override { return {200, 150}; }
     QSize minimumSizeHint() const override { return sizeHint(); }
 
 public slots:

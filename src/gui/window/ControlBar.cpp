@@ -4,8 +4,8 @@
 
 #include "gui/kit/PopupButton.h"
 #include "gui/kit/RibbonInterface.h"
-#include "gui/kit/SvgIcon.h"
 #include "gui/kit/SvgWidget.h"
+#include "gui/kit/ToolBarOverflow.h"
 #include "gui/window/MainWindowActions.h"
 #include "gui/window/RecentFiles.h"
 #include "gui/window/ToolBarStyle.h"
@@ -46,9 +46,11 @@ QToolBar* toolBar(const QString& title)
 void reserveTexts(const QWidget& bars)
 {
     for (QToolButton* button : bars.findChildren<QToolButton*>()) {
-        if (button->objectName() == QLatin1String("qt_toolbar_ext_button"))
-            button->setIcon(svgIcon(QStringLiteral(":icons/right.svg"), QSize(16, 16)));
-        if (button->text().isEmpty() || !button->icon().isNull())
+        if (!button->icon().isNull()) {
+            button->setStyleSheet(QStringLiteral("QToolButton { padding: 0px 4px; }"));
+            continue;
+        }
+        if (button->text().isEmpty())
             continue;
         button->ensurePolished();
         QFont font = button->font();
@@ -100,6 +102,9 @@ ControlBar::ControlBar(QMainWindow& window, const MainWindowActions& actions,
     _rightToolBar->setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Preferred);
     reserveTexts(*_controlBar);
     reserveTexts(*_row);
+    new ToolBarOverflow(*_controlBar);
+    for (QToolBar* bar : _row->findChildren<QToolBar*>())
+        new ToolBarOverflow(*bar);
 }
 
 void ControlBar::setVisible(bool visible)

@@ -129,6 +129,8 @@ void ExportDialog::_finishedSlot(const QString& error)
     std::exchange(_job, nullptr)->deleteLater();
     if (error.isEmpty())
         return accept();
+    const QPointer<ExportDialog> self(this);
     ErrorDialog::showMessage(error.toUtf8().constData());
-    reject();
+    if (self)
+        reject();
 }

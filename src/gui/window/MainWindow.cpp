@@ -20,7 +20,7 @@
 #include "logic/service/TarvikService.h"
 #include "logic/support/Assert.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QDropEvent>
 #include <QSettings>
 #include <QVBoxLayout>
@@ -73,6 +73,10 @@ MainWindow::MainWindow(TarvikCore& core, bool useGlsl, bool quitOnClose, PanelMa
     _createMemory();
     SideBar::setDefaultVisibility(_firstPanelKey + 1, true);
     resize(1200, 800);
+    _keepOnScreen();
+    // Not before the remaining screens have moved.
+    connect(qApp, &QGuiApplication::screenRemoved, this, &MainWindow::_keepOnScreen,
+            Qt::QueuedConnection);
 }
 
 MainWindow::~MainWindow()

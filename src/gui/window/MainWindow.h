@@ -149,6 +149,8 @@ private:
     void _connectSynchronization();
     void _createLayout();
     void _createMemory();
+    /// Makes it no larger than its screen, and moves it there if it has a place.
+    void _keepOnScreen();
     /// The panels of a new view.
     ContainerSideBar* _makePanels(SubWindow& window);
     /// Has the session follow a view.

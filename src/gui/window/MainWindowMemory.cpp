@@ -17,7 +17,11 @@
 #include "logic/service/TarvikService.h"
 
 #include <QFileInfo>
+#include <QGuiApplication>
+#include <QScreen>
 #include <QVariantMap>
+
+#include <algorithm>
 
 namespace {
 
@@ -25,6 +29,9 @@ const QString Frame = QStringLiteral("geometry");
 const QString ColumnShown = QStringLiteral("columnShown");
 const QString ColumnWidth = QStringLiteral("columnWidth");
 const QString Unfolded = QStringLiteral("unfolded");
+
+/// Room for the frame of a window, which nobody knows before it is shown.
+constexpr QMargins WindowFrame(4, 32, 4, 4);
 
 }  // namespace
 
@@ -116,10 +123,32 @@ void MainWindow::restorePlace()
         QStringLiteral("Window"), [this](const QVariant& written) { return _place(written); });
     const QVariantMap place = _placeSetting->atFirst().toMap();
     restoreGeometry(place[Frame].toByteArray());
+    _keepOnScreen();
     _columnWidth = place.value(ColumnWidth, SideBarColumn::MaximumWidth).toInt();
     _columnWanted = place[ColumnShown].toBool();
     for (const QVariant& key : place[Unfolded].toList())
         SideBar::setDefaultVisibility(_firstPanelKey + key.toULongLong() % PanelKeys, true);
+}
+
+void MainWindow::_keepOnScreen()
+{
+    if (isMaximized() || isFullScreen())
+        return;
+    const QScreen* screen = QGuiApplication::screenAt(geometry().center());
+    if (!screen)
+        screen = QGuiApplication::primaryScreen();
+    if (!screen)
+        return;
+    const QRect room = screen->availableGeometry().marginsRemoved(WindowFrame);
+    resize(size().boundedTo(room.size()));
+    if (!testAttribute(Qt::WA_Moved))
+        return;  // the desktop will choose the place
+    QRect place = geometry();
+    place.moveRight(std::min(place.right(), room.right()));
+    place.moveBottom(std::min(place.bottom(), room.bottom()));
+    place.moveLeft(std::max(place.left(), room.left()));
+    place.moveTop(std::max(place.top(), room.top()));
+    setGeometry(place);
 }
 
 QVariant MainWindow::_place(const QVariant& written) const

@@ -183,8 +183,13 @@ void MainWindow::_setSideBarVisibleSlot(SideBar* panel) { _sideBars->ensureVisib
 void MainWindow::_open()
 {
     // First, as the active view may have gone when the dialog closes.
-    const QStringList files = OpenFileDialog(this).choose();
-    openFiles(files, activeSubWindow());
+    const QPointer<MainWindow> self(this);
+    // On the heap, as this window may be closed meanwhile and takes the dialog with it.
+    const QPointer<OpenFileDialog> dialog = new OpenFileDialog(this);
+    const QStringList files = dialog->choose();
+    delete dialog;
+    if (self)
+        openFiles(files, activeSubWindow());
 }
 
 void MainWindow::_openHelpBrowser()
@@ -266,4 +271,9 @@ void MainWindow::_showShortcuts()
     _shortcutSheet->activateWindow();
 }
 
-void MainWindow::_about() { About(this).exec(); }
+void MainWindow::_about()
+{
+    auto* dialog = new About(this);  // goes with this window, if that is closed meanwhile
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->exec();
+}

@@ -5,6 +5,7 @@
 #include "gui/window/OpenDirectory.h"
 
 #include <QApplication>
+#include <QPointer>
 #include <QSignalBlocker>
 
 OpenFileDialog::OpenFileDialog(QWidget* parent)
@@ -22,7 +23,8 @@ QStringList OpenFileDialog::choose()
 {
     // The frames must not react to the focus moving to the dialog and back.
     const QSignalBlocker quiet(qApp);
-    if (exec() != Accepted)
+    const QPointer<OpenFileDialog> self(this);
+    if (exec() != Accepted || !self)
         return {};
     OpenDirectory::set(directory().absolutePath());
     return selectedFiles();

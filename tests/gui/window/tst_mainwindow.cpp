@@ -433,4 +433,31 @@ TEST(MainWindowClosing, EndsTheViewersProcessOrTheWindowAlone)
     EXPECT_EQ(QApplication::exec(), 0);
 }
 
+TEST_F(MainWindowTest, ClosesUnderItsDialogs)
+{
+    for (const char* text : {"Open", "About"}) {
+        auto* window = new MainWindow(_core, true, false);
+        const QPointer<MainWindow> closed(window);
+        window->show();
+        QTimer poll;
+        QObject::connect(&poll, &QTimer::timeout, window, [window] {
+            if (QApplication::activeModalWidget())
+                window->close();
+        });
+        poll.start(10);
+        find<QAction>(window, text)->trigger();
+        EXPECT_TRUE(waitFor([&closed] { return !closed; })) << text;
+        EXPECT_FALSE(QApplication::activeModalWidget()) << text;
+    }
+}
+
+TEST_F(MainWindowTest, ComesBackFromAScreenThatHasGone)
+{
+    const QRect room = _window->screen()->availableGeometry();
+    _window->setGeometry(room.right() - 60, room.bottom() - 20, 3000, 300);
+    settle();
+    emit qApp->screenRemoved(nullptr);
+    EXPECT_TRUE(waitFor([&] { return room.contains(_window->geometry()); }));
+}
+
 }  // namespace

@@ -4,6 +4,7 @@
 // The tool bars of the main window, and how they follow the active view.
 #include "gui/kit/RibbonInterface.h"
 #include "gui/window/HalvoWidget.h"
+#include "gui/window/RecentFiles.h"
 #include "tests/gui/window/MainWindowTest.h"
 
 #include <QCheckBox>
@@ -57,6 +58,67 @@ TEST_F(ToolBarTest, HasFourTabsWithTheirEntries)
     auto* monitor = named<QToolButton>("HALVO Monitor");
     EXPECT_TRUE(monitor->isEnabled() && !monitor->isChecked());
     EXPECT_EQ(monitor->popupMode(), QToolButton::MenuButtonPopup);
+}
+
+TEST_F(ToolBarTest, EverythingCanBeReachedInANarrowWindow)
+{
+    auto* recent = _window->findChild<RecentFiles*>();
+    recent->add(file(1));
+    for (const int width : {1024, 512}) {
+        _window->resize(width, 300);
+        auto* ribbon = _window->findChild<RibbonInterface*>();
+        for (const char* tab : {"File", "Synchronize", "Auto Load", "Help"}) {
+            QTest::mouseClick(named<QToolButton>(tab), Qt::LeftButton);
+            settle();
+            QToolBar* bar = ribbon->toolBar(tab);
+            auto* more = bar->findChild<QToolButton*>("qt_toolbar_ext_button");
+            QStringList offered;
+            const auto readMenu = [&] {
+                auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+                for (const QAction* entry : menu->actions())
+                    offered << entry->text();
+                menu->close();
+            };
+            if (more->isVisible()) {
+                EXPECT_TRUE(more->isEnabled() && bar->rect().contains(more->geometry().center()))
+                    << tab;
+                QTimer::singleShot(0, more, readMenu);
+                QTest::mouseClick(more, Qt::LeftButton);
+            }
+            for (QAction* action : bar->actions()) {
+                const auto* button = qobject_cast<QAbstractButton*>(bar->widgetForAction(action));
+                if (!button)
+                    continue;
+                EXPECT_TRUE(!button->isVisible() || button->width() >= button->sizeHint().width())
+                    << tab << width;
+                EXPECT_EQ(button->isVisible(), !offered.contains(button->text()))
+                    << tab << ' ' << button->text().toStdString();
+            }
+        }
+    }
+
+    QTest::mouseClick(named<QToolButton>("Synchronize"), Qt::LeftButton);
+    settle();
+    auto* box = named<QCheckBox>("Synchronize Contrast");
+    const bool before = box->isChecked();
+    auto* more = box->parentWidget()->findChild<QToolButton*>("qt_toolbar_ext_button");
+    QTimer::singleShot(0, more, [&] {
+        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        auto* entry = find<QAction>(menu, box->text());
+        EXPECT_EQ(entry->isChecked(), before);
+        menu->setActiveAction(entry);
+        QTest::keyClick(menu, Qt::Key_Return);
+    });
+    QTest::mouseClick(more, Qt::LeftButton);
+    EXPECT_NE(box->isChecked(), before);
+}
+
+TEST_F(ToolBarTest, ManyViewsDoNotWidenTheWindow)
+{
+    for (int i = 0; i < 17; ++i)
+        _window->newSubWindow();
+    settle();
+    EXPECT_LE(_window->minimumSizeHint().width(), 512);
 }
 
 /// Takes the place of the browser.

@@ -73,4 +73,16 @@ const MColorTable* MColorTable::rainbow()
     return &family.table;
 }
 
+const MColorTable* MColorTable::viridis()
+{
+    static const Family family(viridisTable());
+    return &family.table;
+}
+
+const MColorTable* MColorTable::cividis()
+{
+    static const Family family(cividisTable());
+    return &family.table;
+}
+
 }  // namespace morvend::imglib

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// The four colour tables of the program, each with its inverse.
+// The colour tables of the program, each with its inverse.
 #pragma once
 
 #include <cstddef>
@@ -26,9 +26,12 @@ public:
     static const MColorTable* grey();
     static const MColorTable* heat();
     static const MColorTable* rainbow();
+    // For people with weak colour vision.
+    static const MColorTable* viridis();
+    static const MColorTable* cividis();
 
-    /// "High Dynamic Range", "Grey Scale", "Heat" or "Rainbow"; an inverse table bears the name of
-    /// its family.
+    /// "High Dynamic Range", "Grey Scale", "Heat", "Rainbow", "Viridis" or "Cividis"; an inverse
+    /// table bears the name of its family.
     const std::string& identifier() const { return _identifier; }
 
     /// Entries of the linear part, 4 bytes each in the order blue, green, red, alpha.

@@ -94,6 +94,18 @@ Rgb rgbFromLab(const Lab& lab)
     return color;
 }
 
+std::vector<unsigned char> bgraEntries(std::span<const Rgb> colors)
+{
+    std::vector<unsigned char> entries;
+    entries.reserve(4 * colors.size());
+    for (const Rgb color : colors) {
+        for (const unsigned shift : {0U, 8U, 16U})
+            entries.push_back(static_cast<unsigned char>(color >> shift & 255));
+        entries.push_back(255);
+    }
+    return entries;
+}
+
 std::vector<unsigned char> colorRamp(const std::vector<Rgb>& anchors, std::size_t size)
 {
     assert(anchors.size() >= 2 && size >= 2);
@@ -108,8 +120,8 @@ std::vector<unsigned char> colorRamp(const std::vector<Rgb>& anchors, std::size_
         way[i] = way[i - 1] +
                  distance(place(static_cast<double>(i)), place(static_cast<double>(i) - 1.0));
 
-    std::vector<unsigned char> entries;
-    entries.reserve(4 * size);
+    std::vector<Rgb> entries;
+    entries.reserve(size);
     std::size_t step = 0;
     for (std::size_t entry = 0; entry < size; ++entry) {
         const double target =
@@ -117,12 +129,10 @@ std::vector<unsigned char> colorRamp(const std::vector<Rgb>& anchors, std::size_
         while (step + 1 < steps && way[step + 1] < target)
             ++step;
         const double part = (target - way[step]) / (way[step + 1] - way[step]);
-        const Rgb color = rgbFromLab(place(static_cast<double>(step) + std::clamp(part, 0.0, 1.0)));
-        for (const unsigned shift : {0U, 8U, 16U})
-            entries.push_back(static_cast<unsigned char>(color >> shift & 255));
-        entries.push_back(255);
+        entries.push_back(
+            rgbFromLab(place(static_cast<double>(step) + std::clamp(part, 0.0, 1.0))));
     }
-    return entries;
+    return bgraEntries(entries);
 }
 
 }  // namespace morvend::imglib

@@ -7,6 +7,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 namespace morvend::imglib {
@@ -19,6 +20,9 @@ using Lab = std::array<double, 3>;
 Lab labFromRgb(Rgb color);
 /// Colours outside sRGB are moved to its border.
 Rgb rgbFromLab(const Lab& lab);
+
+/// Colours as they are, as BGRA bytes.
+std::vector<unsigned char> bgraEntries(std::span<const Rgb> colors);
 
 /// `size` colours from the first to the last anchor through all of them, as BGRA bytes. Entries
 /// are at even steps of CIE distance along the curve, so that equal steps of the table look equally

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// What a colour table consists of, and the makers of the four tables.
+// What a colour table consists of, and the makers of the tables.
 #pragma once
 
 #include "imagelib/display/tables/ColorRamp.h"
@@ -24,5 +24,7 @@ ColorTableData hdrTable();
 ColorTableData greyTable();
 ColorTableData heatTable();
 ColorTableData rainbowTable();
+ColorTableData viridisTable();
+ColorTableData cividisTable();
 
 }  // namespace morvend::imglib

@@ -313,8 +313,8 @@ play      runs through a series as fast as a view can, from the image that FILE 
 convert   writes an image in another format
   --all         all images of the series: numbered files, or the frames of one HDF5 series
 render    makes a PNG picture as the viewer shows it
-  --table NAME  HDR (default), GS, H or RB, or "High Dynamic Range", "Grey Scale", "Heat",
-                "Rainbow"
+  --table NAME  HDR (default), GS, H, RB, V or C, or "High Dynamic Range", "Grey Scale",
+                "Heat", "Rainbow", "Viridis", "Cividis"
   --background B, --foreground F
                 intensities of the first and the last linear colour; computed when absent
   --scale K     2, 3, ... enlarges; 0.5, 0.25, ... takes every second, fourth, ... pixel

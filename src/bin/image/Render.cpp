@@ -28,10 +28,10 @@ namespace {
 
 const MColorTable& tableOf(const std::string& name)
 {
-    const std::pair<const char*, const MColorTable*> tables[] = {{"HDR", MColorTable::hdr()},
-                                                                 {"GS", MColorTable::grey()},
-                                                                 {"H", MColorTable::heat()},
-                                                                 {"RB", MColorTable::rainbow()}};
+    const std::pair<const char*, const MColorTable*> tables[] = {
+        {"HDR", MColorTable::hdr()},   {"GS", MColorTable::grey()},
+        {"H", MColorTable::heat()},    {"RB", MColorTable::rainbow()},
+        {"V", MColorTable::viridis()}, {"C", MColorTable::cividis()}};
     for (const auto& [shortName, table] : tables)
         if (name == shortName || name == table->identifier())
             return *table;

@@ -37,7 +37,7 @@ SideBarTitle::SideBarTitle(SideBar* sideBar, QWidget* parent)
     : QWidget(parent)
     , _sideBar(sideBar)
 {
-    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     setAttribute(Qt::WA_Hover);
     setStyleSheet(titleStyle());
     refresh();

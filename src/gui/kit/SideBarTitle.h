@@ -17,7 +17,8 @@ public:
     /// After a change of the panel's title, text or level.
     void refresh();
     QSize sizeHint() const override;
-    QSize minimumSizeHint() const override { return sizeHint(); }
+    /// Any width, or a column could never get narrower than it was.
+    QSize minimumSizeHint() const override { return {0, sizeHint().height()}; }
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;

@@ -33,6 +33,15 @@ GotoWidget::GotoWidget(TarvikService* service, QWidget* parent)
 {
     auto* cancelButton = new QPushButton(QStringLiteral("Cancel"));
     _loadButton->setDefault(true);
+    setAttribute(Qt::WA_StyledBackground);
+    // The title bar, in which the button stands, would colour all of it.
+    setStyleSheet(QStringLiteral(
+        "QWidget {background-color: rgb(60,60,60); color: rgb(232,232,232);}"
+        "QPushButton {background-color: rgb(75,75,75); border: 1px solid rgb(110,110,110); "
+        "min-width: 70px; padding: 0px 8px;}"
+        "QPushButton:default {border-color: rgb(20,100,220);}"
+        "QPushButton:hover {background-color: rgb(95,95,95);}"
+        "QSpinBox {background-color: white; color: black; min-height: 22px; min-width: 70px;}"));
     _slider->setMinimumWidth(150);
     auto* grid = new QGridLayout(this);
     grid->addWidget(_slider, 0, 0);

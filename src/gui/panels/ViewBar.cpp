@@ -43,7 +43,11 @@ ViewBar::ViewBar(unsigned long long id, TarvikService* service, ImageDrawerMain*
     rows->setContentsMargins(Side, Side, Side, Side);
     rows->addLayout(navigator);
     rows->addWidget(new Histogram(service), 0, Qt::AlignHCenter);
-    rows->addWidget(new ColorModeSelector(service));
+    // In line with the frame of the histogram.
+    _boxes = new QVBoxLayout;
+    _boxes->setContentsMargins(10, 0, 0, 0);
+    rows->addLayout(_boxes);
+    _boxes->addWidget(new ColorModeSelector(service));
     _createBoxes();
     connect(_thumbnail, &ImageDrawer::initializedSignal, this, &ViewBar::initializedSlot);
     initializedSlot();
@@ -52,7 +56,7 @@ ViewBar::ViewBar(unsigned long long id, TarvikService* service, ImageDrawerMain*
 QCheckBox* ViewBar::_addBox(const QString& text)
 {
     auto* box = new QCheckBox(text);
-    layout()->addWidget(box);
+    _boxes->addWidget(box);
     return box;
 }
 

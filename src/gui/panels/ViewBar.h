@@ -9,6 +9,7 @@
 class ImageDrawerMain;
 class ImageDrawerThumbnail;
 class QCheckBox;
+class QVBoxLayout;
 class TarvikService;
 
 /// Which part of an image is shown, its contrast, its colours and some overlays. Thread: GUI only.
@@ -31,5 +32,6 @@ private:
 
     TarvikService* _service;
     ImageDrawerThumbnail* _thumbnail;
+    QVBoxLayout* _boxes = nullptr;
     QCheckBox* _plot3dBox = nullptr;
 };

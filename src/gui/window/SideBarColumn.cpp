@@ -12,6 +12,7 @@
 namespace {
 
 constexpr int ScrollBarWidth = 15;  // in the style
+constexpr int SplitterWidth = 5;
 
 const char* const AreaStyle = R"(
 QScrollBar:vertical { width: 15px; margin: 15px 0px; background-color: rgb(40,40,40); }
@@ -36,7 +37,7 @@ SideBarColumn::SideBarColumn(QSplitter& splitter)
         QStringLiteral("background-color: %1;").arg(GLOBALSTYLE::sidebarColor.name()));
     _sideBarStack->layout()->setSizeConstraint(QLayout::SetMinAndMaxSize);
     // Titles are as wide as the stack: wider than what is visible, they would need a second bar.
-    _sideBarStack->setMaximumWidth(MaximumWidth - ScrollBarWidth);
+    _sideBarStack->setMaximumWidth(MaximumWidth - ScrollBarWidth - SplitterWidth);
     _sideBarScrollArea->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     _sideBarScrollArea->setFrameShape(QFrame::NoFrame);
     _sideBarScrollArea->setWidgetResizable(true);

@@ -178,8 +178,12 @@ void SubWindow::unsetTitle()
 
 void SubWindow::setColorMode(QString colormode)
 {
-    static const QMap<QString, QString> shortNames{
-        {"HDR", "High Dynamic Range"}, {"GS", "Grey Scale"}, {"H", "Heat"}, {"RB", "Rainbow"}};
+    static const QMap<QString, QString> shortNames{{"HDR", "High Dynamic Range"},
+                                                   {"GS", "Grey Scale"},
+                                                   {"H", "Heat"},
+                                                   {"RB", "Rainbow"},
+                                                   {"V", "Viridis"},
+                                                   {"C", "Cividis"}};
     const std::string name = shortNames.value(colormode, colormode).toStdString();
     for (const auto* table : _service->colorTables()) {
         if (table->identifier() != name)

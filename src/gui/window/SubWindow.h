@@ -72,8 +72,8 @@ public slots:
     /// A title that new images don't overwrite, until unsetTitle().
     void setTitle(QString windowTitle);
     void unsetTitle();
-    /// Takes a colour table by its identifier or its short name: HDR, GS, H, RB. Other names change
-    /// nothing.
+    /// Takes a colour table by its identifier or its short name: HDR, GS, H, RB, V, C. Other names
+    /// change nothing.
     void setColorMode(QString colormode);
     void showResolutionRings();
     void hideResolutionRings();

@@ -11,8 +11,8 @@
 #include <algorithm>
 
 TarvikCore::TarvikCore()
-    : _colorTables{MColorTable::hdr(), MColorTable::grey(), MColorTable::heat(),
-                   MColorTable::rainbow()}
+    : _colorTables{MColorTable::hdr(),     MColorTable::grey(),    MColorTable::heat(),
+                   MColorTable::rainbow(), MColorTable::viridis(), MColorTable::cividis()}
     , _halvoService(std::make_shared<HalvoService>())
 {
     qRegisterMetaType<ViewportData>("ViewportData");

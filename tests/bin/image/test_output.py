@@ -105,11 +105,11 @@ class Render(OutputCase):
         source = self.edf(numpy.arange(12, dtype=numpy.int32).reshape(3, 4))
         pictures = {}
         for names in (("HDR", "High Dynamic Range"), ("GS", "Grey Scale"), ("H", "Heat"),
-                      ("RB", "Rainbow")):
+                      ("RB", "Rainbow"), ("V", "Viridis"), ("C", "Cividis")):
             short, full = (self.picture(source, *self.LEVELS, "--table", name) for name in names)
             numpy.testing.assert_array_equal(short, full)
             pictures[names[0]] = short
-        self.assertEqual(len({picture.tobytes() for picture in pictures.values()}), 4)
+        self.assertEqual(len({picture.tobytes() for picture in pictures.values()}), 6)
         grey = pictures["GS"]
         self.assertEqual(grey.shape, (3, 4, 3))
         self.assertTrue((grey == grey[..., :1]).all())

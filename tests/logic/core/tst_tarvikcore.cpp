@@ -143,7 +143,8 @@ TEST(TarvikCore, DefaultColourTableReachesLaterServicesOnly)
     EXPECT_EQ(late->defaultColorTable(), MColorTable::heat());
     EXPECT_EQ(late->colorTables(),
               (std::list<const MColorTable*>{MColorTable::hdr(), MColorTable::grey(),
-                                             MColorTable::heat(), MColorTable::rainbow()}));
+                                             MColorTable::heat(), MColorTable::rainbow(),
+                                             MColorTable::viridis(), MColorTable::cividis()}));
 }
 
 TEST(TarvikCore, RecordsAreKnownToTheMetaSystemByName)

@@ -44,6 +44,7 @@ ROOMS = {
     "src/logic/core": "core",
     "src/gui/kit": "guikit",
     "src/gui/panels": "panels",
+    "src/gui/info": "info",
     "src/gui/plot": "plot",
     "src/gui/render": "render",
     "src/gui/render/geometry": "viewgeometry",
@@ -92,7 +93,8 @@ ARROWS = {
     "render": ["gestures", "overlays"],
     "plot": ["guikit", "display", "output"],
     "panels": ["render"],
-    "window": ["panels", "core"],
+    "info": ["guikit", "service"],
+    "window": ["info", "panels", "core"],
     "tool": ["io", "display", "core"],
     "reader": ["hdf5nexus", "ioprocess"],
     "bin": ["window"],
@@ -126,13 +128,14 @@ DOORS = {
     "viewgeometry": "ViewGeometry RingGeometry",
     "render": "ImageDrawer ImageDrawerMain ImageDrawerThumbnail OpenGlSupport",
     "panels": "ViewBar GotoButton FastContrastControl",
+    "info": "InfoBarCursor InfoBarImage InfoBarRaw",
     "plot": "Plotter",
     "window": "MainWindow",
 }
 
 WITHOUT_QT = {"image", "paths", "codec", "display", "ipc", "formatbase", "cbf", "tiff", "edf",
               "hdf5library", "hdf5frames", "hdf5nexus", "hdf5write", "ioprocess", "io", "reader", "demo"}
-WITH_WIDGETS = {"guikit", "panels", "plot", "render", "window", "bin"}
+WITH_WIDGETS = {"guikit", "info", "panels", "plot", "render", "window", "bin"}
 WIDGETS = re.compile(r"Q(Widget|Application|MainWindow|Dialog|MessageBox|Layout|[HV]BoxLayout"
                      r"|Label|PushButton|ToolButton|ToolBar|Splitter|OpenGLWidget|FileDialog"
                      r"|ComboBox|CheckBox|ScrollArea|Action|Menu|Style.*)")

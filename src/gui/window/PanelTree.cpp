@@ -2,6 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "gui/window/PanelTree.h"
 
+#include "gui/info/InfoBarCursor.h"
+#include "gui/info/InfoBarImage.h"
+#include "gui/info/InfoBarRaw.h"
 #include "gui/kit/ContainerSideBar.h"
 #include "gui/panels/ViewBar.h"
 
@@ -19,7 +22,12 @@ ContainerSideBar* makePanels(TarvikService& service, ImageDrawerMain& view,
     };
     // A panel joins here, made for the service with the key after its group's. The panel of the
     // view itself has key 1 and stands in the root.
-    const std::vector<Group> groups{{2, "Statistics", {}}, {5, "Info", {}}};
+    const std::vector<Group> groups{
+        {2, "Statistics", {}},
+        {5,
+         "Info",
+         {new InfoBarCursor(firstKey + 6, &service), new InfoBarImage(firstKey + 7, &service),
+          new InfoBarRaw(firstKey + 8, &service)}}};
     for (const Group& group : groups) {
         if (group.panels.empty())
             continue;

@@ -15,7 +15,7 @@
 /// One batch over a numbered CBF series. Set it up, start() it, and follow progress(). A file that
 /// fails is reported on standard error, and the batch goes on with the next one. Files that were
 /// rewritten before an abort stay so. Thread: setters any, even while it runs, since the batch
-/// works on copies. No caller yet: the header editor of the window, by way of the service.
+/// works on copies.
 class WriteHeaderToFilesThread : public QThread {
     Q_OBJECT
 public:

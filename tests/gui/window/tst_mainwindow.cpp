@@ -56,10 +56,11 @@ TEST_F(MainWindowTest, TwoFilesStandInTwoFramesAndShowTheirImages)
         window->setColorMode("GS");
         EXPECT_EQ(window->visibileRange(), QRectF(0, 0, 8, 4));
     }
-    const QPoint middle = first->imageDrawer()->imageBoundary().center();
-    EXPECT_NE(first->imageDrawer()->grab().pixelColor(middle),
-              second->imageDrawer()->grab().pixelColor(middle))
-        << "counts of 1 and 2 under a foreground of 2";
+    const auto middle = [](SubWindow* window) {
+        ImageDrawerMain* view = window->imageDrawer();
+        return view->grab().pixelColor(view->imageBoundary().center());
+    };
+    EXPECT_NE(middle(first), middle(second)) << "counts of 1 and 2 under a foreground of 2";
 }
 
 TEST_F(MainWindowTest, AFileThatDoesNotAnswerIsSpokenOfAndHoldsNothing)

@@ -125,6 +125,9 @@ TEST(SessionText, OfAnyOriginGivesWhatCanBeUnderstood)
 TEST_F(MemoryTest, ThePanelColumnFollowsTheActiveViewAndComesBack)
 {
     EXPECT_FALSE(action("Tools")->isEnabled());
+    restart([](TarvikService&, ImageDrawerMain&, unsigned long long key) {
+        return new ContainerSideBar(key);
+    });
     _window->newSubWindow();
     EXPECT_TRUE(action("Tools")->isEnabled());
 

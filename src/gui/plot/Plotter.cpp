@@ -62,9 +62,10 @@ void Plotter::setPlot(Rows rows, int topPadding, int bottomPadding, const QStrin
                       const QString& yLabel)
 {
     // A region that is dragged has new rows all the time: what was zoomed into stays, as long as
-    // the axis does.
-    if (_data.empty() || rows.empty() || rows.front()[0] != _data.front()[0] ||
-        rows.back()[0] != _data.back()[0])
+    // the axis does, also over a clearing between.
+    const auto axis = rows.empty() ? std::optional<std::pair<double, double>>()
+                                   : std::pair{rows.front()[0], rows.back()[0]};
+    if (std::exchange(_axis, axis) != axis)
         _range.reset();
     _data = std::move(rows);
     _picture.frame.topPadding = topPadding;

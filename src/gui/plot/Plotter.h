@@ -66,6 +66,7 @@ private:
     plot::Rows _data;
     plot::Picture _picture;
     std::optional<std::pair<double, double>> _range;
-    std::optional<double> _dragFrom;  // pixel
+    std::optional<std::pair<double, double>> _axis;  // first and last x of the last rows
+    std::optional<double> _dragFrom;                 // pixel
     QCheckBox* _logBox;
 };

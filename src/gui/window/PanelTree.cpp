@@ -6,6 +6,8 @@
 #include "gui/info/InfoBarImage.h"
 #include "gui/info/InfoBarRaw.h"
 #include "gui/kit/ContainerSideBar.h"
+#include "gui/panels/PeakFinderBar.h"
+#include "gui/panels/RoiSideBar.h"
 #include "gui/panels/ViewBar.h"
 
 #include <vector>
@@ -23,7 +25,9 @@ ContainerSideBar* makePanels(TarvikService& service, ImageDrawerMain& view,
     // A panel joins here, made for the service with the key after its group's. The panel of the
     // view itself has key 1 and stands in the root.
     const std::vector<Group> groups{
-        {2, "Statistics", {}},
+        {2,
+         "Statistics",
+         {new RoiSideBar(firstKey + 3, &service), new PeakFinderBar(firstKey + 4, &service)}},
         {5,
          "Info",
          {new InfoBarCursor(firstKey + 6, &service), new InfoBarImage(firstKey + 7, &service),

@@ -76,6 +76,7 @@ TEST_F(PlotterTest, ZoomsByWheelAndDragAndShowsAllAgain)
     EXPECT_NEAR(shown().first, 40, 1.1);
     EXPECT_NEAR(shown().second, 60, 1.1);
     // New values on the same axis stay zoomed; another axis is shown whole.
+    plotter.clearPlot();
     plotter.setPlot(ramp(101), 0, 0, "X Pixel", "Counts");
     EXPECT_NEAR(shown().first, 40, 1.1);
     QTest::mouseDClick(&plotter, Qt::LeftButton, {}, to);

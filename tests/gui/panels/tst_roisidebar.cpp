@@ -1,0 +1,244 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+//
+// The panel of the region of interest under mouse and keyboard.
+#include "gui/kit/FloatingWidget.h"
+#include "gui/panels/ResultField.h"
+#include "gui/panels/RoiPlotter.h"
+#include "gui/panels/RoiSideBar.h"
+#include "gui/panels/TuneRoi.h"
+#include "gui/plot/Plotter.h"
+#include "tests/gui/render/DrawnImage.h"
+#include "tests/support/HeldRegions.h"
+#include "tests/support/Regions.h"
+#include "tests/support/TempFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <QCheckBox>
+#include <QClipboard>
+#include <QDoubleSpinBox>
+#include <QFile>
+#include <QFileDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+
+namespace {
+
+class RoiSideBarTest : public testing::Test {
+protected:
+    RoiSideBarTest()
+        : bar(1, view.service)
+        , plotter(*bar.findChild<RoiPlotter*>())
+    {
+        bar.show();
+    }
+    void open() { ASSERT_TRUE(view.open(images::patterned(60, 40))); }
+    void set(const StatisticsData& region)
+    {
+        view.service->setStatisticsData(region);
+        (void)view.service->roiStatistics();
+        settle();
+    }
+    StatisticsData region() const { return view.service->statisticsData(); }
+    template <class Widget>
+    Widget& child(const QString& text) const
+    {
+        for (auto* each : bar.findChildren<Widget*>())
+            if (each->text() == text)
+                return *each;
+        throw std::out_of_range(text.toStdString());
+    }
+    /// Visible boxes for numbers, in reading order of the page.
+    QList<QAbstractSpinBox*> boxes() const
+    {
+        QList<QAbstractSpinBox*> found;
+        for (auto* each : bar.findChild<TuneRoi*>()->findChildren<QAbstractSpinBox*>())
+            if (each->isVisible())
+                found << each;
+        return found;
+    }
+    static void type(QAbstractSpinBox* box, const QString& text)
+    {
+        box->setFocus();
+        box->selectAll();
+        QTest::keyClicks(box, text);
+    }
+    QString results() const
+    {
+        for (auto* each : plotter.findChildren<ResultField*>())
+            if (each->isVisible())
+                return each->getString();
+        return {};
+    }
+    int shownCurves() const
+    {
+        int count = 0;
+        for (auto* plot : plotter.findChildren<Plotter*>())
+            count += plot->isVisible() && !plot->picture().rows.empty();
+        return count;
+    }
+    void press(const QString& button)
+    {
+        QTest::mouseClick(&child<QPushButton>(button), Qt::LeftButton);
+    }
+
+    DrawnImage view{QSize(300, 200)};
+    RoiSideBar bar;
+    RoiPlotter& plotter;
+};
+
+TEST_F(RoiSideBarTest, TheBoxesOfKindsExcludeEachOther)
+{
+    QCheckBox& line = child<QCheckBox>("Line Plot");
+    EXPECT_FALSE(line.isEnabled());
+    open();
+    const struct {
+        const char* text;
+        int kind;
+        const char* help;
+    } kinds[] = {{"Line Plot", 1, "<i> Select region by right clicking"},
+                 {"Box Plot", 2, "<i> Select region by right clicking"},
+                 {"Circle Plot", 3, "<i> Select region by right clicking"},
+                 {"Powder Plot", 4, "<i> Ctrl + right click to set the beam centre<p/>"}};
+    for (const auto& kind : kinds) {
+        set(regions::box(5, 5, 10, 10));
+        if (kind.kind == StatisticsData::Box)
+            child<QCheckBox>("Box Plot").click();  // off, to be checked anew
+        child<QCheckBox>(kind.text).click();
+        EXPECT_EQ(region().roiType, kind.kind);
+        EXPECT_FALSE(region().roiActive);
+        for (auto* each : bar.findChildren<QCheckBox*>())
+            EXPECT_EQ(each->isChecked(), each->text() == kind.text) << kind.text;
+        EXPECT_TRUE(bar.toolTip().startsWith(kind.help)) << kind.text;
+    }
+    child<QCheckBox>("Powder Plot").click();
+    EXPECT_EQ(region().roiType, StatisticsData::None);
+    EXPECT_TRUE(boxes().isEmpty());
+    EXPECT_EQ(results(), "");
+    EXPECT_TRUE(bar.toolTip().startsWith("<i> Ctrl")) << "the old text stays";
+}
+
+TEST_F(RoiSideBarTest, EachSpinBoxSetsItsField)
+{
+    open();
+    const auto expect = [this](StatisticsData start, const QStringList& typed,
+                               const StatisticsData& expected) {
+        set(start);
+        ASSERT_EQ(boxes().size(), typed.size());
+        for (int i = 0; i < typed.size(); ++i)
+            type(boxes().at(i), typed[i]);
+        EXPECT_EQ(region(), expected);
+        EXPECT_NEAR(region().theta, expected.theta, 1e-12);
+        EXPECT_EQ(QString::number(region().powderX), QString::number(expected.powderX));
+    };
+    expect(regions::line(1, 2, 3, 4), {"12", "23", "34", "35"}, regions::line(12, 23, 34, 35));
+    expect(regions::box(1, 2, 3, 4), {"60", "40", "34", "35"}, regions::box(60, 40, 34, 35));
+    expect(regions::circle(9, 9, 4), {"30", "20", "15", "-90.5"},
+           regions::circle(30, 20, 15, -90.5 * 0.017453292519943295));
+    StatisticsData ring = regions::powder(20, 20, 5, 9);
+    expect(ring, {"7", "30", "20.25", "19.5"}, regions::powder(20.25, 19.5, 7, 30));
+    type(boxes().at(1), "6");
+    EXPECT_EQ(region().outerRadius, 30) << "the outer circle stays outside of the inner one";
+    set(regions::powder(20, 20, 12, 8));
+    EXPECT_EQ(boxes().at(0)->text(), "12") << "what the view has set is shown as it is";
+    EXPECT_EQ(boxes().at(1)->text(), "8");
+}
+
+TEST_F(RoiSideBarTest, NumbersAndCurvesAreThoseOfTheService)
+{
+    open();
+    const struct {
+        StatisticsData region;
+        int curves;
+        const char* lastResult;
+    } kinds[] = {{regions::line(2, 3, 50, 30), 1, "# Max:  "},
+                 {regions::box(2, 3, 50, 30), 2, "# Max:  "},
+                 {regions::circle(30, 20, 8), 1, "# Centroid:  ("},
+                 {regions::powder(30, 20, 3, 12), 1, "# Max:  "}};
+    for (const auto& kind : kinds) {
+        set(kind.region);
+        const RoiStatistics& numbers = view.service->roiStatistics();
+        EXPECT_EQ(shownCurves(), kind.curves);
+        EXPECT_TRUE(
+            results().contains("# Integral:  " + QString::number(numbers.integral, 'g', 4) + '\n'));
+        EXPECT_TRUE(results().contains("# Sigma:  " + QString::number(numbers.sigma, 'g', 4)));
+        EXPECT_TRUE(results().contains(kind.lastResult)) << results().toStdString();
+        press("Copy");
+        EXPECT_EQ(QApplication::clipboard()->text(), view.service->roiStatisticsToString());
+    }
+    StatisticsData noCentre = regions::ofType(StatisticsData::CentredCircle);
+    set(noCentre);
+    EXPECT_EQ(shownCurves(), 0);
+    EXPECT_TRUE(results().startsWith("# Integral:  "));
+}
+
+TEST_F(RoiSideBarTest, SaveAndCopyAreForAnActiveRegion)
+{
+    open();
+    StatisticsData box = regions::box(2, 3, 10, 10);
+    for (const bool active : {false, true, false}) {
+        box.roiActive = active;
+        set(box);
+        EXPECT_EQ(child<QPushButton>("Save").isEnabled(), active);
+        EXPECT_EQ(child<QPushButton>("Copy").isEnabled(), active);
+        EXPECT_EQ(results().contains("Mean:  \n"), !active) << "not valid";
+    }
+}
+
+TEST_F(RoiSideBarTest, OldNumbersStayWhileNewOnesAreComputed)
+{
+    open();
+    set(regions::box(0, 0, 10, 10));
+    const QString before = results();
+    {
+        const tarvik::tests::HeldRegions held;
+        view.service->setStatisticsData(regions::box(0, 0, 30, 30));
+        press("Copy");
+        EXPECT_EQ(results(), before);
+        EXPECT_EQ(shownCurves(), 2);
+    }
+    ASSERT_TRUE(waitFor([&] { return !view.service->regionPending(); }));
+    EXPECT_NE(results(), before);
+    EXPECT_EQ(QApplication::clipboard()->text(), view.service->roiStatisticsToString());
+}
+
+TEST_F(RoiSideBarTest, SavesWhatIsCopied)
+{
+    open();
+    set(regions::circle(30, 20, 8));
+    const tarvik::tests::TempFolder folder;
+    const QString file = QString::fromStdString(folder / "spot.txt");
+    press("Save");
+    auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+    ASSERT_TRUE(dialog);
+    EXPECT_EQ(dialog->labelText(QFileDialog::Accept), "Save");
+    EXPECT_FALSE(child<QPushButton>("Save").isDown());
+    dialog->findChild<QLineEdit*>()->setText(file);
+    QTest::keyClick(dialog->findChild<QLineEdit*>(), Qt::Key_Return);
+    QFile written(file);
+    ASSERT_TRUE(waitFor([&] { return written.exists(); }));
+    ASSERT_TRUE(written.open(QIODevice::ReadOnly));
+    EXPECT_EQ(QString::fromUtf8(written.readAll()), view.service->roiStatisticsToString());
+}
+
+TEST_F(RoiSideBarTest, TheResultsComeOutAndHome)
+{
+    open();
+    set(regions::line(2, 3, 50, 30));
+    auto& floating = *bar.findChild<FloatingWidget*>();
+    press("Pop Out");
+    EXPECT_FALSE(floating.childIsCatched());
+    EXPECT_EQ(plotter.window()->windowTitle(), "TARVIK ROI");
+    EXPECT_EQ(shownCurves(), 1);
+    plotter.window()->close();
+    settle();
+    EXPECT_TRUE(floating.childIsCatched());
+    EXPECT_FALSE(child<QPushButton>("Pop Out").isChecked());
+    press("Pop Out");
+    press("Pop In");
+    EXPECT_TRUE(floating.childIsCatched());
+}
+
+}  // namespace

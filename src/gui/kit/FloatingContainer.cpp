@@ -13,7 +13,6 @@ FloatingContainer::FloatingContainer(QWidget* child, QWidget* parent)
     setAttribute(Qt::WA_DeleteOnClose, false);
     child->setParent(this);
     child->show();
-    qApp->installEventFilter(this);
 }
 
 void FloatingContainer::becomeWindow(QPoint pos)
@@ -21,6 +20,7 @@ void FloatingContainer::becomeWindow(QPoint pos)
     _offset = {};
     _torn = QApplication::mouseButtons() & Qt::LeftButton;
     setParent(nullptr);
+    qApp->installEventFilter(this);  // as long as it is a window: every event comes here
     setAutoFillBackground(true);
     move(pos);
     show();
@@ -34,6 +34,20 @@ QSize FloatingContainer::sizeHint() const
 QSize FloatingContainer::minimumSizeHint() const
 {
     return _child ? _child->minimumSizeHint() : QWidget::minimumSizeHint();
+}
+
+bool FloatingContainer::event(QEvent* event)
+{
+    if (event->type() == QEvent::ParentChange && !isWindow())
+        qApp->removeEventFilter(this);
+    // The child wants another size.
+    if (event->type() == QEvent::LayoutRequest) {
+        if (isWindow())
+            resize(size().expandedTo(minimumSizeHint()));
+        else
+            updateGeometry();
+    }
+    return QWidget::event(event);
 }
 
 bool FloatingContainer::eventFilter(QObject* watched, QEvent* event)

@@ -22,7 +22,6 @@ FloatingWidget::FloatingWidget(QWidget* child, const QString& title, const QColo
     , _child(child)
     , _container(new FloatingContainer(child, this))
 {
-    qApp->installEventFilter(this);
     setAttribute(Qt::WA_MouseTracking);
     setAutoFillBackground(false);
     QPalette colours = _container->palette();
@@ -98,6 +97,13 @@ QPoint FloatingWidget::_cornerOfWindow() const
             std::max(std::min(corner.y(), last.y()), room.top())};
 }
 
+bool FloatingWidget::event(QEvent* event)
+{
+    if (event->type() == QEvent::LayoutRequest)
+        updateGeometry();  // this is as large as the child
+    return QWidget::event(event);
+}
+
 bool FloatingWidget::eventFilter(QObject* watched, QEvent* event)
 {
     if (event->type() == QEvent::MouseMove) {
@@ -137,6 +143,7 @@ void FloatingWidget::resizeEvent(QResizeEvent* event)
 void FloatingWidget::showEvent(QShowEvent* event)
 {
     QWidget::showEvent(event);
+    qApp->installEventFilter(this);  // while it is shown: every event comes here
     if (_container)
         _container->show();
 }
@@ -144,6 +151,7 @@ void FloatingWidget::showEvent(QShowEvent* event)
 void FloatingWidget::hideEvent(QHideEvent* event)
 {
     QWidget::hideEvent(event);
+    qApp->removeEventFilter(this);
     if (_container && !_catched)
         _container->hide();
 }

@@ -114,14 +114,18 @@ void TuneRoi::_addCirclePage()
 void TuneRoi::_addPowderPage()
 {
     QGridLayout& grid = *_addPage();
-    addLabel(grid, 0, 0, "Inner Radius");
-    _innerRadius = _box(grid, 0, 1, &TuneRoi::_setInnerRadius);
-    addLabel(grid, 0, 2, "Outer Radius");
-    _outerRadius = _box(grid, 0, 3, &TuneRoi::_setOuterRadius);
-    addLabel(grid, 1, 0, "Centre X");
-    _powderX = _doubleBox(grid, 1, 1, &TuneRoi::_setPowderX);
-    addLabel(grid, 1, 2, "Centre Y");
-    _powderY = _doubleBox(grid, 1, 3, &TuneRoi::_setPowderY);
+    // The labels are of unlike width: a row shares its width as it needs it.
+    const auto cell = [&](int row, int column, const char* text) -> QGridLayout& {
+        auto* inner = new QGridLayout;
+        addLabel(*inner, 0, 0, text);
+        inner->setColumnStretch(1, 1);
+        grid.addLayout(inner, row, column);
+        return *inner;
+    };
+    _innerRadius = _box(cell(0, 0, "Inner Radius"), 0, 1, &TuneRoi::_setInnerRadius);
+    _outerRadius = _box(cell(0, 1, "Outer Radius"), 0, 1, &TuneRoi::_setOuterRadius);
+    _powderX = _doubleBox(cell(1, 0, "Centre X"), 0, 1, &TuneRoi::_setPowderX);
+    _powderY = _doubleBox(cell(1, 1, "Centre Y"), 0, 1, &TuneRoi::_setPowderY);
 }
 
 void TuneRoi::_newStatisticsSlot(StatisticsData region)

@@ -161,6 +161,7 @@ TEST_F(RoiSideBarTest, NumbersAndCurvesAreThoseOfTheService)
         set(kind.region);
         const RoiStatistics& numbers = view.service->roiStatistics();
         EXPECT_EQ(shownCurves(), kind.curves);
+        EXPECT_GT(plotter.height(), 200 * kind.curves) << "the panel makes room";
         EXPECT_TRUE(
             results().contains("# Integral:  " + QString::number(numbers.integral, 'g', 4) + '\n'));
         EXPECT_TRUE(results().contains("# Sigma:  " + QString::number(numbers.sigma, 'g', 4)));

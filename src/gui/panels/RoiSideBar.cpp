@@ -34,30 +34,41 @@ const QString RegionDirectory = QStringLiteral("RegionDirectory");
 RoiSideBar::RoiSideBar(unsigned long long id, TarvikService* service, QWidget* parent)
     : SideBar(id, parent)
     , _service(service)
-    , _help(new QLabel)
-    , _floating(new FloatingWidget(new RoiPlotter(service), QStringLiteral("TARVIK ROI"),
-                                   GLOBALSTYLE::sidebarColor))
-    , _saveButton(new QPushButton(QStringLiteral("Save")))
-    , _copyButton(new QPushButton(QStringLiteral("Copy")))
-    , _popoutButton(new QPushButton(QStringLiteral("Pop Out")))
 {
     setTitle(QStringLiteral("Region of Interest"));
+}
+
+void RoiSideBar::showEvent(QShowEvent* event)
+{
+    if (!_help)
+        _createContent();
+    SideBar::showEvent(event);
+}
+
+void RoiSideBar::_createContent()
+{
+    _help = new QLabel;
+    _floating = new FloatingWidget(new RoiPlotter(_service), QStringLiteral("TARVIK ROI"),
+                                   GLOBALSTYLE::sidebarColor);
+    _saveButton = new QPushButton(QStringLiteral("Save"));
+    _copyButton = new QPushButton(QStringLiteral("Copy"));
+    _popoutButton = new QPushButton(QStringLiteral("Pop Out"));
     auto* rows = new QVBoxLayout(this);
     rows->setContentsMargins(0, 0, 0, 0);
-    rows->addWidget(new RoiSelector(service));
+    rows->addWidget(new RoiSelector(_service));
     _help->setWordWrap(true);
     _help->setContentsMargins(9, 0, 9, 0);
     rows->addWidget(_help);
-    rows->addWidget(new TuneRoi(service));
+    rows->addWidget(new TuneRoi(_service));
     _createButtons();
     rows->addWidget(_floating);
-    connect(service, &TarvikService::newStatisticsSignal, this,
+    connect(_service, &TarvikService::newStatisticsSignal, this,
             &RoiSideBar::_setWriteButtonEnableState);
-    connect(service, &TarvikService::newStatisticsSignal, this, &RoiSideBar::_setHelpSlot);
-    connect(service, &TarvikService::newStatisticsSignal, this, &RoiSideBar::_numbersArrived);
-    connect(service, &TarvikService::regionComputedSignal, this, &RoiSideBar::_numbersArrived);
-    _setWriteButtonEnableState(service->statisticsData());
-    _setHelpSlot(service->statisticsData());
+    connect(_service, &TarvikService::newStatisticsSignal, this, &RoiSideBar::_setHelpSlot);
+    connect(_service, &TarvikService::newStatisticsSignal, this, &RoiSideBar::_numbersArrived);
+    connect(_service, &TarvikService::regionComputedSignal, this, &RoiSideBar::_numbersArrived);
+    _setWriteButtonEnableState(_service->statisticsData());
+    _setHelpSlot(_service->statisticsData());
 }
 
 void RoiSideBar::_createButtons()

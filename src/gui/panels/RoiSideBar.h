@@ -23,6 +23,9 @@ public:
     /// @param service  not owned; lives as long as the panel
     RoiSideBar(unsigned long long id, TarvikService* service, QWidget* parent = nullptr);
 
+protected:
+    void showEvent(QShowEvent* event) override;
+
 private slots:
     void _writeToFileSlot();
     void _copySlot();
@@ -31,6 +34,8 @@ private slots:
     void _setHelpSlot(StatisticsData region);
 
 private:
+    /// Made when the panel is first shown: few views of many are ever asked for their region.
+    void _createContent();
     void _createButtons();
     QString _report() const;
     void _write(const QString& file);
@@ -39,10 +44,11 @@ private:
     void _numbersArrived();
 
     TarvikService* const _service;
-    QLabel* const _help;
-    FloatingWidget* const _floating;
-    QPushButton* const _saveButton;
-    QPushButton* const _copyButton;
-    QPushButton* const _popoutButton;
+    // Null before the panel is first shown.
+    QLabel* _help = nullptr;
+    FloatingWidget* _floating = nullptr;
+    QPushButton* _saveButton = nullptr;
+    QPushButton* _copyButton = nullptr;
+    QPushButton* _popoutButton = nullptr;
     std::function<void()> _awaiting;  // empty unless numbers are awaited
 };

@@ -30,10 +30,8 @@ class RoiSideBarTest : public testing::Test {
 protected:
     RoiSideBarTest()
         : bar(1, view.service)
-        , plotter(*bar.findChild<RoiPlotter*>())
-    {
-        bar.show();
-    }
+        , plotter((bar.show(), *bar.findChild<RoiPlotter*>()))
+    {}
     void open() { ASSERT_TRUE(view.open(images::patterned(60, 40))); }
     void set(const StatisticsData& region)
     {

@@ -28,16 +28,20 @@ void stayOnScale(int& pixel, const HistogramScale& scale, const Span& span)
 
 }  // namespace
 
-double leastForeground(const ContrastData& contrast)
+double levelDistance(double minimum, double maximum)
 {
-    return std::max(contrast.background + LevelDistance,
-                    std::nextafter(contrast.background, Infinity));
+    const double largest = std::max(std::abs(minimum), std::abs(maximum));
+    return largest > 0 && largest < 1 ? LevelDistance * largest : LevelDistance;
 }
 
-double largestBackground(const ContrastData& contrast)
+double leastForeground(const ContrastData& contrast, double distance)
 {
-    return std::min(contrast.foreground - LevelDistance,
-                    std::nextafter(contrast.foreground, -Infinity));
+    return std::max(contrast.background + distance, std::nextafter(contrast.background, Infinity));
+}
+
+double largestBackground(const ContrastData& contrast, double distance)
+{
+    return std::min(contrast.foreground - distance, std::nextafter(contrast.foreground, -Infinity));
 }
 
 void ContrastDrag::step(int dx, const HistogramScale& scale, const Span& span,

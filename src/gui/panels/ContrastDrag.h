@@ -11,9 +11,12 @@ namespace panels {
 /// Foreground and background stay at least this far apart.
 constexpr double LevelDistance = 1e-6;
 
+/// The distance for floating pixels: less, if all of them are small.
+double levelDistance(double minimum, double maximum);
+
 /// Closest levels on the other side of one.
-double leastForeground(const ContrastData& contrast);
-double largestBackground(const ContrastData& contrast);
+double leastForeground(const ContrastData& contrast, double distance = LevelDistance);
+double largestBackground(const ContrastData& contrast, double distance = LevelDistance);
 
 /// A drag of one level or of both, in steps from where the mouse was pressed.
 struct ContrastDrag {

@@ -6,18 +6,24 @@
 
 #include <QGridLayout>
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QPushButton>
-#include <QSignalBlocker>
+#include <QScopedValueRollback>
 #include <QSlider>
 #include <QSpinBox>
 
 namespace {
 
 template <class Control>
-void adopt(Control& control, int first, int last, int value)
+void setRange(Control& control, int first, int last)
 {
     if (control.minimum() != first || control.maximum() != last)
         control.setRange(first, last);
+}
+
+template <class Control>
+void setValue(Control& control, int value)
+{
     if (control.value() != value)
         control.setValue(value);
 }
@@ -51,6 +57,10 @@ GotoWidget::GotoWidget(TarvikService* service, QWidget* parent)
     setFocusProxy(_box);
     connect(_slider, &QSlider::valueChanged, _box, &QSpinBox::setValue);
     connect(_box, &QSpinBox::valueChanged, _slider, &QSlider::setValue);
+    const auto choose = [this] { _chosen = _chosen || !_updating; };
+    connect(_slider, &QSlider::valueChanged, this, choose);
+    connect(_box, &QSpinBox::valueChanged, this, choose);
+    connect(_box->findChild<QLineEdit*>(), &QLineEdit::textEdited, this, choose);
     connect(_loadButton, &QPushButton::clicked, this, &GotoWidget::_load);
     connect(cancelButton, &QPushButton::clicked, this, &GotoWidget::cancel);
     connect(service, &TarvikService::newImageSignal, this, &GotoWidget::_update);
@@ -62,9 +72,23 @@ void GotoWidget::_update()
 {
     const int first = _service->firstIndex();
     const int last = _service->lastIndex();
-    const int value = _service->imageIndex();
-    adopt(*_slider, first, last, value);
-    adopt(*_box, first, last, value);
+    const QScopedValueRollback updating(_updating, true);
+    setRange(*_slider, first, last);
+    setRange(*_box, first, last);
+    if (_chosen)
+        return;
+    const auto* text = _box->findChild<QLineEdit*>();
+    const bool selected = text->hasSelectedText();
+    setValue(*_slider, _service->imageIndex());
+    setValue(*_box, _service->imageIndex());
+    if (selected)
+        _box->selectAll();
+}
+
+void GotoWidget::_follow()
+{
+    _chosen = false;
+    _update();
 }
 
 void GotoWidget::_load()
@@ -85,6 +109,13 @@ void GotoWidget::showEvent(QShowEvent* event)
     QWidget::showEvent(event);
     if (!isVisible())
         return;
+    _follow();
     _service->scanImageContainer();
     _box->selectAll();  // a number that is typed takes the place of the old one
+}
+
+void GotoWidget::hideEvent(QHideEvent* event)
+{
+    QWidget::hideEvent(event);
+    _follow();
 }

@@ -2,12 +2,12 @@
 // SPDX-License-Identifier: MIT
 #include "gui/panels/Histogram.h"
 
+#include "gui/panels/LevelBox.h"
 #include "gui/panels/LevelColours.h"
 #include "imagelib/display/MColorTable.h"
 #include "logic/service/TarvikService.h"
 
 #include <QCheckBox>
-#include <QDoubleSpinBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMouseEvent>
@@ -37,11 +37,8 @@ QLabel* levelLabel(const QString& text)
 
 QDoubleSpinBox* levelBox()
 {
-    auto* box = new QDoubleSpinBox;
-    box->setDecimals(4);
+    auto* box = new LevelBox;
     box->setStyleSheet(SmallText);
-    // A half typed number is no level.
-    box->setKeyboardTracking(false);
     // As wide as its place, however large the numbers may get.
     box->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     return box;
@@ -188,15 +185,24 @@ void Histogram::_setContrastSlot(const ContrastData& contrast)
     update();
 }
 
+double Histogram::_levelDistance() const
+{
+    const auto statistics = _service->statistics();
+    return _service->floatingPixels() && statistics
+               ? panels::levelDistance(statistics->minimum, statistics->maximum)
+               : panels::LevelDistance;
+}
+
 void Histogram::_setThresholdValues()
 {
     const ContrastData& contrast = _model.contrast();
     const panels::Span& span = _model.span();
     const double step = panels::spinStep(span, _service->floatingPixels());
-    adopt(*_foregroundBox, panels::leastForeground(contrast), span.maximum, contrast.foreground,
-          step);
-    adopt(*_backgroundBox, span.minimum, panels::largestBackground(contrast), contrast.background,
-          step);
+    const double distance = _levelDistance();
+    adopt(*_foregroundBox, panels::leastForeground(contrast, distance), span.maximum,
+          contrast.foreground, step);
+    adopt(*_backgroundBox, span.minimum, panels::largestBackground(contrast, distance),
+          contrast.background, step);
 }
 
 void Histogram::_send(ContrastData contrast, bool dragUpdate)
@@ -210,14 +216,14 @@ void Histogram::_foregroundSpinBoxSlot(double value)
 {
     ContrastData contrast = _model.contrast();
     // The box rounds, which may carry a level over the other.
-    contrast.foreground = std::max(value, panels::leastForeground(contrast));
+    contrast.foreground = std::max(value, panels::leastForeground(contrast, _levelDistance()));
     _send(contrast, false);
 }
 
 void Histogram::_backgroundSpinBoxSlot(double value)
 {
     ContrastData contrast = _model.contrast();
-    contrast.background = std::min(value, panels::largestBackground(contrast));
+    contrast.background = std::min(value, panels::largestBackground(contrast, _levelDistance()));
     _send(contrast, false);
 }
 

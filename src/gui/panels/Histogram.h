@@ -52,6 +52,8 @@ private:
 
     void _createLayout();
     QCheckBox* _logBox(const QString& toolTip);
+    /// The least distance of the levels.
+    double _levelDistance() const;
     panels::Zone _getCursorPos(const QPoint& point) const;
     void _setCursorInfo();
     void _highlight(panels::Zone zone);

@@ -78,7 +78,14 @@ void Records::chooseContrast()
         return;
     const ImageStatistics& statistics = *_shown.statistics;
     const MColorTable* const table = contrast().colorTable;
-    _contrast.store({std::trunc(statistics.foreground), std::trunc(statistics.background),
-                     table ? table : _defaultColorTable, false});
+    double foreground = statistics.foreground;
+    double background = statistics.background;
+    // Whole numbers, unless they would move a level by a good part of the distance of the two.
+    constexpr double LeastDistance = 10;
+    if (!_shown.floatingPixels() || foreground - background >= LeastDistance) {
+        foreground = std::trunc(foreground);
+        background = std::trunc(background);
+    }
+    _contrast.store({foreground, background, table ? table : _defaultColorTable, false});
     _contrast.spreadValue();
 }

@@ -20,6 +20,7 @@ struct ShownImage {
     using MImage = morvend::imglib::MImage;
 
     bool loaded() const { return !image.empty(); }
+    bool floatingPixels() const { return loaded() && image.type() == morvend::datatypes::FLOAT; }
     /// The image with its pixels, which are unpacked where they were dropped. What they tell, its
     /// header, type and size, is in `image` in any case.
     const MImage& whole();

@@ -62,10 +62,7 @@ QSize TarvikService::imageSize() const
     return imageLoaded() ? QSize(_d->shown.image.width(), _d->shown.image.height()) : QSize(-1, -1);
 }
 
-bool TarvikService::floatingPixels() const
-{
-    return imageLoaded() && _d->shown.image.type() == morvend::datatypes::FLOAT;
-}
+bool TarvikService::floatingPixels() const { return _d->shown.floatingPixels(); }
 
 int TarvikService::imageIndex() const { return _d->shown.index; }
 int TarvikService::firstIndex() const { return _d->opening.firstIndex(); }

@@ -136,6 +136,22 @@ TEST_F(ViewBarTest, SpinBoxesSetTheLevels)
     EXPECT_EQ(box(1)->singleStep(), 1);
 }
 
+TEST_F(ViewBarTest, SpinBoxesHoldLevelsOfAnySize)
+{
+    view.open(images::of<float>(50, 40, [](int x, int y) { return 1e-7 * (x + y); }));
+    for (const auto& [typed, level, shown] :
+         {std::tuple("2e-7", 2e-7, "2e-07"), std::tuple("0.00000012", 1.2e-7, "1.2e-07"),
+          std::tuple("0.5", 0.5, "0.5000"), std::tuple("1e9", 10 + 8.7e-6, "10.0000")}) {
+        type(box(1), typed);
+        EXPECT_NEAR(contrast().foreground, level, level * 1e-6);
+        EXPECT_EQ(box(1)->text(), shown);
+    }
+    view.service->setContrastData({3e-7, 1e-7, MColorTable::hdr(), false});
+    EXPECT_EQ(box(0)->text(), "1e-07");
+    type(box(0), "2.5e-7");
+    EXPECT_NEAR(contrast().background, 2.5e-7, 1e-12) << "close to the foreground";
+}
+
 TEST_F(ViewBarTest, AutoContrastIsThatOfTheStatistics)
 {
     QTest::mouseClick(child<QPushButton>(histogram, "Auto Contrast"), Qt::LeftButton);
@@ -229,6 +245,22 @@ TEST_F(SeriesTest, GoesToATypedNumber)
     QTest::mouseClick(&button, Qt::LeftButton);
     EXPECT_TRUE(scanned.count() > 0 || scanned.wait(Patience)) << "the range is fresh";
     EXPECT_TRUE(waitFor([&] { return view.service->imageIndex() == wanted; }));
+}
+
+TEST_F(SeriesTest, NewImagesLeaveTheNumberThatIsTyped)
+{
+    GotoWidget widget(view.service, nullptr);
+    widget.show();
+    auto* box = widget.findChild<QSpinBox*>();
+    view.open(images::uniform(20, 10, 5));
+    EXPECT_EQ(box->value(), view.service->imageIndex()) << "nothing was typed yet";
+    const int wanted = view.service->firstIndex() + 1;
+    QTest::keyClicks(box, QString::number(wanted));
+    view.open(images::uniform(20, 10, 6));
+    EXPECT_EQ(box->value(), wanted);
+    EXPECT_EQ(box->maximum(), view.service->lastIndex());
+    widget.hide();
+    EXPECT_EQ(box->value(), view.service->imageIndex()) << "what was not asked for is forgotten";
 }
 
 TEST_F(SeriesTest, FastContrastSetsTheForeground)

@@ -118,6 +118,22 @@ TEST_F(ViewRecords, AreTakenFromTheGroupThatTheViewJoins)
     expectAll(view, 5);
 }
 
+TEST_F(ViewRecords, FirstLevelsAreWholeWhereThatLosesNothing)
+{
+    for (const float scale : {1.F, 100.F}) {
+        MImage shown(60, 60, 0.F);
+        auto* pixels = static_cast<float*>(shown.data());
+        for (std::size_t i = 0; i < shown.size(); ++i)
+            pixels[i] = scale * static_cast<float>(i % 61) / 61;
+        const TarvikService* view = shownView(shown, QString::number(scale));
+        const auto statistics = view->statistics();
+        const bool whole = scale > 10;
+        EXPECT_EQ(view->contrastData().foreground,
+                  whole ? std::trunc(statistics->foreground) : statistics->foreground);
+        EXPECT_LT(view->contrastData().background, view->contrastData().foreground);
+    }
+}
+
 TEST_F(ViewRecords, ChangedDuringTheLoadStay)
 {
     TarvikService* member = shownView();

@@ -50,6 +50,26 @@ Scale toScale(std::string_view text)
     return {static_cast<int>(value), 1};
 }
 
+ContrastRange toContrast(const std::string& text)
+{
+    if (text == "sigma")
+        return {0, 1, true};
+    const std::size_t colon = text.find(':');
+    const auto part = [&text](std::string_view word) {
+        constexpr double Percent = 0.01;
+        if (word.empty() || word.back() != '%')
+            throw UsageError("--contrast is LOW%:HIGH% or sigma: " + text);
+        return Percent * toLevel(word.substr(0, word.size() - 1), "--contrast");
+    };
+    const std::string_view words(text);
+    const ContrastRange range{part(words.substr(0, colon)),
+                              colon == std::string::npos ? part({}) : part(words.substr(colon + 1)),
+                              false};
+    if (!(range.low >= 0 && range.low < range.high && range.high <= 1))
+        throw UsageError("--contrast ascends from 0% to 100%: " + text);
+    return range;
+}
+
 void setRegion(Arguments& arguments, StatisticsData::RoiType type, const std::string& option,
                const std::string& text)
 {
@@ -127,6 +147,10 @@ const std::vector<Option>& options()
          {Command::Render},
          true,
          [](A& a, Text value) { a.foreground = toLevel(value, "--foreground"); }},
+        {"--contrast",
+         {Command::Render},
+         true,
+         [](A& a, Text value) { a.contrast = toContrast(value); }},
         {"--scale", {Command::Render}, true, [](A& a, Text value) { a.scale = toScale(value); }},
     };
     return all;
@@ -278,7 +302,7 @@ std::string Arguments::usage()
        tarvik-image play [--frames N] [--no-preloader] FILE
        tarvik-image convert [--frame N | --all] FILE OUT.cbf|.tif|.tiff|.h5
        tarvik-image render [--frame N] [--table NAME] [--background B] [--foreground F]
-                           [--scale K] FILE OUT.png
+                           [--contrast RANGE] [--scale K] FILE OUT.png
        tarvik-image --help | --version
 
 FILE is a CBF, TIFF, EDF or HDF5 image; with it comes the whole series it belongs to.
@@ -317,6 +341,9 @@ render    makes a PNG picture as the viewer shows it
                 "Heat", "Rainbow", "Viridis", "Cividis"
   --background B, --foreground F
                 intensities of the first and the last linear colour; computed when absent
+  --contrast RANGE
+                computes these two otherwise: LOW%:HIGH%, such as 0.1%:99.9%, spans this part of
+                the pixels, sigma three sigma around the mean
   --scale K     2, 3, ... enlarges; 0.5, 0.25, ... takes every second, fourth, ... pixel
 
 --frame N       the image of that number; without it the one that FILE names

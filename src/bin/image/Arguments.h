@@ -5,6 +5,7 @@
 #pragma once
 
 #include "bin/image/UsageError.h"
+#include "logic/analysis/statistics/ContrastRange.h"
 #include "logic/records/StatisticsData.h"
 
 #include <limits>
@@ -64,6 +65,7 @@ struct Arguments {
     std::string table = "HDR";
     std::optional<double> background;
     std::optional<double> foreground;
+    std::optional<ContrastRange> contrast;
     Scale scale;
 
     /// Reads the words after the program's name. Options may be anywhere after the command, as

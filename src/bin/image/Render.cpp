@@ -12,6 +12,7 @@
 #include "imagelib/display/MContrast.h"
 #include "imagelib/image/GapValues.h"
 #include "imagelib/io/formats/base/AtomicFile.h"
+#include "logic/analysis/statistics/PartRange.h"
 
 #include <QBuffer>
 #include <QImage>
@@ -46,8 +47,17 @@ struct Levels {
 Levels levelsOf(const MImage& image, const MImage* mask, const Arguments& arguments)
 {
     Levels levels;
-    if (!arguments.background || !arguments.foreground)
+    const bool wanted = !arguments.background || !arguments.foreground;
+    if (wanted && arguments.contrast) {
+        const auto range =
+            contrastLevelsOfPart(image, mask ? *mask : MImage(image, 0U),
+                                 {0, 0, image.width(), image.height()}, *arguments.contrast);
+        if (!range)
+            throw MBadParameterException("No pixel is left for a contrast: " + arguments.file);
+        levels = {range->background, range->foreground};
+    } else if (wanted) {
         MContrast(6.0, 10000)(levels.foreground, levels.background, image, mask);
+    }
     levels.background = arguments.background.value_or(levels.background);
     levels.foreground = arguments.foreground.value_or(levels.foreground);
     if (!(levels.background < levels.foreground))

@@ -4,6 +4,7 @@
 
 #include "gui/panels/LevelBox.h"
 #include "gui/panels/LevelColours.h"
+#include "gui/panels/RangeChoice.h"
 #include "imagelib/display/MColorTable.h"
 #include "logic/service/TarvikService.h"
 
@@ -140,7 +141,14 @@ void Histogram::_createLayout()
     rows->addSpacing(panels::histogramplace::Height);
     rows->addLayout(levels);
     rows->addSpacing(10);
-    rows->addWidget(_autoButton);
+    auto* choices = new QHBoxLayout;
+    choices->setSpacing(5);
+    auto* range = new RangeChoice(_service);
+    range->setStyleSheet(SmallText);
+    choices->addWidget(_autoButton);
+    choices->addWidget(range);
+    choices->addStretch();
+    rows->addLayout(choices);
     rows->addSpacing(10);
     rows->addWidget(_summary);
     rows->addStretch();

@@ -33,6 +33,8 @@ ImageDrawerMain::ImageDrawerMain(TarvikService* service, bool useGlsl, QWidget* 
     connect(service, &TarvikService::paintListSignal, this, &ImageDrawerMain::updatePaintListSlot);
     connect(this, &ImageDrawer::newCursorCoordinates, service,
             &TarvikService::setCursorCoordinates);
+    connect(service, &TarvikService::partInViewWantedSignal, this,
+            [this] { this->service().chooseContrastOf(visibleRange().toAlignedRect()); });
     connect(service, &TarvikService::cursorInfoSignal, this, &ImageDrawerMain::_setCursorInfo);
 }
 

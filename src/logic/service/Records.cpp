@@ -23,6 +23,18 @@ void Records::setContrast(const ContrastData& contrast)
     _contrast.spreadValue();
 }
 
+void Records::adoptContrast(const ContrastData& contrast)
+{
+    _contrast.store(contrast);
+    _contrast.spreadValue();
+}
+
+ContrastData Records::withLevels(const ContrastLevels& levels) const
+{
+    const MColorTable* const table = contrast().colorTable;
+    return {levels.foreground, levels.background, table ? table : _defaultColorTable, false};
+}
+
 void Records::setViewport(const ViewportData& viewport)
 {
     _viewport.store(viewport);
@@ -77,7 +89,6 @@ void Records::chooseContrast()
     if (contrast().defined)
         return;
     const ImageStatistics& statistics = *_shown.statistics;
-    const MColorTable* const table = contrast().colorTable;
     double foreground = statistics.foreground;
     double background = statistics.background;
     // Whole numbers, unless they would move a level by a good part of the distance of the two.
@@ -86,6 +97,5 @@ void Records::chooseContrast()
         foreground = std::trunc(foreground);
         background = std::trunc(background);
     }
-    _contrast.store({foreground, background, table ? table : _defaultColorTable, false});
-    _contrast.spreadValue();
+    adoptContrast(withLevels({background, foreground}));
 }

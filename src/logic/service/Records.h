@@ -4,6 +4,7 @@
 // The records of a view that its group shares.
 #pragma once
 
+#include "logic/analysis/statistics/ContrastRange.h"
 #include "logic/records/RecordGroups.h"
 #include "logic/service/ViewRegion.h"
 
@@ -23,6 +24,8 @@ public:
     Records(RecordGroups& groups, ShownImage& shown, HeaderEdits& edits);
 
     const ContrastData& contrast() const { return _contrast.value(); }
+    /// The contrast with other levels, set at once and not in a drag.
+    ContrastData withLevels(const ContrastLevels& levels) const;
     const ViewportData& viewport() const { return _viewport.value(); }
     const StatisticsData& statistics() const { return _region.value(); }
     const PeakData& peaks() const { return _peaks.value(); }
@@ -31,6 +34,8 @@ public:
 
     // Each stores a record, signals it in any case, and hands it to the group when it is new there.
     void setContrast(const ContrastData& contrast);
+    /// The same without a signal, for an image that is about to be announced.
+    void adoptContrast(const ContrastData& contrast);
     void setViewport(const ViewportData& viewport);
     void setPeaks(const PeakData& peaks);
 

@@ -126,6 +126,7 @@ const TarvikService::Header& TarvikService::globalHeader() const { return _d->he
 
 // How it is shown.
 
+ContrastChoice TarvikService::contrastChoice() const { return _d->contrastChooser.choice; }
 PlottingMode TarvikService::plottingMode() const { return _d->plottingMode; }
 bool TarvikService::showResolutionRings() const { return _d->showResolutionRings; }
 bool TarvikService::highlightDefective() const { return _d->highlightDefective; }
@@ -307,6 +308,26 @@ void TarvikService::setHalvoMonitorHost(QString host, int port, double minPause)
 
 // Switching what is shown.
 
+void TarvikService::setContrastChoice(const ContrastChoice& choice)
+{
+    if (std::exchange(_d->contrastChooser.choice, ContrastChoice(choice)) != choice)
+        emit contrastChoiceSignal();
+}
+
+void TarvikService::chooseContrast()
+{
+    if (contrastChoice().partInView)
+        emit partInViewWantedSignal();
+    else
+        _d->contrastChooser.chooseForAll();
+}
+
+void TarvikService::chooseContrastOf(const QRect& part)
+{
+    _d->packer.looked();
+    _d->contrastChooser.chooseFor(part);
+}
+
 void TarvikService::setPlottingMode(PlottingMode mode)
 {
     _d->plottingMode = mode;
@@ -388,8 +409,12 @@ void TarvikService::_newImageSlot()
     if (!load)
         return;
     _d->arrival.show(*load);
+    _d->contrastChooser.followNewImage();
     _d->opening.watchShownImage();
     emit newImageSignal();
+    // Its viewport is known now.
+    if (contrastChoice().follows && contrastChoice().partInView)
+        emit partInViewWantedSignal();
     emit newStatisticsSignal(statisticsData());
     emit newPeakSignal(peakData());
     emit resolutionDefinedSignal(resolutionDefined());

@@ -17,10 +17,12 @@
 #include "logic/records/StatisticsData.h"
 #include "logic/records/ViewportData.h"
 #include "logic/service/ComputedRegion.h"
+#include "logic/service/ContrastChoice.h"
 #include "logic/service/CursorInfo.h"
 
 #include <QImage>
 #include <QObject>
+#include <QRect>
 #include <QSharedPointer>
 #include <QSize>
 #include <QString>
@@ -113,6 +115,7 @@ public:
     /// The edits that apply to the header of each image of the series.
     const Header& globalHeader() const;
 
+    ContrastChoice contrastChoice() const;
     PlottingMode plottingMode() const;
     bool showResolutionRings() const;
     bool highlightDefective() const;
@@ -195,6 +198,13 @@ public slots:
     // Setters of a record store it, signal it in any case, and hand it to the group when it is new
     // there.
     void setContrastData(ContrastData data);
+    /// What chooseContrast() does from now on.
+    void setContrastChoice(const ContrastChoice& choice);
+    /// Sets the levels by the range of pixels that was chosen. Those of the part in view are
+    /// counted off this thread, once the view names it after partInViewWantedSignal().
+    void chooseContrast();
+    /// @param part  in pixels of the image
+    void chooseContrastOf(const QRect& part);
     void setViewportData(ViewportData data);
     /// Without image the record is only stored. With one the region is computed, off this thread; a
     /// newer one takes its place. A centred circle that is active moves the beam centre of the
@@ -273,6 +283,8 @@ signals:
     void headerChangedSignal();
     void newViewportSignal(ViewportData data);
     void newContrastSignal(ContrastData data);
+    void contrastChoiceSignal();
+    void partInViewWantedSignal();
     void newStatisticsSignal(StatisticsData data);
     void newPeakSignal(PeakData data);
     /// Numbers missing at newStatisticsSignal() have arrived.

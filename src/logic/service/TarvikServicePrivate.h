@@ -7,6 +7,7 @@
 #include "logic/detector/HalvoClient.h"
 #include "logic/service/Arrival.h"
 #include "logic/service/AutoModes.h"
+#include "logic/service/ContrastChooser.h"
 #include "logic/service/HeaderEdits.h"
 #include "logic/service/Opening.h"
 #include "logic/service/PixelPacker.h"
@@ -53,6 +54,7 @@ public:
     PixelPacker packer{shown};
     HeaderEdits headerEdits;
     Records records;
+    ContrastChooser contrastChooser{shown, records};
     Opening opening{shown, records};
     Arrival arrival{shown, headerEdits, records};
     AutoModes modes{*this};

@@ -48,6 +48,9 @@ TEST(ToolArguments, OptionsOfEachCommandInAnyOrder)
     EXPECT_EQ(render.background, -2.5);
     EXPECT_EQ(render.foreground, 1000.0);
     EXPECT_EQ(render.scale, (Scale{3, 1}));
+    EXPECT_EQ(parse("render x x.png --contrast 0.5%:75%").contrast,
+              (ContrastRange{0.005, 0.75, false}));
+    EXPECT_TRUE(parse("render x x.png --contrast sigma").contrast->sigma);
     EXPECT_EQ(parse("render x x.png --scale 0.25").scale, (Scale{1, 4}));
     EXPECT_EQ(parse("render x x.png").scale, (Scale{1, 1}));
 
@@ -123,6 +126,10 @@ TEST(ToolArguments, WrongUsageIsToldWithItsReason)
         {"geometry a --rings 100001", "100000"},
         {"render a b.png --foreground inf", "finite"},
         {"render a b.png --scale 0", "--scale"},
+        {"render a b.png --contrast 1:99", "--contrast"},
+        {"render a b.png --contrast 1%", "--contrast"},
+        {"render a b.png --contrast 99%:1%", "--contrast"},
+        {"render a b.png --contrast 1%:101%", "--contrast"},
         {"render a b.png --scale 0.3", "--scale"},
         {"render a b.png --scale 1.5", "--scale"},
         {"render a b.png --scale 1e9", "--scale"},

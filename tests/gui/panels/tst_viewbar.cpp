@@ -14,13 +14,16 @@
 
 #include <gtest/gtest.h>
 
+#include <QAction>
 #include <QCheckBox>
 #include <QDoubleSpinBox>
+#include <QMenu>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSignalSpy>
 #include <QSlider>
 #include <QTimer>
+#include <QToolButton>
 
 namespace {
 
@@ -158,6 +161,67 @@ TEST_F(ViewBarTest, AutoContrastIsThatOfTheStatistics)
     EXPECT_EQ(contrast().foreground, view.service->statistics()->foreground);
     EXPECT_EQ(contrast().background, view.service->statistics()->background);
     EXPECT_EQ(contrast().colorTable, MColorTable::hdr());
+}
+
+TEST_F(ViewBarTest, ContrastSpansAChosenPartOfThePixels)
+{
+    // Left and right half have values of their own; only the right one is in view.
+    const auto halves = [](int shift) {
+        return images::of<int>(600, 40, [=](int x, int y) {
+            return (x < 300 ? 0 : 5000) + shift + (x % 10) * 40 + y;
+        });
+    };
+    view.open(halves(0));
+    view.service->setViewportData({300, 0, 0, 0, 0});
+    auto* button = histogram.findChild<QToolButton*>();
+    auto* follow = child<QCheckBox>(histogram, "Follow");
+    const auto pick = [&](const QString& text) {
+        for (QAction* action : button->menu()->actions())
+            if (action->text() == text)
+                action->trigger();
+    };
+    pick("1 \u2013 99 %");
+    EXPECT_EQ(contrast().background, 8);
+    EXPECT_EQ(contrast().foreground, 5392) << "at once, from the histogram";
+    EXPECT_EQ(button->text(), "1 \u2013 99 %");
+    pick("Of the Part in View");
+    EXPECT_TRUE(waitFor([&] { return contrast().background == 5004; }));
+    EXPECT_EQ(contrast().foreground, 5396);
+    EXPECT_EQ(contrast().colorTable, MColorTable::hdr());
+
+    view.open(halves(1000));
+    EXPECT_EQ(contrast().background, 5004) << "stays as it is";
+    QTest::mouseClick(follow, Qt::LeftButton, {}, {8, follow->height() / 2});
+    EXPECT_TRUE(waitFor([&] { return contrast().background == 6004; }));
+    view.open(halves(2000));
+    EXPECT_TRUE(waitFor([&] { return contrast().background == 7004; }));
+    pick("Of the Whole Image");
+    QSignalSpy sent(view.service, &TarvikService::newContrastSignal);
+    view.open(halves(100));
+    EXPECT_EQ(contrast().background, 108);
+    EXPECT_EQ(sent.count(), 0) << "the image arrives with its contrast";
+    EXPECT_EQ(histogram.model().contrast().background, 108);
+    view.service->setContrastData({50, 10, MColorTable::hdr(), false});
+    QTest::mouseClick(button, Qt::LeftButton, {}, {10, button->height() / 2});
+    EXPECT_EQ(contrast().background, 108) << "the button repeats the choice";
+}
+
+TEST_F(ViewBarTest, ALevelThatIsSetMeanwhileStays)
+{
+    ContrastChoice choice;
+    choice.partInView = true;
+    view.service->setContrastChoice(choice);
+    view.service->chooseContrast();
+    view.service->setContrastData({77, 10, MColorTable::hdr(), false});
+    QSignalSpy sent(view.service, &TarvikService::newContrastSignal);
+    choice.range.low = 0;
+    view.service->setContrastChoice(choice);
+    view.service->setContrastData({78, 10, MColorTable::hdr(), false});
+    // A second one is counted after the first.
+    view.service->chooseContrast();
+    EXPECT_TRUE(waitFor([&] { return contrast().foreground != 78; }));
+    EXPECT_EQ(contrast().background, 0) << "only the second one";
+    EXPECT_EQ(sent.count(), 2);
 }
 
 TEST_F(ViewBarTest, TablesAndTheirInversesAreChosen)

@@ -36,6 +36,21 @@ public:
     /// in the tails.
     unsigned int value(double x) const;
 
+    /// Counted pixels in ascending order have the ranks from 0 on.
+    struct Ranks {
+        unsigned int begin = 0;
+        unsigned int end = 0;
+    };
+    /// The value of the pixel of a rank below that of the largest one; of floating pixels in the
+    /// binned range the middle of the bin. Cost: logarithmic.
+    double valueAt(unsigned int rank) const;
+    /// The ranks of the values that are no marks of gaps, see imagelib/image/GapValues.h; those of
+    /// all values if nothing else is left.
+    Ranks intensities() const;
+    bool floatingPixels() const;
+    /// How far the values of valueAt() may be off; 0 for integer pixels.
+    double coarseness() const;
+
 private:
     const std::unique_ptr<IntergrateHistogramPrivate> _d;
 };

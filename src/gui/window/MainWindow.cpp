@@ -158,7 +158,13 @@ SubWindow* MainWindow::_makeSubWindow()
     const QString key = QString::number(reinterpret_cast<quintptr>(this));
     TarvikService* service = _core.newService(key);
     auto* window = new SubWindow(*this, service, _useGlsl);
-    _subFrames.insert({window, service, _makePanels(*window)});
+    _subFrames.insert({window, service});
+    enableSideBar(_panelMaker != nullptr);
+    // The column as the user left it at the last start.
+    if (_subFrames.size() == 1 && _columnWanted && _panelMaker) {
+        MainWindowActions::setSilently(_actions->tools, true);
+        _sideBars->setVisible(true, _columnWidth);
+    }
     _remember(window);
     connect(window, &AbstractSubWindow::gotActivated, this, &MainWindow::_subWindowActivated);
     connect(window, &QObject::destroyed, this, &MainWindow::_handleCloseEvent);
@@ -174,14 +180,14 @@ ContainerSideBar* MainWindow::_makePanels(SubWindow& window)
         connect(panel, &SideBar::toggledVisible, this, &MainWindow::_placeChanged);
     }
     _sideBars->add(root);
-    const bool first = _subFrames.empty();
-    enableSideBar(root->begin() != root->end());
-    // The column as the user left it at the last start.
-    if (first && _columnWanted && _actions->tools->isEnabled()) {
-        MainWindowActions::setSilently(_actions->tools, true);
-        _sideBars->setVisible(true, _columnWidth);
-    }
     return root;
+}
+
+void MainWindow::_showPanels(const SubFrame& frame)
+{
+    if (!frame.sideBar)
+        frame.sideBar = _makePanels(*frame.subWindow);
+    _sideBars->setCurrent(frame.sideBar);
 }
 
 SubWindow* MainWindow::newSubWindow(SubWindow** subwindow)
@@ -260,8 +266,8 @@ void MainWindow::_subWindowActivated(AbstractSubWindow* subWindow)
 {
     assert(subWindow != nullptr);
     const auto frame = _frameOf(subWindow);
-    if (frame != _subFrames.end())
-        _sideBars->setCurrent(frame->sideBar);
+    if (frame != _subFrames.end() && _sideBars->visible())
+        _showPanels(*frame);
 }
 
 void MainWindow::_handleCloseEvent(QObject* window)

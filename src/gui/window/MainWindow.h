@@ -39,7 +39,7 @@ public:
     /// @param core  outlives the window
     /// @param useGlsl  false colours all images on the processor
     /// @param quitOnClose  closing ends the application; otherwise only the window closes
-    /// @param panels  makes the panels of each view
+    /// @param panels  makes the panels of a view when they are first shown; without it there are none
     MainWindow(TarvikCore& core, bool useGlsl, bool quitOnClose, PanelMaker panels = makePanels);
     ~MainWindow() override;
 
@@ -137,7 +137,8 @@ private:
     struct SubFrame {
         SubWindow* subWindow = nullptr;
         TarvikService* service = nullptr;
-        QPointer<ContainerSideBar> sideBar;  // goes before the view that its panels steer
+        // Made when it is first shown; goes before the view that its panels steer.
+        mutable QPointer<ContainerSideBar> sideBar = {};
         bool operator<(const SubFrame& other) const { return subWindow < other.subWindow; }
     };
 
@@ -151,7 +152,9 @@ private:
     void _createMemory();
     /// Makes it no larger than its screen, and moves it there if it has a place.
     void _keepOnScreen();
-    /// The panels of a new view.
+    /// Shows the panels of a view in the column, which must be visible or about to be. Makes them
+    /// if need be: they cost more than the view itself, and many a view never shows them.
+    void _showPanels(const SubFrame& frame);
     ContainerSideBar* _makePanels(SubWindow& window);
     /// Has the session follow a view.
     void _remember(SubWindow* window);

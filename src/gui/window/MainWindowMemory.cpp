@@ -153,15 +153,18 @@ void MainWindow::_keepOnScreen()
 
 QVariant MainWindow::_place(const QVariant& written) const
 {
+    // The panels of all views fold together: any will do.
+    const auto made = std::find_if(_subFrames.begin(), _subFrames.end(),
+                                   [](const SubFrame& frame) { return !frame.sideBar.isNull(); });
     QVariantList open;
-    if (!_subFrames.empty())
-        for (const SideBar* panel : _subFrames.begin()->sideBar->findChildren<SideBar*>())
+    if (made != _subFrames.end())
+        for (const SideBar* panel : made->sideBar->findChildren<SideBar*>())
             if (panel->visible())
                 open.append(panel->syncClass() - _firstPanelKey);
     QVariantMap place{{Frame, saveGeometry()},
                       {ColumnShown, _columnWanted},
                       {ColumnWidth, _sideBars->visible() ? _sideBars->width() : _columnWidth}};
-    place[Unfolded] = _subFrames.empty() ? written.toMap()[Unfolded] : open;
+    place[Unfolded] = made == _subFrames.end() ? written.toMap()[Unfolded] : open;
     return place;
 }
 

@@ -171,7 +171,7 @@ void MainWindow::toggleSideBar(bool on)
     if (on && active) {
         const auto frame = _frameOf(active);
         assert(frame != _subFrames.end());
-        _sideBars->setCurrent(frame->sideBar);
+        _showPanels(*frame);
     }
     _sideBars->setVisible(on && active);
     _columnWanted = on;

@@ -125,9 +125,7 @@ TEST(SessionText, OfAnyOriginGivesWhatCanBeUnderstood)
 TEST_F(MemoryTest, ThePanelColumnFollowsTheActiveViewAndComesBack)
 {
     EXPECT_FALSE(action("Tools")->isEnabled());
-    restart([](TarvikService&, ImageDrawerMain&, unsigned long long key) {
-        return new ContainerSideBar(key);
-    });
+    restart(nullptr);
     _window->newSubWindow();
     EXPECT_FALSE(action("Tools")->isEnabled()) << "without panels there is nothing to show";
 

@@ -41,12 +41,12 @@ void unshuffleBitsPlain(const std::byte* planes, std::size_t count, std::size_t 
     }
 }
 
-void shuffleBits(const std::byte* elements, std::size_t count, std::size_t elementSize,
-                 std::byte* planes)
+void shuffleBitsPlain(const std::byte* elements, std::size_t count, std::size_t elementSize,
+                      std::byte* planes, std::size_t first)
 {
     const std::size_t stride = count / 8;
     for (std::size_t k = 0; k < elementSize; ++k) {
-        for (std::size_t j = 0; j < stride; ++j) {
+        for (std::size_t j = first; j < stride; ++j) {
             std::uint64_t matrix = 0;
             for (std::size_t i = 0; i < 8; ++i)
                 matrix |= std::to_integer<std::uint64_t>(elements[(8 * j + i) * elementSize + k])

@@ -18,9 +18,9 @@ using UnshuffleBits = void (*)(const std::byte* planes, std::size_t count, std::
 void unshuffleBitsPlain(const std::byte* planes, std::size_t count, std::size_t elementSize,
                         std::byte* elements, std::size_t first = 0);
 
-/// The inverse: `elements` to `planes`.
-void shuffleBits(const std::byte* elements, std::size_t count, std::size_t elementSize,
-                 std::byte* planes);
+/// The inverse: elements to planes, from byte `first` of each plane on.
+void shuffleBitsPlain(const std::byte* elements, std::size_t count, std::size_t elementSize,
+                      std::byte* planes, std::size_t first = 0);
 
 /// UnshuffleBits for processors with AVX-512 VBMI and GFNI. Call it on those only.
 void unshuffleBitsGfni(const std::byte* planes, std::size_t count, std::size_t elementSize,

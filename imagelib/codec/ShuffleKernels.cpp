@@ -29,6 +29,12 @@ void unshuffleBits(const std::byte* planes, std::size_t count, std::size_t eleme
     unshuffleBitsPlain(planes, count, elementSize, elements);
 }
 
+void shuffleBits(const std::byte* elements, std::size_t count, std::size_t elementSize,
+                 std::byte* planes)
+{
+    shuffleBitsPlain(elements, count, elementSize, planes);
+}
+
 std::size_t unshuffle(const std::byte*, std::size_t, std::size_t, std::byte*) { return 0; }
 
 #else
@@ -220,6 +226,56 @@ void unshuffleBits(const std::byte* planes, std::size_t count, std::size_t eleme
         [&] { unshuffleBitsPlain(planes, count, elementSize, elements); });
 }
 
+/// Lanes elements of Size bytes: row k holds byte k of each.
+template <std::size_t Size>
+HWY_INLINE void loadBytes(const std::byte* elements, Vector (&rows)[Size])
+{
+    const auto* from = reinterpret_cast<const std::uint8_t*>(elements);
+    if constexpr (Size == 1)
+        rows[0] = hn::LoadU(Bytes(), from);
+    else if constexpr (Size == 2)
+        hn::LoadInterleaved2(Bytes(), from, rows[0], rows[1]);
+    else
+        hn::LoadInterleaved4(Bytes(), from, rows[0], rows[1], rows[2], rows[3]);
+}
+
+template <std::size_t Size>
+void shuffleBlock(const std::byte* elements, std::size_t count, std::byte* planes)
+{
+    constexpr std::size_t Step = Lanes / 8;
+    const Bytes d;
+    const std::size_t stride = count / 8;
+    std::size_t j = 0;
+    for (; j + Step <= stride; j += Step) {
+        Vector rows[Size];
+        loadBytes<Size>(elements + 8 * j * Size, rows);
+        for (std::size_t k = 0; k < Size; ++k) {
+            for (std::size_t b = 0; b < 8; ++b) {
+                const auto bit = hn::Set(d, static_cast<std::uint8_t>(1U << b));
+                std::uint8_t bits[8];  // as many bytes may be written
+                hn::StoreMaskBits(d, hn::TestBit(rows[k], bit), bits);
+                std::memcpy(planes + (8 * k + b) * stride + j, bits, Step);
+            }
+        }
+    }
+    shuffleBitsPlain(elements, count, Size, planes, j);
+}
+
+void shuffleBits(const std::byte* elements, std::size_t count, std::size_t elementSize,
+                 std::byte* planes)
+{
+    switch (elementSize) {
+    case 1:
+        return shuffleBlock<1>(elements, count, planes);
+    case 2:
+        return shuffleBlock<2>(elements, count, planes);
+    case 4:
+        return shuffleBlock<4>(elements, count, planes);
+    default:
+        return shuffleBitsPlain(elements, count, elementSize, planes);
+    }
+}
+
 #endif
 
 }  // namespace morvend::codec::HWY_NAMESPACE
@@ -228,6 +284,7 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace morvend::codec {
 
+HWY_EXPORT(shuffleBits);
 HWY_EXPORT(unshuffleBits);
 HWY_EXPORT(unshuffle);
 
@@ -245,6 +302,12 @@ void unshuffleBitsVector(const std::byte* planes, std::size_t count, std::size_t
                          std::byte* elements)
 {
     HWY_DYNAMIC_DISPATCH(unshuffleBits)(planes, count, elementSize, elements);
+}
+
+void shuffleBits(const std::byte* elements, std::size_t count, std::size_t elementSize,
+                 std::byte* planes)
+{
+    HWY_DYNAMIC_DISPATCH(shuffleBits)(elements, count, elementSize, planes);
 }
 
 void unshuffleBytes(const std::byte* shuffled, std::size_t count, std::size_t elementSize,

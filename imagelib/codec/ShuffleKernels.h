@@ -18,6 +18,10 @@ UnshuffleBits bitUnshuffler();
 void unshuffleBitsVector(const std::byte* planes, std::size_t count, std::size_t elementSize,
                          std::byte* elements);
 
+/// The inverse of UnshuffleBits, by vectors for the sizes 1, 2 and 4.
+void shuffleBits(const std::byte* elements, std::size_t count, std::size_t elementSize,
+                 std::byte* planes);
+
 /// Assembles `count` elements of any size from all first bytes, all second bytes, and so on;
 /// by vectors for the sizes 1, 2, 4 and 8.
 void unshuffleBytes(const std::byte* shuffled, std::size_t count, std::size_t elementSize,

@@ -39,7 +39,8 @@ public:
     /// @param core  outlives the window
     /// @param useGlsl  false colours all images on the processor
     /// @param quitOnClose  closing ends the application; otherwise only the window closes
-    /// @param panels  makes the panels of a view when they are first shown; without it there are none
+    /// @param panels  makes the panels of a view when they are first shown; without it there are
+    /// none
     MainWindow(TarvikCore& core, bool useGlsl, bool quitOnClose, PanelMaker panels = makePanels);
     ~MainWindow() override;
 

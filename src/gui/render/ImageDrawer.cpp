@@ -15,6 +15,8 @@
 #include <QOpenGLFunctions>
 #include <QOpenGLPaintDevice>
 #include <QPainter>
+#include <QPointer>
+#include <QSet>
 #include <QWheelEvent>
 #include <QWindow>
 
@@ -352,10 +354,22 @@ void ImageDrawer::showEvent(QShowEvent* event)
 bool ImageDrawer::eventFilter(QObject* watched, QEvent* event)
 {
     // An update requested while the window was hidden stays pending, and later ones are
-    // merged into it: only a repaint of a visible window ends this.
-    if (event->type() == QEvent::Expose && watched == window()->windowHandle())
-        QMetaObject::invokeMethod(
-            this, [this] { repaint(); }, Qt::QueuedConnection);
+    // merged into it: only a repaint of a visible window ends this. One serves all views.
+    static QSet<const QObject*> repainting;
+    if (event->type() == QEvent::Expose && watched == window()->windowHandle()) {
+        update();
+        if (!repainting.contains(watched)) {
+            repainting.insert(watched);
+            QMetaObject::invokeMethod(
+                qApp,
+                [watched, view = QPointer(this)] {
+                    repainting.remove(watched);
+                    if (view)
+                        view->repaint();
+                },
+                Qt::QueuedConnection);
+        }
+    }
     return QWidget::eventFilter(watched, event);
 }
 

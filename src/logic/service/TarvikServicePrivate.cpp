@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "logic/service/TarvikServicePrivate.h"
 
+#include "logic/support/PacedCalls.h"
+
 #include <utility>
 
 TarvikService::TarvikServicePrivate::TarvikServicePrivate(TarvikService& service,
@@ -23,8 +25,13 @@ TarvikService::TarvikServicePrivate::TarvikServicePrivate(TarvikService& service
 
     connect(&opening, &Opening::folderChangedSignal, &service, &S::_scanImageContainterSlot);
     const ImageLoader* loader = &opening.loader();
-    connect(loader, &ImageLoader::newImage, &service, &S::_newImageSlot);
-    connect(loader, &ImageLoader::loadError, &service, &S::imageLoadErrorSignal);
+    PacedCalls& paced = PacedCalls::ofThisProcess();
+    connect(loader, &ImageLoader::newImage, &service,
+            [&] { paced.call(&service, [&service] { service._newImageSlot(); }); });
+    // In order with the images.
+    connect(loader, &ImageLoader::loadError, &service, [&](const QString& message) {
+        paced.call(&service, [&service, message] { emit service.imageLoadErrorSignal(message); });
+    });
     connect(loader, &ImageLoader::waitingSignal, &service, &S::waitingSignal);
     connect(loader, &ImageLoader::notice, &service, &S::noticeSignal);
     connect(loader, &ImageLoader::readAheadSignal, &service, &S::readAheadSignal);

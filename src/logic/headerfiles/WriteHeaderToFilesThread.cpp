@@ -4,13 +4,11 @@
 // Finds the files of a batch and goes through them.
 #include "logic/headerfiles/WriteHeaderToFilesThread.h"
 
-#include "logic/support/Console.h"
-
 #include <QMutexLocker>
 
 #include <algorithm>
+#include <exception>
 #include <memory>
-#include <stdexcept>
 
 #include <dirent.h>
 #include <sys/stat.h>
@@ -64,14 +62,14 @@ bool WriteHeaderToFilesThread::_find(const Files& files, int index, Range& range
     // A series has no more numbers than its folder has entries.
     const long long entries = files.count();
     range.highest = index + entries - 1;
-    while (!_abort && range.highest >= 1 && !files.exists(range.highest))
+    while (!aborted() && range.highest >= 1 && !files.exists(range.highest))
         --range.highest;
-    if (_abort || range.highest < 1)
+    if (aborted() || range.highest < 1)
         return false;
     range.lowest = std::max<long long>(index - entries, 0);
-    while (!_abort && range.lowest < range.highest && !files.exists(range.lowest))
+    while (!aborted() && range.lowest < range.highest && !files.exists(range.lowest))
         ++range.lowest;
-    return !_abort;
+    return !aborted();
 }
 
 void WriteHeaderToFilesThread::run()
@@ -82,12 +80,28 @@ void WriteHeaderToFilesThread::run()
     const int index = _index;
     lock.unlock();
 
+    HeaderBatch batch(mode(), journalFolder());
     Range range = {};
-    if (!_find(files, index, range))
-        return;
+    if (_find(files, index, range)) {
+        try {
+            batch.lock(files.directory);
+            _walk(files, range, writer, index, batch);
+        } catch (const std::exception& error) {
+            print(error);
+            HeaderReport report;
+            report.failed(error.what());
+            return setReport(report);
+        }
+    }
+    setReport(batch.report());
+}
+
+void WriteHeaderToFilesThread::_walk(const Files& files, const Range& range, CbfHeaderWriter writer,
+                                     int index, HeaderBatch& batch)
+{
     const int total = static_cast<int>(range.highest - range.lowest + 1);
     emit progress(0, total);
-    for (int i = 0; i < total && !_abort; ++i) {
+    for (int i = 0; i < total && !aborted(); ++i) {
         const long long number = range.lowest + i;
         Header header = writer.header();
         // The writer keeps the header, so each angle builds on the one of the file before.
@@ -98,9 +112,9 @@ void WriteHeaderToFilesThread::run()
             writer.setNeXuS(header);
         }
         try {
-            writer.write(files.name(number));
+            batch.write(files.name(number), writer);
         } catch (const std::exception& error) {
-            console::warn("Error: " + files.name(number) + ": " + error.what() + '\n');
+            print(error);
         }
         emit progress(i + 1, total);
     }

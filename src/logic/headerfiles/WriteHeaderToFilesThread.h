@@ -4,19 +4,15 @@
 // Writes edited header values into all files of a series.
 #pragma once
 
-#include "logic/headerfiles/CbfHeaderWriter.h"
+#include "logic/headerfiles/HeaderFilesThread.h"
 
 #include <QMutex>
-#include <QThread>
 
-#include <atomic>
 #include <string>
 
-/// One batch over a numbered CBF series. Set it up, start() it, and follow progress(). A file that
-/// fails is reported on standard error, and the batch goes on with the next one. Files that were
-/// rewritten before an abort stay so. Thread: setters any, even while it runs, since the batch
-/// works on copies.
-class WriteHeaderToFilesThread : public QThread {
+/// One batch over a numbered CBF series. Set it up, start() it, and follow progress(). Thread:
+/// setNeXuS() and setImageSeries() any, even while it runs, since the batch works on copies.
+class WriteHeaderToFilesThread : public HeaderFilesThread {
     Q_OBJECT
 public:
     using Header = CbfHeaderWriter::Header;
@@ -29,12 +25,6 @@ public:
     /// many digits.
     void setImageSeries(const std::string& directory, const std::string& prefix,
                         const std::string& suffix, unsigned long digits);
-    /// Ends the batch after the file that is being written.
-    void abort() { _abort = true; }
-
-signals:
-    /// Number of finished files and of all files; at first 0.
-    void progress(int done, int total);
 
 protected:
     void run() override;
@@ -60,9 +50,12 @@ private:
     /// @returns false if there is no file, and after an abort
     bool _find(const Files& files, int index, Range& range) const;
 
+    /// Writes the files of a range. @param writer  with the values for the image of this number
+    void _walk(const Files& files, const Range& range, CbfHeaderWriter writer, int index,
+               HeaderBatch& batch);
+
     QMutex _mutex;
     CbfHeaderWriter _writer;
     Files _files;
     int _index = 0;
-    std::atomic<bool> _abort = false;
 };

@@ -4,6 +4,7 @@
 // Reads the command line. Pure: looks at no file.
 #include "bin/image/Arguments.h"
 
+#include "bin/image/HeaderField.h"
 #include "bin/image/NumberWord.h"
 #include "bin/image/RegionWord.h"
 #include "logic/geometry/RingAdvice.h"
@@ -70,6 +71,19 @@ ContrastRange toContrast(const std::string& text)
     return range;
 }
 
+std::pair<std::string, float> toValue(const std::string& text)
+{
+    const std::size_t equals = text.find('=');
+    const std::string name = text.substr(0, equals);
+    if (equals == std::string::npos || !HeaderField::find(name))
+        throw UsageError("--set needs NAME=VALUE, with a NAME of " + HeaderField::names() + ": " +
+                         text);
+    const auto value = toNumber<float>(text.substr(equals + 1), "The value of " + name);
+    if (!std::isfinite(value))
+        throw UsageError("The value of " + name + " is not finite: " + text);
+    return {name, value};
+}
+
 void setRegion(Arguments& arguments, StatisticsData::RoiType type, const std::string& option,
                const std::string& text)
 {
@@ -103,6 +117,12 @@ const std::vector<Option>& options()
          [](A& a, Text) { a.json = true; }},
         {"--raw-header", {Command::Info}, false, [](A& a, Text) { a.rawHeader = true; }},
         {"--datasets", {Command::Info}, false, [](A& a, Text) { a.datasets = true; }},
+        {"--set",
+         {Command::Header},
+         true,
+         [](A& a, Text value) { a.values.push_back(toValue(value)); }},
+        {"--dry-run", {Command::Header}, false, [](A& a, Text) { a.dryRun = true; }},
+        {"--undo", {Command::Header}, false, [](A& a, Text) { a.undo = true; }},
         {"--pixel",
          {Command::Info},
          true,
@@ -200,6 +220,8 @@ Command toCommand(const std::string& word)
 {
     if (word == "info")
         return Command::Info;
+    if (word == "header")
+        return Command::Header;
     if (word == "stats")
         return Command::Stats;
     if (word == "peaks")
@@ -240,9 +262,29 @@ Arguments::Format toFormat(const std::string& path, Command command)
     throw UsageError("convert writes .cbf, .tif, .tiff or .h5 files, not " + path);
 }
 
+void checkHeader(const Arguments& arguments)
+{
+    const auto isSet = [&](const char* name) {
+        return std::any_of(arguments.values.begin(), arguments.values.end(),
+                           [&](const auto& value) { return value.first == name; });
+    };
+    if (arguments.undo && !arguments.values.empty())
+        throw UsageError("--undo and --set exclude each other");
+    if (arguments.dryRun && !arguments.undo && arguments.values.empty())
+        throw UsageError("--dry-run goes with --set or --undo");
+    if (isSet("beam_center_x") != isSet("beam_center_y"))
+        throw UsageError("beam_center_x and beam_center_y are one line and are set together");
+}
+
 void takeFiles(const std::vector<std::string>& words, const std::string& commandName,
                Arguments& arguments)
 {
+    if (arguments.command == Command::Header) {
+        if (words.empty() != arguments.undo)
+            throw UsageError(arguments.undo ? "--undo takes no files" : "header needs a file");
+        arguments.files = words;
+        return;
+    }
     const bool converts =
         arguments.command == Command::Convert || arguments.command == Command::Render;
     const bool counts = arguments.command == Command::Peaks;
@@ -283,6 +325,7 @@ Arguments Arguments::parse(const std::vector<std::string>& words)
     takeFiles(readOptions(words, arguments), words[0], arguments);
     if (arguments.command == Command::Roi && !arguments.region.defined)
         throw UsageError("roi needs --line, --box, --circle or --powder");
+    checkHeader(arguments);
     if (arguments.all && arguments.frame)
         throw UsageError("--all and --frame exclude each other");
     if (arguments.datasets && (arguments.frame || arguments.rawHeader || !arguments.pixels.empty()))
@@ -294,6 +337,8 @@ std::string Arguments::usage()
 {
     return R"(Usage: tarvik-image info [--json] [--frame N] [--raw-header] [--pixel X,Y]... FILE
        tarvik-image info --datasets [--json] FILE
+       tarvik-image header [--set NAME=VALUE]... [--dry-run] FILE...
+       tarvik-image header --undo [--dry-run]
        tarvik-image stats [--json] [--frame N] [--count-at V]... FILE
        tarvik-image peaks [--json] [--frame N] COUNT FILE
        tarvik-image roi [--json] [--frame N] REGION FILE
@@ -314,6 +359,12 @@ info      tells format, series, size, statistics and header of an image
   --pixel X,Y   with the value of a pixel; may be given several times
   --datasets    tells all data sets of an HDF5 file that can be shown instead; * marks the one
                 that FILE alone shows
+header    prints the header of each FILE
+  --set NAME=VALUE  writes a value into the headers of the FILEs, which must be CBF files; may be
+                given several times. NAME is rotation_angle, rotation_angle_step, beam_center_x and
+                beam_center_y together, wavelength, detector_distance or filter_transmission
+  --undo        puts the lines back that the last write replaced, of this command or of the viewer
+  --dry-run     shows what --set or --undo would change, and changes nothing
 stats     tells the numbers of the pixels that the mask does not exclude
   --count-at V  with the number of pixels of value at most V; may be given several times
 peaks     lists the strongest local maxima, at most COUNT and 1000: x, y, value

@@ -29,6 +29,7 @@ struct Arguments {
         Help,
         Version,
         Info,
+        Header,
         Stats,
         Peaks,
         Roi,
@@ -42,10 +43,11 @@ struct Arguments {
 
     Command command = Command::Help;
     std::string file;
-    std::string output;           // convert, render
-    Format format = Format::Cbf;  // of the output, by its extension
-    std::optional<int> frame;     // number in the series; the one named by the file if absent
-    bool json = false;            // info, stats, peaks, roi, geometry, thumbnail
+    std::vector<std::string> files;  // header
+    std::string output;              // convert, render
+    Format format = Format::Cbf;     // of the output, by its extension
+    std::optional<int> frame;        // number in the series; the one named by the file if absent
+    bool json = false;               // info, stats, peaks, roi, geometry, thumbnail
     // info
     bool rawHeader = false;
     bool datasets = false;
@@ -53,6 +55,10 @@ struct Arguments {
     std::vector<double> countAt;              // stats: values up to which pixels are counted
     int count = 0;                            // peaks
     StatisticsData region;                    // roi
+    // header
+    std::vector<std::pair<std::string, float>> values;  // field, value
+    bool dryRun = false;
+    bool undo = false;
     // geometry
     std::vector<std::pair<int, int>> places;  // x, y
     int rings = 0;

@@ -68,7 +68,29 @@ std::string_view unitOf(std::string_view field)
 
 std::string typeName(const MImage& image) { return morvend::datatypes::typeStr(image.type()); }
 
+void writeLine(std::ostream& out, std::string_view name, const std::string& value)
+{
+    out << std::left << std::setw(22) << name << value << '\n';
+}
+
+void writeValues(const MImage& image, std::ostream& out)
+{
+    forEachValue(image, [&](const std::string& name, const auto& value) {
+        const std::string_view unit = unitOf(name);
+        writeLine(out, name, textOf(value) + (unit.empty() ? "" : " " + std::string(unit)));
+    });
+}
+
 }  // namespace
+
+void Info::writeHeader(const MImage& image, std::ostream& out)
+{
+    if (!image.optionalData().rawHeader())
+        return writeValues(image, out);
+    std::string text = *image.optionalData().rawHeader();
+    std::erase(text, '\r');
+    out << printable(std::move(text)) << '\n';
+}
 
 Info::Info(Arguments arguments)
     : _arguments(std::move(arguments))
@@ -88,7 +110,7 @@ void Info::writeText(std::ostream& out) const
     const MImage& image = std::as_const(_chosen.image);
     const ImageSummary summary = ImageSummary::of(image);
     const auto line = [&out](std::string_view name, const std::string& value) {
-        out << std::left << std::setw(22) << name << value << '\n';
+        writeLine(out, name, value);
     };
     line("File", _chosen.series.pathToImage(_chosen.number));
     line("Format", _chosen.series.formatName());
@@ -105,10 +127,7 @@ void Info::writeText(std::ostream& out) const
     for (const auto& [x, y] : _arguments.pixels)
         line("Pixel " + std::to_string(x) + "," + std::to_string(y),
              pixelValue(image, x, y).text());
-    forEachValue(image, [&](const std::string& name, const auto& value) {
-        const std::string_view unit = unitOf(name);
-        line(name, textOf(value) + (unit.empty() ? "" : " " + std::string(unit)));
-    });
+    writeValues(image, out);
     if (const auto& raw = image.optionalData().rawHeader(); raw && _arguments.rawHeader)
         out << '\n' << printable(*raw) << '\n';
 }

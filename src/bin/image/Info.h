@@ -19,6 +19,8 @@ public:
     void writeText(std::ostream& out) const;
     /// One JSON object on one line.
     void writeJson(std::ostream& out) const;
+    /// The header text of a file, or a line for each header value if its format has no such text.
+    static void writeHeader(const morvend::imglib::MImage& image, std::ostream& out);
 
 private:
     Arguments _arguments;

@@ -8,6 +8,7 @@
 #include "bin/image/CrashGuard.h"
 #include "bin/image/DatasetReport.h"
 #include "bin/image/GeometryReport.h"
+#include "bin/image/Header.h"
 #include "bin/image/Info.h"
 #include "bin/image/Play.h"
 #include "bin/image/Render.h"
@@ -35,8 +36,10 @@ int fail(std::string reason)
     return Failed;
 }
 
-void run(const Arguments& arguments)
+/// @returns the exit code
+int run(const Arguments& arguments)
 {
+    int code = Done;
     switch (arguments.command) {
     case Arguments::Command::Help:
         std::cout << Arguments::usage();
@@ -56,6 +59,10 @@ void run(const Arguments& arguments)
             info.writeText(std::cout);
         break;
     }
+    case Arguments::Command::Header:
+        for (const std::string& reason : tarvik::tool::Header(arguments).run(std::cout))
+            code = fail(reason);
+        break;
     case Arguments::Command::Stats:
     case Arguments::Command::Peaks:
     case Arguments::Command::Roi:
@@ -84,6 +91,7 @@ void run(const Arguments& arguments)
     }
     if (!std::cout.flush())
         throw morvend::MRuntimeException("Cannot write to standard output");
+    return code;
 }
 
 int runCommand(const std::vector<std::string>& words)
@@ -92,8 +100,7 @@ int runCommand(const std::vector<std::string>& words)
     try {
         const Arguments arguments = Arguments::parse(words);
         file = arguments.file;
-        run(arguments);
-        return Done;
+        return run(arguments);
     } catch (const tarvik::tool::UsageError& error) {
         std::cerr << Arguments::usage() << '\n';  // first, so that the reason stays in sight
         fail(error.what());

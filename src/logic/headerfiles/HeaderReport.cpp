@@ -34,9 +34,9 @@ std::string differenceText(const HeaderChange& change, const std::string& indent
 {
     std::string text;
     if (!change.before.empty())
-        text += indent + "- " + printable(change.before) + '\n';
+        text += indent + '-' + printable(change.before) + '\n';
     if (!change.after.empty())
-        text += indent + "+ " + printable(change.after) + '\n';
+        text += indent + '+' + printable(change.after) + '\n';
     return text;
 }
 
@@ -93,9 +93,16 @@ std::string HeaderReport::text(const std::string& did) const
     }
     if (_unchanged > 0)
         text += filesText(_unchanged) + " already " + (_unchanged == 1 ? "is" : "are") + " so\n";
-    for (const Failure& failure : _failures)
-        text += filesText(failure.files) +
-                (failure.files == 1 ? " stays as it is" : " stay as they are") +
-                (failure.files == 1 ? ": " : ", the first because of: ") + failure.first + '\n';
     return text;
+}
+
+std::vector<std::string> HeaderReport::failures() const
+{
+    std::vector<std::string> lines;
+    for (const Failure& failure : _failures)
+        lines.push_back(failure.files == 1
+                            ? failure.first
+                            : filesText(failure.files) +
+                                  " stay as they are, the first because of: " + failure.first);
+    return lines;
 }

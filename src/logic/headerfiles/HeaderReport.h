@@ -24,6 +24,8 @@ public:
     /// then what stays as it is, and why.
     /// @param did  what happens to the files, as in "changed" or "would change"
     std::string text(const std::string& did) const;
+    /// Sentences about what stays as it is, and why; one for all files of the same reason.
+    std::vector<std::string> failures() const;
 
 private:
     /// Changes of one kind of line.
@@ -51,5 +53,5 @@ private:
     std::vector<Failure> _failures;
 };
 
-/// A change as lines that begin with "-" and "+", with this indent.
+/// A change as lines of a diff, which begin with "-" and "+", with this indent.
 std::string differenceText(const HeaderChange& change, const std::string& indent);

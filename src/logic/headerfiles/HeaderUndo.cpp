@@ -24,7 +24,7 @@ HeaderUndo::~HeaderUndo()
 HeaderChanges HeaderUndo::putBack(std::size_t i)
 {
     // A file that was written twice must first get back what the second write replaced.
-    const JournalEntry& entry = _last->entries().at(count() - 1 - i);
+    const JournalEntry& entry = _entry(i);
     try {
         HeaderChanges changes = _putBack(entry);
         if (changes.empty())

@@ -27,14 +27,17 @@ public:
 
     std::size_t count() const { return _last->entries().size(); }
     const LastWrite& last() const { return *_last; }
+    /// Of the file that putBack(i) is about.
+    const std::string& path(std::size_t i) const { return _entry(i).path; }
 
-    /// Puts a file back. @param i  counts from 0 to count() - 1
+    /// Puts a file back. @param i  counts from 0 to count() - 1, from the last file to the first
     /// @throws HeaderFileError, when the file stays as it is
     HeaderChanges putBack(std::size_t i);
 
     const HeaderReport& report() const { return _report; }
 
 private:
+    const JournalEntry& _entry(std::size_t i) const { return _last->entries().at(count() - 1 - i); }
     HeaderChanges _putBack(const JournalEntry& entry);
 
     const HeaderBatch::Mode _mode;

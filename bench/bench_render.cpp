@@ -1,15 +1,16 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Times of a view of 1200 x 800 pixels, by shaders and by the processor: a pan, a contrast step, a
-// new image, each until its picture is drawn; and of the way of an image to the graphics card
-// alone; and of the overlays during a pan. Where no display has graphics hardware this measures the
-// software renderer. Needs a display with OpenGL: xvfb-run -a -s "-screen 0 1600x1200x24"
-// bench_render.
+// Times of a view of 1200 x 800 pixels, by shaders and by the processor: a pan, below 1:1 also of
+// the largest of the covered pixels, a contrast step, a new image, each until its picture is drawn;
+// and of the way of an image to the graphics card alone; and of the overlays during a pan. Where no
+// display has graphics hardware this measures the software renderer. Needs a display with OpenGL:
+// xvfb-run -a -s "-screen 0 1600x1200x24" bench_render.
 #include "bench/Peer.h"
 #include "gui/kit/Look.h"
 #include "gui/render/ImageTextures.h"
 #include "gui/render/OpenGlSupport.h"
+#include "imagelib/display/BlockMaxima.h"
 #include "imagelib/display/MColorTable.h"
 #include "tests/gui/render/DrawnImage.h"
 #include "tests/gui/render/MouseEvents.h"
@@ -77,6 +78,11 @@ bool hasShaders(benchmark::State& state)
     return false;
 }
 
+double milliseconds(std::chrono::steady_clock::duration time)
+{
+    return std::chrono::duration<double, std::milli>(time).count();
+}
+
 /// A view at zoom 1/4 to 1 over an image; arguments: shaders, size, zoom power.
 struct Scene {
     explicit Scene(const benchmark::State& state)
@@ -115,6 +121,49 @@ void pan(benchmark::State& state)
         scene.move(++step);
         scene.finish();
     }
+}
+
+/// The same of the largest of the covered pixels.
+void panLargest(benchmark::State& state)
+{
+    if (state.range(0) != 0 && !hasShaders(state))
+        return;
+    Scene scene(state);
+    scene.view.service->setMinification(Minification::Largest);
+    while (!scene.view.service->blockMaxima())
+        QCoreApplication::processEvents();
+    scene.zoomPower = static_cast<int>(state.range(2));
+    int step = 0;
+    scene.move(++step);
+    scene.finish();
+    for (auto _ : state) {
+        scene.move(++step);
+        scene.finish();
+    }
+}
+
+/// The making of its reduced images against one copy of the image; argument: with a mask.
+void maxima(benchmark::State& state)
+{
+    using Clock = std::chrono::steady_clock;
+    const MImage image = frame<int>(sizes[1], 1);
+    const MImage mask(image, 0U);
+    MImage copy(image, 0);
+    void* to = copy.data();
+    std::vector<double> copies, times;
+    for (auto _ : state) {
+        const auto start = Clock::now();
+        std::memcpy(to, image.cdata(), image.dataSize());
+        const auto copied = Clock::now();
+        benchmark::DoNotOptimize(
+            morvend::imglib::BlockMaxima::of(image, state.range(0) != 0 ? &mask : nullptr));
+        const auto made = Clock::now();
+        copies.push_back(milliseconds(copied - start));
+        times.push_back(milliseconds(made - copied));
+        state.SetIterationTime(times.back() / 1e3);
+    }
+    state.counters["copy_ms"] = median(copies);
+    state.counters["copies"] = median(times) / median(copies);
 }
 
 void contrastStep(benchmark::State& state)
@@ -236,11 +285,6 @@ void newImage(benchmark::State& state)
         show(i++);
 }
 
-double milliseconds(std::chrono::steady_clock::duration time)
-{
-    return std::chrono::duration<double, std::milli>(time).count();
-}
-
 /// Conversion and upload of one image after the other, until the card has them, against plain
 /// copies of the same images between the uploads; arguments: size, and whether each is the first of
 /// its view, with a mask and textures to be made, or one of a series.
@@ -300,6 +344,16 @@ void arguments(benchmark::internal::Benchmark* bench)
 }
 
 BENCHMARK(pan)->Apply(arguments);
+void reduced(benchmark::internal::Benchmark* bench)
+{
+    bench->ArgNames({"glsl", "size", "zoom"})->Unit(benchmark::kMillisecond);
+    bench->MeasureProcessCPUTime()->UseRealTime();
+    for (const int glsl : {1, 0})
+        bench->Args({glsl, 1, -1})->Args({glsl, 1, -2});
+}
+BENCHMARK(pan)->Apply(reduced);
+BENCHMARK(panLargest)->Apply(reduced);
+BENCHMARK(maxima)->ArgName("mask")->Arg(1)->Arg(0)->Unit(benchmark::kMillisecond)->UseManualTime();
 BENCHMARK(contrastStep)->Apply(arguments);
 void bothWays(benchmark::internal::Benchmark* bench)
 {

@@ -105,7 +105,7 @@ ARROWS = {
 # toolbox: any of its headers may be included from above. Rooms whose names begin with "hdf5" share
 # one page and one target, and are open to each other.
 DOORS = {
-    "display": "MDrawingList MColorTable MContrast MColorMap MRect ColorMapper DisplayValue TransferLevels AxisScale",
+    "display": "MDrawingList MColorTable MContrast MColorMap MRect ColorMapper DisplayValue TransferLevels AxisScale BlockMaxima",
     "ipc": "MMessageQueue MessageChannel SegmentPool MTimer",
     "cbf": "CbfReader CbfWriter",
     "tiff": "TiffReader TiffWriter",

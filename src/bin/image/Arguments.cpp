@@ -172,6 +172,7 @@ const std::vector<Option>& options()
          true,
          [](A& a, Text value) { a.contrast = toContrast(value); }},
         {"--scale", {Command::Render}, true, [](A& a, Text value) { a.scale = toScale(value); }},
+        {"--largest", {Command::Render}, false, [](A& a, Text) { a.largest = true; }},
     };
     return all;
 }
@@ -347,7 +348,7 @@ std::string Arguments::usage()
        tarvik-image play [--frames N] [--no-preloader] FILE
        tarvik-image convert [--frame N | --all] FILE OUT.cbf|.tif|.tiff|.h5
        tarvik-image render [--frame N] [--table NAME] [--background B] [--foreground F]
-                           [--contrast RANGE] [--scale K] FILE OUT.png
+                           [--contrast RANGE] [--scale K] [--largest] FILE OUT.png
        tarvik-image --help | --version
 
 FILE is a CBF, TIFF, EDF or HDF5 image; with it comes the whole series it belongs to.
@@ -396,6 +397,7 @@ render    makes a PNG picture as the viewer shows it
                 computes these two otherwise: LOW%:HIGH%, such as 0.1%:99.9%, spans this part of
                 the pixels, sigma three sigma around the mean
   --scale K     2, 3, ... enlarges; 0.5, 0.25, ... takes every second, fourth, ... pixel
+  --largest     takes the largest good pixel of each such block instead
 
 --frame N       the image of that number; without it the one that FILE names
 

@@ -73,6 +73,7 @@ struct Arguments {
     std::optional<double> foreground;
     std::optional<ContrastRange> contrast;
     Scale scale;
+    bool largest = false;
 
     /// Reads the words after the program's name. Options may be anywhere after the command, as
     /// "--name value" or "--name=value"; "--" ends them.

@@ -7,6 +7,7 @@
 #include "bin/image/ChosenImage.h"
 #include "bin/image/ImageNumber.h"
 #include "bin/image/SourceGuard.h"
+#include "imagelib/display/BlockMaxima.h"
 #include "imagelib/display/MColorMap.h"
 #include "imagelib/display/MColorTable.h"
 #include "imagelib/display/MContrast.h"
@@ -17,6 +18,7 @@
 #include <QBuffer>
 #include <QImage>
 
+#include <algorithm>
 #include <limits>
 #include <utility>
 
@@ -81,10 +83,15 @@ Picture scaled(const MImage& colours, const Scale& scale)
     Picture picture{static_cast<int>(width), static_cast<int>(height), {}};
     picture.pixels.reserve(static_cast<std::size_t>(width * height));
     const auto* source = colours.pixels<unsigned int>();
+    // As in a view: the pixel under the centre, of four the second one.
+    const auto place = [&scale](std::int64_t pixel, int size) {
+        const int before = scale.down > 1 ? scale.down / 2 - 1 : 0;
+        return std::min<std::int64_t>(pixel * scale.down / scale.up + before, size - 1);
+    };
     for (std::int64_t y = 0; y < height; ++y) {
-        const auto* row = source + (y * scale.down / scale.up) * colours.width();
+        const auto* row = source + place(y, colours.height()) * colours.width();
         for (std::int64_t x = 0; x < width; ++x)
-            picture.pixels.push_back(row[x * scale.down / scale.up]);
+            picture.pixels.push_back(row[place(x, colours.width())]);
     }
     return picture;
 }
@@ -99,12 +106,21 @@ Picture Render::paint(const MImage& image, const Arguments& arguments)
     const MImage ownMask = maskOrGaps(image);
     const MImage* mask = ownMask.empty() ? nullptr : &ownMask;
     const Levels levels = levelsOf(image, mask, arguments);
+    Scale scale = arguments.scale;
+    MImage shown = image;
+    MImage shownMask;
+    if (arguments.largest && scale.down > 1) {
+        shown = blockMaxima(image, mask, scale.down);
+        shownMask = *std::as_const(shown).optionalData().pixel_mask();
+        mask = &shownMask;
+        scale.down = 1;
+    }
     MImage colours;
-    MColorMap::rgb(colours, image, levels.foreground, levels.background,
+    MColorMap::rgb(colours, shown, levels.foreground, levels.background,
                    levels.foreground * LogarithmicRange, table, "ARGB", mask, nullptr,
                    header.saturation_value().value_or(std::numeric_limits<int>::max()), true,
                    header.saturation_value().has_value());
-    return scaled(colours, arguments.scale);
+    return scaled(colours, scale);
 }
 
 void Render::run(const Arguments& arguments)

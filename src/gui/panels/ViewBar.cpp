@@ -74,6 +74,18 @@ void ViewBar::_createBoxes()
     rings->setEnabled(_service->resolutionDefined());
     connect(_service, &TarvikService::resolutionDefinedSignal, rings, &QWidget::setEnabled);
 
+    QCheckBox* const largest = _addBox(QStringLiteral("Keep Spots When Zoomed Out"));
+    largest->setToolTip(QStringLiteral(
+        "Below 1:1 the largest of the pixels that one of the screen covers, not the nearest"));
+    largest->setChecked(_service->minification() == Minification::Largest);
+    connect(largest, &QCheckBox::toggled, _service, [service = _service](bool on) {
+        service->setMinification(on ? Minification::Largest : Minification::Nearest);
+    });
+    connect(_service, &TarvikService::minificationSignal, largest,
+            [show = silently(largest)](Minification minification) {
+                show(minification == Minification::Largest);
+            });
+
     using Setter = void (TarvikService::*)(bool);
     const auto join = [this](QCheckBox* box, bool on, Setter set, Setter signal) {
         box->setChecked(on);

@@ -48,6 +48,7 @@ ImageDrawer::ImageDrawer(TarvikService* service, bool useGlsl, QWidget* parent,
     connect(service, &TarvikService::resolutionRingsSignal, this,
             &ImageDrawer::_resolutionRingsSlot);
     connect(service, &TarvikService::defectiveSignal, this, &ImageDrawer::_defectiveSlot);
+    connect(service, &TarvikService::blockMaximaSignal, this, &ImageDrawer::_maximaSlot);
     connect(service, &TarvikService::saturatedSignal, this, &ImageDrawer::_saturatedSlot);
 }
 
@@ -188,7 +189,7 @@ void ImageDrawer::newImageSlot()
         return _restPixels();
     _image = render::DisplayImage(baseImage());
     _cpuColouring.invalidate();
-    _sampledColouring.forget();
+    _takeMaxima();
     if (_useGlsl)
         _uploadImage();
     setContrastSlot(_service->contrastData());
@@ -216,11 +217,35 @@ void ImageDrawer::_sample(double devicePixelRatio)
     const ViewportData viewport = effectiveViewportData();
     if (_sampledColouring.holds(viewport, size(), devicePixelRatio))
         return;
-    if (!_image.hasPixels())
+    const render::ReducedImage reduced = _reduced(devicePixelRatio);
+    if (!reduced.image && !_image.hasPixels())
         _image = render::DisplayImage(baseImage());
-    _sampledColouring.take(_image, viewport, size(), devicePixelRatio);
-    _image.letPixelsGo();
+    _sampledColouring.take(reduced.image ? *reduced.image : _image, viewport, size(),
+                           devicePixelRatio, reduced.side);
+    if (_samples())
+        _image.letPixelsGo();
     _restPixels();
+}
+
+render::ReducedImage ImageDrawer::_reduced(double devicePixelRatio) const
+{
+    return _reducedImages.forScale(effectiveViewportData().zoom() * devicePixelRatio);
+}
+
+void ImageDrawer::_takeMaxima()
+{
+    _reducedImages = render::ReducedImages(baseMaxima());
+    _sampledColouring.forget();
+}
+
+void ImageDrawer::_maximaSlot()
+{
+    _takeMaxima();
+    if (_scene && !baseMaxima()) {
+        _makeCurrent();
+        _scene->releaseReduced();
+    }
+    update();
 }
 
 void ImageDrawer::_drawSample(QPainter& painter)
@@ -234,7 +259,9 @@ void ImageDrawer::_uploadImage()
     _makeCurrent();
     QElapsedTimer clock;
     clock.start();
-    _onCard = _scene->textures().uploadImage(_image, std::min(_maxTextureSize, _textureLimit));
+    const int limit = std::min(_maxTextureSize, _textureLimit);
+    _scene->setTextureLimit(limit);
+    _onCard = _scene->textures().uploadImage(_image, limit);
     console::printTime("TIME UPLOADING IMAGE AND MASK TO GPU:", clock.elapsed());
     if (!_onCard && !_image.empty())
         console::warn("WARNING: The graphics card can't hold an image of " +
@@ -487,7 +514,8 @@ void ImageDrawer::_renderScene(QPainter& painter)
     }
     if (!_service->imageLoaded() || _image.empty())
         return;
-    if (_samples())
+    const bool reduced = _reduced(painter.device()->devicePixelRatioF()).image != nullptr;
+    if (_samples() || (!usesGlsl() && reduced))
         _drawSample(painter);
     else if (!usesGlsl())
         _cpuColouring.draw(painter, _image, _colouring(), effectiveViewportData(), size());
@@ -506,5 +534,6 @@ void ImageDrawer::_renderNative(double devicePixelRatio)
                     static_cast<float>(_backgroundColor.blueF()), 1.0F);
     gl.glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     if (usesGlsl() && _scene->textures().hasImage() && _scene->textures().hasTables())
-        _scene->draw(_image, _plottingMode, viewGeometry(), devicePixelRatio);
+        _scene->draw(_image, _reduced(devicePixelRatio), _plottingMode, viewGeometry(),
+                     devicePixelRatio);
 }

@@ -6,6 +6,7 @@
 
 #include "gui/render/CpuColouring.h"
 #include "gui/render/DisplayImage.h"
+#include "gui/render/ReducedImages.h"
 #include "gui/render/SampledColouring.h"
 #include "gui/render/Surfaces.h"
 #include "gui/render/geometry/ViewGeometry.h"
@@ -134,6 +135,8 @@ protected:
     virtual MImage baseImage() const = 0;
     /// Its size, without a look at the pixels.
     virtual QSize baseSize() const { return {baseImage().width(), baseImage().height()}; }
+    /// Its largest pixels, which stand for it below 1:1; null for none.
+    virtual std::shared_ptr<const morvend::imglib::BlockMaxima> baseMaxima() const { return {}; }
     virtual ViewportData defaultViewport() const = 0;
     /// The viewport to adopt if one is wanted.
     virtual ViewportData correctViewport(const ViewportData& wanted,
@@ -180,6 +183,7 @@ protected:
 private slots:
     void _changedHeaderSlot();
     void _resolutionRingsSlot(bool show);
+    void _maximaSlot();
     void _defectiveSlot(bool highlight);
     void _saturatedSlot(bool highlight);
 
@@ -194,6 +198,9 @@ private:
     /// Colours the processor what shaders would?
     bool _samples() const;
     void _restPixels();
+    /// What is shown at this number of screen pixels for each of the widget's.
+    render::ReducedImage _reduced(double devicePixelRatio) const;
+    void _takeMaxima();
     void _drawSample(QPainter& painter);
     void _sample(double devicePixelRatio);
     // Called by the canvas, with its context current.
@@ -212,6 +219,7 @@ private:
     bool _inUse = false;
     bool _resizing = false;
     render::DisplayImage _image;
+    render::ReducedImages _reducedImages;
     render::CpuColouring _cpuColouring;
     render::SampledColouring _sampledColouring;
     ViewportData _viewportData;

@@ -70,6 +70,11 @@ std::optional<CursorInfo> ImageDrawerMain::infoAtCursor() const
 
 ImageDrawer::MImage ImageDrawerMain::baseImage() const { return service().image(); }
 
+std::shared_ptr<const morvend::imglib::BlockMaxima> ImageDrawerMain::baseMaxima() const
+{
+    return service().blockMaxima();
+}
+
 QSize ImageDrawerMain::baseSize() const { return service().imageSize(); }
 
 ViewportData ImageDrawerMain::defaultViewport() const

@@ -60,6 +60,7 @@ public slots:
     void updatePaintListSlot();
 
 protected:
+    std::shared_ptr<const morvend::imglib::BlockMaxima> baseMaxima() const override;
     MImage baseImage() const override;
     QSize baseSize() const override;
     ViewportData effectiveViewportData() const override { return viewport(); }

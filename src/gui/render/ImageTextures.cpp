@@ -158,10 +158,20 @@ void ImageTextures::uploadTables(const MColorTable& table)
 
 void ImageTextures::bind(std::size_t tile) const
 {
+    bindTables();
+    bindPixels(tile);
+}
+
+void ImageTextures::bindTables() const
+{
     activate(LogarithmicTable);
     gl().glBindTexture(GL_TEXTURE_1D, _tables[1]);
     activate(LinearTable);
     gl().glBindTexture(GL_TEXTURE_1D, _tables[0]);
+}
+
+void ImageTextures::bindPixels(std::size_t tile) const
+{
     activate(Mask);
     gl().glBindTexture(GL_TEXTURE_2D, _mask.textures[tile]);
     activate(Image);

@@ -52,6 +52,8 @@ public:
     /// Binds one tile and the tables, each on its unit; unbind() leaves unit 0 active and nothing
     /// bound, as painters expect.
     void bind(std::size_t tile) const;
+    void bindTables() const;
+    void bindPixels(std::size_t tile) const;
     void unbind() const;
     /// Binds a small image in place of a tile, for one draw.
     void bindSample(const MImage& sample);

@@ -47,13 +47,13 @@ bool SampledColouring::holds(const ViewportData& viewport, QSize view,
 }
 
 void SampledColouring::take(const DisplayImage& image, const ViewportData& viewport, QSize view,
-                            double devicePixelRatio)
+                            double devicePixelRatio, int side)
 {
     _viewport = viewport;
     _view = view;
     _devicePixelRatio = devicePixelRatio;
     _picture = {};
-    const ScreenPixels screen(view, viewport, devicePixelRatio);
+    const ScreenPixels screen = ScreenPixels(view, viewport, devicePixelRatio).ofBlocks(side);
     _target = screen.showing(QRect(QPoint(), image.size()));
     _sample = {};
     if (_target.isEmpty())

@@ -29,8 +29,9 @@ public:
     /// Has the pixels that this viewport shows been taken?
     bool holds(const ViewportData& viewport, QSize view, double devicePixelRatio) const;
     /// Takes the pixels that a viewport shows.
+    /// @param side  of the blocks for which the image's pixels stand
     void take(const DisplayImage& image, const ViewportData& viewport, QSize view,
-              double devicePixelRatio);
+              double devicePixelRatio, int side = 1);
     /// Draws what was taken last, over the whole view.
     void draw(QPainter& painter, const Colouring& colouring);
     std::size_t colouredPixels() const { return _colouredPixels; }

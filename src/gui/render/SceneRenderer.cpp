@@ -64,35 +64,53 @@ void SceneRenderer::setColouring(PixelKind kind, PlottingMode mode, const Colour
     program.release();
 }
 
-void SceneRenderer::draw(const DisplayImage& image, PlottingMode mode, const ViewGeometry& geometry,
-                         double devicePixelRatio)
+const ImageTextures* SceneRenderer::_reducedTextures(const ReducedImage& reduced)
+{
+    Reduced& held = _reduced[reduced.side];
+    const std::uint64_t identity = reduced.image->image().identity();
+    if (held.identity != identity)
+        held.textures.uploadImage(*reduced.image, _textureLimit);
+    held.identity = identity;
+    return held.textures.hasImage() ? &held.textures : nullptr;
+}
+
+void SceneRenderer::releaseReduced() { _reduced.clear(); }
+
+void SceneRenderer::draw(const DisplayImage& image, const ReducedImage& reduced, PlottingMode mode,
+                         const ViewGeometry& geometry, double devicePixelRatio)
 {
     gl().glDisable(GL_STENCIL_TEST);
     gl().glDisable(GL_SCISSOR_TEST);
     gl().glDisable(GL_CULL_FACE);
     const ImageProgram::Use use = useOf(mode);
     ImageProgram& program = _programs.get(image.kind(), use);
+    const bool flat = use == ImageProgram::Use::FlatImage;
+    const ImageTextures* small = flat && reduced.image ? _reducedTextures(reduced) : nullptr;
     program.bind();
-    if (use == ImageProgram::Use::FlatImage)
-        _drawFlat(program, {geometry.view(), geometry.viewport(), devicePixelRatio});
+    if (flat)
+        _drawFlat(program, small ? *small : _textures,
+                  ScreenPixels(geometry.view(), geometry.viewport(), devicePixelRatio)
+                      .ofBlocks(small ? reduced.side : 1));
     else
         _drawPlot(program, image, geometry);
     _textures.unbind();
     program.release();
 }
 
-void SceneRenderer::_drawFlat(ImageProgram& program, const ScreenPixels& screen)
+void SceneRenderer::_drawFlat(ImageProgram& program, const ImageTextures& pixels,
+                              const ScreenPixels& screen)
 {
     gl().glDisable(GL_DEPTH_TEST);
     gl().glDisable(GL_BLEND);
     QMatrix4x4 screenToClip;
     screenToClip.ortho(QRect(QPoint(), screen.size()));
-    for (std::size_t i = 0; i < _textures.tiles().size(); ++i) {
-        const QRect& tile = _textures.tiles()[i];
+    _textures.bindTables();
+    for (std::size_t i = 0; i < pixels.tiles().size(); ++i) {
+        const QRect& tile = pixels.tiles()[i];
         const QRect target = screen.showing(tile);
         if (target.isEmpty())
             continue;
-        _textures.bind(i);
+        pixels.bindPixels(i);
         // The quad covers whole pixels of the screen: their centres are far from its edges, so that
         // no rounding decides which are drawn.
         QMatrix4x4 targetToClip = screenToClip;

@@ -85,6 +85,13 @@ ScreenPixels::ScreenPixels(QSize view, const ViewportData& viewport, double devi
     _startY = startOf(viewport.offsetY, _step, _divisor);
 }
 
+ScreenPixels ScreenPixels::ofBlocks(int side) const
+{
+    ScreenPixels blocks(*this);
+    blocks._divisor *= side;
+    return blocks;
+}
+
 int ScreenPixels::column(int x) const
 {
     return morvend::datatypes::convertPixel<int>(flooredQuotient(_startX + x * _step, _divisor));

@@ -28,6 +28,10 @@ public:
     /// fraction of whole numbers for which x * step stays below 2^21
     ScreenPixels(QSize view, const ViewportData& viewport, double devicePixelRatio);
 
+    /// The same for blocks of `side` times `side` image pixels, counted from the first one: each
+    /// screen pixel shows the block that its image pixel is in.
+    ScreenPixels ofBlocks(int side) const;
+
     /// In screen pixels.
     QSize size() const { return _size; }
     int column(int x) const;

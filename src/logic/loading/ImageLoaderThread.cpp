@@ -295,6 +295,9 @@ void ImageLoaderThread::_analyse()
     region.setStatisticsData(_data.statisticsData);
     _data.roiStatistics = region.computeOrWarn();
     _endStep(StepTimes::Region, "TIME FOR ADDITIONAL COMPUTATION: ");
+    if (_data.wantsMaxima)
+        _data.maxima = std::make_shared<const morvend::imglib::BlockMaxima>(
+            morvend::imglib::BlockMaxima::of(_data.image, &_data.mask));
     if (_data.pack)
         _data.packed = morvend::codec::PackedPixels::of(_data.image);
     // Hundreds of images may wait for a view that is slower than the workers.

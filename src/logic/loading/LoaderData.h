@@ -5,6 +5,7 @@
 #pragma once
 
 #include "imagelib/codec/PackedPixels.h"
+#include "imagelib/display/BlockMaxima.h"
 #include "imagelib/image/MImage.h"
 #include "logic/analysis/roi/RoiStatistics.h"
 #include "logic/analysis/statistics/ImageStatistics.h"
@@ -42,6 +43,10 @@ struct LoaderData {
     bool pack = false;
     /// Out: null where that was not wanted, or saves nothing.
     std::shared_ptr<const morvend::codec::PackedPixels> packed;
+    /// In: shall the reduced images of largest pixels be made?
+    bool wantsMaxima = false;
+    /// Out: null where they were not wanted.
+    std::shared_ptr<const morvend::imglib::BlockMaxima> maxima;
     // Copied in by the caller and carried through unchanged.
     ContrastData contrastData;
     ViewportData viewportData;

@@ -11,8 +11,8 @@ Arrival::Arrival(ShownImage& shown, HeaderEdits& edits, Records& records)
 void Arrival::show(const LoaderData& load)
 {
     const std::string oldId = _records.syncId();
-    _shown = {load.image,      load.mask, load.thumbnail, load.thumbnailMask,
-              load.statistics, load.path, load.index,     load.packed};
+    _shown = {load.image, load.mask,  load.thumbnail, load.thumbnailMask, load.statistics,
+              load.path,  load.index, load.packed,    load.maxima};
     const bool sameGroup = oldId == _records.syncId();
     _edits.newImage(_shown.image, _shown.index, sameGroup);
     _records.region().takeNumbers(load);

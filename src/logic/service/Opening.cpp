@@ -29,6 +29,7 @@ LoaderData Opening::_request() const
     request.statisticsData = _records.statistics();
     request.peakData = _records.peaks();
     request.pack = _packing;
+    request.wantsMaxima = _maxima;
     return request;
 }
 

@@ -27,6 +27,8 @@ public:
     Opening(const ShownImage& shown, const Records& records);
 
     /// Shall the pixels of images come packed?
+    /// Whether images come with their reduced images of largest pixels from now on.
+    void setMaxima(bool on) { _maxima = on; }
     void setPacking(bool packing) { _packing = packing; }
     const ImageLoader& loader() const { return _loader; }
     void openImage(const char* fileName);
@@ -65,6 +67,7 @@ private:
     const Records& _records;
     ImageLoader _loader;
     bool _packing = false;
+    bool _maxima = false;
     std::list<LoaderData> _finished;  // loads that are not visible yet
     QElapsedTimer _clock;             // restarted by every request
     std::unique_ptr<ContainerWatch> _watch;

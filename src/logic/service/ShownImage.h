@@ -5,6 +5,7 @@
 #pragma once
 
 #include "imagelib/codec/PackedPixels.h"
+#include "imagelib/display/BlockMaxima.h"
 #include "imagelib/image/MImage.h"
 #include "logic/analysis/peaks/ImagePeaks.h"
 #include "logic/analysis/statistics/ImageStatistics.h"
@@ -35,5 +36,7 @@ struct ShownImage {
     std::string path;  ///< empty without file
     int index = -1;
     std::shared_ptr<const morvend::codec::PackedPixels> packed;  ///< null where they aren't
+    /// Null where they are not wanted, or not there yet.
+    std::shared_ptr<const morvend::imglib::BlockMaxima> maxima{};
     std::optional<ImagePeaks> peaks{};  ///< searched for when first requested
 };

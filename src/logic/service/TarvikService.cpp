@@ -128,6 +128,13 @@ const TarvikService::Header& TarvikService::globalHeader() const { return _d->he
 
 ContrastChoice TarvikService::contrastChoice() const { return _d->contrastChooser.choice; }
 PlottingMode TarvikService::plottingMode() const { return _d->plottingMode; }
+Minification TarvikService::minification() const { return _d->maximaMaker.minification(); }
+
+std::shared_ptr<const morvend::imglib::BlockMaxima> TarvikService::blockMaxima() const
+{
+    return _d->shown.maxima;
+}
+
 bool TarvikService::showResolutionRings() const { return _d->showResolutionRings; }
 bool TarvikService::highlightDefective() const { return _d->highlightDefective; }
 bool TarvikService::highlightSaturated() const { return _d->highlightSaturated; }
@@ -334,6 +341,16 @@ void TarvikService::setPlottingMode(PlottingMode mode)
     emit plottingModeSignal(mode);
 }
 
+void TarvikService::setMinification(Minification minification)
+{
+    if (this->minification() == minification)
+        return;
+    _d->opening.setMaxima(minification == Minification::Largest);
+    _d->packer.looked();
+    _d->maximaMaker.setMinification(minification);
+    emit minificationSignal(minification);
+}
+
 void TarvikService::toggleShowResolutionRings(bool show)
 {
     if (std::exchange(_d->showResolutionRings, show) != show)
@@ -410,6 +427,7 @@ void TarvikService::_newImageSlot()
         return;
     _d->arrival.show(*load);
     _d->contrastChooser.followNewImage();
+    _d->maximaMaker.newImage();
     _d->opening.watchShownImage();
     emit newImageSignal();
     // Its viewport is known now.

@@ -4,6 +4,7 @@
 // The model of one image view.
 #pragma once
 
+#include "imagelib/display/BlockMaxima.h"
 #include "imagelib/display/MDrawingList.h"
 #include "imagelib/display/MRect.h"
 #include "imagelib/image/MImage.h"
@@ -12,6 +13,7 @@
 #include "logic/loading/SeriesState.h"
 #include "logic/output/ImageSnapshot.h"
 #include "logic/records/ContrastData.h"
+#include "logic/records/Minification.h"
 #include "logic/records/PeakData.h"
 #include "logic/records/PlottingMode.h"
 #include "logic/records/StatisticsData.h"
@@ -117,6 +119,10 @@ public:
 
     ContrastChoice contrastChoice() const;
     PlottingMode plottingMode() const;
+    Minification minification() const;
+    /// The largest pixels of the image's blocks; null unless that minification is set, and, when it
+    /// has just been, until blockMaximaSignal().
+    std::shared_ptr<const morvend::imglib::BlockMaxima> blockMaxima() const;
     bool showResolutionRings() const;
     bool highlightDefective() const;
     bool highlightSaturated() const;
@@ -253,6 +259,8 @@ public slots:
     void setHalvoMonitorHost(QString host, int port, double minPause);
 
     void setPlottingMode(PlottingMode mode);
+    /// From the next image on the largest pixels come with it.
+    void setMinification(Minification minification);
     void toggleShowResolutionRings(bool show);
     void toggleHighlightDefective(bool highlight);
     void toggleHighlightSaturated(bool highlight);
@@ -293,6 +301,9 @@ signals:
     void imageContainerChangedSignal();
     /// listReadAhead() has an answer.
     void readAheadSignal();
+    void minificationSignal(Minification minification);
+    /// blockMaxima() has changed without a new image.
+    void blockMaximaSignal();
     void plottingModeSignal(PlottingMode mode);
     void resolutionRingsSignal(bool show);
     void resolutionDefinedSignal(bool defined);

@@ -9,6 +9,7 @@
 #include "logic/service/AutoModes.h"
 #include "logic/service/ContrastChooser.h"
 #include "logic/service/HeaderEdits.h"
+#include "logic/service/MaximaMaker.h"
 #include "logic/service/Opening.h"
 #include "logic/service/PixelPacker.h"
 #include "logic/service/Records.h"
@@ -54,6 +55,7 @@ public:
     PixelPacker packer{shown};
     HeaderEdits headerEdits;
     Records records;
+    MaximaMaker maximaMaker{shown, [this] { emit _service.blockMaximaSignal(); }};
     ContrastChooser contrastChooser{shown, records};
     Opening opening{shown, records};
     Arrival arrival{shown, headerEdits, records};

@@ -119,6 +119,14 @@ class Render(OutputCase):
         numpy.testing.assert_array_equal(large, grey.repeat(3, 0).repeat(3, 1))
         small = self.picture(source, *self.LEVELS, "--table", "GS", "--scale", 0.5)
         numpy.testing.assert_array_equal(small, grey[::2, ::2])
+        small = self.picture(source, *self.LEVELS, "--table", "GS", "--scale", 0.25)
+        numpy.testing.assert_array_equal(small, grey[1:2, 1:2])  # as views do
+        words = (*self.LEVELS, "--table", "GS", "--largest")
+        small = self.picture(source, *words, "--scale", 0.5)
+        numpy.testing.assert_array_equal(small, grey[[1, 2]][:, [1, 3]])
+        numpy.testing.assert_array_equal(self.picture(source, *words), grey)
+        spanned = self.picture(source, "--contrast", "0%:100%", "--table", "GS")
+        numpy.testing.assert_array_equal(spanned, grey)
 
     def test_masked_defective_and_saturated_pixels_have_their_colours(self):
         frame, mask = numpy.arange(12, dtype="u4").reshape(1, 3, 4), numpy.zeros((3, 4), "u4")

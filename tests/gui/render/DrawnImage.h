@@ -63,6 +63,10 @@ public:
 
 protected:
     MImage baseImage() const override { return service().image(); }
+    std::shared_ptr<const morvend::imglib::BlockMaxima> baseMaxima() const override
+    {
+        return service().blockMaxima();
+    }
     ViewportData defaultViewport() const override { return {0, 0, 0, 0, 0}; }
     ViewportData correctViewport(const ViewportData& wanted, const ViewportData&) const override
     {

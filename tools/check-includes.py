@@ -124,7 +124,7 @@ DOORS = {
     "service": "TarvikService ContrastChoice CursorInfo",
     "core": "TarvikCore",
     "detector": "HalvoService HalvoClient HalvoMonitor",
-    "headerfiles": "WriteHeaderToFilesThread UndoHeadersThread HeaderBatch HeaderUndo",
+    "headerfiles": "WriteHeaderToFilesThread UndoHeadersThread HeaderFilesThread HeaderBatch HeaderUndo",
     "viewgeometry": "ViewGeometry RingGeometry",
     "render": "ImageDrawer ImageDrawerMain ImageDrawerThumbnail OpenGlSupport",
     "panels": "ViewBar RoiSideBar PeakFinderBar GotoButton FastContrastControl",

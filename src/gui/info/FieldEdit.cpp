@@ -3,11 +3,9 @@
 #include "gui/info/FieldEdit.h"
 
 #include <QAbstractTextDocumentLayout>
-#include <QApplication>
 #include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QMenu>
-#include <QScopedValueRollback>
 #include <QTextBlock>
 #include <QTextCursor>
 #include <QTextDocument>
@@ -67,7 +65,7 @@ void FieldEdit::append(const QString& text) { _appendLine(text, false); }
 void FieldEdit::appendHeader(const QString& text)
 {
     if (document()->blockCount() >= 2)
-        append({});
+        append(QStringLiteral("\n"));
     _appendLine(text, true);
 }
 
@@ -214,9 +212,38 @@ void FieldEdit::keyPressEvent(QKeyEvent* event)
             _replace(begin, selected ? end : end + 1, {});
         return;
     default:
-        if (belongsToANumber(event->text()))
-            _replace(begin, end, event->text());
+        // With these keys held down it is a command.
+        if (!(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)))
+            _type(event->text());
     }
+}
+
+void FieldEdit::_type(const QString& text)
+{
+    if (_cursorState == NoField || !belongsToANumber(text))
+        return;
+    const Field field = _fields[std::size_t(_current)];
+    const QTextCursor cursor = textCursor();
+    _replace(std::clamp(cursor.selectionStart(), field.begin, field.end),
+             std::clamp(cursor.selectionEnd(), field.begin, field.end), text);
+}
+
+void FieldEdit::inputMethodEvent(QInputMethodEvent* event)
+{
+    // What it would replace, and what is not final yet, may be outside of the field.
+    _type(event->commitString());
+    event->accept();
+}
+
+void FieldEdit::mousePressEvent(QMouseEvent* event)
+{
+    // A selection that is dragged out of an editable text is taken out of it.
+    if (event->button() == Qt::LeftButton && !(event->modifiers() & Qt::ShiftModifier)) {
+        QTextCursor cursor = textCursor();
+        cursor.clearSelection();
+        setTextCursor(cursor);
+    }
+    QTextEdit::mousePressEvent(event);
 }
 
 void FieldEdit::mouseDoubleClickEvent(QMouseEvent* event)

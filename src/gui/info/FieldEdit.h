@@ -41,6 +41,8 @@ signals:
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
+    void inputMethodEvent(QInputMethodEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void changeEvent(QEvent* event) override;
@@ -63,7 +65,8 @@ private:
     CursorState _getCursorPos();
     void _showFields();
     void _appendLine(const QString& text, bool bold);
-    /// Replaces the selection, clipped to the field of the cursor, by a text.
+    /// Replaces what is selected of the cursor's field by a text, which may belong to a number.
+    void _type(const QString& text);
     void _replace(int begin, int end, const QString& text);
 
     std::vector<Field> _fields;

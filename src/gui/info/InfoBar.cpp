@@ -52,23 +52,28 @@ bool InfoBar::getValue(int index, double& value) const { return _text->getValue(
 void InfoBar::addButtons()
 {
     auto* row = new QHBoxLayout;
-    const auto add = [&](const char* text, const char* tip, auto signal) {
+    auto* lower = new QHBoxLayout;
+    const auto add = [this](QHBoxLayout* place, const char* text, const char* tip, auto signal) {
         auto* button = new QPushButton(QString::fromLatin1(text));
         button->setToolTip(QString::fromLatin1(tip));
         button->setMaximumHeight(20);
         // As high as the others of the column would be, they would be cut off.
         button->setStyleSheet(QStringLiteral("QPushButton {padding: 0px 6px;}"));
         connect(button, &QPushButton::clicked, this, signal);
-        row->addWidget(button);
+        place->addWidget(button);
         return button;
     };
-    _reset = add("Reset", "Reset values to their current states", &InfoBar::clickedReset);
-    _apply = add("Apply", "Apply changes to current file", &InfoBar::clickedApply);
-    _writeToAll = add("Write To All",
+    _reset = add(row, "Reset", "Reset values to their current states", &InfoBar::clickedReset);
+    _apply = add(row, "Apply", "Apply changes to current file", &InfoBar::clickedApply);
+    _writeToAll = add(row, "Write To All",
                       "Write changes to all image headers. This may take some time...\n"
                       "This feature is only available for cbf files.",
                       &InfoBar::clickedWriteToAll);
+    add(lower, "Undo Last Write",
+        "Put back the header lines that the last write to files replaced, whichever series it was.",
+        &InfoBar::clickedUndo);
     _layout->addLayout(row);
+    _layout->addLayout(lower);
     _hasButtons = true;
 }
 
@@ -82,7 +87,7 @@ void InfoBar::_resizeTextEdit(QSizeF size)
 {
     const int height = int(std::ceil(std::min(size.height(), 1e6)));
     _text->setMinimumHeight(height + 10);
-    setMinimumHeight(height + 30 + (_hasButtons ? 20 : 0));
+    setMinimumHeight(height + 30 + (_hasButtons ? 2 * 20 + _layout->spacing() : 0));
 }
 
 void InfoBar::refresh()

@@ -46,7 +46,7 @@ public:
     void addText(const QString& text);
     bool getValue(int index, double& value) const;
 
-    /// "Reset", "Apply" and "Write To All" below the text.
+    /// "Reset", "Apply" and "Write To All" below the text, and "Undo Last Write" below these.
     void addButtons();
     void enableResetButton(bool enabled);
     void enableApplyButton(bool enabled);
@@ -59,6 +59,7 @@ signals:
     void clickedApply();
     void clickedReset();
     void clickedWriteToAll();
+    void clickedUndo();
     void changedHeader();
 
 protected:

@@ -2,9 +2,10 @@
 // SPDX-License-Identifier: MIT
 #include "gui/info/InfoBarImage.h"
 
-#include "gui/info/WriteHeaderToFilesDialog.h"
+#include "gui/info/HeaderPreviewDialog.h"
 #include "gui/kit/ErrorDialog.h"
 #include "logic/analysis/statistics/ImageStatistics.h"
+#include "logic/headerfiles/UndoHeadersThread.h"
 #include "logic/headerfiles/WriteHeaderToFilesThread.h"
 #include "logic/service/TarvikService.h"
 
@@ -40,6 +41,7 @@ InfoBarImage::InfoBarImage(unsigned long long syncClass, TarvikService* service)
     connect(this, &InfoBar::clickedApply, this, &InfoBarImage::apply);
     connect(this, &InfoBar::clickedReset, this, &InfoBarImage::reset);
     connect(this, &InfoBar::clickedWriteToAll, this, &InfoBarImage::writeHeaderToAllImages);
+    connect(this, &InfoBar::clickedUndo, this, &InfoBarImage::undoLastWrite);
 }
 
 void InfoBarImage::_newImageSlot()
@@ -154,11 +156,15 @@ void InfoBarImage::reset() { tarvikService()->resetHeader(); }
 void InfoBarImage::writeHeaderToAllImages()
 {
     try {
-        auto* dialog = new WriteHeaderToFilesDialog(
-            tarvikService()->writeHeaderToFilesThread(apply()), window());
-        dialog->show();
-        dialog->startWriteThread();
+        auto job = HeaderJob::write(tarvikService()->writeHeaderToFilesThread(apply()));
+        (new HeaderPreviewDialog(std::move(job), window()))->start();
     } catch (const std::exception&) {
         ErrorDialog::showMessage("No image loaded or unknown file type");
     }
+}
+
+void InfoBarImage::undoLastWrite()
+{
+    auto job = HeaderJob::undo(std::make_unique<UndoHeadersThread>());
+    (new HeaderPreviewDialog(std::move(job), window()))->start();
 }

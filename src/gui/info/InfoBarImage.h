@@ -24,8 +24,11 @@ public slots:
     Header apply();
     /// Drops all header edits.
     void reset();
-    /// Applies them and writes them into all files of the series, with a progress dialog.
+    /// Applies them and, after a look at what will change, writes them into all files of the
+    /// series.
     void writeHeaderToAllImages();
+    /// Puts back what the last write to files replaced, after a look at what will change.
+    void undoLastWrite();
 
 protected:
     void setText() override;

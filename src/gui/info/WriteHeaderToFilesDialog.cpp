@@ -2,26 +2,26 @@
 // SPDX-License-Identifier: MIT
 #include "gui/info/WriteHeaderToFilesDialog.h"
 
-#include "logic/headerfiles/WriteHeaderToFilesThread.h"
-
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QVBoxLayout>
 
-WriteHeaderToFilesDialog::WriteHeaderToFilesDialog(std::unique_ptr<WriteHeaderToFilesThread> thread,
-                                                   QWidget* parent)
+WriteHeaderToFilesDialog::WriteHeaderToFilesDialog(HeaderJob job, QWidget* parent)
     : QDialog(parent)
-    , _thread(std::move(thread))
-    , _label(new QLabel(QStringLiteral("Writing header info to present image series")))
+    , _job(std::move(job))
+    , _label(new QLabel(_job.running))
     , _progress(new QLabel)
     , _bar(new QProgressBar)
+    , _report(new HeaderReportView)
     , _abort(new QPushButton(QStringLiteral("Abort")))
     , _close(new QPushButton(QStringLiteral("Close")))
 {
     setAttribute(Qt::WA_DeleteOnClose);
+    setWindowTitle(QStringLiteral("Image Headers"));
     _progress->hide();
+    _report->hide();
     _close->hide();
     _close->setEnabled(false);
     auto* buttons = new QHBoxLayout;
@@ -32,33 +32,23 @@ WriteHeaderToFilesDialog::WriteHeaderToFilesDialog(std::unique_ptr<WriteHeaderTo
     rows->addWidget(_label);
     rows->addWidget(_progress);
     rows->addWidget(_bar);
+    rows->addWidget(_report);
     rows->addLayout(buttons);
 
     connect(_abort, &QPushButton::clicked, this, &WriteHeaderToFilesDialog::_abortWriteThread);
     connect(_close, &QPushButton::clicked, this, &QDialog::close);
-    connect(_thread.get(), &WriteHeaderToFilesThread::progress, this,
+    connect(_job.thread.get(), &HeaderFilesThread::progress, this,
             &WriteHeaderToFilesDialog::_progressSlot);
-    connect(_thread.get(), &QThread::finished, this, &WriteHeaderToFilesDialog::_finishedSlot);
+    connect(_job.thread.get(), &QThread::finished, this, &WriteHeaderToFilesDialog::_finishedSlot);
 }
 
-WriteHeaderToFilesDialog::~WriteHeaderToFilesDialog()
-{
-    // The file that is being written may hang with its file system: the batch ends by itself.
-    _thread->abort();
-    disconnect(_thread.get(), nullptr, this, nullptr);
-    if (_thread->isRunning()) {
-        WriteHeaderToFilesThread* const running = _thread.release();
-        connect(running, &QThread::finished, running, &QObject::deleteLater);
-        if (running->isFinished())
-            running->deleteLater();
-    }
-}
+WriteHeaderToFilesDialog::~WriteHeaderToFilesDialog() = default;
 
-void WriteHeaderToFilesDialog::startWriteThread() { _thread->start(); }
+void WriteHeaderToFilesDialog::startWriteThread() { _job.thread->start(); }
 
 void WriteHeaderToFilesDialog::_progressSlot(int finished, int tot)
 {
-    _progress->setText(QStringLiteral("Written image %1 of %2").arg(finished).arg(tot));
+    _progress->setText(_job.progress.arg(finished).arg(tot));
     _progress->show();
     _bar->setMaximum(tot);
     _bar->setValue(finished);
@@ -66,14 +56,16 @@ void WriteHeaderToFilesDialog::_progressSlot(int finished, int tot)
 
 void WriteHeaderToFilesDialog::_finishedSlot()
 {
-    _label->setText(QStringLiteral("Finished writing image headers"));
+    _label->setText(_job.finished);
     _abort->setEnabled(false);
     _close->setEnabled(true);
     _close->show();
+    _report->setReport(_job.thread->report(), _job.did);
+    _report->show();
 }
 
 void WriteHeaderToFilesDialog::_abortWriteThread()
 {
-    _thread->abort();
+    _job.thread->abort();
     close();
 }

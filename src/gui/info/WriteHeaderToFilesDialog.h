@@ -4,21 +4,20 @@
 // The progress of a batch that writes header values.
 #pragma once
 
-#include <QDialog>
+#include "gui/info/HeaderJob.h"
 
-#include <memory>
+#include <QDialog>
 
 class QLabel;
 class QProgressBar;
 class QPushButton;
-class WriteHeaderToFilesThread;
 
 /// Shows how far a batch has come. Not modal; closing it ends the batch after the file that is
-/// being written, and deletes it.
+/// being written, and deletes it. At the end it says what was changed, and what was not and why.
 class WriteHeaderToFilesDialog : public QDialog {
     Q_OBJECT
 public:
-    WriteHeaderToFilesDialog(std::unique_ptr<WriteHeaderToFilesThread> thread, QWidget* parent);
+    WriteHeaderToFilesDialog(HeaderJob job, QWidget* parent);
     ~WriteHeaderToFilesDialog() override;
 
     void startWriteThread();
@@ -29,10 +28,11 @@ private slots:
     void _progressSlot(int finished, int tot);
 
 private:
-    std::unique_ptr<WriteHeaderToFilesThread> _thread;
+    HeaderJob _job;
     QLabel* _label;
     QLabel* _progress;
     QProgressBar* _bar;
+    HeaderReportView* _report;
     QPushButton* _abort;
     QPushButton* _close;
 };

@@ -6,10 +6,17 @@
 
 #include <gtest/gtest.h>
 
+#include <QApplication>
+#include <QClipboard>
+#include <QDropEvent>
+#include <QInputMethodEvent>
+#include <QMimeData>
+#include <QRegularExpression>
 #include <QTest>
 #include <QTextBlock>
 
 #include <cmath>
+#include <functional>
 
 namespace {
 
@@ -72,6 +79,88 @@ TEST_F(FieldEditTest, TheTextAroundThemStays)
     QTest::keyClick(&edit, Qt::Key_V, Qt::ControlModifier);
     QTest::keyClick(&edit, Qt::Key_Z, Qt::ControlModifier);
     EXPECT_EQ(edit.toPlainText(), before);
+}
+
+/// Sends what keys, pointers and input methods can send, with each possible selection.
+TEST_F(FieldEditTest, NothingOutsideAFieldCanBeChanged)
+{
+    const auto fieldless = [this] {
+        // What is left without what may be typed into the fields.
+        QString text = edit.toPlainText();
+        return text.remove(QRegularExpression("(?<=: |\\( |, )[0-9+.E-]*(?=  )"));
+    };
+    edit.resize(400, 300);
+    edit.show();
+    QApplication::clipboard()->setText("99\nx");
+    QMimeData numbers;
+    numbers.setText("77");
+    const QString before = fieldless();
+    const std::vector<std::function<void()>> acts{
+        [&] { QTest::keyClicks(&edit, "7"); },
+        [&] { QTest::keyClick(&edit, Qt::Key_Backspace, Qt::ControlModifier); },
+        [&] { QTest::keyClick(&edit, Qt::Key_Delete, Qt::ShiftModifier); },
+        [&] { QTest::keyClick(&edit, Qt::Key_K, Qt::ControlModifier); },
+        [&] { QTest::keyClick(&edit, Qt::Key_X, Qt::ControlModifier); },
+        [&] { QTest::keyClick(&edit, Qt::Key_V, Qt::ControlModifier); },
+        [&] { QTest::keyClick(&edit, Qt::Key_Insert, Qt::ShiftModifier); },
+        [&] { QTest::keyClick(&edit, Qt::Key_Z, Qt::ControlModifier); },
+        [&] { QTest::keyClick(&edit, Qt::Key_Return); },
+        [&] {
+            QTest::mouseRelease(edit.viewport(), Qt::MiddleButton, {}, {30, 10});
+        },
+        [&] {
+            QInputMethodEvent typed("unfinished", {});
+            typed.setCommitString("1,\u00e9", -40, 60);
+            QApplication::sendEvent(&edit, &typed);
+        },
+        [&] {
+            QInputMethodEvent typed;
+            typed.setCommitString("5", -40, 60);
+            QApplication::sendEvent(&edit, &typed);
+        },
+        [&] {
+            QDropEvent drop({30, 10}, Qt::MoveAction | Qt::CopyAction, &numbers, Qt::LeftButton,
+                            Qt::NoModifier);
+            QApplication::sendEvent(edit.viewport(), &drop);
+        }};
+    const int length = int(edit.toPlainText().size());
+    for (std::size_t act = 0; act < acts.size(); ++act)
+        for (int anchor = 0; anchor <= length; anchor += 3)
+            for (int position = 0; position <= length; ++position) {
+                QTextCursor cursor = edit.textCursor();
+                cursor.setPosition(std::min(anchor, int(edit.toPlainText().size())));
+                cursor.setPosition(std::min(position, int(edit.toPlainText().size())),
+                                   QTextCursor::KeepAnchor);
+                edit.setTextCursor(cursor);
+                acts[act]();
+                ASSERT_EQ(fieldless(), before) << act << ' ' << anchor << ' ' << position;
+            }
+}
+
+TEST_F(FieldEditTest, ASelectionIsNotDraggedOutOfTheText)
+{
+    edit.resize(400, 300);
+    edit.show();
+    place(1, 16);
+    const QPoint inside = edit.cursorRect().center();
+    QTextCursor cursor = edit.textCursor();
+    cursor.setPosition(0);
+    cursor.setPosition(edit.document()->findBlockByNumber(1).position() + 18,
+                       QTextCursor::KeepAnchor);
+    edit.setTextCursor(cursor);
+    ASSERT_FALSE(edit.isReadOnly()) << "the text could be taken out";
+    QTest::mousePress(edit.viewport(), Qt::LeftButton, {}, inside);
+    EXPECT_FALSE(edit.textCursor().hasSelection());
+    QTest::mouseRelease(edit.viewport(), Qt::LeftButton, {}, inside);
+}
+
+TEST_F(FieldEditTest, InputMethodsTypeNumbersIntoFields)
+{
+    place(3, 12);
+    QInputMethodEvent typed;
+    typed.setCommitString("1.5E-1");
+    QApplication::sendEvent(&edit, &typed);
+    EXPECT_EQ(value(wavelength), 0.15);
 }
 
 TEST_F(FieldEditTest, ANumberIsTypedAndItsNeighboursKeepTheirs)

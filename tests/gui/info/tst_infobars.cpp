@@ -3,10 +3,14 @@
 //
 // What the panels say, and what becomes of typed values.
 #include "gui/info/FieldEdit.h"
+#include "gui/info/HeaderPreviewDialog.h"
 #include "gui/info/InfoBarCursor.h"
 #include "gui/info/InfoBarImage.h"
 #include "gui/info/InfoBarRaw.h"
+#include "gui/info/WriteHeaderToFilesDialog.h"
+#include "imagelib/io/MImageWriter.h"
 #include "tests/logic/service/ServiceTest.h"
+#include "tests/support/TempFolder.h"
 
 #include <QPushButton>
 #include <QTextCursor>
@@ -68,12 +72,14 @@ TEST_F(InfoBars, ImageShowsWhatTheHeaderAndTheStatisticsSay)
                                "Pixel size (m): 7.5e-05",
                                "Number of defective: 0",
                                "",
+                               "",
                                "Image",
                                "Total intensity: 2.240e+02",
                                "Maximum intensity: 7.000e+00",
                                "# zeros: 0",
                                "# saturated pixels: 32",
                                "Saturation Intensity (Count cutoff): 7",
+                               "",
                                "",
                                "Beamline",
                                "Start angle (deg):",
@@ -108,6 +114,72 @@ TEST_F(InfoBars, TypedValuesApplyToTheSeriesUntilTheyAreReset)
     EXPECT_FALSE(view->optionalData().detector_distance());
     for (const QPushButton* button : bar.findChildren<QPushButton*>())
         EXPECT_EQ(button->isEnabled(), button->text() != "Write To All") << "no CBF file";
+}
+
+/// The only dialog of a class, once it is there and its work is done.
+template <class Dialog>
+Dialog* waitForDialog()
+{
+    Dialog* found = nullptr;
+    waitFor([&] {
+        for (QWidget* widget : QApplication::topLevelWidgets())
+            found = found ? found : qobject_cast<Dialog*>(widget);
+        return found != nullptr;
+    });
+    return found;
+}
+
+QPushButton* buttonOf(QWidget* widget, const QString& text)
+{
+    for (auto* button : widget->findChildren<QPushButton*>())
+        if (button->text() == text)
+            return button;
+    return nullptr;
+}
+
+/// Agrees to what a preview shows. @returns its text and that of the report at the end
+QStringList agree(const QString& button)
+{
+    auto* const preview = waitForDialog<HeaderPreviewDialog>();
+    waitFor([&] { return buttonOf(preview, button)->isEnabled(); });
+    QStringList texts{preview->findChild<HeaderReportView*>()->toPlainText()};
+    buttonOf(preview, button)->click();
+    auto* const dialog = waitForDialog<WriteHeaderToFilesDialog>();
+    waitFor([&] { return buttonOf(dialog, "Close")->isEnabled(); });
+    texts += dialog->findChild<HeaderReportView*>()->toPlainText();
+    buttonOf(dialog, "Close")->click();
+    settle();
+    return texts;
+}
+
+TEST_F(InfoBars, AWriteToAllFilesIsShownBeforeAndCanBeUndone)
+{
+    const TempFolder folder;
+    const auto content = [&](int number) {
+        std::ifstream file(folder / ("x_" + std::to_string(number) + ".cbf"), std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(file), {});
+    };
+    for (const char* name : {"x_1.cbf", "x_2.cbf"})
+        morvend::imglib::MImageWriter::write(image(), folder / name,
+                                             morvend::imglib::MImageWriter::CBF);
+    const std::string before = content(2);
+    view->openImage((folder / "x_1.cbf").c_str());
+    arrive(view);
+    InfoBarImage bar(1, view);
+    bar.show();
+    type(*bar.fieldEdit(), "Filter transmission: ", "0.5");
+    buttonOf(&bar, "Write To All")->click();
+    auto* const preview = waitForDialog<HeaderPreviewDialog>();
+    waitFor([&] { return buttonOf(preview, "Write")->isEnabled(); });
+    EXPECT_EQ(content(2), before) << "nothing is written before the user agrees";
+    const QStringList written = agree("Write");
+    EXPECT_TRUE(written[0].startsWith("2 files will change in ")) << written[0].toStdString();
+    EXPECT_TRUE(written[0].contains("+# Filter_transmission 0.5"));
+    EXPECT_TRUE(written[1].startsWith("2 files changed in "));
+    EXPECT_NE(content(2).find("# Filter_transmission 0.5\r\n"), std::string::npos);
+    buttonOf(&bar, "Undo Last Write")->click();
+    EXPECT_TRUE(agree("Put Back")[1].startsWith("2 files put back in "));
+    EXPECT_EQ(content(2), before);
 }
 
 TEST_F(InfoBars, CursorAndRawHeaderFollow)

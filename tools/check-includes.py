@@ -51,6 +51,7 @@ ROOMS = {
     "src/gui/render/gestures": "gestures",
     "src/gui/render/overlays": "overlays",
     "src/gui/window": "window",
+    "src/api": "api",
     "src/bin/image": "tool",
     "src/bin/reader": "reader",
     "src/bin": "bin",
@@ -97,7 +98,8 @@ ARROWS = {
     "window": ["info", "panels", "core"],
     "tool": ["io", "display", "core"],
     "reader": ["hdf5nexus", "ioprocess"],
-    "bin": ["window"],
+    "api": ["window"],
+    "bin": ["api"],
     "demo": ["io"],
 }
 
@@ -121,8 +123,8 @@ DOORS = {
     "roi": "RoiComputer RoiStatistics RegionWorker",
     "preload": "PreloaderService PreloaderClient PreloaderProcess ReadAhead",
     "loading": "ImageLoader LoaderData SeriesState WorkerPool Thumbnail StepTimes",
-    "service": "TarvikService ContrastChoice CursorInfo",
-    "core": "TarvikCore",
+    "service": "TarvikService ComputedRegion ContrastChoice CursorInfo",
+    "core": "TarvikCore ObjectGenerator",
     "detector": "HalvoService HalvoClient HalvoMonitor",
     "headerfiles": "WriteHeaderToFilesThread UndoHeadersThread HeaderFilesThread HeaderBatch HeaderUndo",
     "viewgeometry": "ViewGeometry RingGeometry",
@@ -130,12 +132,13 @@ DOORS = {
     "panels": "ViewBar RoiSideBar PeakFinderBar GotoButton FastContrastControl",
     "info": "InfoBarCursor InfoBarImage InfoBarRaw",
     "plot": "Plotter",
-    "window": "MainWindow",
+    "window": "MainWindow MainWindowGenerator SubWindow",
+    "api": "TarvikInterface",
 }
 
 WITHOUT_QT = {"image", "paths", "codec", "display", "ipc", "formatbase", "cbf", "tiff", "edf",
               "hdf5library", "hdf5frames", "hdf5nexus", "hdf5write", "ioprocess", "io", "reader", "demo"}
-WITH_WIDGETS = {"guikit", "info", "panels", "plot", "render", "window", "bin"}
+WITH_WIDGETS = {"guikit", "info", "panels", "plot", "render", "window", "api", "bin"}
 WIDGETS = re.compile(r"Q(Widget|Application|MainWindow|Dialog|MessageBox|Layout|[HV]BoxLayout"
                      r"|Label|PushButton|ToolButton|ToolBar|Splitter|OpenGLWidget|FileDialog"
                      r"|ComboBox|CheckBox|ScrollArea|Action|Menu|Style.*)")

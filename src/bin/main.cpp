@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Start of the program in one of its three roles.
+#include "api/TarvikInterface.h"
 #include "bin/CheckParent.h"
 #include "bin/CommandLine.h"
 #include "bin/DisplayGuard.h"
@@ -18,6 +19,7 @@
 
 #include <QFile>
 
+#include <chrono>
 #include <clocale>
 #include <csignal>
 #include <cstdio>
@@ -71,14 +73,20 @@ int runViewer(MainApplication& application, const CommandLine& line)
     return result;
 }
 
-int runDaemon()
+int runDaemon(const CommandLine& line)
 {
-    console::warn("tarvik: --daemon answers no requests yet: this version has no interface for "
-                  "scripts, so that no window will open\n");
     const PreloaderProcess preloader(QCoreApplication::applicationFilePath());
     TarvikCore core;
     core.setDefaultColorTable(QStringLiteral("Grey Scale"));
-    return QCoreApplication::exec();
+    TarvikInterface interface(&core, line.queueId);
+    interface.start();
+    const int result = QCoreApplication::exec();
+    // A reply may still be under way; a client that does not take it must not keep the process.
+    if (!interface.stop(std::chrono::seconds(2))) {
+        std::fflush(nullptr);
+        std::_Exit(result);
+    }
+    return result;
 }
 
 std::unique_ptr<CheckParent> watchParent(const CommandLine& line)
@@ -134,7 +142,7 @@ int main(int argc, char** argv)
     case CommandLine::Role::Viewer:
         return leave(runViewer(application, line));
     case CommandLine::Role::Daemon:
-        return leave(runDaemon());
+        return leave(runDaemon(line));
     case CommandLine::Role::Preloader:
         break;  // has run above
     }

@@ -4,6 +4,7 @@
 // A frame of the image area: a title bar over one content widget.
 #pragma once
 
+#include "gui/kit/ApiCallable.h"
 #include "gui/kit/TitleBar.h"
 
 #include <QVBoxLayout>
@@ -38,12 +39,12 @@ public:
 
 public slots:
     /// A bare view: no controls and no exit button in the title bar.
-    void hideToolButtons();
-    void showToolButtons();
+    API_CALLABLE void hideToolButtons();
+    API_CALLABLE void showToolButtons();
     /// Colours of the title bar; each value is clamped to 0 to 255. They show from the next change
     /// of activation on.
-    void setActiveColor(int red, int green, int blue);
-    void setNonActiveColor(int red, int green, int blue);
+    API_CALLABLE void setActiveColor(int red, int green, int blue);
+    API_CALLABLE void setNonActiveColor(int red, int green, int blue);
 
 signals:
     void gotActivated(AbstractSubWindow* frame);

@@ -4,6 +4,7 @@
 // The top-level window: control bar, ribbon and the tiled image views.
 #pragma once
 
+#include "gui/kit/ApiCallable.h"
 #include "gui/kit/ContainerSideBar.h"
 #include "gui/window/PanelTree.h"
 #include "gui/window/ViewHost.h"
@@ -85,22 +86,22 @@ public slots:
     SubWindow* newSubWindow(SubWindow** subwindow);
     SubWindow* newSubWindow();
     /// A view without controls, for scripts. Shortcuts are off while the tool bar is hidden.
-    void showToolBar();
-    void hideToolBar();
-    void enableKeyboardShortcuts();
-    void disableKeyboardShortcuts();
+    API_CALLABLE void showToolBar();
+    API_CALLABLE void hideToolBar();
+    API_CALLABLE void enableKeyboardShortcuts();
+    API_CALLABLE void disableKeyboardShortcuts();
     /// Shows or hides the panels of the active view; shown only if there is one.
     void toggleSideBar(bool on);
-    void disableClose();
-    void enableClose();
+    API_CALLABLE void disableClose();
+    API_CALLABLE void enableClose();
     /// Closes, even if disableClose() was called.
     void close();
     /// Appends a line with the identifier of each view, the decimal value of its address.
-    void subFrames(QString* returnList);
+    API_CALLABLE void subFrames(QString* returnList);
     /// Check the box if the value is not 0, else uncheck it.
-    void synchronizeViewport(int val);
-    void synchronizeContrast(int val);
-    void synchronizeStatistics(int val);
+    API_CALLABLE void synchronizeViewport(int val);
+    API_CALLABLE void synchronizeContrast(int val);
+    API_CALLABLE void synchronizeStatistics(int val);
 
 signals:
     void aboutToTerminate(QObject* window);

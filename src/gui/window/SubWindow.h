@@ -5,6 +5,7 @@
 #pragma once
 
 #include "gui/kit/AbstractSubWindow.h"
+#include "gui/kit/ApiCallable.h"
 #include "imagelib/display/MDrawingList.h"
 #include "imagelib/display/MRect.h"
 #include "imagelib/image/MImage.h"
@@ -53,30 +54,30 @@ public:
 public slots:
     /// Opens a file and makes its folder the one where the open dialog starts. A view without
     /// an image shows the file's name meanwhile.
-    void loadFile(QString fileName);
+    API_CALLABLE void loadFile(QString fileName);
     /// The same, for a view that was made for this file: it closes if the file can't be shown.
     void loadFileOrClose(const QString& fileName);
-    void loadImage(const MImage* image);
-    void addToPaintList(const MDrawingList* list);
-    void setPaintList(const MDrawingList* list);
-    void clearPaintList();
-    void goTo(int imageNumber);
-    void setOffsetX(double offsetX);
-    void setOffsetY(double offsetY);
+    API_CALLABLE void loadImage(const MImage* image);
+    API_CALLABLE void addToPaintList(const MDrawingList* list);
+    API_CALLABLE void setPaintList(const MDrawingList* list);
+    API_CALLABLE void clearPaintList();
+    API_CALLABLE void goTo(int imageNumber);
+    API_CALLABLE void setOffsetX(double offsetX);
+    API_CALLABLE void setOffsetY(double offsetY);
     /// @param zoomPower  zoom as a power of two, clamped to -2 to 6
-    void setZoomPower(int zoomPower);
-    void setViewport(double offsetX, double offsetY, int zoomPower);
-    void setForeground(double foreground);
-    void setBackground(double background);
-    void setContrast(double foreground, double background);
+    API_CALLABLE void setZoomPower(int zoomPower);
+    API_CALLABLE void setViewport(double offsetX, double offsetY, int zoomPower);
+    API_CALLABLE void setForeground(double foreground);
+    API_CALLABLE void setBackground(double background);
+    API_CALLABLE void setContrast(double foreground, double background);
     /// A title that new images don't overwrite, until unsetTitle().
-    void setTitle(QString windowTitle);
-    void unsetTitle();
+    API_CALLABLE void setTitle(QString windowTitle);
+    API_CALLABLE void unsetTitle();
     /// Takes a colour table by its identifier or its short name: HDR, GS, H, RB, V, C. Other names
     /// change nothing.
-    void setColorMode(QString colormode);
-    void showResolutionRings();
-    void hideResolutionRings();
+    API_CALLABLE void setColorMode(QString colormode);
+    API_CALLABLE void showResolutionRings();
+    API_CALLABLE void hideResolutionRings();
     /// Asks for a file, and writes a picture of the view or of its image to it.
     void openExportDialog();
     /// Writes the view with its overlays, beside a colour bar where the rectangle says. Waits until

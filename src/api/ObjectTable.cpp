@@ -1,0 +1,73 @@
+// SPDX-FileCopyrightText: 2026 the TARVIK authors
+// SPDX-License-Identifier: MIT
+#include "api/ObjectTable.h"
+
+#include "logic/support/Assert.h"
+
+#include <QCoreApplication>
+
+QString ObjectTable::id(const QObject* object)
+{
+    return QString::number(reinterpret_cast<quintptr>(object));
+}
+
+void ObjectTable::attach(QObject* object)
+{
+    const std::lock_guard lock(_mapMutex);
+    _mutexMap[object] = std::make_unique<QRecursiveMutex>();
+}
+
+void ObjectTable::detach(QObject* object)
+{
+    {
+        const std::lock_guard lock(_mapMutex);
+        const auto entry = _mutexMap.find(object);
+        if (entry == _mutexMap.end())
+            return;
+        QRecursiveMutex* const m = entry->second.get();
+        // Another thread may hold it within a call that this thread is to do.
+        while (!m->tryLock(1))
+            QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+        assert(m == _mutexMap[object].get());
+        m->unlock();
+        _mutexMap.erase(object);
+    }
+    const std::lock_guard lock(_waitMutex);
+    _waitCondition.wakeAll();
+}
+
+bool ObjectTable::remove(QObject* object, const std::function<void()>& last)
+{
+    const std::lock_guard lock(_mapMutex);
+    const auto entry = _mutexMap.find(object);
+    if (entry == _mutexMap.end())
+        return false;
+    entry->second->lock();
+    entry->second->unlock();
+    _mutexMap.erase(entry);
+    last();
+    return true;
+}
+
+std::optional<ObjectTable::Hold> ObjectTable::hold(QObject* object)
+{
+    const std::lock_guard lock(_mapMutex);
+    const auto entry = _mutexMap.find(object);
+    if (entry == _mutexMap.end())
+        return {};
+    return std::optional<Hold>(std::in_place, *entry->second);
+}
+
+bool ObjectTable::contains(QObject* object) const
+{
+    const std::lock_guard lock(_mapMutex);
+    return _mutexMap.contains(object);
+}
+
+void ObjectTable::waitUntilGone(QObject* object, const std::function<bool()>& givenUp)
+{
+    constexpr unsigned long Look = 200;  // milliseconds
+    const std::lock_guard lock(_waitMutex);
+    while (contains(object) && !givenUp())
+        _waitCondition.wait(&_waitMutex, Look);
+}

@@ -19,7 +19,7 @@
 class SubWindow;
 class TarvikCore;
 
-/// The thread behind the queue of the daemon, see docs/protocols/scripting.md. Requests are served
+/// Answers on the queue of the daemon, see docs/protocols/scripting.md. Requests are served
 /// one after the other, each on the GUI thread; a client that leaves in the middle of one is
 /// followed by the next.
 class TarvikInterface : public QThread {

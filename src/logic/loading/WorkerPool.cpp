@@ -42,12 +42,15 @@ struct WorkerPool::State : std::enable_shared_from_this<State> {
         Job job;
         const void* owner = nullptr;
         bool tidies = false;
+        bool inBackground = false;
+        Clock::time_point since{};
     };
     struct Worker {
         clockid_t clock{};
         const void* owner = nullptr;
         bool busy = false;
         bool counted = true;
+        bool inBackground = false;
         // The state of the job at the watch's last look.
         bool seen = false;
         nanoseconds used{};
@@ -64,9 +67,13 @@ struct WorkerPool::State : std::enable_shared_from_this<State> {
     void work(Workers::iterator self);
     std::optional<Entry> next(Lock& lock);
     bool tidyIsDue(Clock::time_point now, bool last) const;
-    Entry takeNext();
+    bool backgroundIsDue(Clock::time_point now) const;
+    Clock::time_point nextLook(Clock::time_point last) const;
+    Entry takeNext(Clock::time_point now);
+    void add(Entry entry, std::deque<Entry>& entries);
     void watch();
     void look();
+    std::size_t waiting() const { return queue.size() + background.size(); }
     std::size_t counted() const
     {
         return static_cast<std::size_t>(std::ranges::count(workers, true, &Worker::counted));
@@ -77,6 +84,7 @@ struct WorkerPool::State : std::enable_shared_from_this<State> {
     std::condition_variable work_;  // there is work, or the time to tidy up has changed
     std::condition_variable end;
     std::deque<Entry> queue;
+    std::deque<Entry> background;
     Workers workers;
     std::size_t idle = 0;  // workers without job
     bool watching = false;
@@ -89,8 +97,7 @@ struct WorkerPool::State : std::enable_shared_from_this<State> {
 /// A thread for each job in the queue, up to the limits. The caller holds the mutex.
 void WorkerPool::State::startWhereNeeded()
 {
-    while (queue.size() > idle && counted() < limits.threads &&
-           workers.size() < limits.mostThreads) {
+    while (waiting() > idle && counted() < limits.threads && workers.size() < limits.mostThreads) {
         const auto worker = workers.emplace(workers.end());
         ++idle;
         try {
@@ -106,7 +113,7 @@ void WorkerPool::State::startWhereNeeded()
 
 void WorkerPool::State::watchWhereNeeded()
 {
-    if (watching || queue.size() <= idle)
+    if (watching || (queue.size() <= idle && background.empty()))
         return;
     try {
         std::thread([state = shared_from_this()] { state->watch(); }).detach();
@@ -123,12 +130,15 @@ void WorkerPool::State::work(Workers::iterator self)
     while (std::optional<Entry> entry = next(lock)) {
         self->busy = true;
         self->owner = entry->owner;
+        self->inBackground = entry->inBackground;
         lock.unlock();
         entry->job();
         entry->job = nullptr;
         lock.lock();
         *self = {.clock = self->clock};
         untidy = untidy || !entry->tidies;
+        if (!background.empty())
+            work_.notify_one();  // there may be room for another one now
         if (counted() > limits.threads)
             break;  // another one has replaced this one while its job waited
         ++idle;
@@ -143,11 +153,11 @@ std::optional<WorkerPool::State::Entry> WorkerPool::State::next(Lock& lock)
     std::optional<Entry> entry;
     for (;;) {
         const auto now = Clock::now();
-        if (!queue.empty() || tidyIsDue(now, now >= last))
-            entry = takeNext();
+        if (!queue.empty() || backgroundIsDue(now) || tidyIsDue(now, now >= last))
+            entry = takeNext(now);
         if (entry || ended || now >= last)
             break;
-        work_.wait_until(lock, tidyAt ? std::min(last, *tidyAt) : last);
+        work_.wait_until(lock, nextLook(last));
     }
     --idle;
     return entry;
@@ -160,16 +170,48 @@ bool WorkerPool::State::tidyIsDue(Clock::time_point now, bool last) const
            ((tidyAt && now >= *tidyAt) || (last && untidy && idle == workers.size()));
 }
 
-/// The first job of the queue, else to tidy up: a job as any other, which others need not wait for.
-WorkerPool::State::Entry WorkerPool::State::takeNext()
+bool WorkerPool::State::backgroundIsDue(Clock::time_point now) const
 {
-    Entry entry{tidy, nullptr, true};
-    if (queue.empty()) {
-        untidy = false;
-        tidyAt.reset();
-    } else {
+    if (background.empty())
+        return false;
+    std::size_t running = 0;
+    std::size_t others = queue.size();
+    for (const Worker& worker : workers) {
+        if (worker.busy && worker.counted)
+            ++(worker.inBackground ? running : others);
+    }
+    return running < std::max<std::size_t>(limits.threads / 2, 1) &&
+           (others == 0 || now - background.front().since >= limits.patience);
+}
+
+/// When a worker without job has to look again, notified or not.
+Clock::time_point WorkerPool::State::nextLook(Clock::time_point last) const
+{
+    Clock::time_point look = tidyAt ? std::min(last, *tidyAt) : last;
+    if (!background.empty()) {
+        // What is overdue waits for another background job, whose end is notified.
+        const auto now = Clock::now();
+        const auto left = limits.patience - (now - background.front().since);
+        if (left > nanoseconds(0) && left < look - now)
+            look = now + std::chrono::duration_cast<Clock::duration>(left);
+    }
+    return look;
+}
+
+/// The first job of the queue, else of the background, else to tidy up: a job as any other, which
+/// others need not wait for.
+WorkerPool::State::Entry WorkerPool::State::takeNext(Clock::time_point now)
+{
+    Entry entry{.job = tidy, .tidies = true};
+    if (!queue.empty()) {
         entry = std::move(queue.front());
         queue.pop_front();
+    } else if (backgroundIsDue(now)) {
+        entry = std::move(background.front());
+        background.pop_front();
+    } else {
+        untidy = false;
+        tidyAt.reset();
     }
     return entry;
 }
@@ -178,7 +220,7 @@ WorkerPool::State::Entry WorkerPool::State::takeNext()
 void WorkerPool::State::watch()
 {
     Lock lock(mutex);
-    while (!ended && queue.size() > idle) {
+    while (!ended && (queue.size() > idle || !background.empty())) {
         end.wait_for(lock, limits.patience);
         look();
     }
@@ -217,19 +259,36 @@ WorkerPool::WorkerPool(const Limits& limits)
 WorkerPool::~WorkerPool()
 {
     std::deque<State::Entry> dropped;
+    std::deque<State::Entry> droppedBackground;
     const std::lock_guard lock(_state->mutex);
     _state->ended = true;
     dropped.swap(_state->queue);
+    droppedBackground.swap(_state->background);
     _state->work_.notify_all();
     _state->end.notify_all();
 }
 
+void WorkerPool::State::add(Entry entry, std::deque<Entry>& entries)
+{
+    const std::lock_guard lock(mutex);
+    entries.push_back(std::move(entry));
+    startWhereNeeded();
+    if (background.empty())
+        work_.notify_one();
+    else
+        work_.notify_all();  // the notified one may have to wait, and then needs to know how long
+}
+
 void WorkerPool::post(Job job, const void* owner)
 {
-    const std::lock_guard lock(_state->mutex);
-    _state->queue.push_back({std::move(job), owner});
-    _state->startWhereNeeded();
-    _state->work_.notify_one();
+    _state->add({.job = std::move(job), .owner = owner}, _state->queue);
+}
+
+void WorkerPool::postBackground(Job job, const void* owner)
+{
+    _state->add(
+        {.job = std::move(job), .owner = owner, .inBackground = true, .since = Clock::now()},
+        _state->background);
 }
 
 void WorkerPool::leaveBehind(const void* owner)
@@ -262,5 +321,5 @@ WorkerPool::Usage WorkerPool::usage() const
 {
     const std::lock_guard lock(_state->mutex);
     const std::size_t threads = _state->workers.size();
-    return {threads, threads - _state->idle, threads - _state->counted(), _state->queue.size()};
+    return {threads, threads - _state->idle, threads - _state->counted(), _state->waiting()};
 }

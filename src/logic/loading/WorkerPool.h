@@ -14,7 +14,11 @@
 /// A job that waits instead of computing, such as for a mount that does not answer, is not counted
 /// once others have waited a while for a thread: a new thread takes the next job. A thread ends
 /// when it finds too many others, or no work for a while. Nothing ever waits for a thread, not even
-/// the end of the process: each owns what it needs. Thread: any.
+/// the end of the process: each owns what it needs.
+///
+/// Background jobs give way: one begins only when no other job is queued or running, or when it has
+/// waited for the time of patience, and they take half of the threads at most. They should be
+/// short. Thread: any.
 class WorkerPool {
 public:
     using Job = std::function<void()>;
@@ -23,7 +27,8 @@ public:
         std::size_t threads = 4;
         /// Threads in all.
         std::size_t mostThreads = 256;
-        /// Time after which a job that has used hardly any of it on a processor counts as waiting.
+        /// Time after which a job that has used hardly any of it on a processor counts as waiting,
+        /// and after which a background job no longer gives way to running ones.
         std::chrono::milliseconds patience{500};
         /// Time after which a thread without work ends.
         std::chrono::milliseconds idle{10'000};
@@ -47,6 +52,7 @@ public:
 
     /// @param owner  names the job for leaveBehind()
     void post(Job job, const void* owner = nullptr);
+    void postBackground(Job job, const void* owner = nullptr);
     /// The result of this owner's running job is no longer wanted: the job is not counted from now
     /// on.
     void leaveBehind(const void* owner);

@@ -276,6 +276,36 @@ TEST_F(Pool, RunsJobsWhileItTidiesUp)
     EXPECT_TRUE(tarvik::tests::waitFor([&] { return patient.usage().threads == 0; }));
 }
 
+TEST_F(Pool, BackgroundJobsGiveWayUntilTheirPatienceEnds)
+{
+    WorkerPool patient{{.threads = 2, .patience = never, .idle = soon}};
+    QSemaphore release, begun;
+    std::string order;
+    patient.post([&] {
+        begun.release();
+        release.acquire();
+        order += 'a';
+    });
+    ASSERT_TRUE(begun.tryAcquire(1, longest));
+    patient.postBackground([&] {
+        order += 'c';
+        begun.release();
+    });
+    patient.post([&] { begun.release(); });  // a thread is free
+    ASSERT_TRUE(begun.tryAcquire(1, longest));
+    patient.post([&] { order += 'b'; });
+    EXPECT_TRUE(QTest::qWaitFor([&] { return patient.usage().queued == 1; }, longest));
+    release.release();
+    ASSERT_TRUE(begun.tryAcquire(1, longest));
+    EXPECT_EQ(order.back(), 'c');
+
+    pool.post([&] { release.acquire(); });
+    pool.postBackground([&] { begun.release(); });
+    EXPECT_TRUE(begun.tryAcquire(1, longest)) << "in spite of the job that runs";
+    release.release();
+    EXPECT_TRUE(tarvik::tests::waitFor([&] { return patient.usage().threads == 0; }));
+}
+
 TEST_F(Pool, StrandsKeepTheirOrderAndTakeTurns)
 {
     WorkerPool one{{.threads = 1, .patience = never, .idle = soon}};

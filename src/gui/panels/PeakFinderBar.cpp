@@ -44,6 +44,8 @@ PeakFinderBar::PeakFinderBar(unsigned long long id, TarvikService* service, QWid
     connect(_number, &QSpinBox::valueChanged, this, &PeakFinderBar::_setPeaks);
     connect(_table, &PeakTable::highlightSignal, this, &PeakFinderBar::_highlightPeaks);
     connect(service, &TarvikService::newPeakSignal, this, &PeakFinderBar::_setPeakData);
+    connect(service, &TarvikService::peaksComputedSignal, this,
+            [this] { _setPeakData(_peakData); });
     _setPeakData(service->peakData());
 }
 
@@ -81,7 +83,7 @@ void PeakFinderBar::_setPeakData(PeakData selection)
 
 void PeakFinderBar::_fillTable()
 {
-    const ImagePeaks peaks = _service->imagePeaks();
+    const ImagePeaks& peaks = _service->computedPeaks();
     const auto wanted = std::clamp(_peakData.numberOfPeaks, 0, peaks.numberOfPeaks());
     std::vector<ImagePeaks::Pixel> listed(peaks.pixels().begin(), peaks.pixels().begin() + wanted);
     // A drag over the table comes here with each of its steps.

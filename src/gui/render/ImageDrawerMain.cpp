@@ -29,6 +29,7 @@ ImageDrawerMain::ImageDrawerMain(TarvikService* service, bool useGlsl, QWidget* 
     connect(service, &TarvikService::newStatisticsSignal, this,
             &ImageDrawerMain::_setStatisticsSlot);
     connect(service, &TarvikService::newPeakSignal, this, &ImageDrawerMain::_setPeakData);
+    connect(service, &TarvikService::peaksComputedSignal, this, &ImageDrawerMain::_takePeaks);
     connect(service, &TarvikService::plottingModeSignal, this, &ImageDrawer::setPlottingMode);
     connect(service, &TarvikService::paintListSignal, this, &ImageDrawerMain::updatePaintListSlot);
     connect(this, &ImageDrawer::newCursorCoordinates, service,
@@ -152,8 +153,12 @@ void ImageDrawerMain::_setStatisticsSlot(const StatisticsData& region)
 void ImageDrawerMain::_setPeakData(const PeakData& selection)
 {
     _peakData = selection;
-    if (_peakData.numberOfPeaks != 0)
-        _imagePeaks = service().imagePeaks();
+    _takePeaks();
+}
+
+void ImageDrawerMain::_takePeaks()
+{
+    _imagePeaks = service().computedPeaks();
     update();
 }
 

@@ -83,6 +83,7 @@ protected:
 private slots:
     void _setStatisticsSlot(const StatisticsData& region);
     void _setPeakData(const PeakData& selection);
+    void _takePeaks();
     void _setCursorInfo(const CursorInfo& info);
 
 private:

@@ -294,6 +294,8 @@ void ImageLoaderThread::_analyse()
     region.setMask(_data.mask);
     region.setStatisticsData(_data.statisticsData);
     _data.roiStatistics = region.computeOrWarn();
+    if (_data.peakData.numberOfPeaks != 0)
+        _data.peaks.emplace().setImage(_data.image, _data.mask);
     _endStep(StepTimes::Region, "TIME FOR ADDITIONAL COMPUTATION: ");
     if (_data.wantsMaxima)
         _data.maxima = std::make_shared<const morvend::imglib::BlockMaxima>(
@@ -308,6 +310,7 @@ void ImageLoaderThread::_analyse()
 void ImageLoaderThread::_deliver()
 {
     _session.keep(_data);
+    _data.seriesPath = _session.openedAs();
     StepTimes::addImage();
     _context->requests.answer(_number);
     _printSubtotal();  // before the view prints its own lines

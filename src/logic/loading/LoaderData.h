@@ -7,6 +7,7 @@
 #include "imagelib/codec/PackedPixels.h"
 #include "imagelib/display/BlockMaxima.h"
 #include "imagelib/image/MImage.h"
+#include "logic/analysis/peaks/ImagePeaks.h"
 #include "logic/analysis/roi/RoiStatistics.h"
 #include "logic/analysis/statistics/ImageStatistics.h"
 #include "logic/records/ContrastData.h"
@@ -17,6 +18,7 @@
 #include <QSharedPointer>
 
 #include <memory>
+#include <optional>
 #include <string>
 
 /// One image with all that is computed for it, and the settings that the view had when it asked.
@@ -24,6 +26,8 @@
 struct LoaderData {
     /// In: the file to open. Out: the image's file, empty for an image in memory.
     std::string path;
+    /// Out: what opens the image's series, see MImageSeries::open(); empty for one in memory.
+    std::string seriesPath;
     /// In: the image to append. Out: the image.
     morvend::imglib::MImage image;
     /// An image number of the series, under the name that users of the loader know.
@@ -39,6 +43,8 @@ struct LoaderData {
     QSharedPointer<ImageStatistics> statistics;
     /// Of the region in statisticsData.
     RoiStatistics roiStatistics;
+    /// Made where peakData asks for any.
+    std::optional<ImagePeaks> peaks;
     /// In: shall the pixels be packed too, since nobody may look at them for long?
     bool pack = false;
     /// Out: null where that was not wanted, or saves nothing.

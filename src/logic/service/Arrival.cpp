@@ -12,10 +12,12 @@ void Arrival::show(const LoaderData& load)
 {
     const std::string oldId = _records.syncId();
     _shown = {load.image, load.mask,  load.thumbnail, load.thumbnailMask, load.statistics,
-              load.path,  load.index, load.packed,    load.maxima};
+              load.path,  load.index, load.packed,    load.maxima,        load.seriesPath};
     const bool sameGroup = oldId == _records.syncId();
     _edits.newImage(_shown.image, _shown.index, sameGroup);
     _records.region().takeNumbers(load);
+    _records.foundPeaks().take(load);
+    _records.searchPeaks();
     if (!sameGroup)
         _records.changeGroups(load);
     _records.chooseContrast();

@@ -10,7 +10,11 @@ Records::Records(RecordGroups& groups, ShownImage& shown, HeaderEdits& edits)
     , _contrast(groups.of<ContrastData>(), [this] { emit newContrastSignal(contrast()); })
     , _viewport(groups.of<ViewportData>(), [this] { emit newViewportSignal(viewport()); })
     , _region(groups.of<StatisticsData>(), shown, edits)
-    , _peaks(groups.of<PeakData>(), [this] { emit newPeakSignal(peaks()); })
+    , _foundPeaks(shown)
+    , _peaks(groups.of<PeakData>(), [this] {
+        searchPeaks();
+        emit newPeakSignal(peaks());
+    })
 {}
 
 // A receiver of a signal may set the record again before the signal returns, so what is handed to
@@ -45,8 +49,15 @@ void Records::setViewport(const ViewportData& viewport)
 void Records::setPeaks(const PeakData& peaks)
 {
     _peaks.store(peaks);
+    searchPeaks();
     emit newPeakSignal(peaks);
     _peaks.spreadValue();
+}
+
+void Records::searchPeaks()
+{
+    if (peaks().numberOfPeaks != 0)
+        _foundPeaks.search();
 }
 
 void Records::setDefaultColorTable(const MColorTable* colorTable)

@@ -6,6 +6,7 @@
 
 #include "logic/analysis/statistics/ContrastRange.h"
 #include "logic/records/RecordGroups.h"
+#include "logic/service/ViewPeaks.h"
 #include "logic/service/ViewRegion.h"
 
 #include <QObject>
@@ -31,6 +32,7 @@ public:
     const PeakData& peaks() const { return _peaks.value(); }
     ViewRegion& region() { return _region; }
     const ViewRegion& region() const { return _region; }
+    ViewPeaks& foundPeaks() { return _foundPeaks; }
 
     // Each stores a record, signals it in any case, and hands it to the group when it is new there.
     void setContrast(const ContrastData& contrast);
@@ -45,6 +47,8 @@ public:
     /// As for TarvikService.
     std::string syncId() const;
     void setAdditionalSyncId(const QString& id) { _additionalSyncId = id; }
+    /// Has the maxima of the image searched for if any are shown.
+    void searchPeaks();
     /// Moves the view to the group of the image's size. What the user has not changed since the
     /// request is taken over from the group.
     void changeGroups(const LoaderData& request);
@@ -61,6 +65,7 @@ private:
     ViewRecord<ContrastData> _contrast;
     ViewRecord<ViewportData> _viewport;
     ViewRegion _region;
+    ViewPeaks _foundPeaks;
     ViewRecord<PeakData> _peaks;
     const MColorTable* _defaultColorTable = nullptr;
     QString _additionalSyncId;

@@ -7,13 +7,11 @@
 #include "imagelib/codec/PackedPixels.h"
 #include "imagelib/display/BlockMaxima.h"
 #include "imagelib/image/MImage.h"
-#include "logic/analysis/peaks/ImagePeaks.h"
 #include "logic/analysis/statistics/ImageStatistics.h"
 
 #include <QSharedPointer>
 
 #include <memory>
-#include <optional>
 #include <string>
 
 /// The image of a view with all that was computed for it; empty before the first one.
@@ -38,5 +36,5 @@ struct ShownImage {
     std::shared_ptr<const morvend::codec::PackedPixels> packed;  ///< null where they aren't
     /// Null where they are not wanted, or not there yet.
     std::shared_ptr<const morvend::imglib::BlockMaxima> maxima{};
-    std::optional<ImagePeaks> peaks{};  ///< searched for when first requested
+    std::string seriesPath{};  ///< opens its series; empty for one in memory
 };

@@ -73,6 +73,11 @@ QString TarvikService::imagePath() const
     return QFile::decodeName(QByteArray::fromStdString(_d->shown.path));
 }
 
+QString TarvikService::seriesPath() const
+{
+    return QFile::decodeName(QByteArray::fromStdString(_d->shown.seriesPath));
+}
+
 QString TarvikService::imageDescription() const
 {
     return QString::fromStdString(optionalData().imageDescription().get_value_or(std::string()));
@@ -108,15 +113,9 @@ const ComputedRegion& TarvikService::computedRegion() const
     return _d->records.region().computed();
 }
 
-ImagePeaks TarvikService::imagePeaks()
-{
-    if (!imageLoaded())
-        return {};
-    std::optional<ImagePeaks>& peaks = _d->shown.peaks;
-    if (!peaks)
-        peaks.emplace().setImage(image(), mask());
-    return *peaks;
-}
+ImagePeaks TarvikService::imagePeaks() { return _d->records.foundPeaks().await(); }
+bool TarvikService::peaksPending() const { return _d->records.foundPeaks().pending(); }
+const ImagePeaks& TarvikService::computedPeaks() const { return _d->records.foundPeaks().found(); }
 
 const TarvikService::Header& TarvikService::optionalData() const
 {

@@ -90,6 +90,8 @@ public:
     SeriesState seriesState() const;
     /// The image's file; empty without image or file.
     QString imagePath() const;
+    /// What openImage() takes to open the whole series anew; empty without image or file.
+    QString seriesPath() const;
     /// The header's text about the image; empty if there isn't one.
     QString imageDescription() const;
     /// Null without image.
@@ -109,9 +111,14 @@ public:
     /// The available numbers, without waiting, and their region: an older one
     /// while regionPending().
     const ComputedRegion& computedRegion() const;
-    /// The strongest maxima of the image, empty without one. The first call after a new image
-    /// searches for them.
+    /// The strongest maxima of the image, empty without one. Searched for off this thread while
+    /// peakData() asks for any, else when first requested; waits until they are found: for scripts.
     ImagePeaks imagePeaks();
+    /// True while the maxima of the image are searched for; peaksComputedSignal() follows.
+    bool peaksPending() const;
+    /// The maxima that are there, without waiting: those of the image before while peaksPending(),
+    /// none before the first search.
+    const ImagePeaks& computedPeaks() const;
     /// The header of the current image, edits included.
     const Header& optionalData() const;
     /// The edits that apply to the header of each image of the series.
@@ -297,6 +304,8 @@ signals:
     void newPeakSignal(PeakData data);
     /// Numbers missing at newStatisticsSignal() have arrived.
     void regionComputedSignal();
+    /// Maxima missing at newPeakSignal() have been found.
+    void peaksComputedSignal();
     /// The series was scanned for new images.
     void imageContainerChangedSignal();
     /// listReadAhead() has an answer.

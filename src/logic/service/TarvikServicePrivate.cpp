@@ -17,6 +17,8 @@ TarvikService::TarvikServicePrivate::TarvikServicePrivate(TarvikService& service
     connect(&records, &Records::newContrastSignal, &service, &S::newContrastSignal);
     connect(&records, &Records::newViewportSignal, &service, &S::newViewportSignal);
     connect(&records, &Records::newPeakSignal, &service, &S::newPeakSignal);
+    connect(&records, &Records::newPeakSignal, &service, [this] { packer.looked(); });
+    connect(&records.foundPeaks(), &ViewPeaks::computedSignal, &service, &S::peaksComputedSignal);
     const ViewRegion* region = &records.region();
     connect(region, &ViewRegion::newStatisticsSignal, &service, &S::newStatisticsSignal);
     connect(region, &ViewRegion::newStatisticsSignal, &service, [this] { packer.looked(); });

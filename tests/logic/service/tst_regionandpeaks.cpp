@@ -146,6 +146,28 @@ TEST_F(RegionAndPeaks, ReportOfTheRegionGoesToAFile)
                 testing::ThrowsMessage<std::runtime_error>(nowhere));
 }
 
+TEST_F(RegionAndPeaks, PeaksAreSearchedForOffTheThreadOfTheViewAndComeWithTheNextImages)
+{
+    show(view, spot(5, 2, 9));
+    QSignalSpy found(view, &TarvikService::peaksComputedSignal);
+    PeakData wanted;
+    wanted.numberOfPeaks = 3;
+    view->setPeakData(wanted);
+    EXPECT_TRUE(view->peaksPending());
+    EXPECT_EQ(view->computedPeaks().numberOfPeaks(), 0) << "not while somebody waits";
+    EXPECT_TRUE(found.wait(Patience));
+    EXPECT_FALSE(view->peaksPending());
+    EXPECT_EQ(view->computedPeaks()[0].x, 5);
+    wanted.numberOfPeaks = 5;
+    view->setPeakData(wanted);
+    EXPECT_FALSE(view->peaksPending()) << "they are known";
+    QObject::connect(view, &TarvikService::newPeakSignal, view,
+                     [&] { EXPECT_EQ(view->computedPeaks()[0].x, 2); });
+    show(view, spot(2, 1, 4));
+    EXPECT_EQ(found.size(), 1) << "they came with the image";
+    EXPECT_EQ(view->imagePeaks()[0].x, 2);
+}
+
 TEST_F(RegionAndPeaks, PeaksFollowTheImage)
 {
     show(view, spot(5, 2, 9));

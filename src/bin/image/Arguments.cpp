@@ -147,6 +147,7 @@ const std::vector<Option>& options()
          {Command::Roi},
          true,
          [](A& a, Text value) { setRegion(a, StatisticsData::CentredCircle, "--powder", value); }},
+        {"--series", {Command::Roi}, false, [](A& a, Text) { a.series = true; }},
         {"--at",
          {Command::Geometry},
          true,
@@ -329,6 +330,8 @@ Arguments Arguments::parse(const std::vector<std::string>& words)
     checkHeader(arguments);
     if (arguments.all && arguments.frame)
         throw UsageError("--all and --frame exclude each other");
+    if (arguments.series && arguments.frame)
+        throw UsageError("--series and --frame exclude each other");
     if (arguments.datasets && (arguments.frame || arguments.rawHeader || !arguments.pixels.empty()))
         throw UsageError("--datasets goes with --json alone");
     return arguments;
@@ -342,7 +345,7 @@ std::string Arguments::usage()
        tarvik-image header --undo [--dry-run]
        tarvik-image stats [--json] [--frame N] [--count-at V]... FILE
        tarvik-image peaks [--json] [--frame N] COUNT FILE
-       tarvik-image roi [--json] [--frame N] REGION FILE
+       tarvik-image roi [--json] [--frame N | --series] REGION FILE
        tarvik-image geometry [--json] [--frame N] [--at X,Y]... [--rings N] FILE
        tarvik-image thumbnail [--json] [--frame N] FILE
        tarvik-image play [--frames N] [--no-preloader] FILE
@@ -374,7 +377,10 @@ roi       tells numbers and curves of a region of interest, which is one of
   --box X0,Y0,X1,Y1               the corner X1,Y1 lies outside
   --circle X,Y,R,ANGLE            a spot with its background; a section at ANGLE degrees
   --powder X,Y,INNER,OUTER        mean over the radius around a centre
-  --json        stats, peaks, roi: as one JSON object
+  --series      mean, sum and maximum in each image of the series, a line for each, and of a
+                circle the intensity above its background; "nan" where the mask leaves no
+                pixel or the image can't be read
+  --json        stats, peaks, roi: as one JSON object; with --series one for each image
 geometry  tells what the header says of beam centre, distances and resolutions
   --json        as one JSON object
   --at X,Y      with distance from the beam centre and resolution of a pixel; may be given

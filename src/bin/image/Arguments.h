@@ -55,6 +55,7 @@ struct Arguments {
     std::vector<double> countAt;              // stats: values up to which pixels are counted
     int count = 0;                            // peaks
     StatisticsData region;                    // roi
+    bool series = false;
     // header
     std::vector<std::pair<std::string, float>> values;  // field, value
     bool dryRun = false;

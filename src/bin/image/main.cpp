@@ -12,6 +12,7 @@
 #include "bin/image/Info.h"
 #include "bin/image/Play.h"
 #include "bin/image/Render.h"
+#include "bin/image/SeriesRegion.h"
 #include "bin/image/ThumbnailReport.h"
 #include "imagelib/image/MException.h"
 
@@ -66,7 +67,10 @@ int run(const Arguments& arguments)
     case Arguments::Command::Stats:
     case Arguments::Command::Peaks:
     case Arguments::Command::Roi:
-        tarvik::tool::Analysis(arguments).write(std::cout);
+        if (arguments.series)
+            tarvik::tool::seriesregion::run(arguments, std::cout);
+        else
+            tarvik::tool::Analysis(arguments).write(std::cout);
         break;
     case Arguments::Command::Geometry: {
         const tarvik::tool::GeometryReport report(arguments);

@@ -6,6 +6,7 @@
 #include "gui/kit/FloatingWidget.h"
 #include "gui/panels/RoiPlotter.h"
 #include "gui/panels/RoiSelector.h"
+#include "gui/panels/RoiSeries.h"
 #include "gui/panels/TuneRoi.h"
 #include "logic/output/OutputFiles.h"
 #include "logic/output/OutputJob.h"
@@ -62,6 +63,7 @@ void RoiSideBar::_createContent()
     rows->addWidget(new TuneRoi(_service));
     _createButtons();
     rows->addWidget(_floating);
+    rows->addWidget(new RoiSeries(_service));
     connect(_service, &TarvikService::newStatisticsSignal, this,
             &RoiSideBar::_setWriteButtonEnableState);
     connect(_service, &TarvikService::newStatisticsSignal, this, &RoiSideBar::_setHelpSlot);

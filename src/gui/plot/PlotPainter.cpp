@@ -19,6 +19,12 @@ QFont fontOf(int points) { return {GLOBALSTYLE::fontFamily, points}; }
 
 QString shortText(double value, int digits) { return QString::number(value, 'g', digits); }
 
+/// A whole number is written with all its digits.
+QString xText(const Picture& picture, double x, int digits)
+{
+    return picture.frame.wholeX ? QString::number(x, 'f', 0) : shortText(x, digits);
+}
+
 void paintXTicks(QPainter& painter, const Picture& picture)
 {
     const PlotFrame& frame = picture.frame;
@@ -26,7 +32,7 @@ void paintXTicks(QPainter& painter, const Picture& picture)
     const QFontMetrics metrics(painter.font());
     for (const auto& [pixel, value] : picture.scale.xTicks) {
         painter.drawLine(pixel, bottom, pixel, bottom - 5);
-        const QString text = shortText(value, 4);
+        const QString text = xText(picture, value, 4);
         painter.drawText(pixel - metrics.horizontalAdvance(text) / 2,
                          frame.size.height() - frame.bottom + 16, text);
     }
@@ -64,7 +70,8 @@ void paintReadout(QPainter& painter, const Picture& picture)
     painter.drawLine(point - QPointF(3, 0), point + QPointF(3, 0));
     painter.drawLine(point - QPointF(0, 3), point + QPointF(0, 3));
     painter.setFont(fontOf(12));
-    const QString text = '(' + shortText(x, 3) + ", " + shortText(y, 3) + ')';
+    const QString text =
+        '(' + xText(picture, x, 3) + ", " + shortText(y, picture.frame.wholeX ? 6 : 3) + ')';
     const QFontMetrics metrics(painter.font());
     const PlotFrame& frame = picture.frame;
     painter.drawText(frame.size.width() - frame.right - 4 - metrics.horizontalAdvance(text),
@@ -92,6 +99,30 @@ void paintArrow(QPainter& painter, const Picture& picture, const LeftRightArrow&
     painter.restore();
 }
 
+/// The curve, interrupted where rows are masked; a point between two gaps is a dot.
+void paintRuns(QPainter& painter, const Picture& picture)
+{
+    const auto& graph = picture.scale.graph;
+    for (std::size_t begin = 0; begin < graph.size(); ++begin) {
+        std::size_t end = begin;
+        while (end < graph.size() && !masked(picture.rows[end]))
+            ++end;
+        if (end - begin > 1)
+            painter.drawPolyline(&graph[begin], static_cast<int>(end - begin));
+        else if (end > begin)
+            painter.fillRect(QRectF(graph[begin] - QPointF(1, 1), QSizeF(3, 3)), Qt::white);
+        begin = end;
+    }
+}
+
+void paintMarker(QPainter& painter, const Picture& picture, const QRect& area)
+{
+    painter.setPen(QPen(ReadoutColour, 1, Qt::DashLine));
+    const double x = picture.scale.pixelOf(*picture.marker);
+    painter.drawLine(QPointF(x, area.top() + 1), QPointF(x, area.bottom()));
+    painter.setPen(Qt::white);
+}
+
 }  // namespace
 
 void paint(QPainter& painter, const Picture& picture)
@@ -110,7 +141,12 @@ void paint(QPainter& painter, const Picture& picture)
                              QColor(255, 255, 255, 50));
         }
         painter.setClipRect(area.adjusted(0, 0, 1, 1));
-        painter.drawPolyline(picture.scale.graph.data(), int(picture.scale.graph.size()));
+        if (picture.marker)
+            paintMarker(painter, picture, area);
+        if (frame.wholeX)
+            paintRuns(painter, picture);
+        else
+            painter.drawPolyline(picture.scale.graph.data(), int(picture.scale.graph.size()));
         for (const LeftRightArrow& arrow : picture.arrows)
             paintArrow(painter, picture, arrow);
         painter.setClipping(false);

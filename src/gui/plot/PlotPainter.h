@@ -33,6 +33,7 @@ struct Picture {
     QString xLabel;
     QString yLabel;
     std::vector<LeftRightArrow> arrows;
+    std::optional<double> marker;  ///< an x with a line over the whole height
     std::optional<Readout> readout;
     std::optional<std::pair<double, double>> dragged;  ///< pixels of a range under the mouse
 };

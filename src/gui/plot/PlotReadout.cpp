@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "gui/plot/PlotReadout.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 
@@ -88,6 +89,28 @@ std::optional<Readout> readoutAt(const Rows& rows, const PlotScale& scale, doubl
     for (std::size_t i = found.end; i < graph.size() && std::floor(graph[i].x()) == column; ++i)
         highest = rows[i][1] > rows[highest][1] ? i : highest;
     return ofRow(rows, graph, highest, x);
+}
+
+std::optional<Readout> nearestRow(const Rows& rows, const PlotScale& scale, double x)
+{
+    const Graph& graph = scale.graph;
+    const auto before = [](const QPointF& point, double pixel) { return point.x() < pixel; };
+    const auto right = static_cast<std::size_t>(
+        std::lower_bound(graph.begin(), graph.end(), x, before) - graph.begin());
+    std::optional<std::size_t> nearest;
+    for (std::size_t i = right; i < graph.size() && !nearest; ++i)
+        if (!masked(rows[i]))
+            nearest = i;
+    for (std::size_t i = right; i > 0; --i) {
+        if (masked(rows[i - 1]))
+            continue;
+        if (!nearest || x - graph[i - 1].x() < graph[*nearest].x() - x)
+            nearest = i - 1;
+        break;
+    }
+    if (!nearest)
+        return {};
+    return Readout{graph[*nearest], rows[*nearest][0], rows[*nearest][1]};
 }
 
 }  // namespace plot

@@ -105,7 +105,8 @@ PlotScale::PlotScale(const Rows& rows, const PlotFrame& frame)
     scaleX = last == first ? 0 : frame.plotWidth() / (last - first);
     offsetX = frame.left - scaleX * first;
     for (const double tick : axisTicks(first, last, Ticks))
-        xTicks[rounded(pixelOf(tick))] = tick;
+        if (!frame.wholeX || tick == std::round(tick))
+            xTicks[rounded(pixelOf(tick))] = tick;
 
     const Heights heights(rangeOf(rows), frame);
     yTicks = heights.ticks();

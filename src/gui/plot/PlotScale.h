@@ -28,6 +28,9 @@ struct PlotFrame {
     int topPadding = 0;     ///< free above the highest point
     int bottomPadding = 0;  ///< free below the lowest point
     bool logarithmic = false;
+    /// The x are whole numbers, such as of images: ticks and texts are whole too, masked rows are
+    /// gaps in the curve instead of points on the bottom line, and there is nothing between rows.
+    bool wholeX = false;
 
     int plotWidth() const { return size.width() - left - right; }
     int plotHeight() const { return size.height() - top - bottom; }

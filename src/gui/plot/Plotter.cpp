@@ -96,6 +96,18 @@ void Plotter::addLeftRightArrow(double x1, double x2, const QString& text)
     update();
 }
 
+void Plotter::setWholeX(bool whole)
+{
+    _picture.frame.wholeX = whole;
+    _setPlot(_logBox->isChecked());
+}
+
+void Plotter::setMarker(std::optional<double> x)
+{
+    _picture.marker = x;
+    update();
+}
+
 void Plotter::showRange(std::optional<std::pair<double, double>> range)
 {
     _range = range;
@@ -160,10 +172,14 @@ void Plotter::mousePressEvent(QMouseEvent* event)
         _dragFrom = event->position().x();
     else
         QWidget::mousePressEvent(event);
+    if (event->button() == Qt::LeftButton)
+        _pressedAt = event->globalPosition().toPoint();
 }
 
 void Plotter::mouseReleaseEvent(QMouseEvent* event)
 {
+    if (event->button() == Qt::LeftButton)
+        _clicked(*event);
     if (event->button() != Qt::RightButton || !_dragFrom)
         return QWidget::mouseReleaseEvent(event);
     const double from = *_dragFrom;
@@ -174,6 +190,17 @@ void Plotter::mouseReleaseEvent(QMouseEvent* event)
         return _openMenu(event->globalPosition().toPoint());
     const auto [left, right] = std::minmax(from, dragged->second);
     showRange({{_picture.scale.valueAt(left), _picture.scale.valueAt(right)}});
+}
+
+void Plotter::_clicked(const QMouseEvent& event)
+{
+    const auto from = std::exchange(_pressedAt, std::nullopt);
+    if (!from || !_picture.frame.wholeX || !rect().contains(event.position().toPoint()) ||
+        (event.globalPosition().toPoint() - *from).manhattanLength() >=
+            QApplication::startDragDistance())
+        return;
+    if (const auto row = plot::nearestRow(_picture.rows, _picture.scale, event.position().x()))
+        emit clickedSignal(row->x);
 }
 
 void Plotter::mouseDoubleClickEvent(QMouseEvent*) { showRange({}); }
@@ -209,7 +236,8 @@ void Plotter::_zoom(double factor, double x)
 
 void Plotter::_setCursorInfo(double x)
 {
-    _picture.readout = plot::readoutAt(_picture.rows, _picture.scale, x);
+    const auto readout = _picture.frame.wholeX ? plot::nearestRow : plot::readoutAt;
+    _picture.readout = readout(_picture.rows, _picture.scale, x);
     update();
 }
 
@@ -219,18 +247,18 @@ void Plotter::_openMenu(const QPoint& position)
     QAction* const all = menu.addAction(QStringLiteral("Show All"), [this] { showRange({}); });
     all->setEnabled(_range.has_value());
     menu.addSeparator();
-    menu.addAction(QStringLiteral("Save Plot..."), this, &Plotter::_save)
+    menu.addAction(QStringLiteral("Save Plot..."), this, &Plotter::save)
         ->setEnabled(!_data.empty());
     menu.addAction(QStringLiteral("Copy Values"), this, &Plotter::_copy)
         ->setEnabled(!_data.empty());
     menu.exec(position);
 }
 
-void Plotter::_copy() { QApplication::clipboard()->setText(text()); }
+void Plotter::_copy() { QApplication::clipboard()->setText(_textToSave()); }
 
-void Plotter::_save()
+void Plotter::save()
 {
     plot::Picture picture = _picture;
     picture.readout.reset();
-    plot::askAndSave(this, {picture, palette().color(backgroundRole()), text()});
+    plot::askAndSave(this, {picture, palette().color(backgroundRole()), _textToSave()});
 }

@@ -9,6 +9,7 @@
 #include <QString>
 #include <QWidget>
 
+#include <functional>
 #include <optional>
 #include <utility>
 
@@ -34,6 +35,14 @@ public:
     /// An arrow between two x with a text over it. Texts of neighbours stand at two heights.
     void addLeftRightArrow(double x1, double x2, const QString& text);
 
+    /// The x are whole numbers, such as of images; see plot::PlotFrame. A click then emits
+    /// clickedSignal().
+    void setWholeX(bool whole);
+    /// Marks an x by a line, or none.
+    void setMarker(std::optional<double> x);
+    /// The text that is saved and copied instead of text(); empty for that.
+    void setSavedText(std::function<QString()> text) { _savedText = std::move(text); }
+
     /// Shows a part of the x axis; all without a range or where no two rows are in it.
     void showRange(std::optional<std::pair<double, double>> range);
     /// What is drawn.
@@ -41,7 +50,14 @@ public:
     /// All rows as text, one in a line under the labels; masked ones have a y of 0.
     QString text() const;
 
+    /// Asks for a file and writes the plot as a picture or its text.
+    void save();
+
     QSize sizeHint() const override { return minimumSize(); }
+
+signals:
+    /// The left button was clicked next to the row of this x.
+    void clickedSignal(double x);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -57,16 +73,19 @@ private slots:
     void _setPlot(bool logarithmic);
 
 private:
+    void _clicked(const QMouseEvent& event);
     void _openMenu(const QPoint& position);
-    void _save();
     void _copy();
     void _setCursorInfo(double x);
     void _zoom(double factor, double x);
+    QString _textToSave() const { return _savedText ? _savedText() : text(); }
 
     plot::Rows _data;
     plot::Picture _picture;
     std::optional<std::pair<double, double>> _range;
     std::optional<std::pair<double, double>> _axis;  // first and last x of the last rows
     std::optional<double> _dragFrom;                 // pixel
+    std::optional<QPoint> _pressedAt;                // by the left button, global
+    std::function<QString()> _savedText;
     QCheckBox* _logBox;
 };

@@ -121,6 +121,21 @@ bool MaskFixup::replaces(MImage& image, const ImageStatistics& statistics)
     if (_given.empty() || _fits(image, statistics))
         return false;
     const MImage before = _given;
+    _giveByPixels(image);
+    return _given.identity() != before.identity();
+}
+
+MImage MaskFixup::certain(MImage& image)
+{
+    MImage mask = (*this)(image);
+    if (_given.empty())
+        return mask;
+    _giveByPixels(image);
+    return _given;
+}
+
+void MaskFixup::_giveByPixels(MImage& image)
+{
     if (MImage gaps = morvend::imglib::gapMask(image); gaps.empty()) {
         _giveGoodPixels(image);
     } else {
@@ -128,8 +143,5 @@ bool MaskFixup::replaces(MImage& image, const ImageStatistics& statistics)
             _gaps = sharedGaps(std::move(gaps));
         _given = *_gaps;
     }
-    if (_given.identity() == before.identity())
-        return false;
     image.optionalData().set_pixel_mask(_given);
-    return true;
 }

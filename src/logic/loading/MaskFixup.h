@@ -28,9 +28,14 @@ public:
     /// @returns true if it did: then the statistics are wrong
     bool replaces(MImage& image, const ImageStatistics& statistics);
 
+    /// The right mask without statistics, at the price of a pass over an image without a mask.
+    MImage certain(MImage& image);
+
 private:
     /// True if the statistics show that the mask given last is right.
     bool _fits(const MImage& image, const ImageStatistics& statistics) const;
+    /// Chooses by the pixels of an image without a mask of its own.
+    void _giveByPixels(MImage& image);
     /// Chooses a mask without marks.
     void _giveGoodPixels(const MImage& image);
 

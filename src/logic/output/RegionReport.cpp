@@ -51,12 +51,9 @@ QString sums(const RoiStatistics& numbers, const char* sizeName, double size)
            line("Sigma", numbers.sigma) + line(sizeName, size) + extremes(numbers);
 }
 
-QString circle(const StatisticsData& region, const RoiStatistics& numbers)
+QString circle(const RoiStatistics& numbers)
 {
-    return line("Centre X", region.circleX) + line("Centre Y", region.circleY) +
-           line("Radius X", region.radius) +
-           line("Theta/deg", region.theta * (180 / std::numbers::pi)) +
-           QStringLiteral("# Intensity %1 %2 %3\n")
+    return QStringLiteral("# Intensity %1 %2 %3\n")
                .arg(numbers.intensity)
                .arg(QChar(0xB1))
                .arg(numbers.intensitySigma) +
@@ -66,18 +63,33 @@ QString circle(const StatisticsData& region, const RoiStatistics& numbers)
            QStringLiteral("# Centroid (%1 %2)\n").arg(numbers.centroidX).arg(numbers.centroidY);
 }
 
+QString coordinates(const StatisticsData& region)
+{
+    switch (region.roiType) {
+    case StatisticsData::Line:
+    case StatisticsData::Box:
+        return corners(region);
+    case StatisticsData::Circle:
+        return line("Centre X", region.circleX) + line("Centre Y", region.circleY) +
+               line("Radius X", region.radius) +
+               line("Theta/deg", region.theta * (180 / std::numbers::pi));
+    case StatisticsData::CentredCircle:
+        return line("Inner Radius", region.innerRadius) + line("Outer Radius", region.outerRadius);
+    default:
+        return {};
+    }
+}
+
 QString block(const StatisticsData& region, const RoiStatistics& numbers)
 {
     switch (region.roiType) {
     case StatisticsData::Line:
-        return corners(region) + sums(numbers, "Length", numbers.length);
+        return sums(numbers, "Length", numbers.length);
     case StatisticsData::Box:
-        return corners(region) + sums(numbers, "Area", numbers.area);
-    case StatisticsData::Circle:
-        return circle(region, numbers);
     case StatisticsData::CentredCircle:
-        return line("Inner Radius", region.innerRadius) + line("Outer Radius", region.outerRadius) +
-               sums(numbers, "Area", numbers.area);
+        return sums(numbers, "Area", numbers.area);
+    case StatisticsData::Circle:
+        return circle(numbers);
     default:
         return {};
     }
@@ -118,10 +130,15 @@ QString plot(const std::vector<std::vector<double>>& curve, const std::vector<st
 
 }  // namespace
 
+QString output::regionHead(const QString& path, const StatisticsData& region)
+{
+    return "# " + path + '\n' + (region.roiActive ? coordinates(region) : QString());
+}
+
 QString output::regionReport(const QString& path, const StatisticsData& region,
                              const RoiStatistics& numbers)
 {
-    QString report = "# " + path + '\n';
+    QString report = regionHead(path, region);
     if (!region.roiActive)
         return report;
     report += block(region, numbers);

@@ -2,6 +2,7 @@
 # SPDX-License-Identifier: MIT
 """The numbers that tarvik-image computes, against NumPy and cases worked out by hand."""
 
+import json
 import math
 
 import fabio
@@ -122,6 +123,39 @@ class Region(ToolCase):
         for radius, mean, _ in told["curve"]:
             self.assertAlmostEqual(mean, radius, delta=0.2)
         self.assertEqual(told["curveLabels"], ["Radius/Pixels", "Circle Mean"])
+
+    def test_over_a_series_each_image_has_a_line(self):
+        frames = RANDOM.integers(0, 1000, (40, 30, 40)).astype("u4")
+        mask = numpy.zeros(frame := frames.shape[1:], "u4")
+        path = self.master(frames, {"pixel_mask": mask})
+        lines = run("roi", "--series", "--json", "--box", "5,6,25,16", path).stdout.splitlines()
+        part = frames[:, 6:16, 5:25]
+        self.assertEqual([json.loads(line) for line in lines],
+                         [{"image": i + 1, "mean": one.mean(), "sum": one.sum(),
+                           "maximum": one.max()} for i, one in enumerate(part)])
+        text = run("roi", "--series", "--circle", "20,15,6,0", path).stdout
+        table = numpy.loadtxt(text.splitlines())
+        self.assertEqual(table.shape, (40, 6))
+        self.assertRegex(text, r"(?m)^# Image +Mean +Sum +Maximum +Intensity +Sigma$")
+        single = self.told("roi", "--frame", 7, "--circle=20,15,6,0", path)
+        for column, key in enumerate(("mean", "integral", "maximum", "intensity",
+                                      "intensitySigma"), 1):
+            self.assertAlmostEqual(table[6, column], single[key], delta=1e-6)
+        whole = run("roi", "--series", "--json", "--box", "0,0,9,9",
+                    self.master(frames[:2], {"pixel_mask": numpy.ones(frame, "u4")}))
+        self.assertEqual([json.loads(line) for line in whole.stdout.splitlines()],
+                         [{"image": 1, "masked": True}, {"image": 2, "masked": True}])
+
+    def test_over_a_series_with_a_damaged_image_ends_with_1(self):
+        for number in range(3):
+            self.edf(numpy.full((4, 4), number + 1, "i4"), f"y_{number}.edf")
+        (self.folder / "y_1.edf").write_text("no image")
+        result = run("roi", "--series", "--json", "--box", "0,0,2,2", self.folder / "y_0.edf")
+        self.assertEqual([json.loads(line).get("mean") for line in result.stdout.splitlines()],
+                         [1, None, 3])
+        self.assertEqual(result.returncode, 1)
+        self.assertIn("y_1.edf", result.stderr)
+        self.assertIn("1 of 3 images can't be read\n", result.stderr)
 
     def test_text_for_people_and_a_region_without_bounds(self):
         path = self.edf(numpy.array([[1, 2], [3, 6]], "i4"))

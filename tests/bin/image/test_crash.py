@@ -4,6 +4,7 @@
 
 import os
 import pathlib
+import re
 import signal
 import subprocess
 import time
@@ -26,12 +27,15 @@ def ended(pid):
 
 
 class Crash(ToolCase):
-    def start(self, output="y.cbf"):
-        """A conversion that is at work, the process that works, and the folder of the results."""
+    def write_series(self):
         with h5py.File(self.folder / "x_master.h5", "w") as f:
             # No chunk is written: all pixels have the value that stands for missing ones.
             f.create_dataset("entry/data/data", (5000, 256, 256), "u2", chunks=(1, 256, 256),
                              fillvalue=1)
+
+    def start(self, output="y.cbf"):
+        """A conversion that is at work, the process that works, and the folder of the results."""
+        self.write_series()
         results = pathlib.Path(self.folder / f"results {time.monotonic_ns()}")
         results.mkdir()
         tool = subprocess.Popen([TOOL, "convert", "--all", self.folder / "x_master.h5",
@@ -70,6 +74,25 @@ class Crash(ToolCase):
             for path in results.iterdir():
                 self.assertRegex(path.name, r"^o_\d{5}\.tif$")
                 self.assertEqual(fabio.open(str(path)).data.shape, (256, 256))
+
+    def test_a_region_over_a_series_says_how_far_it_came(self):
+        self.write_series()
+        # The lines of all images are more than a pipe takes: it can't end before it is read.
+        tool = subprocess.Popen([TOOL, "roi", "--series", "--box", "1,1,9,9",
+                                 self.folder / "x_master.h5"], stdout=subprocess.PIPE,
+                                stderr=subprocess.PIPE, text=True)
+        self.addCleanup(tool.communicate)
+        self.addCleanup(tool.kill)
+        lines = [tool.stdout.readline()]
+        tool.terminate()
+        lines += tool.stdout.read().splitlines()
+        error = tool.stderr.read()
+        tool.wait()
+        done = re.fullmatch(r"tarvik-image: Stopped on request after (\d+) of 5000 images\n", error)
+        self.assertTrue(done, error)
+        self.assertEqual((tool.returncode, lines[-1]),
+                         (1, f"# Incomplete: {done[1]} of 5000 images"))
+        self.assertEqual(sum(not line.startswith("#") for line in lines if line), int(done[1]))
 
     def test_its_worker_ends_with_it(self):
         tool, worker, _ = self.start()

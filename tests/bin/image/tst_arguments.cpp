@@ -146,6 +146,7 @@ TEST(ToolArguments, WrongUsageIsToldWithItsReason)
         {"stats a --count-at 1,5", "--count-at"},
         {"stats a --count-at nan", "--count-at"},
         {"convert a b.cbf --all --frame 1", "exclude each other"},
+        {"roi --box 0,0,1,1 --series --frame 1 a", "exclude each other"},
         {"convert a b.edf", "b.edf"},
         {"convert a b", ".tif"},
         {"render a b.jpg", ".png"}};

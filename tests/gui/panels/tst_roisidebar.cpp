@@ -5,10 +5,12 @@
 #include "gui/kit/FloatingWidget.h"
 #include "gui/panels/ResultField.h"
 #include "gui/panels/RoiPlotter.h"
+#include "gui/panels/RoiSeries.h"
 #include "gui/panels/RoiSideBar.h"
 #include "gui/panels/TuneRoi.h"
 #include "gui/plot/Plotter.h"
 #include "tests/gui/render/DrawnImage.h"
+#include "tests/support/EdfFile.h"
 #include "tests/support/HeldRegions.h"
 #include "tests/support/Regions.h"
 #include "tests/support/TempFolder.h"
@@ -17,6 +19,7 @@
 
 #include <QCheckBox>
 #include <QClipboard>
+#include <QComboBox>
 #include <QDoubleSpinBox>
 #include <QFile>
 #include <QFileDialog>
@@ -238,6 +241,87 @@ TEST_F(RoiSideBarTest, TheResultsComeOutAndHome)
     press("Pop Out");
     press("Pop In");
     EXPECT_TRUE(floating.childIsCatched());
+}
+
+/// A series of files, whose images 3, 5 and 6 have no numbers in the region.
+class RoiSeriesTest : public RoiSideBarTest {
+protected:
+    RoiSeriesTest()
+        : series(*bar.findChild<RoiSeries*>())
+    {
+        for (const int number : {1, 2, 3, 4, 5, 7, 8})
+            write(number, number == 5 ? -1 : 10 * number);
+        folder.write("x_3.edf", "no image");
+        view.service->openImage((folder / "x_1.edf").c_str());
+        EXPECT_TRUE(waitFor([&] { return view.service->imageLoaded(); }));
+    }
+    void write(int number, int value) const
+    {
+        using tarvik::tests::writeEdf;
+        writeEdf(folder, "x_" + std::to_string(number) + ".edf", 20,
+                 std::vector<std::int32_t>(400, value));
+    }
+    QComboBox& choice() const { return *series.findChild<QComboBox*>(); }
+    Plotter& plot() const { return *series.findChild<Plotter*>(); }
+    void run()
+    {
+        press("Plot Series");
+        EXPECT_EQ(child<QPushButton>("Stop").isEnabled(), true);
+        ASSERT_TRUE(waitFor([&] { return !series.curve().running(); }));
+        settle();
+    }
+
+    const tarvik::tests::TempFolder folder;
+    RoiSeries& series;
+};
+
+TEST_F(RoiSeriesTest, PlotsTheRegionOverTheImagesWithGaps)
+{
+    EXPECT_FALSE(series.isVisible()) << "without a kind of region";
+    set(regions::box(2, 2, 6, 6));
+    EXPECT_FALSE(plot().isVisible());
+    run();
+    const plot::Rows expected{{1, 10, 0}, {2, 20, 0}, {3, 0, 1},  {4, 40, 0},
+                              {5, 0, 1},  {6, 0, 1},  {7, 70, 0}, {8, 80, 0}};
+    EXPECT_EQ(plot().picture().rows, expected);
+    EXPECT_EQ(plot().picture().marker, 1.0);
+    child<QLabel>("2 of 7 images without numbers");
+    choice().setCurrentText("Sum");
+    EXPECT_EQ(plot().picture().rows[0][1], 160);
+    EXPECT_EQ(plot().picture().yLabel, "Sum");
+    EXPECT_EQ(choice().findText("Intensity"), -1);
+}
+
+TEST_F(RoiSeriesTest, AClickGoesToTheImage)
+{
+    set(regions::box(2, 2, 6, 6));
+    run();
+    const auto click = [this](double x) {
+        const int pixel = int(std::lround(plot().picture().scale.pixelOf(x)));
+        QTest::mouseClick(&plot(), Qt::LeftButton, {}, {pixel, 80});
+    };
+    click(6.8);
+    EXPECT_TRUE(waitFor([&] { return view.service->imageIndex() == 7; }));
+    EXPECT_EQ(plot().picture().marker, 7.0);
+    click(3.2);
+    EXPECT_TRUE(waitFor([&] { return view.service->imageIndex() == 4; }))
+        << "the next with a number";
+    EXPECT_EQ(series.curve().points().size(), 7U) << "the curve stays";
+}
+
+TEST_F(RoiSeriesTest, EndsWithItsRegionAndItsFile)
+{
+    set(regions::circle(10, 10, 4));
+    choice().setCurrentText("Intensity");
+    run();
+    EXPECT_EQ(plot().picture().yLabel, "Intensity");
+    set(regions::circle(10, 10, 5));
+    EXPECT_FALSE(plot().isVisible());
+    EXPECT_FALSE(child<QPushButton>("Save Curve").isEnabled());
+    run();
+    open();
+    EXPECT_TRUE(series.curve().points().empty());
+    EXPECT_FALSE(child<QPushButton>("Plot Series").isEnabled()) << "images without file";
 }
 
 }  // namespace

@@ -208,6 +208,7 @@ RoiStatistics ComputeBoxStatistics::compute(const MImage& image, const MImage& m
         result.integral += row.sum;
     result.minimum = extremes.minimum();
     result.maximum = extremes.maximum();
+    result.weight = static_cast<double>(good);
     if (good != 0) {
         result.mean = result.integral / static_cast<double>(good);
         result.sigma = deviation(squares, static_cast<double>(good), result.mean);

@@ -117,6 +117,7 @@ struct RegionSums : WeightedSums {
     void store(RoiStatistics& result) const
     {
         result.integral = sum;
+        result.weight = weight;
         result.minimum = extremes.minimum();
         result.maximum = extremes.maximum();
         WeightedSums::store(result.mean, result.sigma);

@@ -28,15 +28,20 @@ void checkSize(const StatisticsData& region)
 
 }  // namespace
 
+void RoiComputer::check() const
+{
+    if (_image->width() != _mask->width() || _image->height() != _mask->height())
+        throw MBadParameterException("The mask of a region of interest has another size than its "
+                                     "image");
+    checkSize(_selection);
+}
+
 RoiStatistics RoiComputer::compute() const
 {
     RoiStatistics result;
     if (!_image || !_mask || _image->empty() || _mask->empty() || !_selection.defined)
         return result;
-    if (_image->width() != _mask->width() || _image->height() != _mask->height())
-        throw MBadParameterException("The mask of a region of interest has another size than its "
-                                     "image");
-    checkSize(_selection);
+    check();
     switch (_selection.roiType) {
     case StatisticsData::Line:
         result = ComputeLineStatistics(_selection).compute(*_image, *_mask);

@@ -26,6 +26,10 @@ public:
     /// Lets compute() end early once a stop is requested; the result is then unusable.
     void setStopToken(std::stop_token stop) { _stop = std::move(stop); }
 
+    /// Checks what compute() refuses.
+    /// @throws MBadParameterException
+    void check() const;
+
     /// A default record if image, mask or a defined selection is missing.
     /// @throws MNotImplementedException for a pixel type other than the twelve,
     /// MBadParameterException for a region beyond MostPixels or a mask of another size

@@ -39,4 +39,7 @@ struct RoiStatistics {
     std::vector<double> reflectionPositions;
     std::vector<std::vector<int>> reflectionPixels;
     std::vector<std::string> lineSpotsString;
+    /// Good pixels, each counted by the part of it that belongs to the region; 0 where the mask
+    /// leaves nothing to sum.
+    double weight = 0;
 };

@@ -5,6 +5,7 @@
 #include "logic/analysis/roi/ConnectedComponentLabelling.h"
 #include "logic/analysis/roi/CoveredArea.h"
 #include "logic/analysis/roi/LineReflections.h"
+#include "logic/analysis/roi/RegionNumbers.h"
 #include "logic/analysis/roi/RoiComputer.h"
 #include "tests/logic/analysis/roi/PlainRegions.h"
 #include "tests/support/EveryTarget.h"
@@ -231,6 +232,17 @@ TEST(Regions, OfEveryPixelTypeAreThoseOfTheSameValues)
     std::apply([&](auto... types) { (check(types), ...); }, morvend::datatypes::PixelTypes());
 }
 
+/// The numbers of many images of a size are those of one.
+void expectSameNumbers(RegionNumbers& numbers, const MImage& image, const MImage& mask,
+                       const StatisticsData& region)
+{
+    const RoiStatistics found = numbers.compute(image, mask), one = compute(image, mask, region);
+    for (const auto field : {&RoiStatistics::weight, &RoiStatistics::integral, &RoiStatistics::mean,
+                             &RoiStatistics::maximum, &RoiStatistics::backgroundMean,
+                             &RoiStatistics::intensity, &RoiStatistics::intensitySigma})
+        ASSERT_TRUE(near(found.*field, one.*field)) << found.*field << " and " << one.*field;
+}
+
 /// Random images as narrow as one pixel, as wide as several words of mask bits, and large ones.
 template <class T>
 void compareWithPlainLoops(unsigned int seed)
@@ -250,6 +262,13 @@ void compareWithPlainLoops(unsigned int seed)
         SCOPED_TRACE(testing::Message() << "turn " << turn << ", " << width << " x " << height);
         expectEqual(compute(image, mask, box), reference::box({image, mask}, box));
         expectEqual(compute(image, mask, ring), reference::ring({image, mask}, ring));
+        const StatisticsData circle =
+            regions::circle(in(-5, width + 5), in(-5, height + 5), in(0, 15));
+        for (const StatisticsData& region : {box, ring, circle}) {
+            RegionNumbers numbers(region);
+            expectSameNumbers(numbers, image, mask, region);
+            expectSameNumbers(numbers, randomImage<T>(random, width, height, 100), mask, region);
+        }
     }
 }
 

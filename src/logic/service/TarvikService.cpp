@@ -113,7 +113,7 @@ const ComputedRegion& TarvikService::computedRegion() const
     return _d->records.region().computed();
 }
 
-ImagePeaks TarvikService::imagePeaks() { return _d->records.foundPeaks().await(); }
+ImagePeaks TarvikService::imagePeaks() { return _d->records.foundPeaks().foundNow(); }
 bool TarvikService::peaksPending() const { return _d->records.foundPeaks().pending(); }
 const ImagePeaks& TarvikService::computedPeaks() const { return _d->records.foundPeaks().found(); }
 

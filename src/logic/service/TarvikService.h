@@ -112,7 +112,7 @@ public:
     /// while regionPending().
     const ComputedRegion& computedRegion() const;
     /// The strongest maxima of the image, empty without one. Searched for off this thread while
-    /// peakData() asks for any, else when first requested; waits until they are found: for scripts.
+    /// peakData() asks for any, else here, where they are missing: for scripts.
     ImagePeaks imagePeaks();
     /// True while the maxima of the image are searched for; peaksComputedSignal() follows.
     bool peaksPending() const;

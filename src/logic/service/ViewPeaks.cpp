@@ -2,109 +2,55 @@
 // SPDX-License-Identifier: MIT
 #include "logic/service/ViewPeaks.h"
 
-#include "logic/loading/WorkerPool.h"
-#include "logic/support/Console.h"
+namespace {
 
-#include <atomic>
-#include <condition_variable>
-#include <mutex>
-#include <string>
-#include <utility>
+using morvend::imglib::MImage;
 
-/// One search. Whoever begins it first does it.
-struct ViewPeaks::Search {
-    using MImage = morvend::imglib::MImage;
-
-    Search(MImage image_, MImage mask_, ViewPeaks* receiver_)
-        : image(std::move(image_))
-        , mask(std::move(mask_))
-        , receiver(receiver_)
-    {}
-
-    void run()
-    {
-        if (begun.exchange(true))
-            return;
-        ImagePeaks result;
-        try {
-            result.setImage(image, mask);
-        } catch (const std::exception& error) {
-            console::warn(std::string("WARNING: ") + error.what() + '\n');
-        }
-        const std::lock_guard lock(mutex);
-        peaks = std::move(result);
-        finished = true;
-        ended.notify_all();
-        if (receiver)
-            QMetaObject::invokeMethod(receiver, &ViewPeaks::_announce, Qt::QueuedConnection);
-    }
-
-    const MImage image;
-    const MImage mask;
-    std::atomic<bool> begun = false;
-    std::mutex mutex;  // over all below
-    std::condition_variable ended;
-    ViewPeaks* receiver;  // null when nobody waits any more
-    bool finished = false;
+/// None where that fails, which is reported.
+ImagePeaks peaksOf(const MImage& image, const MImage& mask)
+{
     ImagePeaks peaks;
-};
+    try {
+        peaks.setImage(image, mask);
+    } catch (const std::exception& error) {
+        console::warn(std::string("WARNING: ") + error.what() + '\n');
+    }
+    return peaks;
+}
+
+}  // namespace
 
 ViewPeaks::ViewPeaks(ShownImage& shown)
     : _shown(shown)
+    , _job([this](const ImagePeaks& peaks) {
+        _found = peaks;
+        _known = true;
+        _pending = false;
+        emit computedSignal();
+    })
 {}
-
-ViewPeaks::~ViewPeaks() { _drop(); }
-
-void ViewPeaks::_drop()
-{
-    if (!_search)
-        return;
-    _search->begun = true;  // what runs ends for nobody
-    const std::lock_guard lock(_search->mutex);
-    _search->receiver = nullptr;
-}
 
 void ViewPeaks::take(const LoaderData& load)
 {
-    _drop();
-    _search.reset();
+    _job.cancel();
+    _pending = false;
     _known = load.peaks.has_value();
     _found = load.peaks.value_or(ImagePeaks());
 }
 
 void ViewPeaks::search()
 {
-    if (_known || _search || !_shown.loaded())
+    if (_known || _pending || !_shown.loaded())
         return;
-    _search = std::make_shared<Search>(_shown.whole(), _shown.mask, this);
-    WorkerPool::process().post([search = _search] { search->run(); });
+    _pending = true;
+    _job.ask([image = _shown.whole(), mask = _shown.mask] { return peaksOf(image, mask); });
 }
 
-const ImagePeaks& ViewPeaks::await()
+const ImagePeaks& ViewPeaks::foundNow()
 {
-    search();
-    if (!_search)
-        return _found;
-    _search->run();
-    std::unique_lock lock(_search->mutex);
-    _search->ended.wait(lock, [this] { return _search->finished; });
-    _found = _search->peaks;
-    _known = true;
-    return _found;
-}
-
-void ViewPeaks::_announce()
-{
-    // An event of a search that was dropped may still be on its way.
-    if (!_search)
-        return;
-    {
-        const std::lock_guard lock(_search->mutex);
-        if (!_search->finished)
-            return;
-        _found = std::move(_search->peaks);
+    if (!_known && _shown.loaded()) {
+        _found = peaksOf(_shown.whole(), _shown.mask);
+        _known = true;
     }
-    _known = true;
-    _search.reset();
-    emit computedSignal();
+    return _found;
 }

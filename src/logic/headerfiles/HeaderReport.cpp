@@ -50,10 +50,11 @@ void HeaderReport::changed(const std::string& path, const HeaderChanges& changes
         const auto known = std::find_if(_kinds.begin(), _kinds.end(),
                                         [&](const Kind& each) { return each.name == name; });
         if (known == _kinds.end()) {
-            _kinds.push_back({name, 1, false, change});
+            _kinds.push_back({name, 1, false, change, change});
             continue;
         }
         ++known->files;
+        known->last = change;
         known->differ |= change.before != known->first.before || change.after != known->first.after;
     }
 }
@@ -88,8 +89,10 @@ std::string HeaderReport::text(const std::string& did) const
     std::string text = filesText(_changed) + ' ' + did + (_changed > 0 ? _place() : "") + '\n';
     for (const Kind& kind : _kinds) {
         text += "  " + kind.name + " in " + filesText(kind.files) +
-                (kind.differ ? ", not the same in each; in the first:\n" : ":\n");
+                (kind.differ ? ", the first and the last of which:\n" : ":\n");
         text += differenceText(kind.first, "    ");
+        if (kind.differ)
+            text += differenceText(kind.last, "    ");
     }
     if (_unchanged > 0)
         text += filesText(_unchanged) + " already " + (_unchanged == 1 ? "is" : "are") + " so\n";

@@ -34,6 +34,7 @@ private:
         int files;
         bool differ;  // from file to file
         HeaderChange first;
+        HeaderChange last;
     };
     /// Failures whose reasons differ in numbers only.
     struct Failure {

@@ -22,9 +22,7 @@ namespace {
 bool watching = false;
 int countdown = 0;
 Fault fault = Fault::Refused;
-std::string refusedName;
-int refusedError = 0;
-std::set<std::string> names;
+std::vector<std::string> names;
 
 /// What the function of the system does with these arguments.
 template <class Result, class... Arguments>
@@ -39,11 +37,7 @@ bool fails(const char* name, const std::function<void()>& half = {})
 {
     if (!watching)
         return false;
-    names.insert(name);
-    if (refusedName == name) {
-        errno = refusedError;
-        return true;
-    }
+    names.emplace_back(name);
     if (countdown-- != 0)
         return false;
     if (fault == Fault::KillMidway && half)
@@ -59,7 +53,6 @@ bool fails(const char* name, const std::function<void()>& half = {})
 void begin(int number, Fault what)
 {
     names.clear();
-    refusedName.clear();
     countdown = number;
     fault = what;
     watching = true;
@@ -71,14 +64,7 @@ bool end()
     return countdown < 0;
 }
 
-void refuseAll(const std::string& name, int error)
-{
-    begin(-1, Fault::Refused);
-    refusedName = name;
-    refusedError = error;
-}
-
-const std::set<std::string>& seen() { return names; }
+const std::vector<std::string>& seen() { return names; }
 
 }  // namespace tarvik::tests::faulty
 

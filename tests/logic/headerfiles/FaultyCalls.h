@@ -4,8 +4,8 @@
 // Calls to the system that fail, or are the last ones of a process.
 #pragma once
 
-#include <set>
 #include <string>
+#include <vector>
 
 /// Takes the place of the system's calls that write files. Only what runs after begin() counts.
 /// Those that wait for the disk return at once.
@@ -21,9 +21,7 @@ enum class Fault {
 void begin(int number, Fault fault);
 /// All calls work again. @returns whether there was a call of that number
 bool end();
-/// All calls by this name fail with this error, until end().
-void refuseAll(const std::string& name, int error);
-/// Names of the calls since begin().
-const std::set<std::string>& seen();
+/// Names of the calls since begin(), in their order.
+const std::vector<std::string>& seen();
 
 }  // namespace tarvik::tests::faulty

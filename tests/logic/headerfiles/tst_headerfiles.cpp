@@ -3,6 +3,7 @@
 //
 // Header lines that change in place, in one file and in a series.
 #include "logic/headerfiles/HeaderUndo.h"
+#include "logic/headerfiles/ReplacedFile.h"
 #include "logic/headerfiles/UndoHeadersThread.h"
 #include "logic/headerfiles/WriteHeaderToFilesThread.h"
 #include "tests/support/TempFolder.h"
@@ -14,6 +15,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <sstream>
 
 #include <csignal>
@@ -216,6 +218,28 @@ TEST(HeaderBatch, LeavesAFileToTheProgramThatWritesIt)
     EXPECT_EQ(writeOne(path, journals, report).size(), 1U);
 }
 
+TEST(HeaderBatch, LeavesAFileThatChangesOrVanishesMeanwhile)
+{
+    const TempFolder folder;
+    const std::string path = folder.write("x.cbf", "old");
+    const auto reasonOf = [&](const std::function<void()>& change) -> std::string {
+        ReplacedFile file(path);
+        change();
+        try {
+            file.replace("new");
+        } catch (const std::exception& error) {
+            return error.what();
+        }
+        return {};
+    };
+    EXPECT_THAT(reasonOf([&] { std::ofstream(path, std::ios::app) << "er"; }),
+                testing::HasSubstr("Another program changed this file"));
+    EXPECT_EQ(read(path), "older");
+    EXPECT_THAT(reasonOf([&] { std::filesystem::remove(path); }),
+                testing::HasSubstr("The file vanished"));
+    EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+}
+
 TEST(HeaderBatch, SaysWhenThereIsNoRoom)
 {
     const TempFolder folder, journals;
@@ -334,8 +358,9 @@ TEST_F(Batch, IsShownBeforeAndUndoneAfter)
         EXPECT_EQ(thread.report().text("would change"),
                   "2 files would change in " + folder.path() +
                       "/: x_001.cbf to x_002.cbf\n"
-                      "  Start_angle in 2 files, not the same in each; in the first:\n"
+                      "  Start_angle in 2 files, the first and the last of which:\n"
                       "    -# Start_angle 0 deg\n    +# Start_angle 10 deg\n"
+                      "    -# Start_angle 0 deg\n    +# Start_angle 10.5 deg\n"
                       "  Angle_increment in 2 files:\n    +# Angle_increment 0.5 deg\n");
         EXPECT_EQ(line(1), mode == HeaderBatch::Mode::Write ? "# Start_angle 10 deg"
                                                             : "# Start_angle 0 deg");

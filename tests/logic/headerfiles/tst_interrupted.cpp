@@ -148,6 +148,22 @@ protected:
 
 constexpr int NotReached = 77;
 
+TEST_F(Interrupted, NothingIsReplacedBeforeAllThatItNeedsIsOnTheDisk)
+{
+    make(1, 1000);
+    faulty::begin(-1, Fault::Refused);
+    writeAll();
+    faulty::end();
+    std::string order;
+    for (const std::string& name : faulty::seen())
+        if (name == "pwrite" || name == "write" || name == "rename" || name.ends_with("sync"))
+            order += name + ' ';
+    EXPECT_EQ(order, "pwrite fdatasync fsync "    // the journal and its folder
+                     "pwrite fdatasync "          // its entry
+                     "write fsync rename fsync "  // the file and its folder
+                     "pwrite ");                  // the batch has ended
+}
+
 TEST_F(Interrupted, AtEachCallOfTheSystem)
 {
     make(3, 1000);

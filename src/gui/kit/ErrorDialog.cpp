@@ -21,12 +21,12 @@ namespace {
 
 /// Up to this many are shown by a label, which lays out all its text again for each new one; a
 /// list shows more.
-constexpr int mostInLabel = 20;
+constexpr int MostInLabel = 20;
 
 /// The first ones say most.
-constexpr int mostInList = 10000;
+constexpr int MostInList = 10000;
 
-constexpr int leastWidth = 400;
+constexpr int LeastWidth = 400;
 
 /// Asks for the space that its text needs, in lines no longer than the screen; adjustSize() gives a
 /// window two thirds of the screen at most.
@@ -41,14 +41,14 @@ public:
 
     QSize sizeHint() const override
     {
-        const int most = std::max(screen()->availableSize().width() * 3 / 5, leastWidth);
+        const int most = std::max(screen()->availableSize().width() * 3 / 5, LeastWidth);
         const int wanted = widget()->sizeHint().expandedTo(widget()->minimumSizeHint()).width();
-        const int width = std::clamp(wanted, leastWidth, most);
+        const int width = std::clamp(wanted, LeastWidth, most);
         // A word longer than a line, as a path, gets a scroll bar.
         const int bar = wanted > width ? horizontalScrollBar()->sizeHint().height() : 0;
         return {width, widget()->heightForWidth(width) + bar};
     }
-    QSize minimumSizeHint() const override { return {leastWidth, fontMetrics().lineSpacing()}; }
+    QSize minimumSizeHint() const override { return {LeastWidth, fontMetrics().lineSpacing()}; }
 };
 
 }  // namespace
@@ -103,11 +103,11 @@ void ErrorDialog::_add(const QString& message)
     if (_known.contains(message))
         return;
     ++_count;
-    if (_count <= mostInList) {
+    if (_count <= MostInList) {
         _known.insert(message);
         _list->appendPlainText(message);
     }
-    if (_count > mostInLabel) {
+    if (_count > MostInLabel) {
         _text->setText(QStringLiteral("%1 errors:").arg(_count));
         if (!_list->isHidden())
             return;

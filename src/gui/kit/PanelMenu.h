@@ -15,7 +15,9 @@ public:
     explicit PanelMenu(QWidget* panel, QWidget* parent = nullptr);
 
 protected:
+    // NOLINTBEGIN(bugprone-parent-virtual-call): what a menu does with keys is left out on purpose
     void keyPressEvent(QKeyEvent* event) override { QWidget::keyPressEvent(event); }
     void keyReleaseEvent(QKeyEvent* event) override { QWidget::keyReleaseEvent(event); }
     bool focusNextPrevChild(bool next) override { return QWidget::focusNextPrevChild(next); }
+    // NOLINTEND(bugprone-parent-virtual-call)
 };

@@ -35,7 +35,7 @@ void SaveFileDialog::setExtension(const QString& extension)
 
 QString SaveFileDialog::extension() const { return _filterToExtension.value(selectedNameFilter()); }
 
-void SaveFileDialog::_applyFilterSlot(QString filter)
+void SaveFileDialog::_applyFilterSlot(const QString& filter)
 {
     const QString extension = _filterToExtension.value(filter);
     setDefaultSuffix(extension);

@@ -23,7 +23,7 @@ public:
     QString extension() const;
 
 private slots:
-    void _applyFilterSlot(QString filter);
+    void _applyFilterSlot(const QString& filter);
 
 private:
     QMap<QString, QString> _extensionToFilter;

@@ -33,7 +33,7 @@ SeriesStrip::SeriesStrip(QWidget* parent)
     : QWidget(parent)
 {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    setFixedHeight(fixedHeight);
+    setFixedHeight(FixedHeight);
     setAttribute(Qt::WA_OpaquePaintEvent);
     setFocusPolicy(Qt::NoFocus);
     setAccessibleName(QStringLiteral("Position in the series"));

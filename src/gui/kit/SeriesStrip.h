@@ -22,7 +22,7 @@ class SeriesStrip : public QWidget {
     Q_OBJECT
 public:
     /// In pixels.
-    static constexpr int fixedHeight = 12;
+    static constexpr int FixedHeight = 12;
 
     /// Numbers from first to last, both included.
     struct Run {
@@ -55,8 +55,8 @@ public:
     /// What is said of a number.
     QString textOf(int number) const;
 
-    QSize sizeHint() const override { return {200, fixedHeight}; }
-    QSize minimumSizeHint() const override { return {0, fixedHeight}; }
+    QSize sizeHint() const override { return {200, FixedHeight}; }
+    QSize minimumSizeHint() const override { return {0, FixedHeight}; }
 
 signals:
     /// The hand is at another number: the newest counts.

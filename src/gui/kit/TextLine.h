@@ -15,7 +15,7 @@ class TextLine : public QLabel {
     Q_OBJECT
 public:
     /// For a sentence that is to be read once.
-    static constexpr std::chrono::milliseconds noticeTime{6000};
+    static constexpr std::chrono::milliseconds NoticeTime{6000};
 
     /// @param edge  Qt::TopEdge or Qt::BottomEdge
     /// @param time  a text goes by itself after this; 0 for one that stays

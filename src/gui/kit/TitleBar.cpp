@@ -20,11 +20,11 @@ QColor lighter(const QColor& color)
     return {raised(color.red()), raised(color.green()), raised(color.blue())};
 }
 
-const char* const backgroundStyle =
+const char* const BackgroundStyle =
     "QWidget {background-color: qlineargradient(x1: 0, y1: 0, x2: 0, y2: 1,stop: 0 %1, stop: 1 "
     "%2);}";
 
-const char* const itemStyle =
+const char* const ItemStyle =
     "QPushButton {border: 1px; border-color: rgb(255,100,100); border-radius: "
     "0px;background-color: rgba(0,0,0,0);min-height: 25px; max-height: 25px; min-width: "
     "25px;}"
@@ -51,7 +51,7 @@ TitleBar::TitleBar(QWidget* parent)
     , _itemLayout(new QHBoxLayout)
 {
     setAttribute(Qt::WA_StyledBackground);
-    setFixedHeight(fixedHeight);
+    setFixedHeight(FixedHeight);
     _exitButton->setIcon(svgIcon(QStringLiteral(":icons/checked.svg"), QSize(10, 10)));
     _exitButton->setFocusPolicy(Qt::NoFocus);
     _itemLayout->setContentsMargins(0, 0, 0, 0);
@@ -141,6 +141,6 @@ void TitleBar::_removeAction(const QAction* action)
 void TitleBar::_setStyleSheet(const QColor& background)
 {
     setStyleSheet(
-        QString::fromLatin1(backgroundStyle).arg(lighter(background).name(), background.name()) +
-        QString::fromLatin1(itemStyle).arg(GLOBALSTYLE::fontFamily).arg(12).arg(background.name()));
+        QString::fromLatin1(BackgroundStyle).arg(lighter(background).name(), background.name()) +
+        QString::fromLatin1(ItemStyle).arg(GLOBALSTYLE::fontFamily).arg(12).arg(background.name()));
 }

@@ -18,7 +18,7 @@ class TitleBar : public QWidget {
     Q_OBJECT
 public:
     /// Height in pixels.
-    static constexpr int fixedHeight = 25;
+    static constexpr int FixedHeight = 25;
 
     explicit TitleBar(QWidget* parent = nullptr);
     ~TitleBar() override;

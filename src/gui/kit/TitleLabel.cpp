@@ -21,7 +21,7 @@ void TitleLabel::setFullText(const QString& text)
     _elide();
 }
 
-QSize TitleLabel::sizeHint() const { return {0, TitleBar::fixedHeight}; }
+QSize TitleLabel::sizeHint() const { return {0, TitleBar::FixedHeight}; }
 
 QSize TitleLabel::minimumSizeHint() const { return sizeHint(); }
 

@@ -57,12 +57,12 @@ void work()
 
 }  // namespace
 
-void LaterSettings::set(const QString& key, const QVariant& value)
+void later_settings::set(const QString& key, const QVariant& value)
 {
     change(key, [value](const QVariant&) { return value; });
 }
 
-void LaterSettings::change(const QString& key, std::function<QVariant(const QVariant&)> change)
+void later_settings::change(const QString& key, std::function<QVariant(const QVariant&)> change)
 {
     Queue& all = queue();
     {
@@ -74,7 +74,7 @@ void LaterSettings::change(const QString& key, std::function<QVariant(const QVar
     WorkerPool::process().post(work);
 }
 
-void LaterSettings::finish()
+void later_settings::finish()
 {
     Queue& all = queue();
     std::unique_lock lock(all.mutex);

@@ -11,7 +11,7 @@
 
 /// Writes on a worker, one after the other in the order of the calls. Each write replaces the file
 /// of the settings as a whole, so that a crash leaves the old one or the new one. Thread: any.
-namespace LaterSettings {
+namespace later_settings {
 
 void set(const QString& key, const QVariant& value);
 /// Replaces a value by what is made of the stored one, which another program may have written
@@ -20,4 +20,4 @@ void change(const QString& key, std::function<QVariant(const QVariant&)> change)
 /// Waits until all is written, for a second at most. For the end of the program.
 void finish();
 
-}  // namespace LaterSettings
+}  // namespace later_settings

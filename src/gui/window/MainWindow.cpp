@@ -85,7 +85,7 @@ MainWindow::~MainWindow()
     // As long as the views are there.
     _placeSetting.reset();
     _sessionSetting.reset();
-    LaterSettings::finish();
+    later_settings::finish();
     // Views first, then what they show; none of them may call into a window that is being
     // destroyed.
     for (const SubFrame& frame : _subFrames)
@@ -108,9 +108,9 @@ QList<SubWindow*> MainWindow::subWindows() const
     return windows;
 }
 
-QString MainWindow::openDirectory() const { return OpenDirectory::get(); }
+QString MainWindow::openDirectory() const { return open_directory::get(); }
 
-void MainWindow::setOpenDirectory(const QString& path) { OpenDirectory::set(path); }
+void MainWindow::setOpenDirectory(const QString& path) { open_directory::set(path); }
 
 void MainWindow::openFiles(const QStringList& files, SubWindow* first)
 {
@@ -133,7 +133,7 @@ void MainWindow::openFiles(const QStringList& files, SubWindow* first)
 
 void MainWindow::noteAnswer(const QString& file, bool shown)
 {
-    OpenDirectory::setSoon(file);
+    open_directory::setSoon(file);
     if (shown)
         _actions->recent->add(file);
 }

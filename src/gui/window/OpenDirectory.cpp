@@ -39,7 +39,7 @@ void store(const QString& folder)
 
 }  // namespace
 
-QString OpenDirectory::get()
+QString open_directory::get()
 {
     const QSettings settings;
     const QString folder =
@@ -47,9 +47,9 @@ QString OpenDirectory::get()
     return folder.isEmpty() ? QDir::currentPath() : folder;
 }
 
-void OpenDirectory::set(const QString& path) { store(folderOf(path)); }
+void open_directory::set(const QString& path) { store(folderOf(path)); }
 
-void OpenDirectory::setSoon(const QString& path)
+void open_directory::setSoon(const QString& path)
 {
     static std::atomic<unsigned int> last{0};
     WorkerPool::process().post([path, number = ++last] {

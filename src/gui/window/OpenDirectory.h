@@ -7,7 +7,7 @@
 #include <QString>
 
 /// Remembered among the user's settings under "ImageDirectory".
-namespace OpenDirectory {
+namespace open_directory {
 
 /// The remembered folder, or that of a remembered file; the current folder if neither exists.
 QString get();
@@ -16,4 +16,4 @@ void set(const QString& path);
 /// The same on a worker, for a file system that may not answer. The last call counts.
 void setSoon(const QString& path);
 
-}  // namespace OpenDirectory
+}  // namespace open_directory

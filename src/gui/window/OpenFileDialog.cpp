@@ -16,7 +16,7 @@ OpenFileDialog::OpenFileDialog(QWidget* parent)
     setFileMode(ExistingFiles);
     setViewMode(List);
     setNameFilters(imageFilters());
-    setDirectory(OpenDirectory::get());
+    setDirectory(open_directory::get());
 }
 
 QStringList OpenFileDialog::choose()
@@ -26,7 +26,7 @@ QStringList OpenFileDialog::choose()
     const QPointer<OpenFileDialog> self(this);
     if (exec() != Accepted || !self)
         return {};
-    OpenDirectory::set(directory().absolutePath());
+    open_directory::set(directory().absolutePath());
     return selectedFiles();
 }
 

@@ -46,7 +46,7 @@ void RecentFiles::add(const QString& file)
         return;
     _files = withFile(_files, file);
     _exists[file] = true;
-    LaterSettings::change(SettingsKey, [file](const QVariant& stored) {
+    later_settings::change(SettingsKey, [file](const QVariant& stored) {
         return QVariant(withFile(stored.toStringList(), file));
     });
 }

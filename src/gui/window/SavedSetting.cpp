@@ -39,5 +39,5 @@ void SavedSetting::_save()
     if (!value.isValid() || value == _written)
         return;
     _written = value;
-    LaterSettings::set(_key, value);
+    later_settings::set(_key, value);
 }

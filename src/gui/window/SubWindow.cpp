@@ -56,7 +56,7 @@ void SubWindow::_connectService()
     connect(_service, &TarvikService::waitingSignal, new TextLine(_imageDrawer, Qt::BottomEdge),
             &TextLine::say);
     connect(_service, &TarvikService::noticeSignal,
-            new TextLine(_imageDrawer, Qt::TopEdge, TextLine::noticeTime), &TextLine::say);
+            new TextLine(_imageDrawer, Qt::TopEdge, TextLine::NoticeTime), &TextLine::say);
 }
 
 SubWindow::~SubWindow() { emit aboutToTerminate(this); }

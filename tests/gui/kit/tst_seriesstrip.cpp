@@ -24,7 +24,7 @@ TEST(SeriesStripTest, EachNumberHasItsColumnsAndEachColumnItsNumber)
                                                    {100, 399, 300}}) {
         SCOPED_TRACE(last);
         SeriesStrip strip;
-        strip.resize(width, SeriesStrip::fixedHeight);
+        strip.resize(width, SeriesStrip::FixedHeight);
         strip.setSeries(first, last);
         EXPECT_EQ(strip.numberAt(-5), first);
         EXPECT_LE(strip.numberAt(width + 5), last);
@@ -42,7 +42,7 @@ TEST(SeriesStripTest, EachNumberHasItsColumnsAndEachColumnItsNumber)
 TEST(SeriesStripTest, TheHandAsksForEachNumberOnceAndTheWheelForSteps)
 {
     SeriesStrip strip;
-    strip.resize(100, SeriesStrip::fixedHeight);
+    strip.resize(100, SeriesStrip::FixedHeight);
     strip.setSeries(1, 10);
     strip.show();
     settle();
@@ -79,14 +79,14 @@ TEST(SeriesStripTest, TheHandAsksForEachNumberOnceAndTheWheelForSteps)
 TEST(SeriesStripTest, ShowsWhatIsHeldMissingAndFailedAmongAMillion)
 {
     SeriesStrip strip;
-    strip.resize(1000, SeriesStrip::fixedHeight);
+    strip.resize(1000, SeriesStrip::FixedHeight);
     strip.setSeries(1, 1'000'000);
     strip.setPosition(500'001);
     strip.setHeld({{100'001, 200'000}});
     strip.setMissing({{300'001, 400'000}});
     strip.setFailed({{700'123, "x.cbf: <b>cut</b>"}});
     const QImage picture = strip.grab().toImage();
-    const auto at = [&](int x) { return picture.pixelColor(x, SeriesStrip::fixedHeight / 2); };
+    const auto at = [&](int x) { return picture.pixelColor(x, SeriesStrip::FixedHeight / 2); };
     const QColor present = at(50);
     EXPECT_GT(at(150).blue(), present.blue());
     EXPECT_LT(at(350).lightness(), present.lightness());

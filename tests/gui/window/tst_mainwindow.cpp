@@ -368,7 +368,7 @@ TEST_F(MainWindowTest, ActionsAndShortcutsOpenViewsUnlessTheToolBarIsHidden)
 
 TEST_F(MainWindowTest, TheOpenDialogOpensAllMarkedFilesTheFirstInTheActiveView)
 {
-    OpenDirectory::set(QString::fromStdString(_folder.path()));
+    open_directory::set(QString::fromStdString(_folder.path()));
     const auto choose = [this](const QList<int>& numbers, bool closing = false) {
         QTimer::singleShot(0, _window.get(), [this, numbers, closing] {
             if (closing)

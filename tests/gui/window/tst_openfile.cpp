@@ -42,26 +42,26 @@ TEST(OpenDirectoryTest, IsTheRememberedFolderAsLongAsItExists)
     const QString path = QString::fromStdString(folder.path());
     const QString file = QString::fromStdString(folder.write("x_00001.cbf", "x"));
     QSettings().remove("ImageDirectory");
-    EXPECT_EQ(OpenDirectory::get(), QDir::currentPath());
+    EXPECT_EQ(open_directory::get(), QDir::currentPath());
 
-    OpenDirectory::set(file);
+    open_directory::set(file);
     EXPECT_EQ(QSettings().value("ImageDirectory").toString(), path);
-    EXPECT_EQ(OpenDirectory::get(), path);
-    OpenDirectory::set(path + "/missing/x.cbf");
-    EXPECT_EQ(OpenDirectory::get(), path) << "what does not exist is ignored";
+    EXPECT_EQ(open_directory::get(), path);
+    open_directory::set(path + "/missing/x.cbf");
+    EXPECT_EQ(open_directory::get(), path) << "what does not exist is ignored";
     for (const QString& soon : {QDir::rootPath(), file + "::/entry/data", QDir::rootPath(), path})
-        OpenDirectory::setSoon(soon);
+        open_directory::setSoon(soon);
     EXPECT_TRUE(waitFor([] {
         const auto pool = WorkerPool::process().usage();
         return pool.busy + pool.queued == 0;
     }));
-    EXPECT_EQ(OpenDirectory::get(), path) << "the last one counts";
+    EXPECT_EQ(open_directory::get(), path) << "the last one counts";
 
     QSettings().setValue("ImageDirectory", file);
-    EXPECT_EQ(OpenDirectory::get(), path) << "a path that turned into a file gives its folder";
+    EXPECT_EQ(open_directory::get(), path) << "a path that turned into a file gives its folder";
     for (const QString& gone : {path + "/gone", QString()}) {
         QSettings().setValue("ImageDirectory", gone);
-        EXPECT_EQ(OpenDirectory::get(), QDir::currentPath());
+        EXPECT_EQ(open_directory::get(), QDir::currentPath());
     }
 }
 
@@ -70,7 +70,7 @@ TEST(OpenFileDialogTest, StartsInTheOpenDirectoryAndRemembersWhereFilesWereChose
     const tarvik::tests::TempFolder folder;
     const QString file = QString::fromStdString(folder.write("x_00001.cbf", "x"));
     const QString other = QString::fromStdString(folder.write("y_00001.cbf", "y"));
-    OpenDirectory::set(QDir::rootPath());
+    open_directory::set(QDir::rootPath());
     OpenFileDialog dialog(nullptr);
     EXPECT_EQ(dialog.directory(), QDir::root());
     EXPECT_EQ(dialog.fileMode(), QFileDialog::ExistingFiles);
@@ -83,7 +83,7 @@ TEST(OpenFileDialogTest, StartsInTheOpenDirectoryAndRemembersWhereFilesWereChose
         QTest::keyClick(name, Qt::Key_Return);
     });
     EXPECT_EQ(dialog.choose(), QStringList({file, other}));
-    EXPECT_EQ(OpenDirectory::get(), QFileInfo(file).absolutePath());
+    EXPECT_EQ(open_directory::get(), QFileInfo(file).absolutePath());
 
     OpenFileDialog cancelled(nullptr);
     QTimer::singleShot(0, &cancelled, [&cancelled] {
@@ -91,7 +91,7 @@ TEST(OpenFileDialogTest, StartsInTheOpenDirectoryAndRemembersWhereFilesWereChose
         cancelled.reject();
     });
     EXPECT_TRUE(cancelled.choose().isEmpty());
-    EXPECT_EQ(OpenDirectory::get(), QFileInfo(file).absolutePath());
+    EXPECT_EQ(open_directory::get(), QFileInfo(file).absolutePath());
 }
 
 }  // namespace

@@ -84,6 +84,14 @@ take fitted
 stop
 
 start "${frames[0]}"
+click 1143 46  # Tools
+take view-panel
+# The arrow beside the choice of a contrast.
+click 1057 555
+take contrast-ranges
+stop
+
+start "${frames[0]}"
 click 600 500
 key ctrl+p
 take export-name

@@ -143,10 +143,8 @@ void Histogram::_createLayout()
     rows->addSpacing(10);
     auto* choices = new QHBoxLayout;
     choices->setSpacing(5);
-    auto* range = new RangeChoice(_service);
-    range->setStyleSheet(SmallText);
     choices->addWidget(_autoButton);
-    choices->addWidget(range);
+    choices->addWidget(new RangeChoice(_service));
     choices->addStretch();
     rows->addLayout(choices);
     rows->addSpacing(10);

@@ -20,6 +20,15 @@ RangeChoice::RangeChoice(TarvikService* service, QWidget* parent)
     , _parts(new QActionGroup(this))
     , _followBox(new QCheckBox(QStringLiteral("Follow")))
 {
+    // The window has sheets for the tool buttons of its bars.
+    setStyleSheet(QStringLiteral(
+        "QWidget {font-size: 10pt;}"
+        "QToolButton {background-color: rgb(75,75,75); border: 1px solid rgb(110,110,110); "
+        "border-radius: 2px; padding: 3px 20px 2px 6px; margin: 0px;}"
+        "QToolButton:hover {background-color: rgb(95,95,95);}"
+        "QToolButton:disabled {color: rgb(130,130,130);}"
+        "QToolButton::menu-button {width: 14px; border: none; "
+        "border-left: 1px solid rgb(110,110,110);}"));
     auto* menu = new QMenu(_button);
     _button->setMenu(menu);
     _button->setPopupMode(QToolButton::MenuButtonPopup);

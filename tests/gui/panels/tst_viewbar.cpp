@@ -96,6 +96,23 @@ TEST_F(ViewBarTest, ZonesAreDraggedAndLit)
     EXPECT_EQ(histogram.cursor().shape(), Qt::ArrowCursor);
 }
 
+TEST_F(ViewBarTest, LevelsStopAtEachOtherAndAtTheBorders)
+{
+    const QPoint between = (at(50) + at(10)) / 2;
+    const int distance = at(50).x() - at(10).x();
+    mouse::drag(histogram, Qt::LeftButton, between, {between + QPoint(400, 0)});
+    EXPECT_EQ(contrast().foreground, histogram.model().span().maximum);
+    EXPECT_NEAR(histogram.model().foreground() - histogram.model().background(), distance, 1)
+        << "the background does not run on alone";
+    const double background = contrast().background;
+    const QPoint foreground(308, 100);
+    mouse::drag(histogram, Qt::LeftButton, foreground, {foreground - QPoint(400, 0)});
+    EXPECT_EQ(contrast().foreground, background + 1e-6);
+    EXPECT_EQ(contrast().background, background);
+    mouse::drag(histogram, Qt::LeftButton, {35, 30}, {{200, 30}});
+    EXPECT_EQ(contrast().background, background) << "above the zones";
+}
+
 TEST_F(ViewBarTest, ADragEndsWhereTheMouseLeaves)
 {
     const QPoint start(at(50) + QPoint(4, 0));

@@ -25,8 +25,10 @@ void readMarks(const MImage& mask, int row, Marks& marks)
 {
     datatypes::dispatchPixelType(mask.type(), mask.typeBits(), [&]<class M>() {
         const M* const from = mask.pixels<M>() + static_cast<std::size_t>(row) * marks.size();
-        std::transform(from, from + marks.size(), marks.begin(),
-                       [](M mark) { return static_cast<std::uint8_t>(maskValue(mark)); });
+        std::uint8_t* const to = marks.data();
+        const std::size_t size = marks.size();
+        for (std::size_t i = 0; i < size; ++i)
+            to[i] = static_cast<std::uint8_t>(maskValue(from[i]));
     });
 }
 
@@ -58,12 +60,14 @@ public:
     void add(const T* pixels, const Marks& marks)
     {
         T* const largest = _largest.get();
+        const std::uint8_t* const mark = marks.data();
         for (std::size_t x = 0; x < _width; ++x) {
-            const bool good = isGood(marks[x]);
-            const T value = good ? pixels[x] : Lowest;
+            const T value = isGood(mark[x]) ? pixels[x] : Lowest;
             largest[x] = value > largest[x] ? value : largest[x];
-            _good[x] = static_cast<std::uint8_t>(_good[x] | static_cast<std::uint8_t>(good));
         }
+        std::uint8_t* const good = _good.data();
+        for (std::size_t x = 0; x < _width; ++x)
+            good[x] = isGood(mark[x]) ? 1 : good[x];
     }
     /// @returns whether there is a good pixel
     bool ofBlock(std::size_t begin, std::size_t end, T& result) const
@@ -109,7 +113,14 @@ void reduce(const MImage& image, const MImage* mask, int side, MImage& result, M
                 columns.add(line);
             }
         }
-        for (std::size_t x = 0; x < width; x += length, ++to, ++toMark) {
+        std::size_t x = 0;
+        for (; side == 2 && x + 1 < width; x += 2, ++to, ++toMark) {
+            const bool good = columns.ofBlock(x, x + 2, *to);
+            *toMark = good ? 0 : first[x];
+            if (!good)
+                *to = pixels[x];
+        }
+        for (; x < width; x += length, ++to, ++toMark) {
             const bool good = columns.ofBlock(x, std::min(x + length, width), *to);
             *toMark = good ? 0 : first[x];
             if (!good)

@@ -2,7 +2,7 @@
 # looked for.
 find_program(TARVIK_HELP_PYTHON NAMES python3 PATHS /usr/bin NO_DEFAULT_PATH REQUIRED)
 set(help ${PROJECT_BINARY_DIR}/Resources/tarvik_doc)
-file(GLOB_RECURSE help_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/*.md)
+file(GLOB_RECURSE help_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/*.md ${PROJECT_SOURCE_DIR}/docs/images/*.png)
 add_custom_command(OUTPUT ${help}/index.html
     COMMAND ${TARVIK_HELP_PYTHON} ${PROJECT_SOURCE_DIR}/tools/make-help.py ${PROJECT_SOURCE_DIR}/docs ${help}
     DEPENDS ${PROJECT_SOURCE_DIR}/tools/make-help.py ${help_sources}

@@ -6,11 +6,12 @@
     make-help.py DOCS FOLDER
 
 Turns the user's part of DOCS (the list PAGES) into HTML in FOLDER, with index.html as the first page.
-Links between these pages hold; of links to other files the text stays. Exits with 1 where a link
-within the pages leads nowhere. Needs Debian's python3-markdown."""
+Links between these pages hold, pictures are copied; of links to other files the text stays. Exits with 1 where a link
+or a picture within the pages leads nowhere. Needs Debian's python3-markdown."""
 import html
 import pathlib
 import re
+import shutil
 import sys
 
 import markdown
@@ -22,7 +23,7 @@ PAGES = ["user/views.md", "display.md", "user/tarvik-image.md", "formats/series.
 STYLE = """
 body { margin: 0; display: flex; font: 16px/1.5 sans-serif; background: #fff; color: #222; }
 nav { position: sticky; top: 0; align-self: flex-start; padding: 1.5em; min-width: 13em; }
-main { max-width: 52em; padding: 0.5em 2em 4em; min-width: 0; }
+img { max-width: 100%; } main { max-width: 52em; padding: 0.5em 2em 4em; min-width: 0; }
 nav a { display: block; padding: 0.15em 0; } a { color: #1464dc; text-decoration: none; }
 a:hover { text-decoration: underline; } nav .here { font-weight: bold; color: inherit; }
 table { border-collapse: collapse; margin: 1em 0; } td, th { border: 1px solid #ccc; padding: 0.3em 0.6em; text-align: left; vertical-align: top; }
@@ -58,14 +59,27 @@ def linked(body, docs, page, broken):
     return re.sub(r'<a href="([^"]*)">(.*?)</a>', lead, body, flags=re.DOTALL)
 
 
+def pictured(body, docs, page, pictures, broken):
+    """Leads pictures to copies beside the pages."""
+
+    def lead(match):
+        source = ((docs / page).parent / match.group(2)).resolve()
+        if not source.is_relative_to(docs) or not source.exists():
+            broken.append(f"{page}: {match.group(2)}")
+        pictures.add(source)
+        return f'{match.group(1)}src="{source.name}"'
+
+    return re.sub(r'(<img [^>]*?)src="([^"]*)"', lead, body)
+
+
 def main(docs, folder):
     texts = {page: (docs / page).read_text(encoding="utf-8") for page in PAGES}
-    bodies, broken = {}, []
+    bodies, broken, pictures = {}, [], set()
     for page, text in texts.items():
         # The converter wants a blank line before a list, which other readers don't.
         text = re.sub(r"(?m)^(?!- |\s)(.+)\n(?=- )", r"\1\n\n", text)
         body = markdown.markdown(text, extensions=["tables", "fenced_code", "toc"])
-        bodies[page] = linked(body, docs, page, broken)
+        bodies[page] = pictured(linked(body, docs, page, broken), docs, page, pictures, broken)
     for page, body in bodies.items():
         for other, place in re.findall(r'<a href="([^"#]*)#([^"]+)"', body):
             there = next(p for p in PAGES if target(p) == other)
@@ -74,6 +88,8 @@ def main(docs, folder):
     if broken:
         sys.exit("Links that lead nowhere:\n" + "\n".join(broken))
     folder.mkdir(parents=True, exist_ok=True)
+    for picture in pictures:
+        shutil.copy(picture, folder)
     for page, body in bodies.items():
         contents = "".join(
             f'<a href="{target(other)}"{" class=here" if other == page else ""}>{html.escape(title(text))}</a>'

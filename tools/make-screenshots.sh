@@ -5,6 +5,7 @@
 # make-screenshots.sh [BUILD [OUT]]: pictures of the viewer at work, on generated data and a virtual
 # screen, into OUT (screenshots/ in the build folder). BUILD is the build folder (build/ci).
 # docs/images holds some of them, made smaller: convert X.png -resize 900x600 +dither -colors 40 X.png
+# and of the panel its column: convert view-panel.png -crop 346x704+832+60 +repage +dither -colors 100 view-panel.png
 # Needs xvfb, xdotool and ImageMagick, of which packaging/debian-packages.txt has all.
 set -euo pipefail
 here=$(cd "$(dirname "$0")/.." && pwd)
@@ -83,7 +84,8 @@ key ctrl+0
 take fitted
 stop
 
-start "${frames[0]}"
+# A window that remembers no place stands where these clicks go.
+XDG_CONFIG_HOME=$work/fresh start "${frames[0]}"
 click 1143 46  # Tools
 take view-panel
 # The arrow beside the choice of a contrast.

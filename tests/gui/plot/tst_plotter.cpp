@@ -109,4 +109,26 @@ TEST_F(PlotterTest, IsSavedAsPictureDrawingAndText)
     EXPECT_TRUE(plot::bytesOf(saved, "svg").contains("<polyline"));
 }
 
+TEST_F(PlotterTest, OfWholeNumbersHasGapsAndIsClicked)
+{
+    plotter.setPlot({{9998, 2, 0}, {9999, 3, 0}, {10000, 0, 1}, {10001, 5, 0}, {10002, 7, 0}}, 0, 0,
+                    "Image", "Mean");
+    const auto drawing = [this] {
+        return plot::bytesOf({plotter.picture(), Qt::black, {}}, "svg");
+    };
+    const auto joined = drawing().count("<polyline");
+    plotter.setWholeX(true);
+    EXPECT_EQ(drawing().count("<polyline"), joined + 1) << "one on each side of the gap";
+    EXPECT_TRUE(drawing().contains("10000")) << "all digits";
+    QTest::mouseMove(&plotter, at(10000.2));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return plotter.picture().readout.has_value(); }));
+    EXPECT_EQ(plotter.picture().readout->x, 10001);
+    std::vector<double> clicked;
+    QObject::connect(&plotter, &Plotter::clickedSignal, [&](double x) { clicked.push_back(x); });
+    QTest::mouseClick(&plotter, Qt::LeftButton, {}, at(9999.3));
+    QTest::mousePress(&plotter, Qt::LeftButton, {}, at(9999));
+    QTest::mouseRelease(&plotter, Qt::LeftButton, {}, at(10001));
+    EXPECT_EQ(clicked, std::vector<double>{9999}) << "a drag is no click";
+}
+
 }  // namespace

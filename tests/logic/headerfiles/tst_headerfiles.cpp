@@ -34,6 +34,14 @@ const std::string Head = "###CBF: VERSION 1.5\r\n_array_data.header_contents\r\n
 const std::string Tail =
     std::string("\r\n;\r\n# Wavelength 9 A\r\nbinary \x0c\x1a\x04\xd5\0;\n#", 38);
 
+std::string join(std::initializer_list<std::string_view> pieces)
+{
+    std::string text;
+    for (const std::string_view piece : pieces)
+        text += piece;
+    return text;
+}
+
 std::string read(const std::string& path)
 {
     std::ostringstream text;
@@ -151,10 +159,11 @@ TEST(HeaderBatch, RefusesWhatItWouldDamage)
              {std::string("###CBF\r\n\0", 9) + block, "no header text"},
              {"###CBF\r\n_array_data.header_contents\r\n# Wavelength 1 A\r\n;\r\n;\r\n",
               "no opening mark"},
-             {"###CBF\r\n_array_data.header_contents\r\n;\r\n# Wavelength 1 A\r\n" + binary + ";",
+             {join({"###CBF\r\n_array_data.header_contents\r\n;\r\n", binary, ";"}),
               "no closing mark"},
-             {Head + "# Detector: a; b\r\n# Wavelength 1 A" + Tail, "semicolon within a line"},
-             {"###CBF\r\n" + block + binary + "123456789", "9 of 10 bytes"}}) {
+             {join({Head, "# Detector: a; b\r\n# Wavelength 1 A", Tail}),
+              "semicolon within a line"},
+             {join({"###CBF\r\n", block, binary, "123456789"}), "9 of 10 bytes"}}) {
         const TempFolder folder, journals;
         const std::string path = folder.write("x.cbf", row.content);
         HeaderReport report;
@@ -264,7 +273,7 @@ TEST(HeaderUndo, PutsBackBatchByBatchAndRefusesWhatHasChanged)
     const TempFolder folder, journals;
     std::vector<std::string> paths;
     for (const char* name : {"a.cbf", "b.cbf", "c.cbf"})
-        paths.push_back(folder.write(name, Head + "# Wavelength 1 A" + Tail));
+        paths.push_back(folder.write(name, join({Head, "# Wavelength 1 A", Tail})));
     HeaderReport report;
     for (const std::string& path : paths)  // a batch each
         writeOne(path, journals, report);

@@ -9,6 +9,7 @@
 #include "gui/window/About.h"
 #include "gui/window/ControlBar.h"
 #include "gui/window/HalvoWidget.h"
+#include "gui/window/LaterSettings.h"
 #include "gui/window/MainWindow.h"
 #include "gui/window/MainWindowActions.h"
 #include "gui/window/OpenFileDialog.h"
@@ -27,7 +28,6 @@
 #include <QDesktopServices>
 #include <QDir>
 #include <QFileInfo>
-#include <QSettings>
 #include <QUrl>
 
 namespace {
@@ -244,7 +244,7 @@ void MainWindow::_setHalvoMonitorHost(const QString& host, int port, double minP
 void MainWindow::_setKeyboardShortcutMode(bool on)
 {
     _keyboardShortcutMode = on;
-    QSettings().setValue(QStringLiteral("KeyboardShortcutMode"), on);
+    later_settings::set(QStringLiteral("KeyboardShortcutMode"), on);
     // The release that would end a drag no longer reaches the view.
     if (SubWindow* active = activeSubWindow(); active && !on)
         active->subWindowEventControl()->endDrag();

@@ -45,6 +45,7 @@ void RecentFiles::add(const QString& file)
     if (!_files.isEmpty() && _files.first() == file)
         return;
     _files = withFile(_files, file);
+    _exists.removeIf([this](const auto& each) { return !_files.contains(each.key()); });
     _exists[file] = true;
     later_settings::change(SettingsKey, [file](const QVariant& stored) {
         return QVariant(withFile(stored.toStringList(), file));

@@ -6,6 +6,7 @@
 #include "gui/kit/SaveFileDialog.h"
 #include "gui/render/ImageDrawerMain.h"
 #include "gui/window/ExportDialog.h"
+#include "gui/window/LaterSettings.h"
 #include "gui/window/SubWindow.h"
 #include "logic/output/OutputFiles.h"
 #include "logic/output/OutputJob.h"
@@ -48,7 +49,7 @@ Target askForTarget(QWidget* parent, const QStringList& extensions, const QStrin
 
 void rememberDirectory(const QString& key, const QString& file)
 {
-    QSettings().setValue(key, QFileInfo(file).absolutePath());
+    later_settings::set(key, QFileInfo(file).absolutePath());
 }
 
 QStringList pictureFormats()

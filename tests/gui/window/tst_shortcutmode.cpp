@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Keys and drags of the keyboard shortcut mode, as a user makes them.
+#include "gui/window/LaterSettings.h"
 #include "imagelib/display/MColorTable.h"
 #include "tests/gui/window/MainWindowTest.h"
 
@@ -53,10 +54,12 @@ TEST_F(ShortcutModeTest, EscSwitchesTheModeAndItIsRemembered)
     EXPECT_FALSE(_window->keyboardShortcutMode());
     QTest::keyClick(_view, Qt::Key_Escape);
     EXPECT_TRUE(_window->keyboardShortcutMode() && keys()->isChecked());
+    later_settings::finish();
     const MainWindow next(_core, true, true);
     EXPECT_TRUE(next.keyboardShortcutMode());
     _window->disableKeyboardShortcuts();
     EXPECT_FALSE(_window->keyboardShortcutMode());
+    later_settings::finish();
     EXPECT_FALSE(QSettings().value("KeyboardShortcutMode").toBool());
 }
 

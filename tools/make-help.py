@@ -17,7 +17,7 @@ import sys
 import markdown
 
 # In the order of the contents; the first one is index.html.
-PAGES = ["user/views.md", "display.md", "user/tarvik-image.md", "formats/series.md", "formats/header-keys.md",
+PAGES = ["user/views.md", "user/python.md", "display.md", "user/tarvik-image.md", "formats/series.md", "formats/header-keys.md",
          "formats/cbf.md", "formats/tiff.md", "formats/edf.md", "formats/hdf5.md"]
 
 STYLE = """

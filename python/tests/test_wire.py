@@ -49,7 +49,7 @@ class KeptFrames(unittest.TestCase):
         _, items = wire.decode(frame("list.frame"))
         self.assertEqual(items[0], wire.Pixel(1.5, -2, (1, 2, 3, 4)))
         self.assertEqual(items[1], wire.Line(1, 2, 3, 4.25))
-        self.assertEqual(items[2], wire.String(9, 8, b"peak \xc3\xa4", (9, 8, 7, 6)))
+        self.assertEqual(items[2], wire.Text(9, 8, b"peak \xc3\xa4", (9, 8, 7, 6)))
         self.assertEqual(items[3], wire.Ellipse(1, 2, 3, 4, 0.5))
 
 

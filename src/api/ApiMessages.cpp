@@ -50,7 +50,15 @@ ApiRequest ApiRequest::parse(const std::string& text)
             first = readRequest(xml);
     }
     // A text that is no document to its end holds no request.
-    return first && !xml.hasError() ? *first : ApiRequest();
+    ApiRequest none;
+    if (xml.hasError())
+        none.fault = QStringLiteral("the request is no XML document: line %1, column %2: %3")
+                         .arg(xml.lineNumber())
+                         .arg(xml.columnNumber())
+                         .arg(xml.errorString());
+    else if (!first)
+        none.fault = QStringLiteral("the document holds no element \"request\"");
+    return none.fault.isEmpty() ? *first : none;
 }
 
 std::string apiReply(const ApiResult& result)
@@ -64,6 +72,8 @@ std::string apiReply(const ApiResult& result)
             break;
         xml.writeEmptyElement(QString::fromLatin1(element));
         xml.writeAttribute(QStringLiteral("value"), value);
+        if (element[0] == 'e' && !result.reason.isEmpty())
+            xml.writeAttribute(QStringLiteral("reason"), writable(result.reason));
     }
     xml.writeEndElement();
     reply.remove(QLatin1Char('\n')).remove(QLatin1Char('\r'));

@@ -9,11 +9,13 @@
 
 #include <string>
 
-/// A request, empty and for the object 0 where the text is no document or holds none.
+/// A request, empty and for the object 0 where the text is no document or holds none; `fault` says
+/// why then.
 struct ApiRequest {
     quint64 object = 0;  ///< 0 is the application itself
     QString command;
     QList<QString> arguments;
+    QString fault{};
 
     /// Any bytes: entities are not expanded beyond a bound, nothing is fetched, and depth costs no
     /// stack.
@@ -24,9 +26,13 @@ struct ApiRequest {
 struct ApiResult {
     bool success = false;
     QString text;
+    QString reason{};  ///< of a failure, in words, where the text does not say it
 
     static ApiResult of(const QString& text = {}) { return {true, text}; }
-    static ApiResult failure(const QString& text = {}) { return {false, text}; }
+    static ApiResult failure(const QString& text = {}, const QString& reason = {})
+    {
+        return {false, text, reason};
+    }
 };
 
 /// A reply: one line, ended by a line feed.

@@ -5,6 +5,9 @@
 #include "logic/support/Assert.h"
 
 #include <QCoreApplication>
+#include <QDeadlineTimer>
+
+#include <algorithm>
 
 QString ObjectTable::id(const QObject* object)
 {
@@ -64,10 +67,16 @@ bool ObjectTable::contains(QObject* object) const
     return _mutexMap.contains(object);
 }
 
-void ObjectTable::waitUntilGone(QObject* object, const std::function<bool()>& givenUp)
+bool ObjectTable::waitUntilGone(QObject* object, std::chrono::milliseconds timeout,
+                                const std::function<bool()>& givenUp)
 {
-    constexpr unsigned long Look = 200;  // milliseconds
+    constexpr std::chrono::milliseconds Look{200};
+    const QDeadlineTimer end(timeout);
     const std::lock_guard lock(_waitMutex);
-    while (contains(object) && !givenUp())
-        _waitCondition.wait(&_waitMutex, Look);
+    while (contains(object)) {
+        if (end.hasExpired() || givenUp())
+            return false;
+        _waitCondition.wait(&_waitMutex, std::min(end, QDeadlineTimer(Look)));
+    }
+    return true;
 }

@@ -8,6 +8,7 @@
 #include <QRecursiveMutex>
 #include <QWaitCondition>
 
+#include <chrono>
 #include <functional>
 #include <map>
 #include <memory>
@@ -47,9 +48,10 @@ public:
     /// Nothing if the object is not in the table.
     std::optional<Hold> hold(QObject* object);
     bool contains(QObject* object) const;
-    /// Waits until an object has left the table, or `givenUp` says true, which is asked several
-    /// times a second.
-    void waitUntilGone(QObject* object, const std::function<bool()>& givenUp);
+    /// Waits until an object has left the table, for that time at most, or until `givenUp` says
+    /// true, which is asked several times a second. @returns true if the object is gone
+    bool waitUntilGone(QObject* object, std::chrono::milliseconds timeout,
+                       const std::function<bool()>& givenUp);
 
 private:
     mutable QRecursiveMutex _mapMutex;

@@ -58,6 +58,19 @@ bool setArgument(Argument& argument, const QString& text)
     return true;
 }
 
+/// Why a slot can't be called so, empty if it can.
+QString fault(const QMetaMethod& method, const QString& command, int given)
+{
+    const QString name = QString::fromLatin1(method.name());
+    if (name != command)
+        return QStringLiteral("the method is called %1").arg(name);
+    if (method.parameterCount() > MostParameters || method.parameterCount() > given + 1)
+        return QStringLiteral("%1 arguments instead of those of %2")
+            .arg(given)
+            .arg(QString::fromLatin1(method.methodSignature()));
+    return {};
+}
+
 bool makeResult(Argument& argument)
 {
     if (argument.type == "int*")
@@ -108,15 +121,16 @@ ApiResult callSlot(QObject& object, const QString& command, const QList<QString>
         return ApiResult::failure(QStringLiteral("NoMethod"));
     const int parameters = method->parameterCount();
     const auto given = static_cast<int>(arguments.size());
-    if (QString::fromLatin1(method->name()) != command || parameters > MostParameters ||
-        parameters > given + 1)
-        return ApiResult::failure();
+    if (const QString why = fault(*method, command, given); !why.isEmpty())
+        return ApiResult::failure({}, why);
     std::array<Argument, MostParameters> values;
     for (int i = 0; i < parameters; ++i) {
         Argument& value = values[static_cast<std::size_t>(i)];
         value.type = method->parameterTypeName(i);
         if (i < given ? !setArgument(value, arguments[i]) : !makeResult(value))
-            return ApiResult::failure();
+            return ApiResult::failure({}, QStringLiteral("argument %1 of %2 is missing")
+                                              .arg(i + 1)
+                                              .arg(QString::fromLatin1(method->methodSignature())));
     }
 
     ApiResult result;

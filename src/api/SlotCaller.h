@@ -14,7 +14,8 @@ class QObject;
 /// and drawing lists. A pointer to int, quint64, double or QString that follows the arguments is
 /// the result.
 ///
-/// Fails with "NoMethod" without such a slot; with an empty text if the command is not its whole
-/// name or the number of arguments is not that of its parameters; with what an exception says.
+/// Fails with "NoMethod" without such a slot; with an empty text and a reason if the command is not
+/// its whole name or the number of arguments is not that of its parameters; with what an exception
+/// says.
 /// The object must stay alive; thread: any but the object's.
 ApiResult callSlot(QObject& object, const QString& command, const QList<QString>& arguments);

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "api/TarvikInterface.h"
 
+#include "api/LoadOutcome.h"
 #include "api/SlotCaller.h"
 #include "api/UserWait.h"
 #include "api/ViewAnswers.h"
@@ -15,6 +16,8 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 
+#include <algorithm>
+#include <exception>
 #include <memory>
 
 using namespace std::chrono_literals;
@@ -26,6 +29,13 @@ constexpr auto Look = 500ms;
 /// For the image or drawing list that belongs to a request.
 constexpr auto MessagePatience = 60s;
 
+/// For a load that is under way when a script sends the next image.
+constexpr std::chrono::milliseconds LoadPatience = 5s;
+
+ApiResult timeout() { return ApiResult::failure(QStringLiteral("Timeout")); }
+
+ApiResult noMethod() { return ApiResult::failure(QStringLiteral("NoMethod")); }
+
 ApiResult noObject() { return ApiResult::failure(QStringLiteral("NoObject")); }
 
 ApiResult idOrFailure(const QObject* object)
@@ -35,11 +45,30 @@ ApiResult idOrFailure(const QObject* object)
 
 bool flag(const QList<QString>& arguments, qsizetype i) { return arguments.value(i).toInt() != 0; }
 
-/// Calls on the object's thread and waits.
+/// Calls on the object's thread and waits. What the call throws is thrown here.
 template <class Call>
 void onGui(QObject* object, Call&& call)
 {
-    QMetaObject::invokeMethod(object, std::forward<Call>(call), Qt::BlockingQueuedConnection);
+    std::exception_ptr thrown;
+    const auto guarded = [&] {
+        try {
+            call();
+        } catch (...) {
+            thrown = std::current_exception();
+        }
+    };
+    QMetaObject::invokeMethod(object, guarded, Qt::BlockingQueuedConnection);
+    if (thrown)
+        std::rethrow_exception(thrown);
+}
+
+/// The time that a request gives to a wait, in milliseconds: its first argument.
+std::chrono::milliseconds timeOf(const ApiRequest& request)
+{
+    constexpr std::chrono::milliseconds NoEnd = 24h * 365;
+    if (request.arguments.isEmpty())
+        return NoEnd;
+    return std::chrono::milliseconds(std::max(0, request.arguments[0].toInt()));
 }
 
 }  // namespace
@@ -106,13 +135,22 @@ void TarvikInterface::_serve(MMessageQueue& queue, MMessageQueue::Peer peer)
                 result = _sendCommand(request);
             } catch (const morvend::MTimeoutException&) {
                 result = ApiResult::failure(QStringLiteral("NoMessage"));
+            } catch (const morvend::MPeerGoneException&) {
+                throw;
+            } catch (const std::exception& error) {
+                result = ApiResult::failure(QString::fromUtf8(error.what()));
             }
+            if (!request.fault.isEmpty())
+                result.reason = request.fault;
             queue.sendTo(peer, apiReply(result));
             if (result.success && _answerImage)
                 queue.sendTo(peer, *_answerImage);
         }
     } catch (const morvend::MPeerGoneException&) {
-        // The next client finds the windows of this one by no number, but the user keeps them.
+        // The user keeps the windows, and the next client finds them by their numbers.
+    } catch (const std::exception& error) {
+        console::warn(std::string("WARNING: a script was left: ") + error.what() + "\n");
+        queue.disconnect(peer);
     }
     _image = MImage();
     _answerImage.reset();
@@ -146,16 +184,25 @@ ApiResult TarvikInterface::_sendCommand(const ApiRequest& request)
         return idOrFailure(_openSubFrame(object, flag(request.arguments, 0)));
     if (is("close"))
         return _close(object);
-    if (is("waitForClose")) {
-        _objects.waitUntilGone(object, _clientGone);
-        return ApiResult::of();
-    }
+    if (is("waitForClose"))
+        return _objects.waitUntilGone(object, timeOf(request), _clientGone) ? ApiResult::of()
+                                                                            : timeout();
     if (UserWait::knows(request.command))
         return _waitForUser(request, object);
     if (viewanswers::find(request.command))
         return _askView(request, object);
+    if (is("loadImage"))
+        _letLoad(object);
     const auto hold = _objects.hold(object);
     return hold ? callSlot(*object, request.command, request.arguments) : noObject();
+}
+
+void TarvikInterface::_letLoad(QObject* view)
+{
+    ApiRequest wait;
+    wait.command = QStringLiteral("waitForImage");
+    wait.arguments.append(QString::number(LoadPatience.count()));
+    _waitForUser(wait, view);
 }
 
 ApiResult TarvikInterface::_openMainFrame(const QList<QString>& arguments)
@@ -219,17 +266,16 @@ ApiResult TarvikInterface::_waitForUser(const ApiRequest& request, QObject* obje
         const auto hold = _objects.hold(object);
         auto* const view = hold ? qobject_cast<SubWindow*>(object) : nullptr;
         if (!view)
-            return noObject();
+            return hold ? noMethod() : noObject();
         onGui(view, [&] { wait = new UserWait(request.command, *view, answer); });
     }
-    const auto time = std::chrono::milliseconds(request.arguments.value(0).toInt());
-    const auto result = answer->wait(request.arguments.isEmpty() ? 24h : time, _clientGone);
+    const auto result = answer->wait(timeOf(request), _clientGone);
     if (result)
         return *result;
     // Its view may be going right now, which only its own thread can know.
     QMetaObject::invokeMethod(
         _core, [wait] { delete wait.data(); }, Qt::QueuedConnection);
-    return ApiResult::failure(QStringLiteral("Timeout"));
+    return timeout();
 }
 
 ApiResult TarvikInterface::_askView(const ApiRequest& request, QObject* object)
@@ -239,7 +285,7 @@ ApiResult TarvikInterface::_askView(const ApiRequest& request, QObject* object)
         const auto hold = _objects.hold(object);
         auto* const view = hold ? qobject_cast<SubWindow*>(object) : nullptr;
         if (!view)
-            return hold ? ApiResult::failure(QStringLiteral("NoMethod")) : noObject();
+            return hold ? noMethod() : noObject();
         std::optional<ApiAnswer> answer;
         onGui(view, [&] {
             if (!viewanswers::pending(request.command, *view))
@@ -255,7 +301,11 @@ ApiResult TarvikInterface::_askView(const ApiRequest& request, QObject* object)
     }
 }
 
-void TarvikInterface::_attach(SubWindow* window) { _attachObject(window); }
+void TarvikInterface::_attach(SubWindow* window)
+{
+    LoadOutcome::follow(*window);
+    _attachObject(window);
+}
 
 void TarvikInterface::_attachObject(QObject* object)
 {

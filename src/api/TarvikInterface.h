@@ -53,6 +53,9 @@ private:
     ApiResult _openMainFrame(const QList<QString>& arguments);
     QObject* _openMainFrame(const QSize& size, bool glsl, bool hideToolBar, bool disableClose);
     QObject* _openSubFrame(QObject* parent, bool hideToolButtons);
+    /// Waits a while until a view is done with the image before: one that is sent faster than it
+    /// can be shown must not pile up images.
+    void _letLoad(QObject* view);
     ApiResult _close(QObject* object);
     ApiResult _waitForUser(const ApiRequest& request, QObject* object);
     ApiResult _askView(const ApiRequest& request, QObject* object);

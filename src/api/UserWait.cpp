@@ -2,15 +2,18 @@
 // SPDX-License-Identifier: MIT
 #include "api/UserWait.h"
 
+#include "api/LoadOutcome.h"
 #include "api/ViewAnswers.h"
 #include "gui/render/ImageDrawerMain.h"
 #include "gui/window/SubWindow.h"
 #include "logic/service/TarvikService.h"
+#include "logic/support/PacedCalls.h"
 
 #include <QApplication>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QMouseEvent>
+#include <QTimer>
 
 #include <algorithm>
 #include <cmath>
@@ -60,10 +63,6 @@ UserWait::UserWait(const QString& command, SubWindow& view, std::shared_ptr<Answ
 {
     const TarvikService* service = view.service();
     if (command == QLatin1String(ForImage)) {
-        connect(service, &TarvikService::newImageSignal, this, &UserWait::_endIfLoaded,
-                Qt::QueuedConnection);
-        connect(service, &TarvikService::imageLoadErrorSignal, this,
-                [this](const QString& message) { _end(ApiResult::failure(message)); });
         _endIfLoaded();
         return;
     }
@@ -89,11 +88,27 @@ void UserWait::_end(const ApiResult& result)
 
 void UserWait::_endIfLoaded()
 {
+    // No signal says that the loader's job has ended, which comes after its image.
+    constexpr int Look = 5;
     if (_view.service()->loading())
-        return;
-    _end(_view.service()->imageLoaded()
-             ? viewanswers::find(QStringLiteral("viewInfo"))(_view).result
-             : ApiResult::failure(QStringLiteral("NoImage")));
+        return QTimer::singleShot(Look, this, &UserWait::_endIfLoaded);
+    // Its image is a queued call by now, and then waits for its turn among those of all views.
+    QMetaObject::invokeMethod(
+        this, [this] { PacedCalls::ofThisProcess().call(this, [this] { _loaded(); }); },
+        Qt::QueuedConnection);
+}
+
+void UserWait::_loaded()
+{
+    const QString failure = LoadOutcome::failure(_view);
+    if (_view.service()->loading())
+        _endIfLoaded();
+    else if (!failure.isNull())
+        _end(ApiResult::failure(failure));
+    else if (_view.service()->imageLoaded())
+        _end(viewanswers::find(QStringLiteral("viewInfo"))(_view).result);
+    else
+        _end(ApiResult::failure(QStringLiteral("NoImage")));
 }
 
 bool UserWait::eventFilter(QObject*, QEvent* event)

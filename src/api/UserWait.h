@@ -19,8 +19,8 @@
 class SubWindow;
 
 /// Ends with a click into the image, with the end of a drawn region, or when no image is being
-/// loaded. Lives in the view, on the GUI thread, and fails with it; another thread waits for the
-/// end.
+/// loaded any more. Lives in the view, on the GUI thread, and fails with it; another thread waits
+/// for the end.
 class UserWait : public QObject {
     Q_OBJECT
 public:
@@ -49,7 +49,9 @@ protected:
 
 private:
     void _end(const ApiResult& result);
+    /// Ends it if no image is on its way, but not before all that has come is shown.
     void _endIfLoaded();
+    void _loaded();
 
     SubWindow& _view;
     std::shared_ptr<Answer> _answer;

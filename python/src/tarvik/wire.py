@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 """Messages to frames and back. The form of the bytes is that of docs/protocols/queue.md.
 
-A text is bytes, an image an Image, a drawing list a list of Pixel, Line, String and Ellipse.
+A text is bytes, an image an Image, a drawing list a list of Pixel, Line, Text and Ellipse.
 Decoding trusts nothing: whatever does not follow the protocol is a WireError.
 """
 
@@ -10,6 +10,15 @@ from __future__ import annotations
 
 import dataclasses
 import struct
+from collections.abc import Sequence
+from typing import TYPE_CHECKING, Any, TypeAlias
+
+if TYPE_CHECKING:
+    import numpy
+    import numpy.typing
+
+Bytes: TypeAlias = bytes | bytearray | memoryview
+Colour: TypeAlias = tuple[int, int, int, int]
 
 MAGIC = b"TVMQ"
 VERSION = 1
@@ -55,20 +64,20 @@ class Image:
     height: int = 0
     type: int = 0
     bits: int = 0
-    pixels: object = b""
-    header: dict = dataclasses.field(default_factory=dict)
-    tree: dict = dataclasses.field(default_factory=dict)
+    pixels: Bytes = b""
+    header: dict[str, Any] = dataclasses.field(default_factory=dict)
+    tree: dict[str, tuple[Any, dict[str, Any]]] = dataclasses.field(default_factory=dict)
 
     @property
-    def size(self):
+    def size(self) -> int:
         return self.width * self.height * self.bits // 8
 
-    def view(self):
+    def view(self) -> memoryview:
         """The pixels as a flat memoryview of numbers."""
         flat = memoryview(self.pixels).cast("B")
         return flat[: self.size].cast(PIXEL_FORMATS[self.type, self.bits])
 
-    def array(self):
+    def array(self) -> numpy.typing.NDArray[Any]:
         """The pixels as a NumPy array of height rows, not copied."""
         import numpy
 
@@ -76,16 +85,17 @@ class Image:
             self.height, self.width)
 
     @classmethod
-    def from_array(cls, array, header=None):
+    def from_array(cls, array: numpy.typing.NDArray[Any],
+                   header: dict[str, Any] | None = None) -> Image:
         """An image of a two-dimensional NumPy array."""
         import numpy
 
         kinds = {"b": 1, "u": 3, "i": 4, "f": 5}
-        kind, bits = kinds.get(array.dtype.kind), array.dtype.itemsize * 8
+        kind, bits = kinds.get(array.dtype.kind, 0), array.dtype.itemsize * 8
         if array.ndim != 2 or (kind, bits) not in PIXEL_FORMATS:
             raise WireError(f"no image: {array.ndim} dimensions of {array.dtype}")
         array = numpy.ascontiguousarray(array, dtype=array.dtype.newbyteorder("<"))
-        return cls(array.shape[1], array.shape[0], kind, bits, memoryview(array).cast("B")
+        return cls(array.shape[1], array.shape[0], kind, bits, memoryview(array.data).cast("B")
                    if array.size else b"", dict(header or {}))
 
 
@@ -93,7 +103,7 @@ class Image:
 class Pixel:
     x: float
     y: float
-    colour: tuple = (255, 255, 255, 255)
+    colour: Colour = (255, 255, 255, 255)
 
 
 @dataclasses.dataclass
@@ -102,15 +112,15 @@ class Line:
     y_begin: float
     x_end: float
     y_end: float
-    colour: tuple = (255, 255, 255, 255)
+    colour: Colour = (255, 255, 255, 255)
 
 
 @dataclasses.dataclass
-class String:
+class Text:
     x: float
     y: float
-    text: bytes
-    colour: tuple = (255, 255, 255, 255)
+    text: bytes | str
+    colour: Colour = (255, 255, 255, 255)
 
 
 @dataclasses.dataclass
@@ -120,46 +130,51 @@ class Ellipse:
     rx: float
     ry: float
     rotation: float
-    colour: tuple = (255, 255, 255, 255)
+    colour: Colour = (255, 255, 255, 255)
 
 
-PRIMITIVES = [(Pixel, 2), (Line, 4), (String, 2), (Ellipse, 5)]
+Primitive: TypeAlias = Pixel | Line | Text | Ellipse
+Message: TypeAlias = str | Bytes | Image | Sequence[Primitive]
+Received: TypeAlias = bytes | Image | list[Primitive]
+
+PRIMITIVES: list[tuple[type[Primitive], int]] = [(Pixel, 2), (Line, 4),
+                                                 (Text, 2), (Ellipse, 5)]
 
 
 class Reader:
     """Takes values from the front of a row of bytes."""
 
-    def __init__(self, data):
+    def __init__(self, data: Bytes) -> None:
         self.data = memoryview(data).cast("B")
 
-    def take(self, size):
+    def take(self, size: int) -> memoryview:
         if size > len(self.data):
             raise WireError(f"a message ends early: {size} bytes wanted, {len(self.data)} left")
         front, self.data = self.data[:size], self.data[size:]
         return front
 
-    def get(self, form):
+    def get(self, form: str) -> Any:
         return struct.unpack("<" + form, self.take(struct.calcsize("<" + form)))[0]
 
-    def text(self):
+    def text(self) -> bytes:
         return bytes(self.take(self.get("I")))
 
-    def count(self, least):
-        items = self.get("I")
+    def count(self, least: int) -> int:
+        items = int(self.get("I"))
         if items > len(self.data) // least:
             raise WireError(f"{items} items are announced in {len(self.data)} bytes")
         return items
 
-    def end(self):
+    def end(self) -> None:
         if self.data:
             raise WireError(f"{len(self.data)} bytes too many in a message")
 
 
-def encode_head(kind, meta, bulk, number, descriptors=0):
+def encode_head(kind: int, meta: int, bulk: int, number: int, descriptors: int = 0) -> bytes:
     return HEAD.pack(MAGIC, VERSION, kind, descriptors, meta, bulk, number)
 
 
-def decode_head(data):
+def decode_head(data: Bytes) -> tuple[int, int, int, int, int]:
     """Returns (kind, descriptors, bytes of the description, bytes of inline data, number)."""
     if len(data) < HEAD.size:
         raise WireError("a frame without a head")
@@ -175,12 +190,12 @@ def decode_head(data):
     return kind, descriptors, meta, bulk, number
 
 
-def _text(data):
-    data = data.encode() if isinstance(data, str) else bytes(data)
-    return struct.pack("<I", len(data)) + data
+def _text(data: str | Bytes) -> bytes:
+    raw = data.encode() if isinstance(data, str) else bytes(data)
+    return struct.pack("<I", len(raw)) + raw
 
 
-def _encode_value(value):
+def _encode_value(value: Any) -> bytes:
     if value is None:
         return b"\0"
     if isinstance(value, (bool, int)):
@@ -196,7 +211,7 @@ def _encode_value(value):
     return struct.pack("<BI", tag, len(items)) + b"".join(items)
 
 
-def _decode_value(data):
+def _decode_value(data: Reader) -> Any:
     tag = data.get("B")
     if tag == 0:
         return None
@@ -214,19 +229,19 @@ def _decode_value(data):
 class InlineArrays:
     """Puts all pixels into the frame itself."""
 
-    def __init__(self):
-        self.bulk = []
+    def __init__(self) -> None:
+        self.bulk: list[Bytes] = []
         self.size = 0
-        self.descriptors = []
+        self.descriptors: list[int] = []
 
-    def place(self, pixels):
+    def place(self, pixels: memoryview) -> bytes:
         offset = self.size
         self.bulk.append(pixels)
         self.size += len(pixels)
         return PLACE.pack(INLINE, NOT_KEPT, 0, 0, -1, 0, offset)
 
 
-def _encode_image(image, arrays, is_mask=False):
+def _encode_image(image: Image, arrays: InlineArrays, is_mask: bool = False) -> bytes:
     if image.size == 0:
         place = PLACE.pack(NOWHERE, NOT_KEPT, 0, 0, -1, 0, 0)
     else:
@@ -256,17 +271,18 @@ def _encode_image(image, arrays, is_mask=False):
 class NoArrays:
     """The pixels that a frame only names, for a frame that stands alone: there are none."""
 
-    def outside(self, place, size):
+    def outside(self, place: tuple[int, int, int, int], size: int) -> memoryview:
         raise WireError("pixels outside of a frame that stands alone")
 
-    def kept(self, number):
+    def kept(self, number: int) -> Bytes:
         raise WireError(f"the kept array {number} was never sent")
 
-    def keep(self, number, pixels):
+    def keep(self, number: int, pixels: Bytes) -> None:
         pass
 
 
-def _decode_pixels(data, bulk, source, width, height, kind, bits):
+def _decode_pixels(data: Reader, bulk: memoryview, source: NoArrays, width: int, height: int,
+                   kind: int, bits: int) -> Bytes:
     place, keep, _, number, descriptor, _, offset = PLACE.unpack(data.take(PLACE.size))
     if kind == 0:
         if width or height or bits or place != NOWHERE:
@@ -282,7 +298,7 @@ def _decode_pixels(data, bulk, source, width, height, kind, bits):
     if place == INLINE:
         if offset > len(bulk) or size > len(bulk) - offset:
             raise WireError("pixels beyond the end of their message")
-        pixels = bulk[offset: offset + size]
+        pixels: Bytes = bulk[offset: offset + size]
     elif place in (SEGMENT, OWN_FILE):
         pixels = source.outside((place, number, descriptor, offset), size)
     elif place == KEPT:
@@ -298,7 +314,8 @@ def _decode_pixels(data, bulk, source, width, height, kind, bits):
     return pixels
 
 
-def _decode_image(data, bulk, source, is_mask=False):
+def _decode_image(data: Reader, bulk: memoryview, source: NoArrays,
+                  is_mask: bool = False) -> Image:
     width, height = data.get("i"), data.get("i")
     kind, bits, _ = data.get("B"), data.get("B"), data.get("H")
     image = Image(width, height, kind, bits)
@@ -321,14 +338,14 @@ def _decode_image(data, bulk, source, is_mask=False):
     return image
 
 
-def _encode_list(items):
+def _encode_list(items: Sequence[Primitive]) -> bytes:
     out = [struct.pack("<I", len(items))]
     for item in items:
         for number, (kind, numbers) in enumerate(PRIMITIVES):
             if isinstance(item, kind):
                 values = dataclasses.astuple(item)[:numbers]
                 out.append(struct.pack(f"<B4B{numbers}d", number, *item.colour, *values))
-                if kind is String:
+                if isinstance(item, Text):
                     out.append(_text(item.text))
                 break
         else:
@@ -336,22 +353,22 @@ def _encode_list(items):
     return b"".join(out)
 
 
-def _decode_list(data):
-    items = []
+def _decode_list(data: Reader) -> list[Primitive]:
+    items: list[Primitive] = []
     for _ in range(data.count(21)):
         number = data.get("B")
         if number >= len(PRIMITIVES):
             raise WireError(f"a drawing primitive of the unknown type {number}")
-        colour = tuple(data.take(4))
+        red, green, blue, alpha = data.take(4)
         kind, numbers = PRIMITIVES[number]
-        values = [data.get("d") for _ in range(numbers)]
-        if kind is String:
+        values: list[Any] = [data.get("d") for _ in range(numbers)]
+        if kind is Text:
             values.append(data.text())
-        items.append(kind(*values, colour=colour))
+        items.append(kind(*values, colour=(red, green, blue, alpha)))
     return items
 
 
-def encode(message, number, arrays=None):
+def encode(message: Message, number: int, arrays: InlineArrays | None = None) -> list[Bytes]:
     """The bytes of the frame of a message, in pieces. `arrays` places the pixels."""
     if isinstance(message, (str, bytes, bytearray, memoryview)):
         data = message.encode() if isinstance(message, str) else bytes(message)
@@ -371,12 +388,12 @@ def encode(message, number, arrays=None):
     return [encode_head(LIST, len(meta), 0, number), meta]
 
 
-def encode_hello(name, process):
+def encode_hello(name: str | Bytes, process: int, descriptors: int = 0) -> bytes:
     meta = struct.pack("<I", process) + _text(name)
-    return encode_head(HELLO, len(meta), 0, 0) + meta
+    return encode_head(HELLO, len(meta), 0, 0, descriptors) + meta
 
 
-def decode(frame, source=None):
+def decode(frame: Bytes, source: NoArrays | None = None) -> tuple[int, Any]:
     """A whole frame to (kind, content): bytes, Image, list; a hello is (process, name), a forget
     frame the list of numbers."""
     frame = memoryview(frame).cast("B")
@@ -386,6 +403,7 @@ def decode(frame, source=None):
                         f"{HEAD.size + meta + bulk}")
     data = Reader(frame[HEAD.size: HEAD.size + meta])
     rest = frame[HEAD.size + meta:]
+    content: Any
     if kind == TEXT:
         content = bytes(rest)
     elif kind == IMAGE:

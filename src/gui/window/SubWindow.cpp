@@ -240,10 +240,12 @@ void SubWindow::_errorSlot(const QString& message)
     _noteAnswer(false);
     if (!_service->imageLoaded() && !_titleFixed)
         setWindowTitle({});  // it was the name of the file
-    // Comes first, as the message waits for a click.
     if (_closesOnError)
         close();
-    ErrorDialog::showMessage(message.toUtf8().constData());
+    // The message waits for a click; meanwhile the view may go, and others learn of the failure.
+    QMetaObject::invokeMethod(
+        qApp, [message] { ErrorDialog::showMessage(message.toUtf8().constData()); },
+        Qt::QueuedConnection);
 }
 
 void SubWindow::_activate(Qt::WindowStates oldState, Qt::WindowStates newState)

@@ -128,6 +128,8 @@ TEST_F(Overlays, PeaksAreBlueAndHighlightedOnesGreen)
     peaks.numberOfPeaks = 2;
     peaks.highlightedPeaks = {1, 2, 77};
     service().setPeakData(peaks);
+    // They are searched for on another thread.
+    ASSERT_TRUE(waitFor([&] { return !service().peaksPending(); }));
     look(300, 250, 0);
     const QImage picture = grab();
     expectPixels(picture, {{{54, 50}, Qt::blue, "of the strongest one"},

@@ -120,7 +120,7 @@ DOORS = {
     "hdf5write": "NexusWriter",
     "ioprocess": "RemoteFile ReaderServer ReaderProcess",
     "io": "FolderStart MImageSeries MImageWriter MHdf5Writer FormatRegistry",
-    "statistics": "ComputeStatistics ContrastRange ImageStatistics MaskRule GoodPixels PartRange",
+    "statistics": "ComputeStatistics ContrastRange ImageStatistics GoodPixels PartRange",
     "peaks": "ImagePeaks",
     "roi": "RoiComputer RoiStatistics RegionNumbers RegionWorker",
     "preload": "PreloaderService PreloaderClient PreloaderProcess ReadAhead",
@@ -197,6 +197,10 @@ def faults(path):
         if not match:
             continue
         bracket, target = match.groups()
+        if bracket == "<" and any((root / each).is_file() for each in (target, "src/" + target)):
+            yield f"{name}:{number}: our own headers stand in quotes: {target}"
+        if ".." in target.split("/"):
+            yield f"{name}:{number}: paths begin at imagelib or src: {target}"
         if bracket == "<":
             if room in WITHOUT_QT and re.fullmatch(r"(Qt\w+/)?Q\w+", target):
                 yield f"{name}:{number}: room {room} knows no Qt: {target}"
@@ -215,10 +219,27 @@ def faults(path):
                        f"{DOORS[other] or 'open to its neighbours alone'}")
 
 
-found = [fault
-         for folder in ("imagelib", "src", "demo")
-         for path in sorted((root / folder).rglob("*"))
-         if path.suffix in {".h", ".cpp"}
-         for fault in faults(path)]
+def table_faults():
+    """Folders that are a room for cmake but none here, and doors that lead nowhere."""
+    for folder in ("imagelib", "src", "demo"):
+        for lists in sorted((root / folder).rglob("CMakeLists.txt")):
+            place = str(lists.parent.relative_to(root))
+            if (re.search(r"^tarvik_add_room\(", lists.read_text(), re.MULTILINE)
+                    and not any(each == place or each.startswith(place + "/") for each in ROOMS)):
+                yield f"{place}: a room without a row in ROOMS of tools/check-includes.py"
+    for room, doors in DOORS.items():
+        headers = {path.stem for folder, owner in ROOMS.items() if owner == room
+                   for path in (root / folder).rglob("*.h")}
+        for door in doors.split():
+            if door not in headers:
+                yield f"tools/check-includes.py: room {room} has no header for its door {door}"
+
+
+found = list(table_faults())
+found += [fault
+          for folder in ("imagelib", "src", "demo")
+          for path in sorted((root / folder).rglob("*"))
+          if path.suffix in {".h", ".cpp"}
+          for fault in faults(path)]
 print("\n".join(found), end="\n" if found else "")
 sys.exit(1 if found else 0)

@@ -26,9 +26,9 @@ public:
     /// @param shown, records  outlive this object
     Opening(const ShownImage& shown, const Records& records);
 
-    /// Shall the pixels of images come packed?
     /// Whether images come with their reduced images of largest pixels from now on.
     void setMaxima(bool on) { _maxima = on; }
+    /// Whether their pixels come packed.
     void setPacking(bool packing) { _packing = packing; }
     const ImageLoader& loader() const { return _loader; }
     void openImage(const char* fileName);

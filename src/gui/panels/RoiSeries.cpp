@@ -88,7 +88,7 @@ void RoiSeries::_createLayout()
     state->addWidget(_progress);
     state->addWidget(_state);
     auto* rows = new QVBoxLayout(this);
-    rows->setContentsMargins(0, 0, 0, 0);
+    rows->setContentsMargins(0, 0, 0, 9);
     rows->addLayout(buttons);
     rows->addLayout(state);
     rows->addWidget(_floating);
@@ -162,8 +162,8 @@ void RoiSeries::_plot()
 {
     if (_curve.points().empty())
         return _plotter->clearPlot();
-    _plotter->setPlot(seriesRows(_curve, _quantity(), MostRows), 10, 10, QStringLiteral("Image"),
-                      _choice->currentText());
+    _plotter->setPlot(seriesRows(_curve.points(), _curve.state(), _quantity(), MostRows), 10, 10,
+                      QStringLiteral("Image"), _choice->currentText());
 }
 
 void RoiSeries::_showState()

@@ -43,13 +43,29 @@ void addExtremes(Rows& rows, Rows::const_iterator begin, Rows::const_iterator en
         rows.push_back(*row);
 }
 
+/// Of each bin of neighbours the extremes, between both ends of the curve.
+Rows thinned(const Rows& rows, std::size_t most)
+{
+    constexpr std::size_t KeptOfABin = 3;
+    Rows fewer{rows.front()};
+    const std::size_t inner = rows.size() - 2;
+    const std::size_t bins = std::max<std::size_t>((most - 2) / KeptOfABin, 1);
+    for (std::size_t bin = 0; bin < bins; ++bin) {
+        const auto at = [&](std::size_t i) {
+            return rows.cbegin() + 1 + static_cast<std::ptrdiff_t>(inner * i / bins);
+        };
+        addExtremes(fewer, at(bin), at(bin + 1));
+    }
+    fewer.push_back(rows.back());
+    return fewer;
+}
+
 }  // namespace
 
-std::vector<std::vector<double>> seriesRows(const SeriesCurve& curve,
+std::vector<std::vector<double>> seriesRows(const std::vector<SeriesPoint>& points,
+                                            const RegionSeries::News& state,
                                             SeriesPoint::Quantity quantity, std::size_t most)
 {
-    const auto& points = curve.points();
-    const RegionSeries::News& state = curve.state();
     if (points.empty())
         return {};
     Rows rows;
@@ -68,20 +84,5 @@ std::vector<std::vector<double>> seriesRows(const SeriesCurve& curve,
     }
     if (points.back().number != state.last)
         rows.push_back(masked(state.last));
-    if (rows.size() <= most)
-        return rows;
-    Rows fewer;
-    const std::size_t bins = std::max<std::size_t>(most / 3, 1);
-    for (std::size_t bin = 0; bin < bins; ++bin) {
-        const auto at = [&](std::size_t i) {
-            return rows.cbegin() + static_cast<std::ptrdiff_t>(rows.size() * i / bins);
-        };
-        addExtremes(fewer, at(bin), at(bin + 1));
-    }
-    // The axis goes over the whole series.
-    if (fewer.front()[0] != rows.front()[0])
-        fewer.insert(fewer.begin(), masked(int(rows.front()[0])));
-    if (fewer.back()[0] != rows.back()[0])
-        fewer.push_back(masked(int(rows.back()[0])));
-    return fewer;
+    return rows.size() <= most ? rows : thinned(rows, most);
 }

@@ -9,6 +9,7 @@
 #include <QPolygonF>
 
 #include <algorithm>
+#include <array>
 
 namespace plot {
 namespace {
@@ -78,24 +79,40 @@ void paintReadout(QPainter& painter, const Picture& picture)
                      metrics.height() + frame.top + 3, text);
 }
 
-void paintArrow(QPainter& painter, const Picture& picture, const LeftRightArrow& arrow)
+/// An arrow head whose tip lies at a point; `length` is negative for one that points to the right.
+void paintHead(QPainter& painter, QPointF tip, double length)
 {
+    painter.drawPolygon(QPolygonF({tip, tip + QPointF(length, -2), tip + QPointF(length, 2)}));
+}
+
+/// Measures in two rows. A label that would cover the one before it in its row is left out: there
+/// is room for it further in.
+void paintArrows(QPainter& painter, const Picture& picture)
+{
+    constexpr double Gap = 4;
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setFont(fontOf(10));
     painter.setPen(Qt::white);
     painter.setBrush(Qt::white);
     const QFontMetrics metrics(painter.font());
-    const int base =
-        picture.frame.top + (arrow.level ? 3 * metrics.height() + 9 : 2 * metrics.height() + 6);
-    const double left = picture.scale.pixelOf(arrow.left);
-    const double right = picture.scale.pixelOf(arrow.right);
-    const double line = base + 2;
-    painter.drawLine(QPointF(left + 3, line), QPointF(right - 3, line));
-    painter.drawPolygon(QPolygonF({{left, line}, {left + 4, line - 2}, {left + 4, line + 2}}));
-    painter.drawPolygon(QPolygonF({{right, line}, {right - 4, line - 2}, {right - 4, line + 2}}));
-    painter.drawText(QPointF((left + right - metrics.horizontalAdvance(arrow.text)) / 2, base),
-                     arrow.text);
+    std::array<double, 2> ends{-Gap, -Gap};  // of the labels of both rows
+    for (const LeftRightArrow& arrow : picture.arrows) {
+        const int base =
+            picture.frame.top + (arrow.level ? 3 * metrics.height() + 9 : 2 * metrics.height() + 6);
+        const QPointF left(picture.scale.pixelOf(arrow.left), base + 2);
+        const QPointF right(picture.scale.pixelOf(arrow.right), base + 2);
+        painter.drawLine(left + QPointF(3, 0), right - QPointF(3, 0));
+        paintHead(painter, left, 4);
+        paintHead(painter, right, -4);
+        const int width = metrics.horizontalAdvance(arrow.text);
+        const double start = (left.x() + right.x() - width) / 2;
+        double& end = ends.at(arrow.level ? 1 : 0);
+        if (start < end + Gap)
+            continue;
+        painter.drawText(QPointF(start, base), arrow.text);
+        end = start + width;
+    }
     painter.restore();
 }
 
@@ -147,8 +164,7 @@ void paint(QPainter& painter, const Picture& picture)
             paintRuns(painter, picture);
         else
             painter.drawPolyline(picture.scale.graph.data(), int(picture.scale.graph.size()));
-        for (const LeftRightArrow& arrow : picture.arrows)
-            paintArrow(painter, picture, arrow);
+        paintArrows(painter, picture);
         painter.setClipping(false);
         const int width = QFontMetrics(painter.font()).horizontalAdvance(picture.xLabel);
         painter.drawText(area.center().x() - width / 2, frame.size.height() - frame.bottom + 31,

@@ -8,6 +8,8 @@
 #include <gtest/gtest.h>
 
 #include <QCheckBox>
+#include <QImage>
+#include <QPainter>
 #include <QTest>
 #include <QWheelEvent>
 
@@ -129,6 +131,25 @@ TEST_F(PlotterTest, OfWholeNumbersHasGapsAndIsClicked)
     QTest::mousePress(&plotter, Qt::LeftButton, {}, at(9999));
     QTest::mouseRelease(&plotter, Qt::LeftButton, {}, at(10001));
     EXPECT_EQ(clicked, std::vector<double>{9999}) << "a drag is no click";
+}
+
+TEST(PlotPainter, LeavesOutLabelsOfMeasuresThatWouldCoverEachOther)
+{
+    const auto drawn = [](double begin, const QString& text, bool level) {
+        plot::Picture picture;
+        picture.frame = {{400, 200}, 40, 20, 20, 40, 0, 0, false};
+        picture.rows = ramp(101);
+        picture.scale = plot::PlotScale(picture.rows, picture.frame);
+        picture.arrows = {{20, 23, "12.34", true}, {begin, begin + 3, text, level}};
+        QImage image(picture.frame.size, QImage::Format_RGB32);
+        image.fill(Qt::black);
+        QPainter painter(&image);
+        plot::paint(painter, picture);
+        return image;
+    };
+    EXPECT_EQ(drawn(23, "12.34", true), drawn(23, "", true));
+    EXPECT_NE(drawn(23, "12.34", false), drawn(23, "", false)) << "in the other row";
+    EXPECT_NE(drawn(60, "12.34", true), drawn(60, "", true));
 }
 
 }  // namespace

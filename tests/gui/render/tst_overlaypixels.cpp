@@ -128,7 +128,7 @@ TEST_F(Overlays, PeaksAreBlueAndHighlightedOnesGreen)
     peaks.numberOfPeaks = 2;
     peaks.highlightedPeaks = {1, 2, 77};
     service().setPeakData(peaks);
-    // They are searched for on another thread.
+    EXPECT_EQ(service().computedPeaks().numberOfPeaks(), 0) << "searched for on another thread";
     ASSERT_TRUE(waitFor([&] { return !service().peaksPending(); }));
     look(300, 250, 0);
     const QImage picture = grab();

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "gui/kit/SeriesStrip.h"
 
+#include "gui/kit/ToolTipText.h"
+
 #include <QHelpEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -119,9 +121,8 @@ bool SeriesStrip::event(QEvent* event)
     const auto failed = _failed.lower_bound(numberAt(help->x() - 2));
     if (failed != _failed.end() && failed->first <= after)
         number = failed->first;
-    // Messages hold names of files, which may look like markup.
     if (count() > 0)
-        QToolTip::showText(help->globalPos(), textOf(number).toHtmlEscaped(), this);
+        QToolTip::showText(help->globalPos(), toolTipText(textOf(number)), this);
     return true;
 }
 

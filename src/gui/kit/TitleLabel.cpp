@@ -3,6 +3,7 @@
 #include "gui/kit/TitleLabel.h"
 
 #include "gui/kit/TitleBar.h"
+#include "gui/kit/ToolTipText.h"
 
 #include <QEvent>
 #include <QFontMetrics>
@@ -17,7 +18,7 @@ TitleLabel::TitleLabel(QWidget* parent)
 void TitleLabel::setFullText(const QString& text)
 {
     _fullText = text;
-    setToolTip(text);
+    setToolTip(toolTipText(text));
     _elide();
 }
 

@@ -3,6 +3,7 @@
 #include "gui/panels/RoiSeries.h"
 
 #include "gui/kit/FloatingWidget.h"
+#include "gui/kit/ToolTipText.h"
 #include "gui/panels/SeriesRows.h"
 #include "gui/plot/Plotter.h"
 #include "logic/regionseries/SeriesReport.h"
@@ -180,7 +181,7 @@ void RoiSeries::_showState()
     const QString text = running ? QString() : _stateText();
     _state->setVisible(!text.isEmpty());
     _state->setText(text);
-    _state->setToolTip(joined(state.failures));
+    _state->setToolTip(toolTipText(joined(state.failures)));
     _floating->setVisible(running || !_curve.points().empty());
 }
 

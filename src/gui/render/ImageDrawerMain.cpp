@@ -300,9 +300,14 @@ void ImageDrawerMain::_moveRegion()
 
 const std::vector<ImageDrawerMain::Gesture>& ImageDrawerMain::gestures()
 {
-    static const std::vector<Gesture> all{{"Wheel", "Zoom in or out about the cursor"},
-                                          {"Left drag", "Move the image"},
-                                          {"Double click", "Between the whole image and 1:1"}};
+    static const std::vector<Gesture> all{
+        {"Wheel", "Zoom in or out about the cursor"},
+        {"Left drag", "Move the image"},
+        {"Double click", "Between the whole image and 1:1"},
+        {"Right drag", "Draw a region of the chosen kind"},
+        {"Ctrl+Right drag", "Draw a powder ring around the cursor, if rings are chosen"},
+        {"Drag of a region", "Move it, or the edge or corner under the cursor"},
+        {"Middle drag", "Turn the height map"}};
     return all;
 }
 

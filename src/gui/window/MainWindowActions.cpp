@@ -3,6 +3,7 @@
 #include "gui/window/MainWindowActions.h"
 
 #include "gui/kit/PopupButton.h"
+#include "gui/kit/ToolTipText.h"
 #include "gui/window/HalvoWidget.h"
 #include "gui/window/RecentFiles.h"
 #include "logic/detector/HalvoMonitor.h"
@@ -99,7 +100,7 @@ void MainWindowActions::setLastSession(const QStringList& names)
         tip += '\n' + name;
     if (names.size() > Most)
         tip += QStringLiteral("\nand %1 more").arg(names.size() - Most);
-    reopen->setToolTip(tip);
+    reopen->setToolTip(toolTipText(tip));
 }
 
 void MainWindowActions::setSilently(QAction* action, bool checked)

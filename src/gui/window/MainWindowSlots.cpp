@@ -52,7 +52,16 @@ QList<ShortcutSheet::Section> allShortcuts(const MainWindowActions& actions,
     for (const ImageDrawerMain::Gesture& gesture : ImageDrawerMain::gestures())
         mouse.rows.append(
             {QString::fromLatin1(gesture.mouse), QString::fromLatin1(gesture.effect)});
-    return {window, view, mode, mouse};
+    const ShortcutSheet::Section beside{
+        QStringLiteral("Mouse beside an image"),
+        {{QStringLiteral("Drag on the strip"), QStringLiteral("Go there in the series")},
+         {QStringLiteral("Wheel on the strip"), QStringLiteral("Step by the number in the box")},
+         {QStringLiteral("Files dropped"), QStringLiteral("Open them, the first in that view")},
+         {QStringLiteral("Wheel on a plot"), QStringLiteral("Zoom in or out along x")},
+         {QStringLiteral("Right drag on a plot"), QStringLiteral("Zoom into that range")},
+         {QStringLiteral("Double click on a plot"), QStringLiteral("Show all of it")},
+         {QStringLiteral("Right click on a plot"), QStringLiteral("Save or copy it")}}};
+    return {window, view, mode, mouse, beside};
 }
 
 }  // namespace

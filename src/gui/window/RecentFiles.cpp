@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "gui/window/RecentFiles.h"
 
+#include "gui/kit/ToolTipText.h"
 #include "gui/window/LaterSettings.h"
 #include "logic/loading/WorkerPool.h"
 
@@ -59,7 +60,7 @@ void RecentFiles::_fill()
         const QFileInfo info(file);  // takes the text apart, asks no file system
         QString name = info.fileName();
         QAction* entry = addAction(name.replace('&', QStringLiteral("&&")));
-        entry->setToolTip(info.path());
+        entry->setToolTip(toolTipText(info.path()));
         entry->setData(file);
         entry->setEnabled(_exists.value(file, true));
     }

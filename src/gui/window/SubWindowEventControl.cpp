@@ -6,8 +6,6 @@
 #include "logic/analysis/statistics/ImageStatistics.h"
 #include "logic/service/TarvikService.h"
 
-#include <QGuiApplication>
-#include <QInputMethod>
 #include <QKeyEvent>
 #include <QMouseEvent>
 
@@ -126,8 +124,8 @@ bool SubWindowEventControl::_press(const QKeyEvent& event)
         _service->nextImage(-1, true);
         return true;
     case Qt::Key_Equal:
-        // The same key as "+" there.
-        if (QGuiApplication::inputMethod()->locale().territory() != QLocale::UnitedStates)
+        // Typed without Shift it shares its key with "+".
+        if (event.modifiers().testFlag(Qt::ShiftModifier))
             return false;
         [[fallthrough]];
     case Qt::Key_Plus:

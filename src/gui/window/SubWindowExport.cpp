@@ -29,8 +29,9 @@ struct Target {
     QString extension;
 };
 
-Target askForTarget(QWidget* parent, const QStringList& extensions, const QString& caption,
-                    const QString& directoryKey, const QString& extension)
+/// @param endings  of file names that name a format themselves
+Target askForTarget(QWidget* parent, const QStringList& extensions, const QStringList& endings,
+                    const QString& caption, const QString& directoryKey, const QString& extension)
 {
     // The window may be closed while a dialog of it is open, and takes the dialog with it.
     const QPointer<SaveFileDialog> dialog =
@@ -40,8 +41,7 @@ Target askForTarget(QWidget* parent, const QStringList& extensions, const QStrin
     if (dialog->exec() == QDialog::Accepted && dialog)
         target = {dialog->selectedFiles().value(0), dialog->extension()};
     // A name with the ending of another format than the chosen one would deceive all readers.
-    if (const QString ending = QFileInfo(target.file).suffix().toLower();
-        extensions.contains(ending))
+    if (const QString ending = QFileInfo(target.file).suffix().toLower(); endings.contains(ending))
         target.extension = ending;
     delete dialog;
     return target;
@@ -93,7 +93,8 @@ void SubWindow::openExportDialog()
     const QPointer<SubWindow> self(this);
     if (!_service->imageLoaded())
         return;
-    const Target target = askForTarget(window(), pictureFormats(), QStringLiteral("Export"),
+    const QStringList formats = pictureFormats();
+    const Target target = askForTarget(window(), formats, formats, QStringLiteral("Export"),
                                        ExportDirectory, QStringLiteral("png"));
     if (target.file.isEmpty() || !self)
         return;
@@ -119,8 +120,9 @@ void SubWindow::openSaveAsDialog()
     const QPointer<SubWindow> self(this);
     if (!_service->imageLoaded())
         return;
-    const Target target = askForTarget(window(), {"cbf", "tif", "h5"}, QStringLiteral("Save As"),
-                                       SaveAsDirectory, QStringLiteral("cbf"));
+    const Target target =
+        askForTarget(window(), {"cbf", "tif", "h5"}, {"cbf", "tif", "tiff", "h5", "hdf5"},
+                     QStringLiteral("Save As"), SaveAsDirectory, QStringLiteral("cbf"));
     if (!target.file.isEmpty() && self)
         saveInBackground(window(), _service->snapshot(), target);
 }

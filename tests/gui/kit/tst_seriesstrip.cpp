@@ -8,7 +8,9 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QHelpEvent>
 #include <QSignalSpy>
+#include <QToolTip>
 #include <QWheelEvent>
 
 namespace {
@@ -84,7 +86,7 @@ TEST(SeriesStripTest, ShowsWhatIsHeldMissingAndFailedAmongAMillion)
     strip.setPosition(500'001);
     strip.setHeld({{100'001, 200'000}});
     strip.setMissing({{300'001, 400'000}});
-    strip.setFailed({{700'123, "x.cbf: <b>cut</b>"}});
+    strip.setFailed({{700'123, "x.cbf: <b>cut</b>"}, {800'123, "a & b.cbf"}});
     const QImage picture = strip.grab().toImage();
     const auto at = [&](int x) { return picture.pixelColor(x, SeriesStrip::FixedHeight / 2); };
     const QColor present = at(50);
@@ -96,6 +98,14 @@ TEST(SeriesStripTest, ShowsWhatIsHeldMissingAndFailedAmongAMillion)
     EXPECT_TRUE(strip.textOf(700'123).endsWith(": x.cbf: <b>cut</b>"));
     EXPECT_TRUE(strip.textOf(350'000).endsWith("is missing"));
     EXPECT_TRUE(strip.textOf(150'000).endsWith("read ahead"));
+    strip.show();
+    const auto toolTipAt = [&strip](QPoint place) {
+        QHelpEvent help(QEvent::ToolTip, place, strip.mapToGlobal(place));
+        QApplication::sendEvent(&strip, &help);
+        return QToolTip::text();
+    };
+    EXPECT_TRUE(toolTipAt({800, 5}).endsWith("a & b.cbf")) << "no markup";
+    EXPECT_TRUE(toolTipAt({700, 5}).contains("&lt;b&gt;cut")) << "nothing bold";
 }
 
 }  // namespace

@@ -269,12 +269,15 @@ TEST_F(Dialogs, CopiesAreSavedInTheChosenFormat)
         EXPECT_EQ(_view->service()->intensityString(99, 99), "7");
     }
     EXPECT_EQ(setting("SaveAsDirectory"), folder());
-    chooseFile("named.tif");
-    _view->openSaveAsDialog();
-    ASSERT_TRUE(waitFor([this] { return QFile::exists(path("named.tif")); }));
-    QFile named(path("named.tif"));
-    ASSERT_TRUE(named.open(QIODevice::ReadOnly));
-    EXPECT_EQ(named.read(2), "II") << "the ending decides over the filter";
+    for (const auto& [name, begin] : std::initializer_list<std::pair<QString, QByteArray>>{
+             {"named.tif", "II"}, {"named.TIFF", "II"}, {"named.hdf5", "\x89H"}}) {
+        chooseFile(name);
+        _view->openSaveAsDialog();
+        ASSERT_TRUE(waitFor([&] { return QFile::exists(path(name)); }));
+        QFile named(path(name));
+        ASSERT_TRUE(named.open(QIODevice::ReadOnly));
+        EXPECT_EQ(named.read(2), begin) << "the ending decides over the filter";
+    }
     QDir(folder()).mkdir("y_data_000001.h5");
     chooseFile("y", "h5 ( *.h5)");
     closeError();

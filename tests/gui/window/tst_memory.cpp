@@ -189,7 +189,8 @@ TEST_F(MemoryTest, TheSheetHasEveryKeyOfTheWindow)
     for (const QAction* withKey : _window->findChildren<QAction*>())
         EXPECT_TRUE(withKey->shortcut().isEmpty() ||
                     texts.contains(withKey->shortcut().toString()));
-    for (const char* text : {"F", "B", "N", "P", "+", "-", "Wheel", "Open Image File"})
+    for (const char* text : {"F", "B", "N", "P", "+", "-", "Wheel", "Right drag",
+                             "Drag on the strip", "Open Image File"})
         EXPECT_TRUE(texts.contains(text)) << text;
     EXPECT_EQ(ShortcutSheet::effectOf("Open it (now) (Ctrl O)\nMore"), "Open it (now)");
 }

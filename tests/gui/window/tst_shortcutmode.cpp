@@ -78,6 +78,11 @@ TEST_F(ShortcutModeTest, KeysStepAndZoomUnlessTheyAreTyped)
     EXPECT_EQ(service().viewportData().zoomPower, zoom - 1);
     QTest::keyClick(_view, Qt::Key_Plus);
     EXPECT_EQ(service().viewportData().zoomPower, zoom);
+    QTest::keyClick(_view, Qt::Key_Equal);
+    EXPECT_EQ(service().viewportData().zoomPower, zoom + 1) << "the key of + without Shift";
+    QTest::keyClick(_view, Qt::Key_Equal, Qt::ShiftModifier);
+    EXPECT_EQ(service().viewportData().zoomPower, zoom + 1);
+    QTest::keyClick(_view, Qt::Key_Minus);
     QTest::keyClick(_view, Qt::Key_N, Qt::ControlModifier);
     EXPECT_EQ(_window->subWindows().size(), 2) << "with Control it is another shortcut";
     _window->activeSubWindow()->close();

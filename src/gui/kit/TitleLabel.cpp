@@ -18,6 +18,7 @@ TitleLabel::TitleLabel(QWidget* parent)
 void TitleLabel::setFullText(const QString& text)
 {
     _fullText = text;
+    _fullText.replace('\n', ' ');  // there is one line
     setToolTip(toolTipText(text));
     _elide();
 }

@@ -50,6 +50,8 @@ TEST_F(TitleBarTest, AWideTitleShowsItsEndAndTheTooltipAllOfIt)
     _frame.resize(2000, 200);
     settle();
     EXPECT_EQ(_frame.titleBar()->shownTitle(), path);
+    _frame.setWindowTitle("two\nlines.cbf");
+    EXPECT_EQ(_frame.titleBar()->shownTitle(), "two lines.cbf");
 }
 
 TEST_F(TitleBarTest, AnActionBecomesAButtonLeftOfTheTitleAndToolButtonsHide)

@@ -33,6 +33,8 @@ PeakFinderBar::PeakFinderBar(unsigned long long id, TarvikService* service, QWid
     setTitle(QStringLiteral("Max Finder"));
     setInfoText(QStringLiteral("Find local maxima"));
     _number->setRange(0, static_cast<int>(ImagePeaks::MostPeaks));
+    // A column full of panels gives each of them no more than it needs.
+    _table->setMinimumHeight(_table->sizeHint().height());
     _table->hide();
     auto* row = new QHBoxLayout;
     row->addWidget(new QLabel(QStringLiteral("Find Peaks")));

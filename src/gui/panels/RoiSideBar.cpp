@@ -62,7 +62,7 @@ void RoiSideBar::_createContent()
     rows->addWidget(_help);
     rows->addWidget(new TuneRoi(_service));
     _createButtons();
-    rows->addWidget(_floating);
+    rows->addWidget(_floating, 1);
     rows->addWidget(new RoiSeries(_service));
     connect(_service, &TarvikService::newStatisticsSignal, this,
             &RoiSideBar::_setWriteButtonEnableState);

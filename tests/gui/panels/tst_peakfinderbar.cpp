@@ -108,6 +108,14 @@ TEST_F(PeakFinderBarTest, LinesAreHighlightedByClicksAndDrags)
     EXPECT_EQ(highlighted(), Peaks{3});
 }
 
+TEST_F(PeakFinderBarTest, AFullColumnLeavesRoomForSeveralPeaks)
+{
+    find(50);
+    bar.resize(340, bar.minimumSizeHint().height());
+    settle();
+    EXPECT_TRUE(table.viewport()->rect().contains(at(6)));
+}
+
 TEST_F(PeakFinderBarTest, CopiesTheHeaderAndWhatIsHighlighted)
 {
     find(4);

@@ -176,6 +176,16 @@ TEST_F(RoiSideBarTest, NumbersAndCurvesAreThoseOfTheService)
     EXPECT_TRUE(results().startsWith("# Integral:  "));
 }
 
+TEST_F(RoiSideBarTest, RoomToSpareGoesToThePlot)
+{
+    open();
+    set(regions::line(2, 3, 50, 30));
+    bar.resize(345, 1500);
+    settle();
+    const auto& boxes = *bar.findChild<TuneRoi*>();
+    EXPECT_EQ(boxes.height(), boxes.sizeHint().height());
+}
+
 TEST_F(RoiSideBarTest, SaveAndCopyAreForAnActiveRegion)
 {
     open();

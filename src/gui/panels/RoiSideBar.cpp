@@ -122,13 +122,12 @@ void RoiSideBar::_write(const QString& file)
         [file, path = _service->imagePath(), region = region,
          numbers = numbers](const pictures::Progress&) {
             output::writeBytes(output::regionReport(path, region, numbers).toUtf8(), file);
+            QSettings().setValue(RegionDirectory, QFileInfo(file).absolutePath());
         },
         window());
-    connect(job, &OutputJob::finishedSignal, job, [job, file](const QString& error) {
+    connect(job, &OutputJob::finishedSignal, job, [job](const QString& error) {
         job->deleteLater();
-        if (error.isEmpty())
-            QSettings().setValue(RegionDirectory, QFileInfo(file).absolutePath());
-        else
+        if (!error.isEmpty())
             ErrorDialog::showMessage(error.toUtf8().constData());
     });
 }

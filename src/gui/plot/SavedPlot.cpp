@@ -79,13 +79,14 @@ void askAndSave(QWidget* parent, const SavedPlot& saved)
     if (!accepted)
         return;
     auto* job = new OutputJob(
-        [bytes = bytesOf(saved, extension), file](const auto&) { output::writeBytes(bytes, file); },
-        parent);
-    QObject::connect(job, &OutputJob::finishedSignal, job, [job, file](const QString& error) {
-        job->deleteLater();
-        if (error.isEmpty())
+        [bytes = bytesOf(saved, extension), file](const auto&) {
+            output::writeBytes(bytes, file);
             QSettings().setValue(ExportDirectory, QFileInfo(file).absolutePath());
-        else
+        },
+        parent);
+    QObject::connect(job, &OutputJob::finishedSignal, job, [job](const QString& error) {
+        job->deleteLater();
+        if (!error.isEmpty())
             ErrorDialog::showMessage(error.toUtf8().constData());
     });
 }

@@ -23,9 +23,12 @@
 #include <QDoubleSpinBox>
 #include <QFile>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QSettings>
+#include <QThread>
 
 namespace {
 
@@ -229,8 +232,12 @@ TEST_F(RoiSideBarTest, SavesWhatIsCopied)
     EXPECT_FALSE(child<QPushButton>("Save").isDown());
     dialog->findChild<QLineEdit*>()->setText(file);
     QTest::keyClick(dialog->findChild<QLineEdit*>(), Qt::Key_Return);
+    // No event of this thread is needed for it.
+    const QString directory = QFileInfo(file).absolutePath();
+    for (int i = 0; i < 60'000 && QSettings().value("RegionDirectory") != directory; ++i)
+        QThread::msleep(1);
+    EXPECT_EQ(QSettings().value("RegionDirectory").toString(), directory);
     QFile written(file);
-    ASSERT_TRUE(waitFor([&] { return written.exists(); }));
     ASSERT_TRUE(written.open(QIODevice::ReadOnly));
     EXPECT_EQ(QString::fromUtf8(written.readAll()), view.service->roiStatisticsToString());
 }

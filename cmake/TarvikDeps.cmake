@@ -16,6 +16,7 @@ pkg_check_modules(ZSTD REQUIRED IMPORTED_TARGET libzstd)
 pkg_check_modules(HDF5 REQUIRED IMPORTED_TARGET hdf5)
 
 if(TARVIK_FUZZ)
+    find_package(Qt6 6.4 REQUIRED COMPONENTS Core)  # for the requests of scripts
     return()
 endif()
 find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets OpenGL OpenGLWidgets Svg Xml Test)

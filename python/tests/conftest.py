@@ -74,9 +74,3 @@ def wait_for(condition, what):
         assert time.monotonic() < end, f"waited in vain for {what}"
         time.sleep(0.01)
     return value
-
-
-def xdotool(*words):
-    done = subprocess.run(["xdotool", *map(str, words)], capture_output=True, text=True,
-                          check=False)
-    return done.stdout.split()

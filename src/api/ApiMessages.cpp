@@ -9,25 +9,6 @@
 
 namespace {
 
-/// The request that the reader has reached; reads to its end.
-ApiRequest readRequest(QXmlStreamReader& xml)
-{
-    ApiRequest request;
-    request.object = xml.attributes().value(QLatin1String("objID")).toULongLong();
-    request.command = xml.attributes().value(QLatin1String("command")).toString();
-    for (int depth = 1; depth > 0 && !xml.atEnd();) {
-        xml.readNext();
-        if (xml.isStartElement()) {
-            ++depth;
-            if (xml.name() == QLatin1String("arg"))
-                request.arguments.append(xml.attributes().value(QLatin1String("value")).toString());
-        } else if (xml.isEndElement()) {
-            --depth;
-        }
-    }
-    return request;
-}
-
 /// XML has no way to write other control characters.
 QString writable(QString text)
 {
@@ -38,27 +19,72 @@ QString writable(QString text)
     return text;
 }
 
+/// Deeper documents would cost a lot of memory for each byte.
+constexpr int MostDepth = 100;
+
+/// Takes the first request out of a document, and reads it to its end.
+class RequestReader {
+public:
+    explicit RequestReader(const QByteArray& text)
+        : _xml(text)
+    {}
+
+    ApiRequest read()
+    {
+        while (!_xml.atEnd())
+            _take(_xml.readNext());
+        // A text that is no document to its end holds no request.
+        ApiRequest none;
+        if (_xml.hasError())
+            none.fault = QStringLiteral("the request is no XML document: line %1, column %2: %3")
+                             .arg(_xml.lineNumber())
+                             .arg(_xml.columnNumber())
+                             .arg(writable(_xml.errorString()));
+        else if (!_request)
+            none.fault = QStringLiteral("the document holds no element \"request\"");
+        return none.fault.isEmpty() ? *_request : none;
+    }
+
+private:
+    void _take(QXmlStreamReader::TokenType token)
+    {
+        // A few bytes of them could stand for gigabytes.
+        if (token == QXmlStreamReader::DTD && !_xml.entityDeclarations().isEmpty())
+            _xml.raiseError(QStringLiteral("entities can't be declared"));
+        else if (token == QXmlStreamReader::StartElement)
+            _start();
+        else if (token == QXmlStreamReader::EndElement && _depth-- == _requestDepth)
+            _requestDepth = 0;
+    }
+    void _start()
+    {
+        const auto attribute = [&](const char* name) {
+            return _xml.attributes().value(QLatin1String(name));
+        };
+        if (++_depth > MostDepth) {
+            _xml.raiseError(QStringLiteral("elements are nested too deep"));
+        } else if (!_request && _xml.name() == QLatin1String("request")) {
+            _request.emplace();
+            _request->object = attribute("objID").toULongLong();
+            _request->command = attribute("command").toString();
+            _requestDepth = _depth;
+        } else if (_requestDepth > 0 && _xml.name() == QLatin1String("arg")) {
+            _request->arguments.append(attribute("value").toString());
+        }
+    }
+
+    QXmlStreamReader _xml;
+    std::optional<ApiRequest> _request;
+    int _depth = 0;
+    int _requestDepth = 0;  // while its content is being read
+};
+
 }  // namespace
 
 ApiRequest ApiRequest::parse(const std::string& text)
 {
-    QXmlStreamReader xml(QByteArray::fromRawData(text.data(), static_cast<qsizetype>(text.size())));
-    std::optional<ApiRequest> first;
-    while (!xml.atEnd()) {
-        xml.readNext();
-        if (!first && xml.isStartElement() && xml.name() == QLatin1String("request"))
-            first = readRequest(xml);
-    }
-    // A text that is no document to its end holds no request.
-    ApiRequest none;
-    if (xml.hasError())
-        none.fault = QStringLiteral("the request is no XML document: line %1, column %2: %3")
-                         .arg(xml.lineNumber())
-                         .arg(xml.columnNumber())
-                         .arg(xml.errorString());
-    else if (!first)
-        none.fault = QStringLiteral("the document holds no element \"request\"");
-    return none.fault.isEmpty() ? *first : none;
+    return RequestReader(QByteArray::fromRawData(text.data(), static_cast<qsizetype>(text.size())))
+        .read();
 }
 
 std::string apiReply(const ApiResult& result)

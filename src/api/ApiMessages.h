@@ -17,8 +17,7 @@ struct ApiRequest {
     QList<QString> arguments;
     QString fault{};
 
-    /// Any bytes: entities are not expanded beyond a bound, nothing is fetched, and depth costs no
-    /// stack.
+    /// Any bytes: entities can't be declared, nothing is fetched, and depth is bounded.
     static ApiRequest parse(const std::string& text);
 };
 

@@ -15,6 +15,8 @@
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QGuiApplication>
+#include <QScreen>
 
 #include <algorithm>
 #include <exception>
@@ -44,6 +46,13 @@ ApiResult idOrFailure(const QObject* object)
 }
 
 bool flag(const QList<QString>& arguments, qsizetype i) { return arguments.value(i).toInt() != 0; }
+
+/// The window system ends a process that asks for much more than its screens.
+QSize largestWindow()
+{
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    return QSize(4096, 4096).expandedTo(screen ? screen->virtualSize() : QSize());
+}
 
 /// Calls on the object's thread and waits. What the call throws is thrown here.
 template <class Call>
@@ -222,7 +231,7 @@ QObject* TarvikInterface::_openMainFrame(const QSize& size, bool glsl, bool hide
     onGui(window, [&] {
         connect(window, &MainWindow::newSubWindowSignal, this, &TarvikInterface::_attach,
                 Qt::DirectConnection);
-        window->resize(size == QSize(-1, -1) ? QSize(1200, 800) : size);
+        window->resize(size == QSize(-1, -1) ? QSize(1200, 800) : size.boundedTo(largestWindow()));
         if (hideToolBar)
             window->hideToolBar();
         if (disableClose)

@@ -4,9 +4,9 @@
 // Regions of interest against plain loops, and in pixels of the region per second.
 #include "bench/AnalysisFrame.h"
 #include "bench/Peer.h"
+#include "bench/PlainRegions.h"
 #include "logic/analysis/roi/ConnectedComponentLabelling.h"
 #include "logic/analysis/roi/RoiComputer.h"
-#include "tests/logic/analysis/roi/PlainRegions.h"
 
 #include <benchmark/benchmark.h>
 

@@ -37,26 +37,6 @@ TEST(EmptyImageDrawer, IsPlainAndGesturesDoNothing)
     EXPECT_TRUE(drawer.imageBoundary().isNull());
 }
 
-TEST_F(ImageDrawerTest, AFirstImageIsCentredWithTheDefaultContrast)
-{
-    ASSERT_TRUE(_view.open(images::patterned(100, 80)));
-    EXPECT_EQ(viewport(), ViewportData(-100, -60, 0, 0, 0));
-    EXPECT_EQ(drawer().imageBoundary(), QRect(100, 60, 100, 80));
-    const ContrastData contrast = service().contrastData();
-    EXPECT_TRUE(contrast.defined);
-    EXPECT_FALSE(contrast.dragUpdate);
-    EXPECT_EQ(contrast.colorTable, morvend::imglib::MColorTable::hdr());
-    EXPECT_EQ(contrast.foreground, std::trunc(service().statistics()->foreground));
-    const QImage picture = drawer().grab();
-    EXPECT_EQ(picture.pixelColor(99, 100), QColor(Qt::darkGray));
-    EXPECT_EQ(picture.pixelColor(200, 100), QColor(Qt::darkGray));
-    EXPECT_NE(picture.pixelColor(150, 100), QColor(Qt::darkGray));
-    drawer().resize(500, 300);
-    settle();
-    EXPECT_EQ(drawer().imageBoundary().size(), QSize(100, 80));
-    EXPECT_EQ(drawer().grab().size(), QSize(500, 300));
-}
-
 TEST_F(ImageDrawerTest, AResizeKeepsWhatIsInTheMiddle)
 {
     const auto middle = [&] { return drawer().windowToImage().center(); };

@@ -59,22 +59,15 @@ TEST_P(AnySurface, EachPixelStandsWhereTheViewportPutsIt)
 {
     // Reduced pictures without shaders average neighbours.
     int zoomPower = drawer().usesGlsl() ? -2 : 0;
-    for (const auto& [x, y] : {std::pair(0.0, 0.0),
-                               {-50, -20},
-                               {55.3, 35.7},
-                               {200.4, 120.1},
-                               {-150.2, 100},
-                               {309, 189},
-                               {30.5, -7.25},
-                               {-20.375, 40.125},
-                               {400, 0},
-                               {0, -1000},
-                               {17.6, -3.1}}) {
+    using At = QPointF;
+    for (const At& at :
+         {At(0, 0), At(-50, -20), At(55.3, 35.7), At(200.4, 120.1), At(-150.2, 100), At(309, 189),
+          At(30.5, -7.25), At(-20.375, 40.125), At(400, 0), At(0, -1000), At(17.6, -3.1)}) {
         // Each offset at some of the zooms, so that each zoom meets several.
         for (int turn = 0; turn < 3; ++turn) {
-            look(x, y, zoomPower);
+            look(at.x(), at.y(), zoomPower);
             for (const double ratio : {1.0, 1.5, 2.0})
-                EXPECT_EQ(difference(ratio), "") << x << " " << y << " " << ratio;
+                EXPECT_EQ(difference(ratio), "") << at.x() << " " << at.y() << " " << ratio;
             zoomPower = zoomPower < 6 ? zoomPower + 1 : drawer().usesGlsl() ? -2 : 0;
         }
         zoomPower = zoomPower < 6 ? zoomPower + 1 : 0;

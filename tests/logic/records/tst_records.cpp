@@ -3,12 +3,13 @@
 //
 // Defaults, limits and equality of the shared records.
 #include "logic/records/ContrastData.h"
-#include "logic/records/PeakData.h"
 #include "logic/records/StatisticsData.h"
 #include "logic/records/ViewportData.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <functional>
 #include <limits>
 
@@ -72,19 +73,10 @@ TEST(ViewportData, EveryFieldCountsAndNanEqualsAnything)
 
 TEST(ViewportData, ZoomIsAPowerOfTwoWithinItsRange)
 {
-    for (const auto& [power, zoom] : {std::pair(-100, 0.25),
-                                      {-3, 0.25},
-                                      {-2, 0.25},
-                                      {-1, 0.5},
-                                      {0, 1},
-                                      {1, 2},
-                                      {5, 32},
-                                      {6, 64},
-                                      {7, 64},
-                                      {100, 64}}) {
+    for (int power = -100; power <= 100; ++power) {
         const ViewportData data(0, 0, power, 0, 0);
-        EXPECT_EQ(data.zoom(), zoom) << power;
         EXPECT_EQ(data.zoomPower, std::clamp(power, -2, 6));
+        EXPECT_EQ(data.zoom(), std::exp2(data.zoomPower));
     }
     ViewportData broken;
     broken.zoomPower = 7;
@@ -122,19 +114,6 @@ TEST(StatisticsData, CentredCircleNeedsACentreAndBothRadii)
         without.*radius = -1;
         EXPECT_FALSE(without.centredCircleDefined());
     }
-}
-
-TEST(PeakData, EveryFieldCounts)
-{
-    using D = PeakData;
-    D base;
-    base.highlightedPeaks = {1, 2};
-    expectChanges<D>(base, {[](D& d) { d.defined = true; }, [](D& d) { d.numberOfPeaks = 9; },
-                            [](D& d) { d.highlightedPeaks.insert(3); },
-                            [](D& d) {
-                                d.highlightedPeaks = {1, 3};
-                            },
-                            [](D& d) { d.highlightedPeaks.clear(); }});
 }
 
 }  // namespace

@@ -6,10 +6,6 @@
 #include "tests/support/EdfFile.h"
 #include "tests/support/WaitFor.h"
 
-#include <algorithm>
-#include <functional>
-#include <limits>
-
 namespace {
 
 using namespace tarvik::tests;
@@ -98,39 +94,6 @@ TEST_F(Opening, FailedLoadChangesNothing)
     view->nextImage(7, false);
     show(view, image(8, 4, 2));
     EXPECT_EQ(errors.size(), 1) << "a quiet failure is quiet";
-}
-
-TEST_F(Opening, StepsOfAnySizeEndWithTheSeries)
-{
-    for (int i = 0; i < 3; ++i)
-        show(view, image(8, 4, i));
-    QSignalSpy notices(view, &TarvikService::noticeSignal);
-    view->nextImage(std::numeric_limits<int>::max());
-    EXPECT_TRUE(notices.wait(Patience));
-    EXPECT_EQ(view->imageIndex(), 2);
-    view->nextImage(std::numeric_limits<int>::min());
-    arrive(view);
-    EXPECT_EQ(view->imageIndex(), 0);
-}
-
-TEST_F(Opening, StepsInQuickSuccessionAllCount)
-{
-    const TempFolder folder;
-    for (int i = 1; i <= 30; ++i)
-        writeEdf(folder, "x_" + std::to_string(i) + ".edf", 1, {i});
-    view->openImage((folder / "x_2.edf").c_str());
-    arrive(view);
-    std::vector<int> shown;
-    QObject::connect(view, &TarvikService::newImageSignal, view,
-                     [&] { shown.push_back(view->imageIndex()); });
-    for (int i = 0; i < 20; ++i)
-        view->nextImage();
-    EXPECT_TRUE(waitFor([&] { return view->imageIndex() == 22; }));
-    EXPECT_EQ(std::adjacent_find(shown.begin(), shown.end(), std::greater_equal()), shown.end())
-        << "no image came twice";
-    view->nextImage(-2);
-    arrive(view);
-    EXPECT_EQ(view->imageIndex(), 20);
 }
 
 TEST_F(Opening, StepOntoABrokenOrMissingFrameSaysWhichFileAndWhyAndSteppingGoesOn)

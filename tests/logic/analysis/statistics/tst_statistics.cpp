@@ -41,19 +41,6 @@ Result statistics(const MImage& image, const MImage& mask)
 
 Result statistics(const MImage& image) { return statistics(image, MImage(image, 0U)); }
 
-TEST(Statistics, OfGoodPixelsOnly)
-{
-    const auto result = statistics(row<int>({1, 5, 0, 1000, -7}), row<unsigned>({0, 0, 32, 1, 18}));
-    EXPECT_EQ(result->minimum, 0);
-    EXPECT_EQ(result->maximum, 5);
-    EXPECT_EQ(result->sum, 6);
-    EXPECT_EQ(result->mean, 2);
-    EXPECT_DOUBLE_EQ(result->sigma, std::sqrt(26.0 / 3 - 4));
-    EXPECT_EQ(result->zeros, 1U);
-    EXPECT_EQ(result->defective, 1U);
-    EXPECT_FALSE(result->hasNegatives);
-}
-
 TEST(Statistics, FirstPixelCountsForTheRangeWhateverItsMask)
 {
     const auto result = statistics(row<int>({-1, 5, 9}), row<unsigned>({1, 0, 0}));
@@ -61,24 +48,6 @@ TEST(Statistics, FirstPixelCountsForTheRangeWhateverItsMask)
     EXPECT_EQ(result->maximum, 9);
     EXPECT_EQ(result->sum, 14);
     EXPECT_FALSE(result->hasNegatives);
-}
-
-TEST(Statistics, WithoutGoodPixelsHaveNoMean)
-{
-    const MImage image(4, 2, 3);
-    for (const unsigned mark : {1U, 2U}) {
-        const auto result = statistics(image, MImage(image, mark));
-        EXPECT_TRUE(std::isnan(result->mean));
-        EXPECT_EQ(result->zeros, 0U);
-        EXPECT_EQ(result->defective, mark == 2 ? 8U : 0U);
-    }
-}
-
-TEST(Statistics, NegativesBeginBelowMinusTwo)
-{
-    EXPECT_FALSE(statistics(row<int>({4, -2, -1}))->hasNegatives);
-    EXPECT_TRUE(statistics(row<int>({4, -3}))->hasNegatives);
-    EXPECT_TRUE(statistics(row<float>({4, -2.5F}))->hasNegatives);
 }
 
 TEST(Statistics, EveryKindOfMaskExcludesByItsOwnRule)

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Box and powder ring as plain loops over pixels, to compare the product with.
+// Box and powder ring as plain loops over pixels, the peer of the regions.
 #pragma once
 
 #include "imagelib/image/MImage.h"

@@ -11,7 +11,7 @@ namespace panels {
 /// Foreground and background stay at least this far apart.
 constexpr double LevelDistance = 1e-6;
 
-/// The distance for floating pixels: less, if all of them are small.
+/// The same for floating-point pixels: smaller if all of them are small.
 double levelDistance(double minimum, double maximum);
 
 /// Closest levels on the other side of one.

@@ -24,7 +24,7 @@ struct HistogramPicture {
     QColor foregroundZone;
     QColor backgroundZone;
     std::optional<HistogramReadout> readout;
-    bool darkMark = false;  ///< the mark of the cursor on the colour bar is black on any colour
+    bool darkMark = false;  ///< marks the cursor on the colour bar in black, whatever the colour
 };
 
 /// Where the texts of an axis and the box between them begin, along the axis from its start.

@@ -6,8 +6,8 @@
 
 #include <QDoubleSpinBox>
 
-/// Shows an intensity with four decimals, or, where these would lose it, with an exponent, in which
-/// it may be typed as well. A number beyond the range becomes the end of it. Thread: GUI only.
+/// Shows an intensity with four decimals, or with an exponent where four decimals are too few. Both
+/// forms may be typed. A number beyond the range becomes the end of it. Thread: GUI only.
 class LevelBox : public QDoubleSpinBox {
     Q_OBJECT
 public:

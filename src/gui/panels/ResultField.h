@@ -10,8 +10,8 @@
 #include <memory>
 #include <vector>
 
-/// A grid of named values, which it reads where they are kept each time it is painted. The values,
-/// their errors and their validity flags outlive it. Thread: GUI only.
+/// A grid of named values. It keeps pointers, and reads values, errors and validity flags each time
+/// it is painted: they must outlive it. Thread: GUI only.
 class ResultField : public QLabel {
     Q_OBJECT
 public:

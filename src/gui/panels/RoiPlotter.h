@@ -16,8 +16,8 @@ class QStackedLayout;
 class ResultField;
 class TarvikService;
 
-/// A page for each kind of region. Shows the numbers that were computed last, while those of a
-/// changed region are on their way. Thread: GUI only.
+/// A page for each kind of region. Until the numbers of a changed region arrive, it shows those
+/// that were computed last. Thread: GUI only.
 class RoiPlotter : public QWidget {
     Q_OBJECT
 public:
@@ -43,7 +43,7 @@ private:
     ResultField* _makeResults(const QString& sizeName, double* size);
     ResultField* _makeCircleResults();
     void _plot();
-    /// Has a region computed that came from another view of the group, once somebody looks.
+    /// Once the page is seen, requests the numbers of a region that came from another view.
     void _requestNumbers();
 
     TarvikService* const _service;

@@ -8,8 +8,8 @@
 
 namespace plot {
 
-/// Round values between two limits, in ascending order: at least n of them where up to n + 2
-/// intervals give so many. The limit itself if both are the same; none where one is not finite.
+/// Round values between two limits, in ascending order: at least n, unless even n + 2 intervals
+/// give fewer. Two equal limits give that one value; a limit that is not finite gives none.
 /// @param n  at least 2
 std::vector<double> axisTicks(double min, double max, int n);
 

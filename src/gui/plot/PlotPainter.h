@@ -22,7 +22,7 @@ struct LeftRightArrow {
     double left = 0;
     double right = 0;
     QString text;
-    bool level = true;  ///< the lower one of two heights of the text
+    bool level = true;  ///< the text stands at the lower of its two heights
 };
 
 /// All that a plot shows.
@@ -38,7 +38,7 @@ struct Picture {
     std::optional<std::pair<double, double>> dragged;  ///< pixels of a range under the mouse
 };
 
-/// Light lines, for a dark background that the caller fills.
+/// Draws light lines; the caller has filled a dark background.
 void paint(QPainter& painter, const Picture& picture);
 
 }  // namespace plot

@@ -21,7 +21,8 @@ struct Readout {
 /// between its neighbours. Nothing outside the curve.
 std::optional<Readout> readoutAt(const Rows& rows, const PlotScale& scale, double x);
 
-/// The row next to a pixel of the x axis that is not masked, at its own place; nothing without one.
+/// The unmasked row that is nearest to a pixel of the x axis, at its own place; nothing if all are
+/// masked.
 std::optional<Readout> nearestRow(const Rows& rows, const PlotScale& scale, double x);
 
 }  // namespace plot

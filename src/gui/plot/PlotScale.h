@@ -12,8 +12,8 @@
 
 namespace plot {
 
-/// Rows of x, y and mask, in ascending order of x. A row whose mask is not 0 counts for the x axis
-/// but not for the range of y, and is drawn on the bottom line; so is one whose y is not finite.
+/// Rows of x, y and mask, in ascending order of x. A row is masked if its mask is not 0 or its y is
+/// not finite: it counts for the range of x but not of y, and is drawn on the bottom line.
 using Rows = std::vector<std::vector<double>>;
 
 bool masked(const std::vector<double>& row);

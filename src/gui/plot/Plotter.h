@@ -43,7 +43,7 @@ public:
     /// The text that is saved and copied instead of text(); empty for that.
     void setSavedText(std::function<QString()> text) { _savedText = std::move(text); }
 
-    /// Shows a part of the x axis; all without a range or where no two rows are in it.
+    /// Shows a part of the x axis; all of it without a range, or if fewer than two rows are inside.
     void showRange(std::optional<std::pair<double, double>> range);
     /// What is drawn.
     const plot::Picture& picture() const { return _picture; }

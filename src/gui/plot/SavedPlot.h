@@ -24,7 +24,7 @@ struct SavedPlot {
 /// The bytes of a file of type "png" (at twice the size on the screen), "svg" or "txt".
 QByteArray bytesOf(const SavedPlot& saved, const QString& extension);
 
-/// Asks for a file and writes it. A failure is shown; an older file then stays.
+/// Asks for a file and writes it. A failure is shown, and leaves an older file as it was.
 void askAndSave(QWidget* parent, const SavedPlot& saved);
 
 }  // namespace plot

@@ -12,9 +12,9 @@ class OutputJob;
 class QProgressBar;
 class SubWindow;
 
-/// Writes a picture of a view, or of its whole image, to a file that was chosen before. The file is
-/// written on a worker while the dialog shows the progress; Cancel ends that and keeps an older
-/// file. Ends as rejected when it fails, after a message, and when the view closes.
+/// Writes a picture of a view, or of its whole image, to a file that was chosen before. A worker
+/// writes while the dialog shows the progress; after a cancel an older file is still there. The
+/// dialog is rejected if the write fails, which it reports, and if the view closes.
 class ExportDialog : public QDialog {
     Q_OBJECT
 public:

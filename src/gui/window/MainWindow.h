@@ -53,8 +53,8 @@ public:
     QString openDirectory() const;
     void setOpenDirectory(const QString& path);
 
-    /// Takes the place on the screen and the panels of the last start, and remembers them from now
-    /// on.
+    /// Restores the place on the screen and the panels of the last start. From now on they are
+    /// remembered.
     void restorePlace();
 
     /// True if keys and drags with a held key act on the image, see SubWindowEventControl.
@@ -62,7 +62,7 @@ public:
 
     /// Opens each file, or the images of each folder, in a view of its own. A new view whose file
     /// can't be shown closes again.
-    /// @param first  takes the first one, unless null
+    /// @param first  the view for the first one, unless null
     void openFiles(const QStringList& files, SubWindow* first = nullptr) override;
     void noteAnswer(const QString& file, bool shown) override;
 
@@ -152,10 +152,12 @@ private:
     void _connectSynchronization();
     void _createLayout();
     void _createMemory();
-    /// Makes it no larger than its screen, and moves it there if it has a place.
+    /// Makes the window no larger than its screen; if it was placed before, moves it into the
+    /// screen.
     void _keepOnScreen();
-    /// Shows the panels of a view in the column, which must be visible or about to be. Makes them
-    /// if need be: they cost more than the view itself, and many a view never shows them.
+    /// Shows the panels of a view in the column, and makes them the first time: they cost more
+    /// than the view itself, and many views never show theirs. Call it only when the column is
+    /// visible or becomes so.
     void _showPanels(const SubFrame& frame);
     ContainerSideBar* _makePanels(SubWindow& window);
     /// Has the session follow a view.

@@ -8,8 +8,8 @@
 #include <QString>
 #include <QStringList>
 
-/// Shows image files, of HDF5 series at first only the masters, in the remembered
-/// folder; remembers the folder when files were chosen.
+/// Lists image files in the remembered folder; of an HDF5 series only the master, until the user
+/// chooses another filter. Remembers the folder when files were chosen.
 class OpenFileDialog : public QFileDialog {
     Q_OBJECT
 public:

@@ -10,7 +10,7 @@ class ContainerSideBar;
 class ImageDrawerMain;
 class TarvikService;
 
-/// Makes the panels of a view, which outlives them as its service does. Panels of two views fold
+/// Makes the panels of a view; the view and its service outlive them. Panels of two views fold
 /// together if their keys are the same.
 /// @param firstKey  the first of PanelKeys keys for them
 /// @returns the root, empty if there are no panels

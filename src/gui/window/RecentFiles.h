@@ -9,8 +9,8 @@
 #include <QStringList>
 
 /// A menu of the files that were shown last, the newest first, each with its folder as tooltip.
-/// Files that have vanished are grey; the menu opens at once and learns of them meanwhile. The
-/// list is among the user's settings, shared by all running programs. Thread: GUI only.
+/// The menu opens at once; files that have vanished turn grey when a worker has looked. The list is
+/// among the user's settings, shared by all running programs. Thread: GUI only.
 class RecentFiles : public QMenu {
     Q_OBJECT
 public:

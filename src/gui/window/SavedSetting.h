@@ -14,7 +14,7 @@
 /// life: a crash loses the changes of two seconds. Thread: GUI only.
 class SavedSetting {
 public:
-    /// What to write in place of the value written last; invalid for nothing.
+    /// Makes the value to write from the one written last; an invalid one is not written.
     using Value = std::function<QVariant(const QVariant& written)>;
 
     SavedSetting(QString key, Value value);
@@ -22,7 +22,7 @@ public:
 
     /// The value has changed.
     void changed();
-    /// As it was at the start, and not as it is written from then on.
+    /// The value that was stored at the start; later writes don't change it.
     const QVariant& atFirst() const { return _atFirst; }
 
 private:

@@ -25,8 +25,7 @@ struct Session {
         QString colours;
 
         static View of(const QString& file, const TarvikService& service);
-        /// Brings a view that shows an image of the file to the stored image, viewport and
-        /// contrast.
+        /// Gives a view that has opened the file the stored image, viewport and contrast.
         void apply(TarvikService& service) const;
     };
 

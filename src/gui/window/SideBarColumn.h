@@ -23,7 +23,7 @@ public:
     void add(QWidget* panels);
     void setCurrent(QWidget* panels);
     bool visible() const;
-    /// Shown, it takes a width from the views.
+    /// When shown, it takes its width from the views.
     void setVisible(bool visible, int width = MaximumWidth);
     int width() const;
     /// Scrolls until a part of the panels can be seen.

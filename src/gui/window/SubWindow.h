@@ -52,8 +52,8 @@ public:
     QSize displaySize() const;
 
 public slots:
-    /// Opens a file and makes its folder the one where the open dialog starts. A view without
-    /// an image shows the file's name meanwhile.
+    /// Opens a file; the open dialog starts in its folder from now on. A view without an image
+    /// shows the file's name until its image comes.
     API_CALLABLE void loadFile(QString fileName);
     /// The same, for a view that was made for this file: it closes if the file can't be shown.
     void loadFileOrClose(const QString& fileName);
@@ -80,8 +80,8 @@ public slots:
     API_CALLABLE void hideResolutionRings();
     /// Asks for a file, and writes a picture of the view or of its image to it.
     void openExportDialog();
-    /// Writes the view with its overlays, beside a colour bar where the rectangle says. Waits until
-    /// all is written. @throws MNoFileAccessException "Cannot write to " and the name
+    /// Writes the view with its overlays, and a colour bar in the given rectangle. Returns when all
+    /// is written. @throws MNoFileAccessException "Cannot write to " and the name
     void exportToFile(QString fileName, QString format, MRect colorLegendPos);
     void exportToFile(QString fileName, QString format);
     /// Asks for a file, and writes a copy of the image to it.
@@ -118,8 +118,8 @@ private:
     void _changeContrast(Change&& change);
     void _connectService();
     void _setActions();
-    /// Reports the file that was requested. Not before it has answered, since a check of it would
-    /// wait as long as the file does.
+    /// Reports the requested file to the window once it has answered. Checking it earlier could
+    /// wait as long as the file system does.
     void _noteAnswer(bool shown);
 
     ViewHost& _mainWindow;
@@ -130,7 +130,7 @@ private:
     SubWindowEventControl* _eventControl;
     int _fileIncreaseNumber = 1;
     QString _asked;  // the file, until it has answered
-    QString _file;   // that was opened last
+    QString _file;   // the one on show
     bool _titleFixed = false;
     bool _closesOnError = false;
 };

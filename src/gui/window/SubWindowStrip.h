@@ -15,10 +15,9 @@
 class AbstractSubWindow;
 class TarvikService;
 
-/// Puts a strip below the image of a frame and joins it to the service: there while the series has
-/// more than one image and the title bar shows its buttons. Looks at the read-ahead while it
-/// changes, at most three times a second, and not where the strip can't be seen. Child of the
-/// frame.
+/// Puts a strip below the image of a frame and connects it to the service. It is shown while the
+/// series has more than one image and the title bar shows its buttons. While it can be seen, it
+/// follows the read-ahead, at most three times a second. Child of the frame.
 class SubWindowStrip : public QObject {
     Q_OBJECT
 public:

@@ -19,11 +19,13 @@ struct LoaderRequest {
     Task task;
     LoaderData data;
     bool signalLoadError;      ///< false keeps a failure quiet
-    std::vector<int> steps{};  ///< of TaskOpenIndex: images to go from the record's index
-    bool fromAsked = false;    ///< go from the number requested last instead
+    std::vector<int> steps{};  ///< TaskOpenIndex goes so many images on from the record's index,
+    bool fromAsked = false;    ///< or from the number that was requested last
 
-    /// 1 or -1 for steps from the number asked for last that all go that way, 0 for anything else.
+    /// 1 if all steps go forward, -1 if all go back; 0 for both ways, and for a request that does
+    /// not start at the number requested last.
     int way() const;
-    /// Becomes a newer request by number, or adds its steps to those of this one.
+    /// Takes over a newer request: its steps follow those of this one, but one that names a number
+    /// replaces this one.
     void join(const LoaderRequest& newer);
 };

@@ -73,7 +73,7 @@ QImage pictures::colorLegend(const ContrastData& contrast, int width, int height
     QPainter painter(&legend);
     painter.drawImage(left, top,
                       QImage(static_cast<const uchar*>(bar.cdata()), barWidth, barHeight,
-                             barWidth * 4, QImage::Format_ARGB32_Premultiplied));
+                             qsizetype(barWidth) * 4, QImage::Format_ARGB32_Premultiplied));
     painter.setPen(Qt::black);
     painter.setFont(QFont(GLOBALSTYLE::fontFamily));
     for (const auto& [row, value] : ticks) {

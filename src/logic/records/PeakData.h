@@ -14,11 +14,7 @@ public:
     PeakData(const PeakData&) = default;
     PeakData& operator=(const PeakData&) = default;
 
-    bool operator==(const PeakData& other) const
-    {
-        return defined == other.defined && numberOfPeaks == other.numberOfPeaks &&
-               highlightedPeaks == other.highlightedPeaks;
-    }
+    bool operator==(const PeakData& other) const = default;
 
     /// True if a selection was ever made.
     bool defined = false;

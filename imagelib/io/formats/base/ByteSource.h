@@ -23,21 +23,21 @@ namespace morvend::imglib {
 /// Thread: any number of threads may read one source.
 class ByteSource {
 public:
-    /// Largest size of an unpacked file; one that unpacks to this many times its own size is a
-    /// trap, unless it stays below the size that its image needs, or below AnyImage where a second
-    /// image follows the first one.
+    /// Largest size of an unpacked file.
     static constexpr std::uint64_t MostUnpacked = std::uint64_t(4) << 30;
+    /// A file that unpacks to more than this many times its size is refused as a trap. Below the
+    /// size that its image needs it is not, nor below AnyImage if a second image follows.
     static constexpr std::uint64_t BestRatio = 64;
-    /// The need of an image whose size is not in the head of its file.
+    /// The size that is granted to an image whose head does not give one.
     static constexpr std::uint64_t AnyImage = std::uint64_t(192) << 20;
     /// The unpacked bytes by which a compressed file is judged before the rest is unpacked.
     static constexpr std::size_t HeadBytes = std::size_t(64) << 10;
-    /// The most bytes of a one-image file that begins like this; 0 when no image begins like this:
-    /// then the head is all that is unpacked.
+    /// The most bytes that a file of one image with this head can have. 0 if no image begins so:
+    /// then only the head is unpacked.
     using ImageNeed = std::function<std::uint64_t(std::string_view head)>;
 
     /// @throws MNoFileAccessException when the file can't be opened or is no regular file,
-    /// MRuntimeException when a compressed file is damaged or unpacks to more than that
+    /// MRuntimeException when a compressed file is damaged or unpacks to more than is allowed
     static std::shared_ptr<const ByteSource> open(const std::string& path,
                                                   const ImageNeed& need = {});
     /// Bytes in memory under a name, for tests and for parts of files.
@@ -51,7 +51,7 @@ public:
 
     /// The path as it was opened; belongs into every error message.
     const std::string& path() const { return _path; }
-    /// Size in bytes after unpacking. Asked from the file each time, as it may have grown.
+    /// Size in bytes after unpacking. A plain file is asked each time, since it may have grown.
     virtual std::uint64_t size() const = 0;
     /// Reads up to `count` bytes at `offset`, fewer only at the end of the file.
     /// @throws MRuntimeException when the system reports an error

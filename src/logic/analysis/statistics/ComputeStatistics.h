@@ -19,7 +19,7 @@ struct PixelTotals;
 /// | mask pixel type | good if | else defective if |
 /// |---|---|---|
 /// | unsigned integer | (m & 31) == 0 | (m & 30) != 0 |
-/// | signed integer | the same of its magnitude | |
+/// | signed integer | its magnitude is | its magnitude is |
 /// | bool | false | never |
 /// | float, double | equal to 0 | never |
 class ComputeStatistics {
@@ -30,12 +30,12 @@ public:
         : _target(target)
     {}
 
-    /// Called after each strip of pixels with the start of the next, while the strip is in the
-    /// cache.
+    /// Called after each strip of pixels, while they are still in the processor's cache.
+    /// @param pixel  where the next strip begins
     using Progress = std::function<void(std::size_t pixel)>;
 
     /// Overwrites all fields of the target. The mask has the image's size. Prints timing lines.
-    /// @param progress  other work on the same pixels: done here it need not wait for memory
+    /// @param progress  other work on the same pixels, which finds them in the cache here
     /// @throws MNotImplementedException for an image or a mask without a pixel type
     void compute(const MImage& image, const MImage& mask, const Progress& progress = {}) const;
 

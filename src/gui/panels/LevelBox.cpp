@@ -22,9 +22,11 @@ QString LevelBox::textFromValue(double value) const
 {
     constexpr double Loss = 1e-3;
     QString text = QString::number(value, 'f', 4);
-    if (std::abs(text.toDouble() - value) > Loss * std::abs(value))
-        text = QString::number(value, 'g', 6);
-    return text;
+    if (std::abs(text.toDouble() - value) <= Loss * std::abs(value))
+        return text;
+    // As short as the box is narrow: without its end, an exponent deceives.
+    text = QString::number(value, 'g', 4);
+    return text.replace(QStringLiteral("e-0"), QStringLiteral("e-"));
 }
 
 double LevelBox::valueFromText(const QString& text) const { return text.toDouble(); }

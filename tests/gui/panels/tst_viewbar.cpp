@@ -160,14 +160,16 @@ TEST_F(ViewBarTest, SpinBoxesHoldLevelsOfAnySize)
 {
     view.open(images::of<float>(50, 40, [](int x, int y) { return 1e-7 * (x + y); }));
     for (const auto& [typed, level, shown] :
-         {std::tuple("2e-7", 2e-7, "2e-07"), std::tuple("0.00000012", 1.2e-7, "1.2e-07"),
-          std::tuple("0.5", 0.5, "0.5000"), std::tuple("1e9", 10 + 8.7e-6, "10.0000")}) {
+         {std::tuple("2e-7", 2e-7, "2e-7"), std::tuple("0.00000012", 1.2e-7, "1.2e-7"),
+          std::tuple("9.99996e-8", 9.99996e-8, "1e-7"),
+          std::tuple("1.23456e-7", 1.23456e-7, "1.235e-7"), std::tuple("0.5", 0.5, "0.5000"),
+          std::tuple("1e9", 10 + 8.7e-6, "10.0000")}) {
         type(box(1), typed);
         EXPECT_NEAR(contrast().foreground, level, level * 1e-6);
         EXPECT_EQ(box(1)->text(), shown);
     }
     view.service->setContrastData({3e-7, 1e-7, MColorTable::hdr(), false});
-    EXPECT_EQ(box(0)->text(), "1e-07");
+    EXPECT_EQ(box(0)->text(), "1e-7");
     type(box(0), "2.5e-7");
     EXPECT_NEAR(contrast().background, 2.5e-7, 1e-12) << "close to the foreground";
 }

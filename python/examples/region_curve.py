@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 # SPDX-FileCopyrightText: 2026 the TARVIK authors
 # SPDX-License-Identifier: MIT
-"""Waits for a region that the user draws with the right button, and plots its curve: with
+"""Waits for a region (its kind is chosen under Tools, a right drag draws it), and plots it: with
 Matplotlib into a picture if it is installed, otherwise as text.
 
     region_curve.py [SECONDS] [PICTURE]
@@ -30,7 +30,7 @@ def main() -> None:
         view = window.open_sub_frame()
         view.load_image(numpy.random.default_rng(4).poisson(waves).astype(numpy.uint16))
         view.wait_for_image()
-        view.set_title("Draw a region with the right button")
+        view.set_title("Choose a region under Tools, draw it with the right button")
         try:
             region = view.wait_for_region(seconds)
         except TimeoutError:

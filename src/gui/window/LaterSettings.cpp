@@ -6,9 +6,11 @@
 
 #include <QSettings>
 
+#include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <deque>
+#include <map>
 #include <mutex>
 #include <utility>
 
@@ -24,6 +26,7 @@ struct Queue {
     std::mutex mutex;
     std::condition_variable empty;
     std::deque<Write> writes;
+    std::map<QString, QVariant> unwritten;  // by set()
     bool working = false;
 };
 
@@ -37,10 +40,18 @@ Queue& queue()
 void work()
 {
     Queue& all = queue();
+    std::deque<Write> writes;
     for (;;) {
-        std::deque<Write> writes;
         {
             const std::lock_guard lock(all.mutex);
+            const auto again = [&](const QString& key) {
+                return std::any_of(all.writes.begin(), all.writes.end(),
+                                   [&](const Write& write) { return write.key == key; });
+            };
+            for (const Write& written : writes)
+                if (!again(written.key))
+                    all.unwritten.erase(written.key);
+            writes.clear();
             all.writes.swap(writes);
             if (writes.empty()) {
                 all.working = false;
@@ -59,7 +70,22 @@ void work()
 
 void later_settings::set(const QString& key, const QVariant& value)
 {
+    {
+        const std::lock_guard lock(queue().mutex);
+        queue().unwritten[key] = value;
+    }
     change(key, [value](const QVariant&) { return value; });
+}
+
+QVariant later_settings::value(const QString& key)
+{
+    {
+        const std::lock_guard lock(queue().mutex);
+        const auto found = queue().unwritten.find(key);
+        if (found != queue().unwritten.end())
+            return found->second;
+    }
+    return QSettings().value(key);
 }
 
 void later_settings::change(const QString& key, std::function<QVariant(const QVariant&)> change)

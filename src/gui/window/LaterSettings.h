@@ -14,6 +14,8 @@
 namespace later_settings {
 
 void set(const QString& key, const QVariant& value);
+/// The value set last, also while it is not written yet; else the stored one.
+QVariant value(const QString& key);
 /// Replaces a value by what is made of the stored one, which another program may have written
 /// meanwhile.
 void change(const QString& key, std::function<QVariant(const QVariant&)> change);

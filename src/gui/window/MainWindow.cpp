@@ -22,7 +22,6 @@
 
 #include <QApplication>
 #include <QDropEvent>
-#include <QSettings>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -49,7 +48,7 @@ MainWindow::MainWindow(TarvikCore& core, bool useGlsl, bool quitOnClose, PanelMa
     , _panelMaker(std::move(panels))
     , _firstPanelKey(freePanelKeys())
     , _columnWidth(SideBarColumn::MaximumWidth)
-    , _keyboardShortcutMode(QSettings().value(ShortcutModeKey, false).toBool())
+    , _keyboardShortcutMode(later_settings::value(ShortcutModeKey).toBool())
     , _useGlsl(useGlsl)
     , _quitOnClose(quitOnClose)
 {

@@ -17,7 +17,6 @@
 #include <QImageWriter>
 #include <QPointer>
 #include <QProgressDialog>
-#include <QSettings>
 
 namespace {
 
@@ -34,8 +33,8 @@ Target askForTarget(QWidget* parent, const QStringList& extensions, const QStrin
                     const QString& caption, const QString& directoryKey, const QString& extension)
 {
     // The window may be closed while a dialog of it is open, and takes the dialog with it.
-    const QPointer<SaveFileDialog> dialog =
-        new SaveFileDialog(parent, extensions, caption, QSettings().value(directoryKey).toString());
+    const QPointer<SaveFileDialog> dialog = new SaveFileDialog(
+        parent, extensions, caption, later_settings::value(directoryKey).toString());
     dialog->setExtension(extension);
     Target target;
     if (dialog->exec() == QDialog::Accepted && dialog)

@@ -54,7 +54,6 @@ TEST_F(ShortcutModeTest, EscSwitchesTheModeAndItIsRemembered)
     EXPECT_FALSE(_window->keyboardShortcutMode());
     QTest::keyClick(_view, Qt::Key_Escape);
     EXPECT_TRUE(_window->keyboardShortcutMode() && keys()->isChecked());
-    later_settings::finish();
     const MainWindow next(_core, true, true);
     EXPECT_TRUE(next.keyboardShortcutMode());
     _window->disableKeyboardShortcuts();

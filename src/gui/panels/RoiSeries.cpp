@@ -78,6 +78,8 @@ void RoiSeries::_createLayout()
         QStringLiteral("Write the curve over the series as text or as a picture"));
     _progress->setFormat(QStringLiteral("%v of %m"));
     _state->setWordWrap(true);
+    // Messages name files, whose names may look like markup.
+    _state->setTextFormat(Qt::PlainText);
     auto* buttons = new QHBoxLayout;
     buttons->setContentsMargins(9, 0, 9, 0);
     buttons->addWidget(_choice);

@@ -121,7 +121,7 @@ void RoiSeries::_offerQuantities(int roiType)
     _choice->setCurrentIndex(current < wanted ? current : 0);
 }
 
-void RoiSeries::_newStatisticsSlot(StatisticsData region)
+void RoiSeries::_newStatisticsSlot(const StatisticsData& region)
 {
     _offerQuantities(region.roiType);
     setVisible(region.roiType != StatisticsData::None);

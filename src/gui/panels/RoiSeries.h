@@ -28,7 +28,7 @@ public:
     const SeriesCurve& curve() const { return _curve; }
 
 private slots:
-    void _newStatisticsSlot(StatisticsData region);
+    void _newStatisticsSlot(const StatisticsData& region);
     void _newImageSlot();
     void _startOrStop();
     void _curveChanged();

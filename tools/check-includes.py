@@ -18,6 +18,7 @@ ROOMS = {
     "imagelib/codec": "codec",
     "imagelib/display": "display",
     "imagelib/ipc": "ipc",
+    "imagelib/control": "control",
     "imagelib/io/formats/base": "formatbase",
     "imagelib/io/formats/cbf": "cbf",
     "imagelib/io/formats/tiff": "tiff",
@@ -65,6 +66,7 @@ ARROWS = {
     "codec": ["image"],
     "display": ["image"],
     "ipc": ["display"],
+    "control": ["codec"],
     "formatbase": ["image"],
     "cbf": ["formatbase", "codec"],
     "tiff": ["formatbase", "codec"],
@@ -83,7 +85,7 @@ ARROWS = {
     "preload": ["io", "ipc", "support"],
     "loading": ["preload", "statistics", "peaks", "roi", "io"],
     "geometry": ["image"],
-    "detector": ["image", "support"],
+    "detector": ["control", "io", "support"],
     "headerfiles": ["image", "support"],
     "output": ["loading", "records", "roi"],
     "regionseries": ["output"],
@@ -111,6 +113,7 @@ ARROWS = {
 DOORS = {
     "display": "MDrawingList MColorTable MContrast MColorMap MRect ColorMapper DisplayValue TransferLevels AxisScale BlockMaxima",
     "ipc": "MMessageQueue MessageChannel SegmentPool MTimer",
+    "control": "MHalvoDetector MHalvoMonitor MHalvoStream MHalvoFileWriter MStreamObject",
     "cbf": "CbfReader CbfWriter",
     "tiff": "TiffReader TiffWriter",
     "edf": "EdfReader",
@@ -138,7 +141,7 @@ DOORS = {
     "api": "TarvikInterface",
 }
 
-WITHOUT_QT = {"image", "paths", "codec", "display", "ipc", "formatbase", "cbf", "tiff", "edf",
+WITHOUT_QT = {"image", "paths", "codec", "display", "ipc", "control", "formatbase", "cbf", "tiff", "edf",
               "hdf5library", "hdf5frames", "hdf5nexus", "hdf5write", "ioprocess", "io", "reader", "demo"}
 WITH_WIDGETS = {"guikit", "info", "panels", "plot", "render", "window", "api", "bin"}
 WIDGETS = re.compile(r"Q(Widget|Application|MainWindow|Dialog|MessageBox|Layout|[HV]BoxLayout"

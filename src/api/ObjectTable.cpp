@@ -36,6 +36,7 @@ void ObjectTable::detach(QObject* object)
         _mutexMap.erase(object);
     }
     const std::lock_guard lock(_waitMutex);
+    ++_departures;
     _waitCondition.wakeAll();
 }
 
@@ -72,11 +73,18 @@ bool ObjectTable::waitUntilGone(QObject* object, std::chrono::milliseconds timeo
 {
     constexpr std::chrono::milliseconds Look{200};
     const QDeadlineTimer end(timeout);
-    const std::lock_guard lock(_waitMutex);
-    while (contains(object)) {
+    for (;;) {
+        // Never both locks: detach() may have to wake this thread for one object while it takes
+        // another one out, with the table locked.
+        std::unique_lock lock(_waitMutex);
+        const quint64 departures = _departures;
+        lock.unlock();
+        if (!contains(object))
+            return true;
         if (end.hasExpired() || givenUp())
             return false;
-        _waitCondition.wait(&_waitMutex, std::min(end, QDeadlineTimer(Look)));
+        lock.lock();
+        if (_departures == departures)
+            _waitCondition.wait(&_waitMutex, std::min(end, QDeadlineTimer(Look)));
     }
-    return true;
 }

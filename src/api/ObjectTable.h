@@ -20,7 +20,8 @@ class QObject;
 /// Each object with a mutex of its own. While one is held, the object stays in the table and thus
 /// alive: what takes it out waits.
 ///
-/// Locks in this order: the table's, then an object's. Thread: any but where it says so.
+/// Locks in this order: the table's, then an object's. None is taken while that of the waiting is
+/// held. Thread: any but where it says so.
 class ObjectTable {
 public:
     /// An object that can't leave the table as long as this exists.
@@ -58,4 +59,5 @@ private:
     std::map<QObject*, std::unique_ptr<QRecursiveMutex>> _mutexMap;
     QMutex _waitMutex;
     QWaitCondition _waitCondition;  // an object has left
+    quint64 _departures = 0;
 };

@@ -48,13 +48,11 @@ int imagesOf(int first, int last, const morvend::imglib::NumberRanges& gaps)
 }  // namespace
 
 struct RegionSeries::Lane {
-    Lane(MImageSeries series_, const StatisticsData& region_)
+    explicit Lane(MImageSeries series_)
         : series(std::move(series_))
-        , region(region_)
     {}
 
     MImageSeries series;
-    RegionNumbers region;
     MaskFixup masks;
     bool open = false;
 };
@@ -62,6 +60,7 @@ struct RegionSeries::Lane {
 struct RegionSeries::State : std::enable_shared_from_this<State> {
     State(Order order_, std::function<void()> changed_)
         : order(std::move(order_))
+        , region(order.region)
         , changed(std::move(changed_))
     {}
 
@@ -81,6 +80,7 @@ struct RegionSeries::State : std::enable_shared_from_this<State> {
     void announce();
 
     const Order order;
+    RegionNumbers region;
     /// Ends the work of all lanes.
     MImageSeries root{1};
     std::atomic<bool> stopped = false;
@@ -104,7 +104,7 @@ void RegionSeries::State::addLane()
         const std::lock_guard lock(mutex);
         ++lanes;
     }
-    post(std::make_shared<Lane>(root.beside(), order.region));
+    post(std::make_shared<Lane>(root.beside()));
 }
 
 void RegionSeries::State::post(std::shared_ptr<Lane> lane)
@@ -188,7 +188,7 @@ SeriesPoint RegionSeries::State::compute(Lane& lane, int number)
         return point;
     }
     const MImage mask = lane.masks.certain(image);
-    const RoiStatistics numbers = lane.region.compute(image, mask);
+    const RoiStatistics numbers = region.compute(image, mask);
     point.state = numbers.weight > 0 ? SeriesPoint::State::Good : SeriesPoint::State::Masked;
     point.mean = numbers.mean;
     point.sum = numbers.integral;

@@ -15,10 +15,16 @@
 #include <cstdint>
 #include <type_traits>
 
-using morvend::imglib::MImage;
-using namespace roi;
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "logic/analysis/roi/RegionNumbers.cpp"
+#include <hwy/foreach_target.h>
+// After foreach_target.h, which may include this file again for each instruction set.
+#include <hwy/highway.h>
 
-namespace {
+HWY_BEFORE_NAMESPACE();
+namespace roi::HWY_NAMESPACE {
+
+using morvend::imglib::MImage;
 
 /// Integers of up to 32 bits are summed as integers, exactly: as many as an image has do not
 /// overflow. So are their squares, up to 64 of them.
@@ -103,6 +109,35 @@ private:
     const GoodPixels& _good;
 };
 
+RegionSums sumArea(const MImage& image, const GoodPixels& good, const StencilArea& area,
+                   bool deviation)
+{
+    return morvend::datatypes::dispatchPixelType(image.type(), image.typeBits(), [&]<class T>() {
+        const AreaReader<T> reader(image, good);
+        return deviation ? reader.sumsWithDeviationOf(area) : reader.sumsOf(area);
+    });
+}
+
+}  // namespace roi::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+
+using morvend::imglib::MImage;
+using namespace roi;
+
+namespace roi {
+HWY_EXPORT(sumArea);
+}
+
+namespace {
+
+RegionSums sumArea(const MImage& image, const GoodPixels& good, const StencilArea& area,
+                   bool deviation)
+{
+    return HWY_DYNAMIC_DISPATCH(roi::sumArea)(image, good, area, deviation);
+}
+
 /// The part of it that RoiComputer has in common with this.
 void store(RoiStatistics& result, const RegionSums& area, const RegionSums& background)
 {
@@ -140,16 +175,22 @@ RoiStatistics RegionNumbers::compute(const MImage& image, const MImage& mask)
     if (!hasStencil(_region))
         return computer.compute();
     computer.check();
-    if (!_stencil || !_stencil->fits(image))
-        _stencil = std::make_unique<const RegionStencil>(_region, image.width(), image.height());
+    const auto stencil = _stencilFor(image);
     const auto good = GoodPixels::of(mask);
     RoiStatistics result;
-    morvend::datatypes::dispatchPixelType(image.type(), image.typeBits(), [&]<class T>() {
-        const AreaReader<T> reader(image, *good);
-        store(result, reader.sumsOf(_stencil->area()),
-              reader.sumsWithDeviationOf(_stencil->background()));
-    });
+    store(result, sumArea(image, *good, stencil->area(), false),
+          sumArea(image, *good, stencil->background(), true));
     if (_region.roiType != StatisticsData::Circle)
         result.intensity = result.intensitySigma = 0;
     return result;
 }
+
+std::shared_ptr<const RegionStencil> RegionNumbers::_stencilFor(const MImage& image)
+{
+    const std::lock_guard lock(_mutex);
+    if (!_stencil || !_stencil->fits(image))
+        _stencil = std::make_shared<const RegionStencil>(_region, image.width(), image.height());
+    return _stencil;
+}
+
+#endif

@@ -9,13 +9,15 @@
 #include "logic/records/StatisticsData.h"
 
 #include <memory>
+#include <mutex>
 
 class RegionStencil;
 
 /// What RoiComputer finds, but for the curves, the deviation, the centroid and the smallest value.
 /// Which part of which pixel belongs to a circle or a ring is worked out once for all images of a
-/// size; their sums differ from those of RoiComputer by rounding alone.
-/// Thread: one at a time.
+/// size; their sums differ from those of RoiComputer by rounding alone, and depend neither on the
+/// processor nor on the images before.
+/// Thread: any, several at a time.
 class RegionNumbers {
 public:
     explicit RegionNumbers(const StatisticsData& region);
@@ -26,6 +28,9 @@ public:
                           const morvend::imglib::MImage& mask);
 
 private:
+    std::shared_ptr<const RegionStencil> _stencilFor(const morvend::imglib::MImage& image);
+
     const StatisticsData _region;
-    std::unique_ptr<const RegionStencil> _stencil;  // of the last image's size; null before
+    std::mutex _mutex;  // over the next, also while it is worked out: all others need it
+    std::shared_ptr<const RegionStencil> _stencil;  // of the last image's size; null before
 };

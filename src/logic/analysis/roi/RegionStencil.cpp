@@ -43,6 +43,27 @@ struct Reach {
     }
 };
 
+/// Where a pixel is by the distance of its centre alone, which decides for nearly all pixels. Half
+/// the diagonal of a pixel, rounded up, is left to the exact rules on both sides of a circle.
+class Distance {
+public:
+    Distance(double dx, double dy)
+        : _squared(dx * dx + dy * dy)
+    {}
+    bool isInside(int radius) const
+    {
+        return radius >= 1 && _squared < (radius - HalfDiagonal) * (radius - HalfDiagonal);
+    }
+    bool isOutside(int radius) const
+    {
+        return _squared > (radius + HalfDiagonal) * (radius + HalfDiagonal);
+    }
+
+private:
+    static constexpr double HalfDiagonal = 0.7072;
+    double _squared;
+};
+
 /// @param rowsOf  first and last row of a column, which may be outside the image
 template <class RowsOf>
 Reach reachOf(int left, int right, int width, int height, RowsOf&& rowsOf)
@@ -80,11 +101,17 @@ void RegionStencil::_addCircle(const StatisticsData& region)
     const int outer = static_cast<int>(std::ceil(1.2 * radius));
     const auto rowsOf = [&](int x) {
         const double d = (x < cx ? x - cx + 1 : x - cx) - 0.5;
-        const int last = static_cast<int>(std::sqrt(double(outer) * outer - d * d) + cy + 0.5);
+        const double top = std::sqrt(double(outer) * outer - d * d) + cy + 0.5;
+        const int last = static_cast<int>(top);
         return std::pair(2 * cy - last, last);
     };
     reachOf(cx - outer, cx + outer, _width, _height, rowsOf)
         .forEachPixel(_width, [&](int x, int y, std::size_t pixel) {
+            const Distance distance(double(x) - cx, double(y) - cy);
+            if (distance.isInside(radius))
+                return _area.add(pixel, 1);
+            if (distance.isOutside(radius) && distance.isInside(outer))
+                return _background.add(pixel, 1);
             const double inDisc = coveredArea(x, y, radius, cx, cy);
             _area.add(pixel, inDisc);
             if (inDisc < 1)
@@ -107,6 +134,11 @@ void RegionStencil::_addRing(const StatisticsData& region)
     };
     reachOf(static_cast<int>(cx) - outer, static_cast<int>(cx) + outer, _width, _height, rowsOf)
         .forEachPixel(_width, [&](int x, int y, std::size_t pixel) {
+            const Distance distance(x + 0.5 - cx, y + 0.5 - cy);
+            if (distance.isInside(inner))
+                return;
+            if (distance.isOutside(inner) && distance.isInside(outer))
+                return _area.add(pixel, 1);
             const double hole = coveredArea(x, y, inner, cx, cy);
             if (hole < 1)
                 _area.add(pixel, coveredArea(x, y, outer, cx, cy) - hole);

@@ -13,6 +13,7 @@
 #include "tests/support/EdfFile.h"
 #include "tests/support/HeldRegions.h"
 #include "tests/support/Regions.h"
+#include "tests/support/SourcePath.h"
 #include "tests/support/TempFolder.h"
 
 #include <gtest/gtest.h>
@@ -30,7 +31,18 @@
 #include <QSettings>
 #include <QThread>
 
+#include <cstdlib>
+#include <fstream>
+
 namespace {
+
+using tarvik::tests::sourcePath;
+
+QString textOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
 
 class RoiSideBarTest : public testing::Test {
 protected:
@@ -219,27 +231,56 @@ TEST_F(RoiSideBarTest, OldNumbersStayWhileNewOnesAreComputed)
     EXPECT_EQ(QApplication::clipboard()->text(), view.service->roiStatisticsToString());
 }
 
-TEST_F(RoiSideBarTest, SavesWhatIsCopied)
+/// Three spots in a row, with a masked stretch of columns after them.
+images::MImage spotted()
 {
-    open();
-    set(regions::circle(30, 20, 8));
+    images::MImage image = images::of<int>(48, 16, [](int x, int y) {
+        return y == 8 && (x == 3 || x == 8 || x == 14) ? 300 + x : (x + 2 * y) % 4;
+    });
+    const images::MImage mask =
+        images::of<unsigned>(48, 16, [](int x, int) { return x >= 17 && x < 20; });
+    image.optionalData().set_pixel_mask(mask);
+    tarvik::tests::setGeometry(image.optionalData(), 12, 8, 100e-6F, 100e-6F, 0.1F, 1);
+    return image;
+}
+
+/// The kept file is written anew when TARVIK_UPDATE_REGIONS is set.
+TEST_F(RoiSideBarTest, FileAndClipboardHaveTheKeptReportOfEachKind)
+{
+    ASSERT_TRUE(view.open(spotted()));
     const tarvik::tests::TempFolder folder;
-    const QString file = QString::fromStdString(folder / "spot.txt");
-    press("Save");
-    auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
-    ASSERT_TRUE(dialog);
-    EXPECT_EQ(dialog->labelText(QFileDialog::Accept), "Save");
-    EXPECT_FALSE(child<QPushButton>("Save").isDown());
-    dialog->findChild<QLineEdit*>()->setText(file);
-    QTest::keyClick(dialog->findChild<QLineEdit*>(), Qt::Key_Return);
-    // No event of this thread is needed for it.
+    const QString file = QString::fromStdString(folder / "report.txt");
     const QString directory = QFileInfo(file).absolutePath();
-    for (int i = 0; i < 60'000 && QSettings().value("RegionDirectory") != directory; ++i)
-        QThread::msleep(1);
-    EXPECT_EQ(QSettings().value("RegionDirectory").toString(), directory);
-    QFile written(file);
-    ASSERT_TRUE(written.open(QIODevice::ReadOnly));
-    EXPECT_EQ(QString::fromUtf8(written.readAll()), view.service->roiStatisticsToString());
+    QString reports;
+    for (const StatisticsData& kind :
+         {regions::line(1, 8, 46, 8), regions::box(12, 5, 21, 11), regions::circle(14, 8, 4, 0.5),
+          regions::powder(14.3, 8.1, 2, 7)}) {
+        SCOPED_TRACE(kind.roiType);
+        set(kind);
+        press("Copy");
+        press("Save");
+        auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+        ASSERT_TRUE(dialog);
+        EXPECT_EQ(dialog->labelText(QFileDialog::Accept), "Save");
+        EXPECT_FALSE(child<QPushButton>("Save").isDown());
+        QSettings().remove("RegionDirectory");
+        QFile::remove(file);
+        dialog->findChild<QLineEdit*>()->setText(file);
+        QTest::keyClick(dialog->findChild<QLineEdit*>(), Qt::Key_Return);
+        // No event of this thread is needed for it.
+        for (int i = 0; i < 60'000 && QSettings().value("RegionDirectory") != directory; ++i)
+            QThread::msleep(1);
+        settle();
+        EXPECT_EQ(QSettings().value("RegionDirectory").toString(), directory);
+        const QString report = textOf(file);
+        EXPECT_EQ(report, QApplication::clipboard()->text());
+        EXPECT_EQ(report, view.service->roiStatisticsToString());
+        reports += report;
+    }
+    const QString kept = QString::fromStdString(sourcePath("/tests/data/reports.txt"));
+    if (std::getenv("TARVIK_UPDATE_REGIONS"))
+        std::ofstream(kept.toStdString()) << reports.toStdString();
+    EXPECT_EQ(reports, textOf(kept));
 }
 
 TEST_F(RoiSideBarTest, TheResultsComeOutAndHome)

@@ -109,7 +109,7 @@ class RegionNumbers:
     centroid: Point
 
 
-@dataclasses.dataclass(frozen=True)
+@dataclasses.dataclass(frozen=True, eq=False)
 class Curve:
     """A curve of a region."""
 
@@ -118,6 +118,12 @@ class Curve:
     bad: NDArray[numpy.bool_]  # where masked pixels take part
     x_label: str
     y_label: str
+
+    def __eq__(self, other: object) -> bool:
+        return (isinstance(other, Curve)
+                and (self.x_label, self.y_label) == (other.x_label, other.y_label)
+                and all(numpy.array_equal(mine, its, equal_nan=True) for mine, its in
+                        ((self.x, other.x), (self.y, other.y), (self.bad, other.bad))))
 
     @classmethod
     def make(cls, points: list[list[Any]], labels: list[str]) -> Curve:

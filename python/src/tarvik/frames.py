@@ -166,6 +166,7 @@ class SubFrame(_Frame):
         self._call("setTitle", title)
 
     def unset_title(self) -> None:
+        """New images set the title again."""
         self._call("unsetTitle")
 
     # How it shows it.
@@ -175,12 +176,15 @@ class SubFrame(_Frame):
         self._call("setViewport", float(offset_x), float(offset_y), int(zoom_power))
 
     def set_offset_x(self, offset_x: float) -> None:
+        """The horizontal place alone, as set_viewport()."""
         self._call("setOffsetX", float(offset_x))
 
     def set_offset_y(self, offset_y: float) -> None:
+        """The vertical place alone, as set_viewport()."""
         self._call("setOffsetY", float(offset_y))
 
     def set_zoom_power(self, zoom_power: int) -> None:
+        """The zoom alone, as set_viewport()."""
         self._call("setZoomPower", int(zoom_power))
 
     def set_contrast(self, foreground: float, background: float) -> None:
@@ -188,9 +192,11 @@ class SubFrame(_Frame):
         self._call("setContrast", float(foreground), float(background))
 
     def set_foreground(self, foreground: float) -> None:
+        """The counts for the last colour alone."""
         self._call("setForeground", float(foreground))
 
     def set_background(self, background: float) -> None:
+        """The counts for the first colour alone."""
         self._call("setBackground", float(background))
 
     def set_color_mode(self, color_mode: str) -> None:
@@ -198,6 +204,7 @@ class SubFrame(_Frame):
         self._call("setColorMode", color_mode)
 
     def show_resolution_rings(self) -> None:
+        """Draws rings of equal resolution, where the header gives the geometry."""
         self._call("showResolutionRings")
 
     def hide_resolution_rings(self) -> None:
@@ -210,9 +217,11 @@ class SubFrame(_Frame):
         self._call("setPaintList", attachment=list(items))
 
     def add_to_paint_list(self, items: Iterable[wire.Primitive]) -> None:
+        """Draws more, over what is there."""
         self._call("addToPaintList", attachment=list(items))
 
     def clear_paint_list(self) -> None:
+        """Removes all that was drawn."""
         self._call("clearPaintList")
 
     # Its frame.
@@ -229,6 +238,7 @@ class SubFrame(_Frame):
         self._call("setActiveColor", int(red), int(green), int(blue))
 
     def set_non_active_color(self, red: int, green: int, blue: int) -> None:
+        """The title bars of the other views."""
         self._call("setNonActiveColor", int(red), int(green), int(blue))
 
     # What can be learnt of it.
@@ -263,9 +273,11 @@ class SubFrame(_Frame):
         return image
 
     def viewport(self) -> Viewport:
+        """The part of the image that is in view."""
         return Viewport.parse(self._call("viewport").text)
 
     def contrast(self) -> Contrast:
+        """The counts of the first and the last colour, and the table."""
         return Contrast.parse(self._call("contrast").text)
 
     def cursor(self) -> Cursor | None:
@@ -288,5 +300,7 @@ class SubFrame(_Frame):
         return Click.parse(self._wait("waitForClick", timeout))
 
     def wait_for_region(self, timeout: float | None = None) -> Region:
-        """Waits until the user has drawn or moved a region. Raises as wait_for_click()."""
+        """Waits until the user has drawn or moved a region: its kind is chosen under Tools, in
+        Statistics, Region of Interest; a drag with the right button draws it. Raises as
+        wait_for_click()."""
         return Region.parse(self._wait("waitForRegion", timeout))

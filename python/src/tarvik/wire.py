@@ -101,6 +101,8 @@ class Image:
 
 @dataclasses.dataclass
 class Pixel:
+    """A cross on the middle of the pixel (x, y). Colours are red, green, blue and alpha, 0 to 255."""
+
     x: float
     y: float
     colour: Colour = (255, 255, 255, 255)
@@ -108,6 +110,8 @@ class Pixel:
 
 @dataclasses.dataclass
 class Line:
+    """A line between two positions; the middle of the first pixel is (0.5, 0.5)."""
+
     x_begin: float
     y_begin: float
     x_end: float
@@ -117,6 +121,8 @@ class Line:
 
 @dataclasses.dataclass
 class Text:
+    """A text that begins on the middle of the pixel (x, y)."""
+
     x: float
     y: float
     text: bytes | str
@@ -125,11 +131,13 @@ class Text:
 
 @dataclasses.dataclass
 class Ellipse:
+    """An ellipse around a position, with the half axes rx and ry, turned by `rotation` radians."""
+
     x: float
     y: float
     rx: float
     ry: float
-    rotation: float
+    rotation: float = 0.0
     colour: Colour = (255, 255, 255, 255)
 
 

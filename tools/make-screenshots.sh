@@ -5,8 +5,9 @@
 # make-screenshots.sh [BUILD [OUT]]: pictures of the viewer at work, on generated data and a virtual
 # screen, into OUT (screenshots/ in the build folder). BUILD is the build folder (build/ci).
 # docs/images holds some of them, made smaller: convert X.png -resize 900x600 +dither -colors 40 X.png
+# (from-python.png to 600x400; TARVIK_PYTHON is the Python with NumPy)
 # and of the panel its column: convert view-panel.png -crop 346x704+832+60 +repage +dither -colors 100 view-panel.png
-# Needs xvfb, xdotool and ImageMagick, of which packaging/debian-packages.txt has all.
+# Needs xvfb, xdotool, ImageMagick and NumPy, of which packaging/debian-packages.txt has all.
 set -euo pipefail
 here=$(cd "$(dirname "$0")/.." && pwd)
 build=$(cd "${1:-$here/build/ci}" && pwd)
@@ -123,6 +124,32 @@ start "${frames[2]}"
 click 600 500
 key n  # the keyboard mode is still on
 take strip-with-a-missing-image
+stop
+
+# The lines of README.md, with the image of a file as array.
+cat >"$work/script.py" <<'END'
+import sys, tarvik
+
+with tarvik.open_main_frame(700, 500) as window:
+    source = window.open_sub_frame()
+    source.load_file(sys.argv[1])
+    source.wait_for_image()
+    array = source.image().copy()
+view = tarvik.show(array)
+view.wait_for_image()
+view.set_paint_list([tarvik.Ellipse(each.x + 0.5, each.y + 0.5, 9, 9, 0, (255, 80, 80, 255))
+                     for each in view.peaks()[:60]])
+print("shown", flush=True)
+view.wait_for_click(timeout=600)
+END
+PYTHONPATH=$here/python/src TARVIK=$build/bin/tarvik "${TARVIK_PYTHON:-python3}" "$work/script.py" "${frames[0]}" \
+    >"$work/log" &
+program=$!
+for _ in $(seq 300); do
+    ! grep -q shown "$work/log" || break
+    sleep 0.1
+done
+take from-python
 stop
 
 QT_SCALE_FACTOR=2 start "${frames[0]}"

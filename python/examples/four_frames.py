@@ -6,6 +6,7 @@
     four_frames.py [SECONDS]    how long the window stays at most
 """
 
+import contextlib
 import sys
 
 import numpy
@@ -31,10 +32,8 @@ def main() -> None:
         views[0].set_contrast(150, 0)
         views[0].set_zoom_power(1)
         print("zoom of each view:", [view.viewport().zoom_power for view in views])
-        try:
+        with contextlib.suppress(TimeoutError):
             window.wait_for_close(seconds)
-        except TimeoutError:
-            pass
 
 
 if __name__ == "__main__":

@@ -6,6 +6,7 @@
     overlay.py [SECONDS]    how long the window stays at most
 """
 
+import contextlib
 import sys
 
 import numpy
@@ -35,10 +36,8 @@ def main() -> None:
                 items.append(tarvik.Text(x + 10, y, str(number), colour))
         view.set_paint_list(items)
         print(f"{len(predicted)} spots predicted, {len(predicted[::3])} found")
-        try:
+        with contextlib.suppress(TimeoutError):
             window.wait_for_close(seconds)
-        except TimeoutError:
-            pass
 
 
 if __name__ == "__main__":

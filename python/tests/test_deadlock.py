@@ -55,20 +55,21 @@ class Watchdog:
         self._thread.join()
 
 
-class Closing:
+class User:
     """Clicks on the places where a view has its button to close, one view or several beside each
-    other, and into the view."""
+    other, and into the view, and closes dialogs."""
 
     def __init__(self, seed):
         self._over = threading.Event()
         self._random = random.Random(seed)
-        self._thread = threading.Thread(target=self._click)
+        self._thread = threading.Thread(target=self._act)
 
-    def _click(self):
+    def _act(self):
+        places = [(WIDTH - 13, 72), (WIDTH // 2 - 13, 72), (WIDTH - 13, HEIGHT // 2 + 42), (200, 300)]
         while not self._over.wait(self._random.uniform(0, 0.05)):
-            x, y = self._random.choice([(WIDTH - 13, 72), (WIDTH // 2 - 13, 72), (200, 300),
-                                        (WIDTH - 13, HEIGHT // 2 + 42)])
-            subprocess.run(["xdotool", "mousemove", str(x), str(y), "click", "1"], check=False)
+            x, y = self._random.choice(places)
+            deed = ["key", "Escape"] if self._random.random() < 0.2 else ["mousemove", x, y, "click", 1]
+            subprocess.run(["xdotool", *map(str, deed)], check=False)
 
     def __enter__(self):
         self._thread.start()
@@ -151,12 +152,12 @@ class Script:
 def test_calls_and_closing_windows_never_block_each_other(daemon, tmp_path, monkeypatch):
     monkeypatch.setattr(daemon, "timeout", 10 * GUARD)  # the watchdog comes first
     seed = int(os.environ.get("SEED", "1"))
-    file = tmp_path / "image.edf"  # one that can't be read would bring a dialog, which stops the user
+    file = tmp_path / "image.edf"
     file.write_bytes(b"{ Dim_1 = 20 ; Dim_2 = 10 ; DataType = UnsignedByte ; Size = 200 ;".ljust(510)
                      + b"}\n" + bytes(200))
     script = Script(daemon, seed, file)
-    with Watchdog(daemon) as watchdog, Closing(seed):
-        while watchdog.calls < CALLS or script.ends["NoObject"] < CALLS // 300:
+    with Watchdog(daemon) as watchdog, User(seed):
+        while watchdog.calls < CALLS or script.ends["NoObject"] < CALLS // 1000:
             script.step()
             watchdog.calls += 1
     for window in script.windows:

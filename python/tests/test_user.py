@@ -97,7 +97,8 @@ def test_closing_ends_a_wait(window, shown):
 def test_lines_of_the_pages_run(page, tmp_path):
     subprocess.run([os.environ["DEMO"], str(tmp_path), "--small", "--formats", "cbf"], check=True,
                    capture_output=True)
-    names = {"tarvik": tarvik, "array": numpy.ones((400, 600)), "bad": numpy.zeros((400, 600))}
+    names = {"tarvik": tarvik, "array": numpy.ones((400, 600)), "bad": numpy.zeros((400, 600)),
+             "spots": [(50.5, 60.5), (100, 70)]}
     blocks = re.findall(r"```python\n(.*?)```", (ROOT / page).read_text(), re.DOTALL)
     assert blocks
     with Meanwhile(lambda: xdotool("mousemove", 400, 300, "click", 1)):

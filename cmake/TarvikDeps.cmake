@@ -21,7 +21,7 @@ if(TARVIK_FUZZ)
     find_package(Qt6 6.4 REQUIRED COMPONENTS Core)  # for the requests of scripts
     return()
 endif()
-find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets OpenGL OpenGLWidgets Svg Xml Test)
+find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets OpenGL OpenGLWidgets Network Svg Xml Test)
 # Without the folders of each test, which no test asks for: the compiler cache would serve no other
 # checkout.
 set_property(TARGET Qt6::Test PROPERTY INTERFACE_COMPILE_DEFINITIONS QT_TESTLIB_LIB)

@@ -1,7 +1,7 @@
 # What `cmake --install` puts where: programs, the desktop's files and the documents for users.
 include(GNUInstallDirs)
 
-install(TARGETS tarvik tarvik-image tarvik-demo-data RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(TARGETS tarvik tarvik-image tarvik-demo-data tarvik-control-unit-simulator RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 # Nobody starts it by hand: the viewer looks for it beside itself and in ../libexec/tarvik.
 install(TARGETS tarvik-reader RUNTIME DESTINATION ${CMAKE_INSTALL_LIBEXECDIR}/tarvik)
 

@@ -6,7 +6,7 @@
 # Files unchanged since they last passed are skipped.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-folders=(imagelib src demo tests bench)
+folders=(imagelib src demo simulator tests bench)
 files() { find "${folders[@]}" \( -name '*.h' -o -name '*.cpp' \) "$@" -print0; }
 if [ "${1:-}" = --fix ]; then
     files | xargs -0 -r clang-format -i

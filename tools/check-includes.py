@@ -58,6 +58,7 @@ ROOMS = {
     "src/bin/reader": "reader",
     "src/bin": "bin",
     "demo": "demo",
+    "simulator": "simulator",
 }
 
 ARROWS = {
@@ -105,6 +106,7 @@ ARROWS = {
     "api": ["window"],
     "bin": ["api"],
     "demo": ["io"],
+    "simulator": ["demo", "codec"],
 }
 
 # What outsiders may include of a room, by names without ending. A room that is not named here is a
@@ -113,7 +115,7 @@ ARROWS = {
 DOORS = {
     "display": "MDrawingList MColorTable MContrast MColorMap MRect ColorMapper DisplayValue TransferLevels AxisScale BlockMaxima",
     "ipc": "MMessageQueue MessageChannel SegmentPool MTimer",
-    "control": "MHalvoDetector MHalvoMonitor MHalvoStream MHalvoFileWriter MStreamObject",
+    "control": "MHalvoDetector MHalvoMonitor MHalvoStream MHalvoFileWriter MStreamObject ConfigHeader",
     "cbf": "CbfReader CbfWriter",
     "tiff": "TiffReader TiffWriter",
     "edf": "EdfReader",
@@ -224,7 +226,7 @@ def faults(path):
 
 def table_faults():
     """Folders that are a room for cmake but none here, and doors that lead nowhere."""
-    for folder in ("imagelib", "src", "demo"):
+    for folder in ("imagelib", "src", "demo", "simulator"):
         for lists in sorted((root / folder).rglob("CMakeLists.txt")):
             place = str(lists.parent.relative_to(root))
             if (re.search(r"^tarvik_add_room\(", lists.read_text(), re.MULTILINE)
@@ -240,7 +242,7 @@ def table_faults():
 
 found = list(table_faults())
 found += [fault
-          for folder in ("imagelib", "src", "demo")
+          for folder in ("imagelib", "src", "demo", "simulator")
           for path in sorted((root / folder).rglob("*"))
           if path.suffix in {".h", ".cpp"}
           for fault in faults(path)]

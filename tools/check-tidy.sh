@@ -17,10 +17,10 @@ changed() {
     base=$(git merge-base HEAD '@{upstream}' 2>/dev/null || git rev-parse HEAD)
     [ "$base" != "$(git rev-parse HEAD)" ] || base=$(git rev-parse -q --verify HEAD~1 || echo "$base")
     { git diff --name-only --diff-filter=d "$base"; git ls-files --others --exclude-standard; } |
-        grep -E '^(imagelib|src|demo)/.*\.(h|cpp)$' | sed 's/\.h$/.cpp/' | sort -u
+        grep -E '^(imagelib|src|demo|simulator)/.*\.(h|cpp)$' | sed 's/\.h$/.cpp/' | sort -u
 }
 case ${1:-} in
---all) limit=86400 && mapfile -t files < <(git ls-files 'imagelib/*.cpp' 'src/*.cpp' 'demo/*.cpp') ;;
+--all) limit=86400 && mapfile -t files < <(git ls-files 'imagelib/*.cpp' 'src/*.cpp' 'demo/*.cpp' 'simulator/*.cpp') ;;
 '') mapfile -t files < <(changed) ;;
 *) limit=86400 && files=("$@") ;;
 esac

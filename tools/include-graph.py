@@ -54,7 +54,7 @@ def circles(arrows):
 
 
 arguments = argparse.ArgumentParser(description=__doc__)
-arguments.add_argument("folders", nargs="*", default=["imagelib", "src", "demo"], metavar="FOLDER")
+arguments.add_argument("folders", nargs="*", default=["imagelib", "src", "demo", "simulator"], metavar="FOLDER")
 arguments.add_argument("--most", type=int, help="units that a circle may have")
 given = arguments.parse_args()
 found = [circle for circle in circles(graph(given.folders)) if len(circle) > (given.most or 0)]

@@ -42,7 +42,8 @@ public:
     /// Frames of this and of earlier series that the unit could not send.
     std::int64_t dropped(const Cancel& cancel);
 
-    /// The next message, decoded.
+    /// The next message, decoded. Takes at most its timeout, and 13 s more where the unit must be
+    /// asked for its stream and does not answer.
     /// @throws MTimeoutException    none within `timeoutSeconds`; also when the unit could not be
     ///                              reached all that time, with the reason in the text
     /// @throws MRuntimeException    a message that is damaged, against the protocol or too large;

@@ -28,20 +28,16 @@ void stayOnScale(int& pixel, const HistogramScale& scale, const Span& span)
 
 }  // namespace
 
-double levelDistance(double minimum, double maximum)
+double leastForeground(const ContrastData& contrast, double unit)
 {
-    const double largest = std::max(std::abs(minimum), std::abs(maximum));
-    return largest > 0 && largest < 1 ? LevelDistance * largest : LevelDistance;
+    return std::max(contrast.background + LevelDistance * unit,
+                    std::nextafter(contrast.background, Infinity));
 }
 
-double leastForeground(const ContrastData& contrast, double distance)
+double largestBackground(const ContrastData& contrast, double unit)
 {
-    return std::max(contrast.background + distance, std::nextafter(contrast.background, Infinity));
-}
-
-double largestBackground(const ContrastData& contrast, double distance)
-{
-    return std::min(contrast.foreground - distance, std::nextafter(contrast.foreground, -Infinity));
+    return std::min(contrast.foreground - LevelDistance * unit,
+                    std::nextafter(contrast.foreground, -Infinity));
 }
 
 void ContrastDrag::step(int dx, const HistogramScale& scale, const Span& span,
@@ -53,15 +49,18 @@ void ContrastDrag::step(int dx, const HistogramScale& scale, const Span& span,
         foreground += dx;
         background += dx;
         place(contrast.background, background, span.minimum, span.maximum, scale);
-        place(contrast.foreground, foreground, leastForeground(contrast), span.maximum, scale);
+        place(contrast.foreground, foreground, leastForeground(contrast, span.unit), span.maximum,
+              scale);
     } else if (zone == Zone::Foreground) {
         foreground += dx;
         stayOnScale(foreground, scale, span);
-        place(contrast.foreground, foreground, leastForeground(contrast), span.maximum, scale);
+        place(contrast.foreground, foreground, leastForeground(contrast, span.unit), span.maximum,
+              scale);
     } else if (zone == Zone::Background) {
         background += dx;
         stayOnScale(background, scale, span);
-        place(contrast.background, background, span.minimum, largestBackground(contrast), scale);
+        place(contrast.background, background, span.minimum, largestBackground(contrast, span.unit),
+              scale);
     }
 }
 

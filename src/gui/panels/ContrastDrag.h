@@ -8,15 +8,13 @@
 
 namespace panels {
 
-/// Foreground and background stay at least this far apart.
+/// Foreground and background stay at least this far apart, in units.
 constexpr double LevelDistance = 1e-6;
 
-/// The same for floating-point pixels: smaller if all of them are small.
-double levelDistance(double minimum, double maximum);
-
 /// Closest levels on the other side of one.
-double leastForeground(const ContrastData& contrast, double distance = LevelDistance);
-double largestBackground(const ContrastData& contrast, double distance = LevelDistance);
+/// @param unit  see intensityUnit()
+double leastForeground(const ContrastData& contrast, double unit);
+double largestBackground(const ContrastData& contrast, double unit);
 
 /// A drag of one level or of both, in steps from where the mouse was pressed.
 struct ContrastDrag {

@@ -49,6 +49,9 @@ void FastContrastControl::_setThresholdValues()
 {
     _contrast = _service->shownContrast();
     _scale = {_contrast.background, std::max(width(), 1)};
+    if (const auto statistics = _service->statistics())
+        _scale.unit = panels::intensityUnit(statistics->minimum, statistics->maximum,
+                                            _service->floatingPixels());
     if (!_dragging)  // else the hand holds it
         _slider = _scale.pixelOf(_contrast.foreground);
     update();
@@ -60,9 +63,9 @@ void FastContrastControl::paintEvent(QPaintEvent*)
 {
     if (!_service->imageLoaded())
         return;
-    std::vector<double> intensities;
+    std::vector<double> intensities(static_cast<std::size_t>(width()));
     for (int x = 0; x < width(); ++x)
-        intensities.push_back(_scale.valueAt(x));
+        intensities[std::size_t(x)] = _scale.valueAt(x);
     const std::vector<QRgb> colours = panels::levelColours(intensities, _contrast);
     QPainter painter(this);
     for (int x = 0; x < width(); ++x)
@@ -80,7 +83,7 @@ void FastContrastControl::_drag(double x)
     const double value = _scale.valueAt(_slider);
     // Counts are whole; other pixels may all lie between two whole numbers.
     _contrast.foreground = std::max(_service->floatingPixels() ? value : std::trunc(value),
-                                    panels::leastForeground(_contrast));
+                                    panels::leastForeground(_contrast, _scale.unit));
     _contrast.dragUpdate = true;
     _service->setContrastData(_contrast);
     update();

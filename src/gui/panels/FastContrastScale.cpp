@@ -15,12 +15,13 @@ constexpr double ScaleSpan = 22;
 
 double FastContrastScale::valueAt(int pixel) const
 {
-    return std::sinh(pixel * ScaleSpan / width + std::asinh(background));
+    return unit * std::sinh(pixel * ScaleSpan / width + std::asinh(background / unit));
 }
 
 int FastContrastScale::pixelOf(double value) const
 {
-    const double pixel = (std::asinh(value) - std::asinh(background)) * width / ScaleSpan;
+    const double pixel =
+        (std::asinh(value / unit) - std::asinh(background / unit)) * width / ScaleSpan;
     return std::isnan(pixel) ? 0 : int(std::lround(std::clamp(pixel, 0.0, double(width))));
 }
 

@@ -6,10 +6,11 @@
 
 namespace panels {
 
-/// A logarithmic scale of fixed span from the background on.
+/// A logarithmic scale of fixed span, in units, from the background on.
 struct FastContrastScale {
     double background = 0;
-    int width = 1;  ///< in pixels
+    int width = 1;    ///< in pixels
+    double unit = 1;  ///< see intensityUnit()
 
     double valueAt(int pixel) const;
     /// Nearest pixel of the scale.

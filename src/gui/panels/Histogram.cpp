@@ -170,7 +170,9 @@ void Histogram::_setContrastSlot(const ContrastData& contrast)
     if (!_service->imageLoaded() || !statistics || !contrast.defined)
         return;
     const panels::Span before = _model.span();
-    _model.adopt(contrast, statistics->minimum, statistics->maximum,
+    const double unit =
+        panels::intensityUnit(statistics->minimum, statistics->maximum, _service->floatingPixels());
+    _model.adopt(contrast, statistics->minimum, statistics->maximum, unit,
                  [&](double value) { return statistics->histogram.value(value); });
     if (_model.span() != before) {
         // A drag goes on from where its levels are now.
@@ -191,23 +193,14 @@ void Histogram::_setContrastSlot(const ContrastData& contrast)
     update();
 }
 
-double Histogram::_levelDistance() const
-{
-    const auto statistics = _service->statistics();
-    return _service->floatingPixels() && statistics
-               ? panels::levelDistance(statistics->minimum, statistics->maximum)
-               : panels::LevelDistance;
-}
-
 void Histogram::_setThresholdValues()
 {
     const ContrastData& contrast = _model.contrast();
     const panels::Span& span = _model.span();
     const double step = panels::spinStep(span, _service->floatingPixels());
-    const double distance = _levelDistance();
-    adopt(*_foregroundBox, panels::leastForeground(contrast, distance), span.maximum,
+    adopt(*_foregroundBox, panels::leastForeground(contrast, span.unit), span.maximum,
           contrast.foreground, step);
-    adopt(*_backgroundBox, span.minimum, panels::largestBackground(contrast, distance),
+    adopt(*_backgroundBox, span.minimum, panels::largestBackground(contrast, span.unit),
           contrast.background, step);
 }
 
@@ -222,14 +215,14 @@ void Histogram::_foregroundSpinBoxSlot(double value)
 {
     ContrastData contrast = _model.contrast();
     // The box rounds, which may carry a level over the other.
-    contrast.foreground = std::max(value, panels::leastForeground(contrast, _levelDistance()));
+    contrast.foreground = std::max(value, panels::leastForeground(contrast, _model.span().unit));
     _send(contrast, false);
 }
 
 void Histogram::_backgroundSpinBoxSlot(double value)
 {
     ContrastData contrast = _model.contrast();
-    contrast.background = std::min(value, panels::largestBackground(contrast, _levelDistance()));
+    contrast.background = std::min(value, panels::largestBackground(contrast, _model.span().unit));
     _send(contrast, false);
 }
 

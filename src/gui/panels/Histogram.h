@@ -47,13 +47,11 @@ private slots:
     void _toggleLogY(bool logarithmic);
 
 private:
-    static const QColor _normalFGBGColor;
-    static const QColor _hoveredFGBGColor;
+    static const QColor _normalFGBGColor;   // NOLINT(readability-identifier-naming)
+    static const QColor _hoveredFGBGColor;  // NOLINT(readability-identifier-naming)
 
     void _createLayout();
     QCheckBox* _logBox(const QString& toolTip);
-    /// The least distance of the levels.
-    double _levelDistance() const;
     panels::Zone _getCursorPos(const QPoint& point) const;
     void _setCursorInfo();
     void _highlight(panels::Zone zone);

@@ -5,9 +5,9 @@
 namespace panels {
 
 void HistogramModel::adopt(const ContrastData& contrast, double minimum, double maximum,
-                           const CountUpTo& countUpTo)
+                           double unit, const CountUpTo& countUpTo)
 {
-    const Span span = plotSpan(minimum, maximum, contrast);
+    const Span span = plotSpan(minimum, maximum, contrast, unit);
     if (!_counted || !contrast.dragUpdate || span != _span)
         _bins = countBins(span, countUpTo);
     _counted = true;

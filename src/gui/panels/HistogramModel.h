@@ -14,7 +14,8 @@ class HistogramModel {
 public:
     /// Takes a contrast over.
     /// @param minimum,maximum  of the image
-    void adopt(const ContrastData& contrast, double minimum, double maximum,
+    /// @param unit  see intensityUnit()
+    void adopt(const ContrastData& contrast, double minimum, double maximum, double unit,
                const CountUpTo& countUpTo);
     void setLogarithmic(bool logX, bool logY);
 

@@ -12,9 +12,10 @@ using namespace histogramplace;
 HistogramScale::HistogramScale(const Span& span, const Bins& bins, bool logX_, bool logY_)
     : logX(logX_)
     , logY(logY_)
+    , unit(span.unit)
 {
-    const double first = logX ? std::asinh(span.minimum) : span.minimum;
-    const double last = logX ? std::asinh(span.maximum) : span.maximum;
+    const double first = logX ? std::asinh(span.minimum / unit) : span.minimum;
+    const double last = logX ? std::asinh(span.maximum / unit) : span.maximum;
     scaleX = Columns / (last - first);
     offsetX = -first * scaleX;
     const double largest = std::max(1.0, double(*std::ranges::max_element(bins.counts(logX))));
@@ -23,7 +24,7 @@ HistogramScale::HistogramScale(const Span& span, const Bins& bins, bool logX_, b
 
 int HistogramScale::pixelOf(double value) const
 {
-    const double pixel = scaleX * (logX ? std::asinh(value) : value) + offsetX + First;
+    const double pixel = scaleX * (logX ? std::asinh(value / unit) : value) + offsetX + First;
     // A level may lie far beyond a span that is computed anew only with the next record.
     return int(std::floor(std::clamp(pixel, double(First), 1e6) + 0.5));
 }
@@ -36,7 +37,7 @@ double HistogramScale::valueAt(int pixel) const
 double HistogramScale::columnValue(int column) const
 {
     const double value = (column - offsetX) / scaleX;
-    return logX ? std::sinh(value) : value;
+    return logX ? unit * std::sinh(value) : value;
 }
 
 double HistogramScale::heightOf(std::uint32_t count) const

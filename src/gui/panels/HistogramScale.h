@@ -29,13 +29,14 @@ constexpr int Height = 200;  ///< of the whole picture
 }  // namespace histogramplace
 
 /// The arithmetic of the plot: pixel = scaleX * value + offsetX + 40, where values and counts are
-/// taken through asinh on a logarithmic axis.
+/// taken through asinh on a logarithmic axis, values in their unit.
 struct HistogramScale {
     bool logX = true;
     bool logY = true;
     double scaleX = 1;
     double offsetX = 0;
     double scaleY = 1;
+    double unit = 1;
 
     HistogramScale() = default;
     HistogramScale(const Span& span, const Bins& bins, bool logX, bool logY);

@@ -175,7 +175,7 @@ TEST(HistogramModel, CountsOnlyWhenItMust)
     constexpr int All = Summary + 4 * int(BinCount);
     const auto adopt = [&](const ContrastData& contrast, HistogramModel& model) {
         calls = 0;
-        model.adopt(contrast, 0, 99, counted);
+        model.adopt(contrast, 0, 99, 1, counted);
         return calls;
     };
     HistogramModel model;
@@ -195,6 +195,59 @@ TEST(FastContrastScale, StartsAtTheBackground)
         EXPECT_EQ(scale.pixelOf(scale.valueAt(pixel)), pixel);
     EXPECT_EQ(scale.pixelOf(-5), 0);
     EXPECT_EQ(scale.pixelOf(1e300), 220);
+}
+
+TEST(IntensityUnit, IsOneUnlessAllFloatsAreSmall)
+{
+    struct Case {
+        double minimum, maximum;
+        bool floats;
+        double unit;
+    };
+    for (const Case& each : {Case{0, 5.9e-7, true, 1e-9}, Case{-2e-7, 1e-7, true, 1e-9},
+                             Case{0, 1, true, 0.01}, Case{0, 9.9, true, 0.01}, Case{0, 10, true, 1},
+                             Case{-4000, 1, true, 1}, Case{0, 5, false, 1}, Case{0, 0, true, 1},
+                             Case{NaN, NaN, true, 1}, Case{0, Infinity, true, 1}})
+        EXPECT_DOUBLE_EQ(intensityUnit(each.minimum, each.maximum, each.floats), each.unit)
+            << each.maximum;
+    EXPECT_GT(intensityUnit(0, 5e-324, true), 0);
+}
+
+/// Counts of 0 to 99, and the same divided by a large number: levels, bars and drags are in the
+/// same places.
+TEST(SmallFloats, LookLikeTheSamePixelsInCounts)
+{
+    const double unit = 1e-9;
+    const auto small = [&](double value) { return hundred(value / unit + 1e-6); };
+    for (const bool logarithmic : {false, true}) {
+        HistogramModel counts, floats;
+        counts.setLogarithmic(logarithmic, true);
+        floats.setLogarithmic(logarithmic, true);
+        counts.adopt(levels(50, 5), 0, 99, 1, hundred);
+        floats.adopt(levels(50 * unit, 5 * unit), 0, 99 * unit, unit, small);
+        EXPECT_NEAR(floats.span().minimum / unit, counts.span().minimum, 1e-6);
+        EXPECT_NEAR(floats.span().maximum / unit, counts.span().maximum, 1e-6);
+        EXPECT_EQ(floats.bins().counts(logarithmic), counts.bins().counts(logarithmic));
+        EXPECT_EQ(floats.summary(), counts.summary());
+        for (std::size_t i = 0; i <= BinCount; ++i)
+            EXPECT_EQ(floats.scale().pixelOf(floats.bins().edges(logarithmic)[i]),
+                      counts.scale().pixelOf(counts.bins().edges(logarithmic)[i]));
+        for (const auto& [zone, step] :
+             {std::pair{Zone::Foreground, -20}, std::pair{Zone::Background, 500},
+              std::pair{Zone::Between, 9}, std::pair{Zone::Foreground, -500}}) {
+            ContrastData one = counts.contrast(), other = floats.contrast();
+            ContrastDrag{zone, counts.foreground(), counts.background()}.step(step, counts.scale(),
+                                                                              counts.span(), one);
+            ContrastDrag{zone, floats.foreground(), floats.background()}.step(step, floats.scale(),
+                                                                              floats.span(), other);
+            EXPECT_NEAR(other.foreground / unit, one.foreground, 1e-6);
+            EXPECT_NEAR(other.background / unit, one.background, 1e-6);
+            EXPECT_LT(other.background, other.foreground);
+        }
+    }
+    const FastContrastScale counts{10, 220}, floats{10 * unit, 220, unit};
+    EXPECT_EQ(floats.pixelOf(50 * unit), counts.pixelOf(50));
+    EXPECT_NEAR(floats.valueAt(30) / unit, counts.valueAt(30), 1e-6);
 }
 
 }  // namespace

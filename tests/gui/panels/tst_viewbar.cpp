@@ -162,8 +162,7 @@ TEST_F(ViewBarTest, SpinBoxesHoldLevelsOfAnySize)
     for (const auto& [typed, level, shown] :
          {std::tuple("2e-7", 2e-7, "2e-7"), std::tuple("0.00000012", 1.2e-7, "1.2e-7"),
           std::tuple("9.99996e-8", 9.99996e-8, "1e-7"),
-          std::tuple("1.23456e-7", 1.23456e-7, "1.235e-7"), std::tuple("0.5", 0.5, "0.5000"),
-          std::tuple("1e9", 10 + 8.7e-6, "10.0000")}) {
+          std::tuple("1.23456e-7", 1.23456e-7, "1.235e-7"), std::tuple("1e9", 8.9e-6, "8.9e-6")}) {
         type(box(1), typed);
         EXPECT_NEAR(contrast().foreground, level, level * 1e-6);
         EXPECT_EQ(box(1)->text(), shown);

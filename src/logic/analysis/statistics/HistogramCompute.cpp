@@ -26,16 +26,16 @@ namespace {
 /// Bins and resolution by pixel type.
 template <class T>
 struct Binning {
-    static constexpr unsigned long count = std::is_floating_point_v<T> ? 100'000 : 1000 * sizeof(T);
-    static constexpr double resolution = std::is_same_v<T, float>    ? double(1e-6F)
+    static constexpr unsigned long Count = std::is_floating_point_v<T> ? 100'000 : 1000 * sizeof(T);
+    static constexpr double Resolution = std::is_same_v<T, float>    ? double(1e-6F)
                                          : std::is_same_v<T, double> ? 1e-9
                                                                      : 1.0;
-    static constexpr double binsPerUnit = std::is_same_v<T, float>    ? 1e6
+    static constexpr double BinsPerUnit = std::is_same_v<T, float>    ? 1e6
                                           : std::is_same_v<T, double> ? 999999999.9999999
                                                                       : 1.0;
     // For floating types the smallest positive number: every negative pixel is in the tail.
-    static constexpr double floor = static_cast<double>(std::numeric_limits<T>::min());
-    static constexpr double ceiling = static_cast<double>(std::numeric_limits<T>::max());
+    static constexpr double Floor = static_cast<double>(std::numeric_limits<T>::min());
+    static constexpr double Ceiling = static_cast<double>(std::numeric_limits<T>::max());
 };
 
 /// Bin of a floating value in the binned range.
@@ -51,7 +51,7 @@ public:
         // Clamped before the conversion: the range of a NaN mean extends far beyond the
         // bins.
         return static_cast<std::size_t>(
-            std::min((static_cast<double>(value) - _lower) * Binning<T>::binsPerUnit, _last));
+            std::min((static_cast<double>(value) - _lower) * Binning<T>::BinsPerUnit, _last));
     }
     bool beyond(T) const { return false; }
 
@@ -104,10 +104,10 @@ public:
     Filling(double mean, std::size_t pixels)
         : _below(pixels)
         , _above(pixels)
-        , _bins(std::make_unique<unsigned int[]>(Binning<T>::count))
-        , _lower(lowerEnd(mean))
-        , _upper(upperEnd(mean))
-        , _places(_lower, Binning<T>::count)
+        , _bins(std::make_unique<unsigned int[]>(Binning<T>::Count))
+        , _lower(_lowerEnd(mean))
+        , _upper(_upperEnd(mean))
+        , _places(_lower, Binning<T>::Count)
     {}
 
     void add(T value, unsigned int times = 1)
@@ -130,10 +130,10 @@ public:
     {
         target.lower = _lower;
         target.upper = _upper;
-        target.binCount = Binning<T>::count;
-        target.binsPerUnit = Binning<T>::binsPerUnit;
+        target.binCount = Binning<T>::Count;
+        target.binsPerUnit = Binning<T>::BinsPerUnit;
         _bins[0] += static_cast<unsigned int>(_below.size());
-        for (unsigned long i = 1; i < Binning<T>::count; ++i)
+        for (unsigned long i = 1; i < Binning<T>::Count; ++i)
             _bins[i] += _bins[i - 1];
         target.below = _below.sorted();
         target.above = _above.sorted();
@@ -142,17 +142,21 @@ public:
 
 private:
     // Phrased so that a NaN mean yields the limits of the type.
-    static double lowerEnd(double mean)
+    static double _lowerEnd(double mean)
     {
-        const double low = (mean - half) * Binning<T>::resolution;
-        return low > Binning<T>::floor ? low : Binning<T>::floor;
+        const double low = (mean - Half) * Binning<T>::Resolution;
+        return low > Binning<T>::Floor ? low : Binning<T>::Floor;
     }
-    static double upperEnd(double mean)
+    static double _upperEnd(double mean)
     {
-        const double high = (mean + half) * Binning<T>::resolution;
-        return high < Binning<T>::ceiling ? high : Binning<T>::ceiling;
+        // Pixels that would share a few bins are in the tails, of which each value counts.
+        if (std::is_floating_point_v<T> && std::abs(mean) < LeastMean)
+            return _lowerEnd(mean);
+        const double high = (mean + Half) * Binning<T>::Resolution;
+        return high < Binning<T>::Ceiling ? high : Binning<T>::Ceiling;
     }
-    static constexpr double half = static_cast<double>(Binning<T>::count) / 2;
+    static constexpr double Half = static_cast<double>(Binning<T>::Count) / 2;
+    static constexpr double LeastMean = 1000 * Binning<T>::Resolution;
 
     Tail<T> _below, _above;
     std::unique_ptr<unsigned int[]> _bins;

@@ -56,6 +56,10 @@ TEST(Histogram, IsExactInBinsAndTails)
     const MImage bins = row(4, 0.2f, {0.0100004f, 0.0100008f, 0.0100014f});
     expectCounts(bins, MImage(bins, 0u), 60'000,
                  {{0.00999, 0}, {0.0100002, 2}, {0.0100018, 3}, {0.1, 3}, {0.15, 3}, {0.3, 4}});
+    // Where all would share a few bins, each value counts.
+    const MImage small = row(9, 4e-7f, {1e-9f, 2e-7f, 0.f, -1e-8f});
+    expectCounts(small, MImage(small, 0u), 2.4e-7,
+                 {{-2e-8, 0}, {0, 2}, {1.1e-9, 3}, {3e-7, 4}, {3.9e-7, 4}, {5e-7, 9}});
     // A mean that is no number puts large pixels into the last bin.
     const MImage odd = row(3, 5e-5, {5e-5, nan, 2e10});
     expectCounts(odd, MImage(odd, 0u), nan, {{5e-5, 1}, {9.99995e-5, 2}});

@@ -24,13 +24,14 @@
 SubWindow::SubWindow(ViewHost& mainWindow, TarvikService* service, bool useGlsl)
     : _mainWindow(mainWindow)
     , _service(service)
-    , _imageDrawer(new ImageDrawerMain(service, useGlsl))
     , _controls(new SubWindowTitleBar(*this, service))
     , _eventControl(new SubWindowEventControl(this, service, [this](int step) { zoom(step); }))
 {
     setAttribute(Qt::WA_DeleteOnClose);
-    setWidget(_imageDrawer);
+    // Before the view, see there.
     new SubWindowStrip(*this, *service, [this] { return _fileIncreaseNumber; });
+    _imageDrawer = new ImageDrawerMain(service, useGlsl);
+    setWidget(_imageDrawer);
     setAcceptDrops(true);
     connect(_controls->stepBox(), &QComboBox::currentIndexChanged, this,
             &SubWindow::_setFileIncreaseNumber);
@@ -73,7 +74,7 @@ QRectF SubWindow::visibileRange() const { return _imageDrawer->visibleRange(); }
 
 QSize SubWindow::displaySize() const { return _imageDrawer->size(); }
 
-void SubWindow::loadFile(QString fileName)
+void SubWindow::loadFile(const QString& fileName)
 {
     _closesOnError = false;
     if (!_service->imageLoaded() && !_titleFixed)
@@ -164,7 +165,7 @@ void SubWindow::setContrast(double foreground, double background)
     });
 }
 
-void SubWindow::setTitle(QString windowTitle)
+void SubWindow::setTitle(const QString& windowTitle)
 {
     setWindowTitle(windowTitle);
     _titleFixed = true;
@@ -176,7 +177,7 @@ void SubWindow::unsetTitle()
     _titleFixed = false;
 }
 
-void SubWindow::setColorMode(QString colormode)
+void SubWindow::setColorMode(const QString& colormode)
 {
     static const QMap<QString, QString> shortNames{{"HDR", "High Dynamic Range"},
                                                    {"GS", "Grey Scale"},

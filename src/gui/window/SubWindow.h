@@ -54,7 +54,7 @@ public:
 public slots:
     /// Opens a file; the open dialog starts in its folder from now on. A view without an image
     /// shows the file's name until its image comes.
-    API_CALLABLE void loadFile(QString fileName);
+    API_CALLABLE void loadFile(const QString& fileName);
     /// The same, for a view that was made for this file: it closes if the file can't be shown.
     void loadFileOrClose(const QString& fileName);
     API_CALLABLE void loadImage(const MImage* image);
@@ -71,11 +71,11 @@ public slots:
     API_CALLABLE void setBackground(double background);
     API_CALLABLE void setContrast(double foreground, double background);
     /// A title that new images don't overwrite, until unsetTitle().
-    API_CALLABLE void setTitle(QString windowTitle);
+    API_CALLABLE void setTitle(const QString& windowTitle);
     API_CALLABLE void unsetTitle();
     /// Takes a colour table by its identifier or its short name: HDR, GS, H, RB, V, C. Other names
     /// change nothing.
-    API_CALLABLE void setColorMode(QString colormode);
+    API_CALLABLE void setColorMode(const QString& colormode);
     API_CALLABLE void showResolutionRings();
     API_CALLABLE void hideResolutionRings();
     /// Asks for a file, and writes a picture of the view or of its image to it.
@@ -125,7 +125,7 @@ private:
     ViewHost& _mainWindow;
     TarvikService* _service;
     Qt::WindowStates _windowState;
-    ImageDrawerMain* _imageDrawer;
+    ImageDrawerMain* _imageDrawer = nullptr;
     SubWindowTitleBar* _controls;
     SubWindowEventControl* _eventControl;
     int _fileIncreaseNumber = 1;

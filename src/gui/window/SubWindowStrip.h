@@ -17,7 +17,9 @@ class TarvikService;
 
 /// Puts a strip below the image of a frame and connects it to the service. It is shown while the
 /// series has more than one image and the title bar shows its buttons. While it can be seen, it
-/// follows the read-ahead, at most three times a second. Child of the frame.
+/// follows the read-ahead, at most three times a second. It has to be made
+/// before the view in the frame, so that it takes its place before the view centres its first
+/// image. Child of the frame.
 class SubWindowStrip : public QObject {
     Q_OBJECT
 public:

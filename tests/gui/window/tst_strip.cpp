@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // A view's series strip goes through the series of files.
+#include "gui/render/ImageDrawerMain.h"
 #include "gui/window/MainWindow.h"
 #include "gui/window/SubWindow.h"
 #include "gui/window/SubWindowStrip.h"
@@ -93,6 +94,21 @@ TEST_F(StripTest, ADragEndsAtTheHandAndTheWheelSteps)
                       Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
     QApplication::sendEvent(_strip, &wheel);
     EXPECT_TRUE(shows(8));
+}
+
+TEST_F(StripTest, ComesBeforeTheImageOfItsViewSoThatViewsOfTheSameSizeStayTogether)
+{
+    _core.synchronizeViewportSlot(true);
+    const SubWindow* const first = _view;
+    _view = _window->newSubWindow();
+    settle();
+    const ViewportData before = first->service()->viewportData();
+    _view->loadFile(QString::fromStdString(_folder / name(1)));
+    EXPECT_TRUE(shows(1));
+    settle();
+    EXPECT_EQ(_view->imageDrawer()->size(), first->imageDrawer()->size());
+    EXPECT_EQ(first->service()->viewportData(), before);
+    EXPECT_EQ(first->imageDrawer()->imageBoundary(), _view->imageDrawer()->imageBoundary());
 }
 
 TEST_F(StripTest, GoesWithTheToolButtonsAndComesForSeriesOnly)

@@ -8,7 +8,9 @@
 #include "gui/render/gestures/ZoomPan.h"
 #include "logic/service/TarvikService.h"
 #include "logic/support/Console.h"
+#include "logic/support/PacedCalls.h"
 
+#include <QCoreApplication>
 #include <QMouseEvent>
 #include <QOpenGLContext>
 #include <QOpenGLFramebufferObject>
@@ -23,7 +25,7 @@
 namespace {
 
 /// Milliseconds between two wheel events that both count.
-constexpr qint64 wheelPause = 20;
+constexpr qint64 WheelPause = 20;
 
 }  // namespace
 
@@ -72,9 +74,20 @@ void ImageDrawer::_takeSurface()
                                        [this] { _releaseGL(); }});
     _canvas->lower();  // below the lines of text
     _canvas->resize(size().expandedTo(QSize(1, 1)));
-    if (isVisible())
-        _canvas->show();
+    _canvas->hide();
+    _showSurfaceSoon();
     _restPixels();
+}
+
+void ImageDrawer::_showSurfaceSoon()
+{
+    // Only then it gets its context, which takes long.
+    if (!_canvas || !_canvas->isHidden() || !isVisible())
+        return;
+    PacedCalls::ofThisProcess().call(this, [this] {
+        if (_canvas && isVisible())
+            _canvas->show();
+    });
 }
 
 void ImageDrawer::loseSurface()
@@ -343,9 +356,9 @@ void ImageDrawer::_paintGL()
 
 void ImageDrawer::paintEvent(QPaintEvent*)
 {
-    if (_canvas)
-        return;
-    if (size().isEmpty())
+    if (_canvas && _canvas->isHidden())
+        QPainter(this).fillRect(rect(), _backgroundColor);
+    if (_canvas || size().isEmpty())
         return;
     if (!_initialized) {
         _initialized = true;
@@ -374,6 +387,7 @@ void ImageDrawer::resizeEvent(QResizeEvent* event)
 void ImageDrawer::showEvent(QShowEvent* event)
 {
     QWidget::showEvent(event);
+    _showSurfaceSoon();
     if (QWindow* handle = window()->windowHandle(); handle && _canvas)
         handle->installEventFilter(this);
 }
@@ -437,7 +451,7 @@ void ImageDrawer::_pan(const QPoint& position)
 void ImageDrawer::wheelEvent(QWheelEvent* event)
 {
     event->accept();
-    if (_wheelTimer.restart() < wheelPause)
+    if (_wheelTimer.restart() < WheelPause)
         return;
     virtualWheelEvent(event);
     update();

@@ -195,6 +195,8 @@ private:
     void loseSurface() override;
     /// Takes a surface where there is one for it.
     void _takeSurface();
+    /// Of many views, spread over the turns of the event loop.
+    void _showSurfaceSoon();
     /// Colours the processor what shaders would?
     bool _samples() const;
     void _restPixels();

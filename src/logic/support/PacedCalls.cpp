@@ -6,7 +6,9 @@
 
 namespace {
 
-constexpr qint64 LongestTurn = 30;  // milliseconds
+/// Milliseconds after which a turn begins no other call. The last call and what the window paints
+/// for all of them come on top.
+constexpr qint64 LongestTurn = 15;
 
 }  // namespace
 
@@ -44,11 +46,12 @@ void PacedCalls::_nextTurn()
     if (_waiting.empty())
         return;
     _turn.start();
-    _timer.start();
     while (!_waiting.empty() && _turnHasTime()) {
         const Call next = std::move(_waiting.front());
         _waiting.pop_front();
         if (next.receiver)
             next.call();
     }
+    // Not before: it would be due at once, after a long turn, and leave no time for others.
+    _timer.start();
 }

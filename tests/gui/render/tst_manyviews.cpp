@@ -3,10 +3,12 @@
 //
 // More views than there are OpenGL surfaces: the same pictures, and little memory.
 #include "gui/render/OpenGlSupport.h"
+#include "logic/support/PacedCalls.h"
 #include "tests/gui/render/ExpectedView.h"
 #include "tests/gui/render/SharedView.h"
 
 #include <QCursor>
+#include <QElapsedTimer>
 
 namespace {
 
@@ -140,6 +142,22 @@ TEST_F(ManyViews, WithoutSurfaceHoldPackedPixels)
     EXPECT_TRUE(service.pixelsAtHand()) << "as long as the user works with it";
     last().drawer->setInUse(false);
     EXPECT_TRUE(packed());
+}
+
+TEST(ViewsShownTogether, WaitForTheirContextsWhileTheTurnIsLong)
+{
+    TarvikCore core;
+    ImageDrawerMain view(core.newService("test"), true);
+    PacedCalls::ofThisProcess().call(&view, [] {
+        QElapsedTimer clock;
+        clock.start();
+        while (clock.elapsed() < 50) {
+        }
+    });
+    view.show();
+    ASSERT_TRUE(view.hasSurface());
+    EXPECT_TRUE(view.grab().isNull());
+    EXPECT_TRUE(waitFor([&] { return !view.grab().isNull(); }));
 }
 
 }  // namespace

@@ -25,7 +25,8 @@ struct HttpAnswer {
 };
 
 /// One request after the other, over a connection that is kept. Redirections, proxies of the
-/// environment, cookies and compressed bodies are not used.
+/// environment, cookies and compressed bodies are not used. A GET or PUT that finds the kept
+/// connection dead is sent once more, a POST never.
 /// Thread: one at a time.
 class HttpClient {
 public:

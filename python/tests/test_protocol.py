@@ -69,6 +69,8 @@ def test_what_is_no_request(raw, text, reason):
 def test_unknown_objects_methods_and_arguments(raw):
     window, _ = raw.call(0, "openMainFrame", 640)
     view, _ = raw.call(window, "openSubFrame")
+    for command in ("quit", "openMainFrame"):
+        assert raw.call("1", command)[0] == "NoObject"  # of the application alone
     for target in ("1", "-1", "18446744073709551615", "99999999999999999999", "0x10", "", "abc"):
         for command in ("setTitle", "loadFile", "openSubFrame", "image", "waitForClick", "region"):
             assert raw.call(target, command, "x")[0] == "NoObject", (target, command)

@@ -14,6 +14,15 @@ QString ObjectTable::id(const QObject* object)
     return QString::number(reinterpret_cast<quintptr>(object));
 }
 
+QObject* ObjectTable::find(quint64 id) const
+{
+    const std::lock_guard lock(_mapMutex);
+    for (const auto& entry : _mutexMap)
+        if (reinterpret_cast<quintptr>(entry.first) == id)
+            return entry.first;
+    return nullptr;
+}
+
 void ObjectTable::attach(QObject* object)
 {
     const std::lock_guard lock(_mapMutex);

@@ -37,6 +37,8 @@ public:
 
     /// The decimal number of an object in requests and replies.
     static QString id(const QObject* object);
+    /// The object of that number, null if none in the table has it.
+    QObject* find(quint64 id) const;
 
     void attach(QObject* object);
     /// Takes an object out that is about to go. On the GUI thread: a call under way that only this

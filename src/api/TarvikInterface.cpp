@@ -183,11 +183,11 @@ void TarvikInterface::_receiveArgument(MMessageQueue& queue, MMessageQueue::Peer
 
 ApiResult TarvikInterface::_sendCommand(const ApiRequest& request)
 {
-    auto* const object = reinterpret_cast<QObject*>(static_cast<quintptr>(request.object));
+    QObject* const object = _objects.find(request.object);
     const auto is = [&](const char* name) { return request.command == QLatin1String(name); };
-    if (!object && is("quit"))
+    if (request.object == 0 && is("quit"))
         QMetaObject::invokeMethod(qApp, &QCoreApplication::quit, Qt::QueuedConnection);
-    if (!object && is("openMainFrame"))
+    if (request.object == 0 && is("openMainFrame"))
         return _openMainFrame(request.arguments);
     if (is("openSubFrame"))
         return idOrFailure(_openSubFrame(object, flag(request.arguments, 0)));

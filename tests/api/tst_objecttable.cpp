@@ -22,10 +22,15 @@ TEST(ObjectTable, HoldsWhatIsInItOnly)
 {
     ObjectTable table;
     QObject object, other;
-    EXPECT_EQ(ObjectTable::id(&object).toULongLong(), reinterpret_cast<quintptr>(&object));
+    const quint64 id = ObjectTable::id(&object).toULongLong();
+    EXPECT_EQ(id, reinterpret_cast<quintptr>(&object));
+    EXPECT_EQ(table.find(id), nullptr);
     EXPECT_FALSE(table.hold(&object));
     table.attach(&object);
     table.attach(&other);
+    EXPECT_EQ(table.find(id), &object);
+    EXPECT_EQ(table.find(0), nullptr);
+    EXPECT_EQ(table.find(id + 1), nullptr);
     EXPECT_TRUE(table.hold(&object));
     int last = 0;
     EXPECT_TRUE(table.remove(&object, [&] { ++last; }));

@@ -9,11 +9,15 @@
 #include <QSettings>
 
 #include <atomic>
+#include <chrono>
+#include <future>
 #include <mutex>
+#include <thread>
+#include <utility>
 
 namespace {
 
-const QString key = QStringLiteral("ImageDirectory");
+const QString Key = QStringLiteral("ImageDirectory");
 
 /// The folder itself or that of a file; empty if it doesn't exist.
 QString existingFolder(const QString& path)
@@ -34,7 +38,7 @@ QString folderOf(const QString& path)
 void store(const QString& folder)
 {
     if (!folder.isEmpty())
-        QSettings().setValue(key, folder);
+        QSettings().setValue(Key, folder);
 }
 
 }  // namespace
@@ -43,8 +47,25 @@ QString open_directory::get()
 {
     const QSettings settings;
     const QString folder =
-        settings.contains(key) ? existingFolder(settings.value(key).toString()) : QString();
+        settings.contains(Key) ? answering(settings.value(Key).toString()) : QString();
     return folder.isEmpty() ? QDir::currentPath() : folder;
+}
+
+QString open_directory::answering(const QString& path)
+{
+    return path.isEmpty() ? QString() : inTime([path] { return existingFolder(path); });
+}
+
+QString open_directory::inTime(std::function<QString()> question)
+{
+    std::promise<QString> promise;
+    std::future<QString> answer = promise.get_future();
+    // Not a worker, which may have many images to load first.
+    std::thread([question = std::move(question), promise = std::move(promise)]() mutable {
+        promise.set_value(question());
+    }).detach();
+    const bool inTime = answer.wait_for(std::chrono::seconds(2)) == std::future_status::ready;
+    return inTime ? answer.get() : QString();
 }
 
 void open_directory::set(const QString& path) { store(folderOf(path)); }

@@ -82,8 +82,8 @@ public slots:
     void openExportDialog();
     /// Writes the view with its overlays, and a colour bar in the given rectangle. Returns when all
     /// is written. @throws MNoFileAccessException "Cannot write to " and the name
-    void exportToFile(QString fileName, QString format, MRect colorLegendPos);
-    void exportToFile(QString fileName, QString format);
+    void exportToFile(const QString& fileName, const QString& format, MRect colorLegendPos);
+    void exportToFile(const QString& fileName, const QString& format);
     /// Asks for a file, and writes a copy of the image to it.
     void openSaveAsDialog();
 

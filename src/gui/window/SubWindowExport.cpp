@@ -7,12 +7,14 @@
 #include "gui/render/ImageDrawerMain.h"
 #include "gui/window/ExportDialog.h"
 #include "gui/window/LaterSettings.h"
+#include "gui/window/OpenDirectory.h"
 #include "gui/window/SubWindow.h"
 #include "logic/output/OutputFiles.h"
 #include "logic/output/OutputJob.h"
 #include "logic/service/TarvikService.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFileInfo>
 #include <QImageWriter>
 #include <QPointer>
@@ -32,9 +34,11 @@ struct Target {
 Target askForTarget(QWidget* parent, const QStringList& extensions, const QStringList& endings,
                     const QString& caption, const QString& directoryKey, const QString& extension)
 {
+    QString folder = later_settings::value(directoryKey).toString();
+    if (!folder.isEmpty() && open_directory::answering(folder).isEmpty())
+        folder = QDir::currentPath();
     // The window may be closed while a dialog of it is open, and takes the dialog with it.
-    const QPointer<SaveFileDialog> dialog = new SaveFileDialog(
-        parent, extensions, caption, later_settings::value(directoryKey).toString());
+    const QPointer<SaveFileDialog> dialog = new SaveFileDialog(parent, extensions, caption, folder);
     dialog->setExtension(extension);
     Target target;
     if (dialog->exec() == QDialog::Accepted && dialog)
@@ -103,13 +107,13 @@ void SubWindow::openExportDialog()
     delete dialog;
 }
 
-void SubWindow::exportToFile(QString fileName, QString format, MRect colorLegendPos)
+void SubWindow::exportToFile(const QString& fileName, const QString& format, MRect colorLegendPos)
 {
     output::exportView(_imageDrawer->grab(), _service->shownContrast(), fileName, format,
                        colorLegendPos);
 }
 
-void SubWindow::exportToFile(QString fileName, QString format)
+void SubWindow::exportToFile(const QString& fileName, const QString& format)
 {
     exportToFile(fileName, format, MRect());
 }

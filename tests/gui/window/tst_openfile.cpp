@@ -16,6 +16,9 @@
 #include <QSettings>
 #include <QTimer>
 
+#include <chrono>
+#include <future>
+
 namespace {
 
 TEST(OpenFileFilters, ShowImagesAndMastersFirstThenAllContainersThenEverything)
@@ -63,6 +66,18 @@ TEST(OpenDirectoryTest, IsTheRememberedFolderAsLongAsItExists)
         QSettings().setValue("ImageDirectory", gone);
         EXPECT_EQ(open_directory::get(), QDir::currentPath());
     }
+}
+
+TEST(OpenDirectoryTest, WaitsForNoFileSystemThatDoesNotAnswer)
+{
+    std::promise<void> back;
+    const auto hung = [mount = back.get_future().share()] {
+        mount.wait_for(std::chrono::minutes(1));
+        return QStringLiteral("/late");
+    };
+    EXPECT_EQ(open_directory::inTime(hung), QString());
+    back.set_value();
+    EXPECT_EQ(open_directory::inTime(hung), "/late");
 }
 
 TEST(OpenFileDialogTest, StartsInTheOpenDirectoryAndRemembersWhereFilesWereChosen)

@@ -21,12 +21,18 @@ LevelBox::LevelBox(QWidget* parent)
 QString LevelBox::textFromValue(double value) const
 {
     constexpr double Loss = 1e-3;
-    QString text = QString::number(value, 'f', 4);
-    if (std::abs(text.toDouble() - value) <= Loss * std::abs(value))
-        return text;
-    // As short as the box is narrow: without its end, an exponent deceives.
-    text = QString::number(value, 'g', 4);
-    return text.replace(QStringLiteral("e-0"), QStringLiteral("e-"));
+    constexpr int Decimals = 4;
+    // As short as the box is narrow: without its end, a number deceives.
+    constexpr qsizetype MostCharacters = 8;
+    for (int decimals = Decimals; decimals >= 0; --decimals) {
+        QString text = QString::number(value, 'f', decimals);
+        if (text.size() <= MostCharacters &&
+            std::abs(text.toDouble() - value) <= Loss * std::abs(value))
+            return text;
+    }
+    return QString::number(value, 'g', 4)
+        .replace(QStringLiteral("e-0"), QStringLiteral("e-"))
+        .replace(QStringLiteral("e+0"), QStringLiteral("e+"));
 }
 
 double LevelBox::valueFromText(const QString& text) const { return text.toDouble(); }

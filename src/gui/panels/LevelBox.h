@@ -6,8 +6,9 @@
 
 #include <QDoubleSpinBox>
 
-/// Shows an intensity with four decimals, or with an exponent where four decimals are too few. Both
-/// forms may be typed. A number beyond the range becomes the end of it. Thread: GUI only.
+/// Shows an intensity with four decimals, with fewer where its field has no room for them, or with
+/// an exponent where neither is enough. All forms may be typed. A number beyond the range becomes
+/// the end of it. Thread: GUI only.
 class LevelBox : public QDoubleSpinBox {
     Q_OBJECT
 public:

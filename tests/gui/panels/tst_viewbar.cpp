@@ -167,6 +167,13 @@ TEST_F(ViewBarTest, SpinBoxesHoldLevelsOfAnySize)
         EXPECT_NEAR(contrast().foreground, level, level * 1e-6);
         EXPECT_EQ(box(1)->text(), shown);
     }
+    for (const auto& [level, shown] :
+         {std::pair(999.1234, "999.1234"), std::pair(54942.0, "54942.00"),
+          std::pair(12345678.0, "12345678"), std::pair(1e9, "1e+9"),
+          std::pair(123456789.0, "1.235e+8"), std::pair(1.5e12, "1.5e+12")}) {
+        view.service->setContrastData({level, 1e-7, MColorTable::hdr(), false});
+        EXPECT_EQ(box(1)->text(), shown) << "the end of a number is not cut off";
+    }
     view.service->setContrastData({3e-7, 1e-7, MColorTable::hdr(), false});
     EXPECT_EQ(box(0)->text(), "1e-7");
     type(box(0), "2.5e-7");

@@ -52,6 +52,8 @@ bool setArgument(Argument& argument, const QString& text)
         argument.value = text;
     else if (argument.type.endsWith('*') &&
              (argument.type.contains("MImage") || argument.type.contains("MDrawingList")))
+        // The address of what was received with the request: TarvikInterface puts it there.
+        // NOLINTNEXTLINE(performance-no-int-to-ptr)
         argument.value = reinterpret_cast<const void*>(static_cast<quintptr>(text.toULongLong()));
     else
         return false;

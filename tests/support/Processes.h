@@ -11,6 +11,7 @@
 #include <iterator>
 #include <sstream>
 #include <string>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -54,6 +55,18 @@ inline std::vector<pid_t> children()
             found.push_back(static_cast<pid_t>(std::atoi(name.c_str())));
     }
     return found;
+}
+
+/// False for a child that has been made but has not become the program it is to be yet. Its maker
+/// waits for that, so a signal that stops such a child stops the maker too.
+inline bool runsOtherProgram(pid_t pid)
+{
+    std::error_code failed;
+    const auto program = [&failed](pid_t of) {
+        return std::filesystem::read_symlink("/proc/" + std::to_string(of) + "/exe", failed);
+    };
+    const std::filesystem::path other = program(pid);
+    return !failed && other != program(::getpid());
 }
 
 inline std::size_t openDescriptors()

@@ -184,10 +184,11 @@ protected:
         auto series = std::make_unique<RegionSeries>(
             RegionSeries::Order{path, regions::box(1, 1, 9, 3)}, [this, signal, &readers] {
                 if (!signalled.exchange(true))
-                    for (const pid_t reader : children()) {
-                        ::kill(reader, signal);
-                        ++readers;
-                    }
+                    for (const pid_t reader : children())
+                        if (runsOtherProgram(reader)) {
+                            ::kill(reader, signal);
+                            ++readers;
+                        }
                 changed.release();
             });
         changed.acquire();

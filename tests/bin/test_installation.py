@@ -29,7 +29,7 @@ class Installation(unittest.TestCase):
 
     def test_programs_and_nothing_else_are_in_the_path(self):
         self.assertEqual(sorted(os.listdir(self.prefix / "bin")),
-                         ["tarvik", "tarvik-demo-data", "tarvik-image"])
+                         ["tarvik", "tarvik-control-unit-simulator", "tarvik-demo-data", "tarvik-image"])
 
     def test_the_documentation_lies_where_the_viewer_looks(self):
         pages = self.prefix / "bin/../share/doc/tarvik/html"

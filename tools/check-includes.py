@@ -46,6 +46,7 @@ ROOMS = {
     "src/logic/core": "core",
     "src/gui/kit": "guikit",
     "src/gui/panels": "panels",
+    "src/gui/panels/detector": "detectorpanel",
     "src/gui/info": "info",
     "src/gui/plot": "plot",
     "src/gui/render": "render",
@@ -99,8 +100,9 @@ ARROWS = {
     "render": ["gestures", "overlays"],
     "plot": ["guikit", "display", "output"],
     "panels": ["render", "plot", "regionseries"],
+    "detectorpanel": ["guikit", "detector"],
     "info": ["guikit", "service"],
-    "window": ["info", "panels", "core"],
+    "window": ["info", "panels", "detectorpanel", "core"],
     "tool": ["io", "display", "core", "regionseries"],
     "reader": ["hdf5nexus", "ioprocess"],
     "api": ["window"],
@@ -137,6 +139,7 @@ DOORS = {
     "viewgeometry": "ViewGeometry RingGeometry",
     "render": "ImageDrawer ImageDrawerMain ImageDrawerThumbnail OpenGlSupport",
     "panels": "ViewBar RoiSideBar PeakFinderBar GotoButton FastContrastControl",
+    "detectorpanel": "HalvoCtrlWidget",
     "info": "InfoBarCursor InfoBarImage InfoBarRaw",
     "plot": "Plotter",
     "window": "MainWindow MainWindowGenerator SubWindow",
@@ -145,7 +148,7 @@ DOORS = {
 
 WITHOUT_QT = {"image", "paths", "codec", "display", "ipc", "control", "formatbase", "cbf", "tiff", "edf",
               "hdf5library", "hdf5frames", "hdf5nexus", "hdf5write", "ioprocess", "io", "reader", "demo"}
-WITH_WIDGETS = {"guikit", "info", "panels", "plot", "render", "window", "api", "bin"}
+WITH_WIDGETS = {"guikit", "info", "panels", "detectorpanel", "plot", "render", "window", "api", "bin"}
 WIDGETS = re.compile(r"Q(Widget|Application|MainWindow|Dialog|MessageBox|Layout|[HV]BoxLayout"
                      r"|Label|PushButton|ToolButton|ToolBar|Splitter|OpenGLWidget|FileDialog"
                      r"|ComboBox|CheckBox|ScrollArea|Action|Menu|Style.*)")

@@ -16,6 +16,9 @@ public:
     explicit DelayedLineEdit(int delay, QWidget* parent = nullptr);
     DelayedLineEdit(const QString& text, int delay, QWidget* parent = nullptr);
 
+    /// True while something that was typed has not been reported.
+    bool pending() const { return _timer->isActive(); }
+
 signals:
     void delayedTextEdited(const QString& text);
 

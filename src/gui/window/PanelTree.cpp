@@ -9,6 +9,9 @@
 #include "gui/panels/PeakFinderBar.h"
 #include "gui/panels/RoiSideBar.h"
 #include "gui/panels/ViewBar.h"
+#include "gui/panels/detector/HalvoCtrlWidget.h"
+#include "logic/detector/HalvoClient.h"
+#include "logic/service/TarvikService.h"
 
 #include <vector>
 
@@ -41,5 +44,7 @@ ContainerSideBar* makePanels(TarvikService& service, ImageDrawerMain& view,
             container->addSideBar(panel);
         root->addSideBar(container);
     }
+    if (HalvoClient* const client = service.halvoClient(); client->permission())
+        root->addSideBar(new HalvoCtrlWidget(firstKey + 9, client));
     return root;
 }

@@ -2,6 +2,7 @@
 # SPDX-License-Identifier: MIT
 """Installs into an empty folder, and uses what lies there then."""
 
+import gzip
 import os
 import pathlib
 import subprocess
@@ -43,6 +44,20 @@ class Installation(unittest.TestCase):
         for ending in ("cbf", "edf", "nxs"):
             self.assertIn(f":*.{ending}\n", globs)
         self.assertTrue((share / "icons/hicolor/scalable/apps/tarvik.svg").is_file())
+
+    def test_each_program_has_a_manual_and_completion(self):
+        for program in os.listdir(self.prefix / "bin"):
+            page = gzip.decompress((self.prefix / f"share/man/man1/{program}.1.gz").read_bytes()).decode()
+            self.assertRegex(page, rf"\.SH SYNOPSIS\n\.nf\n{program.replace('-', '.?-')} ")
+            self.assertIn("\\-\\-help", page)
+            self.assertTrue((self.prefix / "share/bash-completion/completions" / program).is_file())
+        for words, expected in ((["tarvik-image", "con"], "convert"), (["tarvik", "--disable"], "--disableGLSL"),
+                                (["tarvik-image", "info", "--pix"], "--pixel"), (["tarvik-demo-data", "--sm"], "--small")):
+            offered = check("bash", "-c", f"""PATH={self.prefix}/bin:$PATH
+                . {self.prefix}/share/bash-completion/completions/{words[0]}
+                COMP_WORDS=({" ".join(words)}) COMP_CWORD={len(words) - 1}
+                _tarvik {words[0]}; echo "${{COMPREPLY[@]}}" """, cwd=self.folder)
+            self.assertEqual(offered.split(), [expected])
 
     def test_the_viewer_reads_hdf5_with_the_installed_reader(self):
         master = next(self.folder.glob("demo/**/*_master.h5"))

@@ -29,8 +29,10 @@ public:
 };
 
 MHdf5Writer::MHdf5Writer(const std::string& path, int, const nexus::MBasicNeXusTree& tree,
-                         MCompression::FILTER filter)
-    : _d(std::make_unique<Private>(path, tree, NexusWriter::Options{compressionOf(filter), 1000}))
+                         MCompression::FILTER filter, Existing existing)
+    : _d(std::make_unique<Private>(
+          path, tree,
+          NexusWriter::Options{compressionOf(filter), 1000, existing == Existing::Replace}))
 {}
 
 MHdf5Writer::~MHdf5Writer() = default;

@@ -18,6 +18,10 @@ namespace morvend::imglib {
 /// Thread: one at a time.
 class MHdf5Writer {
 public:
+    /// What happens to files of the same names: a flush() fails rather than replace what is to be
+    /// kept.
+    enum class Existing { Replace, Keep };
+
     /// @param path    the master file, usually "<stem>_master.h5"; data files go beside it as
     ///                "<stem>_data_000001.h5" and so on
     /// @param images  expected number of images, 0 if unknown; files grow as images
@@ -25,7 +29,7 @@ public:
     /// @param tree    metadata of the series; the header of the first image takes precedence
     /// @throws MNoFileAccessException when the file can't be created
     MHdf5Writer(const std::string& path, int images, const nexus::MBasicNeXusTree& tree,
-                MCompression::FILTER filter);
+                MCompression::FILTER filter, Existing existing = Existing::Replace);
     ~MHdf5Writer();
     MHdf5Writer(const MHdf5Writer&) = delete;
     MHdf5Writer& operator=(const MHdf5Writer&) = delete;

@@ -81,8 +81,8 @@ hid_t fileType(datatypes::Type type, std::size_t bits)
 }
 
 DataFile::DataFile(const std::string& path, const FrameLayout& layout, Compression compression,
-                   std::size_t firstNumber)
-    : _file(path)
+                   std::size_t firstNumber, bool replaces)
+    : _file(path, replaces)
     , _layout(layout)
     , _compression(compression)
     , _firstNumber(firstNumber)

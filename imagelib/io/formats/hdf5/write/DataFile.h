@@ -20,8 +20,9 @@ hid_t fileType(datatypes::Type type, std::size_t bits);
 class DataFile {
 public:
     /// @param firstNumber  number of the block's first image in the series
+    /// @param replaces     a file of that name
     DataFile(const std::string& path, const FrameLayout& layout, Compression compression,
-             std::size_t firstNumber);
+             std::size_t firstNumber, bool replaces);
 
     std::size_t frames() const { return _frames; }
     /// Appends a frame, which has layout.bytes() bytes.

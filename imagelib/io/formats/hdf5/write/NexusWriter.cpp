@@ -74,7 +74,7 @@ std::string sizeText(const FrameLayout& layout)
 
 NexusWriter::NexusWriter(const std::string& path, nexus::MBasicNeXusTree tree,
                          const Options& options)
-    : _master(std::make_unique<PendingFile>(path))
+    : _master(std::make_unique<PendingFile>(path, options.replaces))
     , _tree(withoutImages(tree))
     , _options(options)
 {
@@ -136,7 +136,7 @@ void NexusWriter::_begin(const FrameLayout& layout, const MBasicImageOptionalDat
 {
     fileType(layout.type, layout.bits);
     // A write that failed leaves a master that can't be filled a second time.
-    _master = std::make_unique<PendingFile>(_master->path());
+    _master = std::make_unique<PendingFile>(_master->path(), _options.replaces);
     _data.reset();
     _dataFiles = 0;
     _layout = layout;
@@ -159,7 +159,8 @@ void NexusWriter::_nextDataFile()
         _data->publish();
     _data.reset();
     const std::string path = dataPath(_master->path(), _dataFiles + 1);
-    auto data = std::make_unique<DataFile>(path, _layout, _options.compression, _frames + 1);
+    auto data = std::make_unique<DataFile>(path, _layout, _options.compression, _frames + 1,
+                                           _options.replaces);
     char link[48];
     std::snprintf(link, sizeof link, "/entry/data/data_%06zu", _dataFiles + 1);
     if (H5Lexists(_master->id(), link, H5P_DEFAULT) <= 0)

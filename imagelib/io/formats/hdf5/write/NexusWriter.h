@@ -32,6 +32,7 @@ public:
     struct Options {
         hdf5::Compression compression = hdf5::Compression::BitshuffleLz4;
         std::size_t framesPerFile = 1000;
+        bool replaces = true;  ///< files of the same names
     };
 
     /// @throws MNoFileAccessException when the file can't be created

@@ -11,13 +11,38 @@
 #include <cstdio>
 #include <system_error>
 
+#include <fcntl.h>
 #include <unistd.h>
 
 namespace morvend::imglib::hdf5 {
 
-PendingFile::PendingFile(const std::string& path)
+namespace {
+
+/// As rename(), but fails with EEXIST where the new name is taken.
+int renameToFree(const char* from, const char* to)
+{
+    if (::renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE) == 0)
+        return 0;
+    if (errno != EINVAL && errno != ENOSYS)
+        return -1;
+    // File systems over a network don't know it.
+    if (::link(from, to) == 0)
+        return ::unlink(from);
+    if (errno == EEXIST)
+        return -1;
+    if (::access(to, F_OK) == 0) {
+        errno = EEXIST;
+        return -1;
+    }
+    return std::rename(from, to);
+}
+
+}  // namespace
+
+PendingFile::PendingFile(const std::string& path, bool replaces)
     : _path(path)
     , _temporary(temporaryName(path))
+    , _replaces(replaces)
 {
     silenceErrors();
     const Properties access = unlockedAccess();
@@ -40,7 +65,8 @@ void PendingFile::publish()
     flush();
     if (_temporary.empty())
         return;
-    if (std::rename(_temporary.c_str(), _path.c_str()) != 0)
+    const auto rename = _replaces ? std::rename : renameToFree;
+    if (rename(_temporary.c_str(), _path.c_str()) != 0)
         throw MRuntimeException("HDF5: cannot rename to its final name (" +
                                 std::generic_category().message(errno) + "): " + _path);
     _temporary.clear();

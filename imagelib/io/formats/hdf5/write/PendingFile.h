@@ -14,8 +14,9 @@ namespace morvend::imglib::hdf5 {
 /// may grow under its final name; never published, it is removed.
 class PendingFile {
 public:
+    /// @param replaces  a file of that name
     /// @throws MNoFileAccessException when the file can't be created
-    explicit PendingFile(const std::string& path);
+    explicit PendingFile(const std::string& path, bool replaces = true);
     ~PendingFile();
     PendingFile(const PendingFile&) = delete;
     PendingFile& operator=(const PendingFile&) = delete;
@@ -24,12 +25,14 @@ public:
     const std::string& path() const { return _path; }
     /// Writes all that the library still holds. @throws MRuntimeException
     void flush();
-    /// Flushes and, the first time, renames to the final name. @throws MRuntimeException
+    /// Flushes and, the first time, renames to the final name. @throws MRuntimeException, also when
+    /// there is a file of that name that is not to be replaced
     void publish();
 
 private:
     std::string _path;
     std::string _temporary;  // empty once published
+    bool _replaces;
     File _file;
 };
 

@@ -10,3 +10,6 @@
 using ImageData = morvend::imglib::MImage;
 /// What holds for all frames of a series.
 using OptionalData = morvend::imglib::MBasicImageOptionalData<>;
+
+/// A frame with the header of its series, whose mask is left out if it is of another size.
+morvend::imglib::MImage withHeader(const ImageData& frame, const OptionalData& header);

@@ -16,9 +16,12 @@ struct SeriesProgress {
     std::int64_t written = 0;  ///< into the file
     std::int64_t lost = 0;     ///< never arrived
     std::int64_t shown = 0;    ///< handed to the display, which leaves frames out when it is slow
+    std::int64_t leftOut = 0;  ///< of the display
     double rate = 0;           ///< frames per second received over the last seconds
     /// Seconds until the disk is full at the present rate.
     std::optional<double> diskSeconds;
+    bool fileOpen = false;
+    std::int64_t bytes = 0;  ///< of the frames written
 
     friend bool operator==(const SeriesProgress&, const SeriesProgress&) = default;
 };

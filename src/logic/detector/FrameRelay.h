@@ -15,7 +15,7 @@
 #include <variant>
 
 /// Hands frames of the reader to its own thread, that of the GUI, and keeps only the newest of
-/// those that wait: a display that is behind fills no memory and holds nothing up.
+/// those that wait: a slow display fills no memory and holds nothing up.
 ///
 /// Signals come in the order of the calls, newSeries() never fails to come before the frames of its
 /// series. Connect the reader's signals to the slots with Qt::DirectConnection.

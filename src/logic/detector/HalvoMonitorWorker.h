@@ -27,6 +27,11 @@
 /// more of the series before takes it over: the connection is kept, so that no frame falls between
 /// two series. Only if it reads from another address does the old reading end, without a word.
 ///
+/// Wiring: start signals -> startStream(), startMonitor(), direct; newSeries -> the writer's
+/// initSeries() and newFrame -> its add(), finished -> its finish(), queued; newSeries and newFrame
+/// -> the relay's addSeries() and addFrame(), direct. Reader, writer and relay share one meter,
+/// reader and writer one budget.
+///
 /// Threads: one of its own; abort(), abortOnTimeout() and the start slots from any.
 class HalvoMonitorWorker : public QObject {
     Q_OBJECT

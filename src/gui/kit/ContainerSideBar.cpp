@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "gui/kit/ContainerSideBar.h"
 
+#include "gui/kit/ScrollIntoSight.h"
 #include "gui/kit/SideBarTitle.h"
 
-#include <QCoreApplication>
 #include <QEvent>
 #include <QScopedValueRollback>
 #include <QScrollArea>
@@ -68,21 +68,11 @@ void ContainerSideBar::setLevel(unsigned int level)
 
 void ContainerSideBar::ensureVisible(SideBar* sideBar)
 {
-    // A panel that was just unfolded gets its place when the layouts around it hear of it, from the
-    // inner to the outer one.
     ContainerSideBar* root = this;
-    QCoreApplication::sendPostedEvents(sideBar, QEvent::LayoutRequest);
-    QCoreApplication::sendPostedEvents(root, QEvent::LayoutRequest);
-    while (!root->_scrollArea && root->parentSideBar()) {
+    while (!root->_scrollArea && root->parentSideBar())
         root = root->parentSideBar();
-        QCoreApplication::sendPostedEvents(root, QEvent::LayoutRequest);
-    }
-    if (!root->_scrollArea)
-        return;
-    int bottom = sideBar->y() + sideBar->height();
-    for (const ContainerSideBar* inner = this; inner != root; inner = inner->parentSideBar())
-        bottom += inner->y();
-    root->_scrollArea->ensureVisible(0, bottom);
+    if (root->_scrollArea)
+        scrollIntoSight(*root->_scrollArea, *sideBar, sideBar->titleHeight());
 }
 
 QScrollArea* ContainerSideBar::scrollArea()

@@ -35,7 +35,7 @@ public:
 
     void setLevel(unsigned int level) override;
     using SideBar::ensureVisible;
-    /// Scrolls so that the lower end of a panel of this container can be seen.
+    /// Scrolls the area around this container, if it made one, so that a panel can be seen.
     void ensureVisible(SideBar* sideBar);
     /// A scroll area around this container, made by the first call. It belongs to whom it is given
     /// as a child, and then owns the container. Areas of one key scroll together.

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "gui/kit/SideBar.h"
 
+#include "gui/kit/CalmWheel.h"
 #include "logic/support/GlobalStyle.h"
 
 #include <QPointer>
@@ -113,6 +114,14 @@ void SideBar::setDefaultVisibility(unsigned long long syncClass, bool visible)
 }
 
 void SideBar::ensureVisible() { emit ensureVisibleSignal(this); }
+
+void SideBar::ensureVisible(QWidget& part) { emit ensurePartVisibleSignal(&part); }
+
+void SideBar::showEvent(QShowEvent* event)
+{
+    calmWheel(*this);
+    QWidget::showEvent(event);
+}
 
 void SideBar::toggleVisible(bool on)
 {

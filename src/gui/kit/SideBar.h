@@ -46,8 +46,10 @@ public:
     bool visible() const;
     /// How panels of a key start that has no panel yet; folded without a call.
     static void setDefaultVisibility(unsigned long long syncClass, bool visible);
-    /// Scrolls the column so that the lower end of the panel can be seen.
+    /// Scrolls the column so that the panel can be seen.
     void ensureVisible();
+    /// The same for a part of the panel, such as one that has just been shown.
+    void ensureVisible(QWidget& part);
 
 public slots:
     /// Folds or unfolds this panel and all others of its key.
@@ -60,6 +62,10 @@ signals:
     /// To the container: title, text or level have changed.
     void titleChangedSignal();
     void ensureVisibleSignal(SideBar* sideBar);
+    void ensurePartVisibleSignal(QWidget* part);
+
+protected:
+    void showEvent(QShowEvent* event) override;
 
 private:
     ContainerSideBar* _parentSideBar = nullptr;

@@ -56,6 +56,7 @@ void PeakFinderBar::_setPeaks(int number)
     PeakData selection = _service->peakData();
     selection.numberOfPeaks = number;
     _service->setPeakData(selection);
+    ensureVisible();  // with the table, if that has just come
 }
 
 void PeakFinderBar::_highlightPeaks(std::set<int> peaks)
@@ -65,9 +66,9 @@ void PeakFinderBar::_highlightPeaks(std::set<int> peaks)
     _service->setPeakData(selection);
 }
 
-void PeakFinderBar::_setPeakData(PeakData selection)
+void PeakFinderBar::_setPeakData(const PeakData& selection)
 {
-    _peakData = std::move(selection);
+    _peakData = selection;
     {
         const QSignalBlocker quiet(_number);
         _number->setValue(_peakData.numberOfPeaks);

@@ -26,7 +26,7 @@ public:
 
 private slots:
     void _setPeaks(int number);
-    void _setPeakData(PeakData selection);
+    void _setPeakData(const PeakData& selection);
     void _highlightPeaks(std::set<int> peaks);
 
 private:

@@ -63,4 +63,5 @@ void RoiSelector::_toggled(int kind, bool on)
     region.roiType = on ? kind : StatisticsData::None;
     region.roiActive = false;
     _service->setStatisticsData(region);
+    emit chosenSignal();
 }

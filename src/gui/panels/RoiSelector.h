@@ -20,6 +20,10 @@ public:
     /// @param service  not owned; lives as long as this
     explicit RoiSelector(TarvikService* service, QWidget* parent = nullptr);
 
+signals:
+    /// The user has chosen a kind, or none.
+    void chosenSignal();
+
 private slots:
     void _newImageSlot();
     void _newStatisticsSlot(StatisticsData region);

@@ -153,6 +153,7 @@ void RoiSeries::_startOrStop()
     _plotter->setMarker(_service->imageIndex());
     _curve.start(QFile::encodeName(_service->seriesPath()).toStdString(),
                  _service->statisticsData());
+    emit plotOpenedSignal(_floating);
 }
 
 void RoiSeries::_curveChanged()

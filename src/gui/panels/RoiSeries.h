@@ -27,6 +27,10 @@ public:
 
     const SeriesCurve& curve() const { return _curve; }
 
+signals:
+    /// The plot has been opened on request.
+    void plotOpenedSignal(QWidget* plot);
+
 private slots:
     void _newStatisticsSlot(const StatisticsData& region);
     void _newImageSlot();

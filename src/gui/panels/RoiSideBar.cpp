@@ -39,11 +39,12 @@ RoiSideBar::RoiSideBar(unsigned long long id, TarvikService* service, QWidget* p
     setTitle(QStringLiteral("Region of Interest"));
 }
 
-void RoiSideBar::showEvent(QShowEvent* event)
+void RoiSideBar::setVisible(bool visible)
 {
-    if (!_help)
+    // Before it is shown, so that it comes in its full size.
+    if (visible && !_help)
         _createContent();
-    SideBar::showEvent(event);
+    SideBar::setVisible(visible);
 }
 
 void RoiSideBar::_createContent()
@@ -56,14 +57,20 @@ void RoiSideBar::_createContent()
     _popoutButton = new QPushButton(QStringLiteral("Pop Out"));
     auto* rows = new QVBoxLayout(this);
     rows->setContentsMargins(0, 0, 0, 0);
-    rows->addWidget(new RoiSelector(_service));
+    auto* selector = new RoiSelector(_service);
+    rows->addWidget(selector);
     _help->setWordWrap(true);
     _help->setContentsMargins(9, 0, 9, 0);
     rows->addWidget(_help);
     rows->addWidget(new TuneRoi(_service));
     _createButtons();
     rows->addWidget(_floating, 1);
-    rows->addWidget(new RoiSeries(_service));
+    auto* series = new RoiSeries(_service);
+    rows->addWidget(series);
+    // What has been asked for is not left below the window.
+    connect(selector, &RoiSelector::chosenSignal, this, [this] { ensureVisible(); });
+    connect(series, &RoiSeries::plotOpenedSignal, this,
+            [this](QWidget* plot) { ensureVisible(*plot); });
     connect(_service, &TarvikService::newStatisticsSignal, this,
             &RoiSideBar::_setWriteButtonEnableState);
     connect(_service, &TarvikService::newStatisticsSignal, this, &RoiSideBar::_setHelpSlot);

@@ -23,8 +23,7 @@ public:
     /// @param service  not owned; lives as long as the panel
     RoiSideBar(unsigned long long id, TarvikService* service, QWidget* parent = nullptr);
 
-protected:
-    void showEvent(QShowEvent* event) override;
+    void setVisible(bool visible) override;
 
 private slots:
     void _writeToFileSlot();
@@ -34,7 +33,7 @@ private slots:
     void _setHelpSlot(StatisticsData region);
 
 private:
-    /// Made when the panel is first shown: few views of many are ever asked for their region.
+    /// Made when the panel is first unfolded: few views of many are ever asked for their region.
     void _createContent();
     void _createButtons();
     QString _report() const;
@@ -44,7 +43,7 @@ private:
     void _numbersArrived();
 
     TarvikService* const _service;
-    // Null before the panel is first shown.
+    // Null before the panel is first unfolded.
     QLabel* _help = nullptr;
     FloatingWidget* _floating = nullptr;
     QPushButton* _saveButton = nullptr;

@@ -175,7 +175,10 @@ ContainerSideBar* MainWindow::_makePanels(SubWindow& window)
     ContainerSideBar* root = _panelMaker(*window.service(), *window.imageDrawer(), _firstPanelKey);
     connect(&window, &SubWindow::aboutToTerminate, root, [root] { delete root; });
     for (const SideBar* panel : root->findChildren<SideBar*>()) {
-        connect(panel, &SideBar::gotVisbile, this, &MainWindow::_setSideBarVisibleSlot);
+        for (const auto wanted : {&SideBar::gotVisbile, &SideBar::ensureVisibleSignal})
+            connect(panel, wanted, this, &MainWindow::_setSideBarVisibleSlot);
+        connect(panel, &SideBar::ensurePartVisibleSignal, this,
+                [this](QWidget* part) { _sideBars->ensureVisible(*part); });
         connect(panel, &SideBar::toggledVisible, this, &MainWindow::_placeChanged);
     }
     _sideBars->add(root);

@@ -187,7 +187,10 @@ void MainWindow::toggleSideBar(bool on)
     _placeChanged();
 }
 
-void MainWindow::_setSideBarVisibleSlot(SideBar* panel) { _sideBars->ensureVisible(panel); }
+void MainWindow::_setSideBarVisibleSlot(SideBar* panel)
+{
+    _sideBars->ensureVisible(*panel, panel->titleHeight());
+}
 
 void MainWindow::_open()
 {

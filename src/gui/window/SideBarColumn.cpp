@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "gui/window/SideBarColumn.h"
 
+#include "gui/kit/ScrollIntoSight.h"
 #include "logic/support/GlobalStyle.h"
 
 #include <QLayout>
@@ -67,4 +68,7 @@ void SideBarColumn::setVisible(bool visible, int width)
     _sideBarStack->setVisible(visible);
 }
 
-void SideBarColumn::ensureVisible(QWidget* part) { _sideBarScrollArea->ensureWidgetVisible(part); }
+void SideBarColumn::ensureVisible(QWidget& part, int above)
+{
+    scrollIntoSight(*_sideBarScrollArea, part, above);
+}

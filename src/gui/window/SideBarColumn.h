@@ -26,8 +26,9 @@ public:
     /// When shown, it takes its width from the views.
     void setVisible(bool visible, int width = MaximumWidth);
     int width() const;
-    /// Scrolls until a part of the panels can be seen.
-    void ensureVisible(QWidget* part);
+    /// Scrolls so that a part of the panels on show can be seen.
+    /// @param above  pixels above the part that belong to it
+    void ensureVisible(QWidget& part, int above = 0);
 
 private:
     QSplitter& _splitter;

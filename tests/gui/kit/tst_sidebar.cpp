@@ -3,15 +3,20 @@
 //
 // Panels fold together, and survive each other.
 #include "gui/kit/ContainerSideBar.h"
+#include "gui/kit/FloatingWidget.h"
+#include "gui/kit/ScrollIntoSight.h"
 #include "gui/kit/SideBarTitle.h"
 #include "tests/support/WaitFor.h"
 
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QPointer>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QSignalSpy>
+#include <QSpinBox>
+#include <QWheelEvent>
 
 #include <memory>
 
@@ -108,6 +113,67 @@ TEST(SideBarTest, APanelThatOpensIsScrolledIntoSight)
     const int bottom = last->mapTo(column.area->viewport(), QPoint(0, last->height())).y();
     EXPECT_LE(bottom, column.area->viewport()->height());
     EXPECT_GT(other.area->verticalScrollBar()->value(), 0) << "columns scroll together";
+}
+
+TEST(SideBarTest, WhatHasJustGrownIsScrolledIntoSight)
+{
+    const Column column(freshKey(), {freshKey(), freshKey()});
+    auto* content = new QWidget;
+    auto* child = new QWidget;
+    (new QVBoxLayout(child))->addWidget(content);
+    child->layout()->setContentsMargins({});
+    auto* floating = new FloatingWidget(child, "Content", Qt::black);
+    (new QVBoxLayout(column.panels[1]))->addWidget(floating);
+    column.panels[1]->setMinimumHeight(0);
+    for (const auto& panel : column.panels)
+        panel->toggleVisible(true);
+    settle();
+    const int room = column.area->viewport()->height();
+    const auto yInSight = [&](const QPoint& point) {
+        return floating->mapTo(column.area->viewport(), point).y();
+    };
+    content->setMinimumHeight(room - 10);
+    scrollIntoSight(*column.area, *floating);
+    EXPECT_EQ(yInSight({0, room - 10}), room);
+    content->setMinimumHeight(room + 50);
+    scrollIntoSight(*column.area, *floating, 5);
+    EXPECT_EQ(yInSight({}), 5) << "of what is taller, the upper end";
+
+    column.panels[0]->hide();
+    settle();
+    const int before = column.area->verticalScrollBar()->value();
+    scrollIntoSight(*column.area, *column.panels[0]);
+    const Column other(freshKey(), {freshKey()});
+    other.panels[0]->toggleVisible(true);
+    scrollIntoSight(*column.area, *other.panels[0]);
+    EXPECT_EQ(column.area->verticalScrollBar()->value(), before) << "not for what is elsewhere";
+}
+
+TEST(SideBarTest, AWheelThatScrollsPastAFieldLeavesItsValue)
+{
+    const Column column(freshKey(), {freshKey(), freshKey()});
+    auto* box = new QSpinBox;
+    (new QVBoxLayout(column.panels[0]))->addWidget(box);
+    for (const auto& panel : column.panels)
+        panel->toggleVisible(true);
+    settle();
+    // Whether the box takes it; otherwise it goes to what is around.
+    const auto turn = [box] {
+        QWheelEvent down({5, 5}, box->mapToGlobal(QPointF(5, 5)), {}, {0, -120}, {}, {},
+                         Qt::NoScrollPhase, false);
+        QApplication::sendEvent(box, &down);
+        return down.isAccepted();
+    };
+    box->setValue(50);
+    column.area->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(column.area.get()));
+    box->clearFocus();
+    EXPECT_FALSE(turn());
+    EXPECT_EQ(box->value(), 50);
+    EXPECT_FALSE(box->hasFocus());
+    box->setFocus();
+    EXPECT_TRUE(turn());
+    EXPECT_EQ(box->value(), 49);
 }
 
 TEST(SideBarTest, PanelsMayGoAtAnyTime)

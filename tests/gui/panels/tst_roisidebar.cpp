@@ -122,7 +122,9 @@ TEST_F(RoiSideBarTest, TheBoxesOfKindsExcludeEachOther)
         set(regions::box(5, 5, 10, 10));
         if (kind.kind == StatisticsData::Box)
             child<QCheckBox>("Box Plot").click();  // off, to be checked anew
+        const QSignalSpy wanted(&bar, &SideBar::ensureVisibleSignal);
         child<QCheckBox>(kind.text).click();
+        EXPECT_EQ(wanted.count(), 1) << "the new page is scrolled into sight";
         EXPECT_EQ(region().roiType, kind.kind);
         EXPECT_FALSE(region().roiActive);
         for (auto* each : bar.findChildren<QCheckBox*>())
@@ -323,7 +325,9 @@ protected:
     Plotter& plot() const { return *series.findChild<Plotter*>(); }
     void run()
     {
+        const QSignalSpy wanted(&bar, &SideBar::ensurePartVisibleSignal);
         press("Plot Series");
+        EXPECT_EQ(wanted.count(), 1) << "the plot is scrolled into sight";
         EXPECT_EQ(child<QPushButton>("Stop").isEnabled(), true);
         ASSERT_TRUE(waitFor([&] { return !series.curve().running(); }));
         settle();

@@ -149,7 +149,11 @@ TEST_F(MemoryTest, ThePanelColumnFollowsTheActiveViewAndComesBack)
         const QWidget* panelsOfFirst = stack->currentWidget();
         auto* unfolded = stack->findChildren<SideBar*>().value(2);
         EXPECT_EQ(unfolded->visible(), again);
+        unfolded->setMinimumHeight(1000);
         unfolded->toggleVisible(true);
+        if (!again) {
+            EXPECT_EQ(unfolded->mapTo(area->viewport(), QPoint()).y(), unfolded->titleHeight());
+        }
         SubWindow* second = _window->newSubWindow();
         EXPECT_NE(stack->currentWidget(), panelsOfFirst);
         first->setActivated(true);

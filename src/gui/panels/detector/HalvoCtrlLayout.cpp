@@ -92,7 +92,9 @@ QWidget* HalvoCtrlLayout::_makeHostPopup()
     ok = new QPushButton(QStringLiteral("OK"));
     ok->setDefault(true);
     auto* row = new QHBoxLayout(popup);
-    row->addWidget(plainLabel(QStringLiteral("Host")));
+    auto* label = plainLabel(QStringLiteral("Host"));
+    label->setBuddy(host);
+    row->addWidget(label);
     row->addWidget(host);
     row->addWidget(ok);
     popup->setFocusProxy(host);

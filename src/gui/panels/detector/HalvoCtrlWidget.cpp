@@ -37,6 +37,23 @@ bool sameAddress(const QString& one, const QString& other)
     return first.host() == second.host() && first.port(DefaultPort) == second.port(DefaultPort);
 }
 
+/// Why a text is no address: QUrl::fromUserInput() does not say it.
+QString addressFault(const QString& text)
+{
+    const QString fault = QUrl(QStringLiteral("http://") + text).errorString();
+    return fault.isEmpty() ? QStringLiteral("Not the address of a host")
+                           : fault.section(QLatin1Char(';'), 0, 0);
+}
+
+/// The address that was used last; empty if there was none.
+QString lastAddress()
+{
+    const QString host = HalvoClient::defaultHost();
+    const int port = HalvoClient::defaultPort();
+    return host.isEmpty() || port == DefaultPort ? host
+                                                 : QStringLiteral("%1:%2").arg(host).arg(port);
+}
+
 /// Shows a text from the detector. What is being typed stays: its own report is still to come.
 void fill(TextEdit* field, const QString& text)
 {
@@ -71,6 +88,7 @@ HalvoCtrlWidget::HalvoCtrlWidget(unsigned long long id, HalvoClient* client,
     _connectFields();
     if (_ui->userMode)
         _ui->userMode->setChecked(client->userPermission());
+    _ui->host->setText(lastAddress());
     // Another panel may have connected before this one was made.
     _updateMode();
     _updateFileName();
@@ -178,7 +196,9 @@ void HalvoCtrlWidget::_showRunning()
 
 void HalvoCtrlWidget::_updateConfig(bool success)
 {
-    if (const QString host = _client->host(); !sameAddress(_ui->host->text(), host))
+    // The service begins with a text that is no address where the port is not 80.
+    const QString host = _client->host();
+    if (QUrl::fromUserInput(host).isValid() && !sameAddress(_ui->host->text(), host))
         fill(_ui->host, host);
     const auto nImages = _client->nImages(success);
     if (nImages) {
@@ -249,7 +269,11 @@ void HalvoCtrlWidget::_newFrame(const ImageData& /*image*/, int /*seriesId*/, in
 bool HalvoCtrlWidget::_setHost()
 {
     const QSignalBlocker quiet(_ui->host);
-    return _client->setHost(_ui->host->text());
+    const QString text = _ui->host->text();
+    const bool accepted = _client->setHost(text);
+    if (!accepted && _ui->info->text().isEmpty())
+        _ui->info->reportError(addressFault(text));
+    return accepted;
 }
 
 void HalvoCtrlWidget::_connect()

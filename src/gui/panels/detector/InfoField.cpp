@@ -44,9 +44,11 @@ void InfoField::report(const QString& plain)
 
 void InfoField::reportError(const QString& plain)
 {
+    if (plain.isEmpty())
+        return clearReport();
     setTextFormat(Qt::RichText);
     setText(QStringLiteral("<i>") + breakable(plain).toHtmlEscaped() + QStringLiteral("</i>"));
-    setVisible(!plain.isEmpty());
+    show();
 }
 
 void InfoField::clearReport() { report({}); }

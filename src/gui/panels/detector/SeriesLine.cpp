@@ -47,9 +47,10 @@ QString rateText(double rate)
     return rate < 100 ? QString::number(rate, 'g', 3) : QString::number(rate, 'f', 0);
 }
 
+/// Without what the display has left out for good.
 std::int64_t behind(const SeriesProgress& progress)
 {
-    return std::max<std::int64_t>(progress.received - progress.shown, 0);
+    return std::max<std::int64_t>(progress.received - progress.shown - progress.leftOut, 0);
 }
 
 }  // namespace
@@ -70,6 +71,7 @@ SeriesLine::SeriesLine(QWidget* parent)
         auto* name = new QLabel(QString::fromLatin1(about.name));
         name->setProperty("name", true);
         _values[i] = new QLabel;
+        _values[i]->setObjectName(QString::fromLatin1(about.name));
         for (QLabel* label : {name, _values[i]}) {
             label->setToolTip(QString::fromLatin1(about.meaning));
             // The width of a number moves nothing.

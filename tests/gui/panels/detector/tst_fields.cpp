@@ -107,10 +107,11 @@ TEST(SeriesLine, SaysHowTheSeriesIsGettingOn)
     progress.received = 300;
     progress.written = 290;
     progress.shown = 120;
+    progress.leftOut = 175;
     progress.rate = 99.96;
     progress.diskSeconds = 6.2;
     EXPECT_EQ(S::texts(progress),
-              (std::array<QString, S::Counts>{"300", "290", "0", "120", "180", "100", "6 s"}));
+              (std::array<QString, S::Counts>{"300", "290", "0", "120", "5", "100", "6 s"}));
     EXPECT_TRUE(S::alarming(progress, S::Disk)) << "710 frames are to come";
     EXPECT_FALSE(S::alarming(progress, S::Lost));
     progress.lost = 1;

@@ -37,6 +37,8 @@ QProgressBar::chunk {background-color: rgb(20,100,220); width: 20px;}
 QMenu {border: 1px solid rgb(110,110,110); background-color: %1;}
 )";
 
+constexpr int RowHeight = 28;  // pixels, of a field and the label beside it
+
 QLabel* plainLabel(const QString& text = {})
 {
     auto* label = new QLabel(text);
@@ -48,11 +50,12 @@ QLabel* plainLabel(const QString& text = {})
 }  // namespace
 
 HalvoCtrlLayout::HalvoCtrlLayout(QWidget& panel, bool administrator)
-    : info(new InfoField(&panel))
-    , mode(new QComboBox(&panel))
 {
+    // Before there are children: the first one has its parent's sheet remembered.
     panel.setStyleSheet(panel.styleSheet() +
                         QString::fromLatin1(PanelStyle).arg(GLOBALSTYLE::sidebarColor.name()));
+    info = new InfoField(&panel);
+    mode = new QComboBox(&panel);
     auto* rows = new QVBoxLayout(&panel);
     if (administrator) {
         userMode = new QCheckBox(QStringLiteral("Show in user mode"));
@@ -94,6 +97,7 @@ QWidget* HalvoCtrlLayout::_makeHostPopup()
     auto* row = new QHBoxLayout(popup);
     auto* label = plainLabel(QStringLiteral("Host"));
     label->setBuddy(host);
+    host->setFixedWidth(220);
     row->addWidget(label);
     row->addWidget(host);
     row->addWidget(ok);
@@ -141,7 +145,8 @@ void HalvoCtrlLayout::_addFields(QVBoxLayout* rows)
         auto* label = plainLabel(QString::fromLatin1(name));
         auto* edit = new TextEdit(QString::fromLatin1(help), info);
         label->setBuddy(edit);
-        label->setMinimumHeight(edit->sizeHint().height());
+        label->setFixedHeight(RowHeight);
+        edit->setFixedHeight(RowHeight);
         grid->addWidget(label, row, 0, corner);
         grid->addWidget(edit, row, 1, corner);
         if (row >= 3 && row <= 5)
@@ -172,6 +177,7 @@ void HalvoCtrlLayout::_addFields(QVBoxLayout* rows)
                         "to prevent overriding files, \"_master.h5\" or \"_<number>_master.h5\" "
                         "may be appended.");
     pathName = new TextField;
+    pathName->setContentsMargins(0, 0, 12, 0);  // for the last letter of a line
     grid->addWidget(plainLabel(QStringLiteral("Path Name")), 9, 0, corner);
     grid->addWidget(pathName, 9, 1, corner);
     for (QWidget* widget : std::as_const(advanced))

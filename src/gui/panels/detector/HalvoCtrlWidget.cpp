@@ -15,6 +15,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QMenu>
 #include <QPainter>
 #include <QProgressBar>
 #include <QPushButton>
@@ -131,6 +132,7 @@ void HalvoCtrlWidget::_connectFields()
         _ui->connectButton->hideMenu();
         _connect();
     };
+    connect(_ui->connectButton->menu(), &QMenu::aboutToShow, _ui->host, &QLineEdit::selectAll);
     connect(_ui->ok, &QPushButton::clicked, this, accepted);
     connect(_ui->host, &QLineEdit::returnPressed, this, accepted);
     connect(_ui->host, &TextEdit::delayedTextEdited, this, &W::_setHost);

@@ -17,9 +17,9 @@ struct Column {
 
 // By SeriesLine::Count.
 constexpr std::array<Column, SeriesLine::Counts> Columns{{
-    {"received", "Frames that have arrived", 8},
+    {"received", "Frames that have arrived", 9},
     {"written", "Frames in the file", 8},
-    {"lost", "Frames that the detector took, but that never arrived", 7},
+    {"lost", "Frames that the detector took, but that never arrived", 6},
     {"shown", "Frames that were shown; the others are only written", 7},
     {"behind", "Frames that have arrived and are still to be shown", 7},
     {"per s", "Frames that arrive in a second", 6},
@@ -58,7 +58,7 @@ std::int64_t behind(const SeriesProgress& progress)
 SeriesLine::SeriesLine(QWidget* parent)
     : QWidget(parent)
 {
-    setStyleSheet(QStringLiteral("QLabel {font-size: 8pt;}"
+    setStyleSheet(QStringLiteral("QLabel {font-size: 9pt;}"
                                  "QLabel[name=\"true\"] {color: rgb(165,165,165);}"
                                  "QLabel[alarming=\"true\"] {color: rgb(255,150,80);}"));
     auto* grid = new QGridLayout(this);

@@ -7,7 +7,8 @@
 #include <QLabel>
 #include <QString>
 
-/// Breaks its text wherever a line ends. Thread: GUI only.
+/// Breaks its text wherever a line ends. A line may reach into the right margin by a letter.
+/// Thread: GUI only.
 class TextField : public QLabel {
     Q_OBJECT
 public:
@@ -20,6 +21,7 @@ public:
     QSize minimumSizeHint() const override;
 
 protected:
+    void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
 private:

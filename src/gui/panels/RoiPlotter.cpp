@@ -108,7 +108,7 @@ void RoiPlotter::showEvent(QShowEvent* event)
     _requestNumbers();
 }
 
-void RoiPlotter::_newStatisticsSlot(StatisticsData region)
+void RoiPlotter::_newStatisticsSlot(const StatisticsData& region)
 {
     const bool stays = _valid && region.roiActive && region.roiType == _data.roiType;
     _data = region;

@@ -31,7 +31,7 @@ protected:
     void showEvent(QShowEvent* event) override;
 
 private slots:
-    void _newStatisticsSlot(StatisticsData region);
+    void _newStatisticsSlot(const StatisticsData& region);
     void _newImageSlot();
     /// Takes over the numbers that are there.
     void _takeNumbers();

@@ -46,7 +46,7 @@ RoiSelector::RoiSelector(TarvikService* service, QWidget* parent)
 
 void RoiSelector::_newImageSlot() { setEnabled(_service->imageLoaded()); }
 
-void RoiSelector::_newStatisticsSlot(StatisticsData region)
+void RoiSelector::_newStatisticsSlot(const StatisticsData& region)
 {
     if (region.roiType != _kind) {
         check(_boxes.at(static_cast<std::size_t>(_kind)), false);

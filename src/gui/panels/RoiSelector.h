@@ -26,7 +26,7 @@ signals:
 
 private slots:
     void _newImageSlot();
-    void _newStatisticsSlot(StatisticsData region);
+    void _newStatisticsSlot(const StatisticsData& region);
     void _toggledLineSlot(bool on) { _toggled(StatisticsData::Line, on); }
     void _toggledBoxSlot(bool on) { _toggled(StatisticsData::Box, on); }
     void _toggledCircleSlot(bool on) { _toggled(StatisticsData::Circle, on); }

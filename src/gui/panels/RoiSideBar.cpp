@@ -161,13 +161,13 @@ void RoiSideBar::_popoutSlot(bool checked)
     _popoutButton->setText(checked ? QStringLiteral("Pop In") : QStringLiteral("Pop Out"));
 }
 
-void RoiSideBar::_setWriteButtonEnableState(StatisticsData region)
+void RoiSideBar::_setWriteButtonEnableState(const StatisticsData& region)
 {
     _saveButton->setEnabled(region.roiActive);
     _copyButton->setEnabled(region.roiActive);
 }
 
-void RoiSideBar::_setHelpSlot(StatisticsData region)
+void RoiSideBar::_setHelpSlot(const StatisticsData& region)
 {
     QString text;
     if (region.roiType >= StatisticsData::Line && region.roiType <= StatisticsData::Circle)

@@ -29,8 +29,8 @@ private slots:
     void _writeToFileSlot();
     void _copySlot();
     void _popoutSlot(bool checked);
-    void _setWriteButtonEnableState(StatisticsData region);
-    void _setHelpSlot(StatisticsData region);
+    void _setWriteButtonEnableState(const StatisticsData& region);
+    void _setHelpSlot(const StatisticsData& region);
 
 private:
     /// Made when the panel is first unfolded: few views of many are ever asked for their region.

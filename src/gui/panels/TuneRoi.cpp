@@ -128,7 +128,7 @@ void TuneRoi::_addPowderPage()
     _powderY = _doubleBox(cell(1, 1, "Centre Y"), 0, 1, &TuneRoi::_setPowderY);
 }
 
-void TuneRoi::_newStatisticsSlot(StatisticsData region)
+void TuneRoi::_newStatisticsSlot(const StatisticsData& region)
 {
     const bool known = region.roiType >= 0 && region.roiType < _pages->count();
     showPage(*_pages, known ? region.roiType : 0);

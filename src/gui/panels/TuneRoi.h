@@ -23,7 +23,7 @@ public:
     explicit TuneRoi(TarvikService* service, QWidget* parent = nullptr);
 
 private slots:
-    void _newStatisticsSlot(StatisticsData region);
+    void _newStatisticsSlot(const StatisticsData& region);
     void _setBeginX(int x) { _set(&StatisticsData::beginX, x); }
     void _setBeginY(int y) { _set(&StatisticsData::beginY, y); }
     void _setEndX(int x) { _set(&StatisticsData::endX, x); }

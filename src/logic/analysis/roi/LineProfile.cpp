@@ -12,6 +12,17 @@ namespace {
 
 int sign(int value) { return (value > 0) - (value < 0); }
 
+ObliqueLine obliqueLine(const StatisticsData& line)
+{
+    const double dx = double(line.endX) - line.beginX;
+    const double dy = double(line.endY) - line.beginY;
+    // Unlike the anchor of the crossings, the end points have no half pixel added to y.
+    const PixVal<double> first{line.beginX + 0.5, line.beginX + 0.5, double(line.beginY)};
+    const PixVal<double> last{line.endX + 0.5, line.endX + 0.5, double(line.endY)};
+    return {first,       last,      line.beginX + 0.5, line.beginY + 0.5, dy / dx,
+            line.beginX, line.endX, line.beginY,       line.endY};
+}
+
 }  // namespace
 
 std::vector<LinePixel> straightPixels(int beginX, int beginY, int endX, int endY)
@@ -24,6 +35,17 @@ std::vector<LinePixel> straightPixels(int beginX, int beginY, int endX, int endY
     for (int i = 0; i <= steps; ++i)
         pixels.push_back({beginX + i * stepX, beginY + i * stepY, 1.0});
     return pixels;
+}
+
+bool straight(const StatisticsData& line)
+{
+    return line.beginX == line.endX || line.beginY == line.endY;
+}
+
+std::vector<LinePixel> pixelsUnder(const StatisticsData& line)
+{
+    return straight(line) ? straightPixels(line.beginX, line.beginY, line.endX, line.endY)
+                          : crossedPixels(obliqueLine(line));
 }
 
 Curve straightCurve(const std::vector<LineSample>& samples, double length)

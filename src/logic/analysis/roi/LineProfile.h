@@ -7,6 +7,7 @@
 #include "logic/analysis/roi/ObliqueLine.h"
 #include "logic/analysis/roi/PixelReader.h"
 #include "logic/analysis/roi/RoiStatistics.h"
+#include "logic/records/StatisticsData.h"
 
 #include <vector>
 
@@ -56,6 +57,11 @@ std::vector<LineSample> readOblique(const PixelReader<L, R>& reader,
 /// Pixels of a vertical or horizontal line, both ends included; one of the steps is 0, the other 1
 /// or -1.
 std::vector<LinePixel> straightPixels(int beginX, int beginY, int endX, int endY);
+/// True for a vertical or horizontal line.
+bool straight(const StatisticsData& line);
+/// The pixels under a line, from its begin to its end, also those outside the image. Those of a
+/// straight line have length 1, also at both ends.
+std::vector<LinePixel> pixelsUnder(const StatisticsData& line);
 
 /// The curve over pixels of length 1, of which the first and the last count half.
 Curve straightCurve(const std::vector<LineSample>& samples, double length);

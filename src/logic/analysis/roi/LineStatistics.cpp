@@ -16,22 +16,6 @@ using namespace roi;
 
 namespace {
 
-ObliqueLine obliqueLine(const StatisticsData& line)
-{
-    const double dx = double(line.endX) - line.beginX;
-    const double dy = double(line.endY) - line.beginY;
-    // Unlike the anchor of the crossings, the end points have no half pixel added to y.
-    const PixVal<double> first{line.beginX + 0.5, line.beginX + 0.5, double(line.beginY)};
-    const PixVal<double> last{line.endX + 0.5, line.endX + 0.5, double(line.endY)};
-    return {first,       last,      line.beginX + 0.5, line.beginY + 0.5, dy / dx,
-            line.beginX, line.endX, line.beginY,       line.endY};
-}
-
-bool straight(const StatisticsData& line)
-{
-    return line.beginX == line.endX || line.beginY == line.endY;
-}
-
 /// The pixels that are searched for reflections: all of a straight line, but none if it was
 /// drawn towards smaller coordinates; the good ones of an oblique line.
 std::vector<ListPixel> reflectionList(const StatisticsData& line,
@@ -60,16 +44,15 @@ RoiStatistics ComputeLineStatistics::operator()(const MImage& image, const MImag
     const PixelReader<L, R> reader(image, mask);
     std::vector<LineSample> samples;
     if (straight(line)) {
-        samples =
-            readStraight(reader, straightPixels(line.beginX, line.beginY, line.endX, line.endY));
+        samples = readStraight(reader, pixelsUnder(line));
         result.length = static_cast<double>(samples.size() - 1);
         result.curve = straightCurve(samples, result.length);
         sumStraight(result, samples);
     } else {
-        const ObliqueLine geometry = obliqueLine(line);
-        samples = readOblique(reader, crossedPixels(geometry));
-        result.length = std::abs(double(line.endX) - line.beginX) *
-                        std::sqrt(geometry.slope * geometry.slope + 1);
+        const double dx = double(line.endX) - line.beginX;
+        const double slope = (double(line.endY) - line.beginY) / dx;
+        samples = readOblique(reader, pixelsUnder(line));
+        result.length = std::abs(dx) * std::sqrt(slope * slope + 1);
         result.curve = obliqueCurve(samples);
         sumOblique(result, samples);
     }

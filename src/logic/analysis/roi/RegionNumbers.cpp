@@ -154,7 +154,7 @@ void store(RoiStatistics& result, const RegionSums& area, const RegionSums& back
 bool hasStencil(const StatisticsData& region)
 {
     return region.defined &&
-           (region.roiType == StatisticsData::Circle ||
+           (region.roiType == StatisticsData::Line || region.roiType == StatisticsData::Circle ||
             (region.roiType == StatisticsData::CentredCircle && region.centredCircleDefined()));
 }
 

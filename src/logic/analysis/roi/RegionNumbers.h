@@ -13,8 +13,8 @@
 
 class RegionStencil;
 
-/// What RoiComputer finds, but for the curves, the deviation, the centroid and the smallest value.
-/// Which part of which pixel belongs to a circle or a ring is worked out once for all images of a
+/// What RoiComputer finds, but for curves, reflections, length, deviation, centroid and smallest
+/// value. Which part of which pixel belongs to a line, a circle or a ring is worked out once for all images of a
 /// size; their sums differ from those of RoiComputer by rounding alone, and depend neither on the
 /// processor nor on the images before.
 /// Thread: any, several at a time.

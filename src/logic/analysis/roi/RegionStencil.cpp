@@ -3,6 +3,7 @@
 #include "logic/analysis/roi/RegionStencil.h"
 
 #include "logic/analysis/roi/CoveredArea.h"
+#include "logic/analysis/roi/LineProfile.h"
 
 #include <algorithm>
 #include <cmath>
@@ -82,10 +83,26 @@ RegionStencil::RegionStencil(const StatisticsData& region, int width, int height
     : _width(width)
     , _height(height)
 {
-    if (region.roiType == StatisticsData::Circle)
+    if (region.roiType == StatisticsData::Line)
+        _addLine(region);
+    else if (region.roiType == StatisticsData::Circle)
         _addCircle(region);
     else
         _addRing(region);
+}
+
+void RegionStencil::_addLine(const StatisticsData& region)
+{
+    if (region.beginX == region.endX && region.beginY == region.endY)
+        return;
+    std::vector<roi::LinePixel> pixels = roi::pixelsUnder(region);
+    if (roi::straight(region))
+        pixels.front().length = pixels.back().length = 0.5;
+    for (const auto& [x, y, length] : pixels)
+        if (x >= 0 && x < _width && y >= 0 && y < _height)
+            _area.parts.push_back({static_cast<std::size_t>(y) * static_cast<std::size_t>(_width) +
+                                       static_cast<std::size_t>(x),
+                                   length});
 }
 
 // The pixels that are visited are those that the computations of single images visit, which leave

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 the TARVIK authors
 // SPDX-License-Identifier: MIT
 //
-// Which part of which pixel belongs to a circle or a ring.
+// Which part of which pixel belongs to a line, a circle or a ring.
 #pragma once
 
 #include "imagelib/image/MImage.h"
@@ -11,7 +11,7 @@
 #include <vector>
 
 /// The pixels of an area in an image of one size: runs of whole pixels, and those of which a part
-/// belongs to it.
+/// belongs to it. Of a line it is the length in each pixel.
 struct StencilArea {
     struct Run {
         std::size_t begin;
@@ -38,11 +38,11 @@ struct StencilArea {
     }
 };
 
-/// The areas of a circle, whose background is the ring around it, or of a centred circle, which has
-/// none. Thread: built once, then read by any.
+/// The areas of a circle, whose background is the ring around it, or of a line or a centred circle,
+/// which have none. Thread: built once, then read by any.
 class RegionStencil {
 public:
-    /// @param region  a circle or a defined centred circle within RoiComputer::MostPixels
+    /// @param region  a line, a circle or a defined centred circle within RoiComputer::MostPixels
     RegionStencil(const StatisticsData& region, int width, int height);
 
     bool fits(const morvend::imglib::MImage& image) const
@@ -53,6 +53,7 @@ public:
     const StencilArea& background() const { return _background; }
 
 private:
+    void _addLine(const StatisticsData& region);
     void _addCircle(const StatisticsData& region);
     void _addRing(const StatisticsData& region);
 

@@ -7,6 +7,7 @@
 #include "imagelib/image/PixelTypes.h"
 
 #include <algorithm>
+#include <type_traits>
 
 namespace morvend::imglib {
 
@@ -19,15 +20,15 @@ template <class T>
 std::uint8_t markOf(T value, bool negatives, bool top)
 {
     unsigned int mark = 0;
-    if constexpr (GapRule<T>::negatives) {
+    if constexpr (GapRule<T>::Negatives) {
         const unsigned int gap = value == T(-1) ? Gap : 0;
         const unsigned int defective = value == T(-2) ? Defective : 0;
         mark = negatives ? gap | defective : 0;
     }
-    if constexpr (GapRule<T>::top) {
-        const unsigned int gap = value == GapRule<T>::largest ? Gap : 0;
+    if constexpr (GapRule<T>::Top) {
+        const unsigned int gap = value == GapRule<T>::Largest ? Gap : 0;
         const unsigned int defective =
-            value >= GapRule<T>::firstTop && value != GapRule<T>::largest ? Defective : 0;
+            value >= GapRule<T>::FirstTop && value != GapRule<T>::Largest ? Defective : 0;
         mark |= top ? gap | defective : 0;
     }
     return static_cast<std::uint8_t>(mark);
@@ -38,8 +39,8 @@ template <class T>
 bool reachesTop(const MImage& image)
 {
     const auto& saturation = image.optionalData().saturation_value();
-    if constexpr (GapRule<T>::top && sizeof(T) <= 2)
-        return saturation && *saturation == static_cast<int>(GapRule<T>::largest);
+    if constexpr (GapRule<T>::Top && sizeof(T) <= 2)
+        return saturation && *saturation == static_cast<int>(GapRule<T>::Largest);
     else
         return false;
 }
@@ -50,6 +51,22 @@ struct Kinds {
     bool top = false;
 };
 
+/// False if no pixel is negative or the largest number: in few operations, as hardly any is.
+template <class T>
+bool mayHoldMarks(const T* pixels, std::size_t size)
+{
+    if constexpr (std::is_integral_v<T> && std::is_signed_v<T>) {
+        using Bits = std::make_unsigned_t<T>;
+        Bits any = 0;
+        for (std::size_t i = 0; i < size; ++i) {
+            const Bits bits = static_cast<Bits>(pixels[i]);
+            any = static_cast<Bits>(any | bits | static_cast<Bits>(bits + 1));
+        }
+        return static_cast<T>(any) < 0;
+    }
+    return true;
+}
+
 template <class T>
 Kinds kindsIn(const T* pixels, std::size_t size)
 {
@@ -57,15 +74,21 @@ Kinds kindsIn(const T* pixels, std::size_t size)
     unsigned int marks = 0;
     unsigned int others = 0;
     unsigned int top = 0;
-    for (std::size_t i = 0; i < size; ++i) {
-        const T value = pixels[i];
-        if constexpr (GapRule<T>::negatives) {
-            const unsigned int mark = (value == T(-1)) | (value == T(-2));
-            marks |= mark;
-            others |= static_cast<unsigned int>(value < T(0)) & ~mark;
+    constexpr std::size_t Block = 256;
+    for (std::size_t begin = 0; begin < size; begin += Block) {
+        const std::size_t count = std::min(Block, size - begin);
+        if (!mayHoldMarks(pixels + begin, count))
+            continue;
+        for (std::size_t i = begin; i < begin + count; ++i) {
+            const T value = pixels[i];
+            if constexpr (GapRule<T>::Negatives) {
+                const unsigned int mark = (value == T(-1)) | (value == T(-2));
+                marks |= mark;
+                others |= static_cast<unsigned int>(value < T(0)) & ~mark;
+            }
+            if constexpr (GapRule<T>::Top)
+                top |= static_cast<unsigned int>(value >= GapRule<T>::FirstTop);
         }
-        if constexpr (GapRule<T>::top)
-            top |= static_cast<unsigned int>(value >= GapRule<T>::firstTop);
     }
     return {marks != 0 && others == 0, top != 0};
 }
@@ -76,7 +99,7 @@ MImage gapMask(const MImage& image)
 {
     return datatypes::dispatchPixelType(image.type(), image.typeBits(), [&]<class T>() {
         MImage mask;
-        if constexpr (GapRule<T>::negatives || GapRule<T>::top) {
+        if constexpr (GapRule<T>::Negatives || GapRule<T>::Top) {
             const T* const pixels = image.pixels<T>();
             Kinds kinds = kindsIn(pixels, image.size());
             kinds.top = kinds.top && !reachesTop<T>(image);

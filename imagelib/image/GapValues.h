@@ -18,13 +18,13 @@ namespace morvend::imglib {
 /// have infinity, as of a division by a flat field of 0. The types bool and char have none.
 template <class T>
 struct GapRule {
-    static constexpr bool plain = std::is_same_v<T, bool> || std::is_same_v<T, char>;
-    static constexpr bool negatives = !plain && std::is_signed_v<T>;
-    static constexpr bool top = !plain && (std::is_unsigned_v<T> || sizeof(T) >= 4);
-    static constexpr T largest = std::numeric_limits<T>::max();
+    static constexpr bool Plain = std::is_same_v<T, bool> || std::is_same_v<T, char>;
+    static constexpr bool Negatives = !Plain && std::is_signed_v<T>;
+    static constexpr bool Top = !Plain && (std::is_unsigned_v<T> || sizeof(T) >= 4);
+    static constexpr T Largest = std::numeric_limits<T>::max();
     /// From here on values are marks.
-    static constexpr T firstTop =
-        std::is_unsigned_v<T> && sizeof(T) >= 4 ? static_cast<T>(largest - 1) : largest;
+    static constexpr T FirstTop =
+        std::is_unsigned_v<T> && sizeof(T) >= 4 ? static_cast<T>(Largest - 1) : Largest;
 };
 
 /// The mask of the marks in an image, of 8 bits: 1 for a gap, 3 (gap and defective) for a defective

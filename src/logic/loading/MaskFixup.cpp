@@ -69,17 +69,17 @@ bool mayHoldMarks(const MImage& image, const ImageStatistics& statistics)
     const auto upTo = [&](double value) { return statistics.histogram.value(value); };
     return morvend::datatypes::dispatchPixelType(image.type(), image.typeBits(), [&]<class T>() {
         using Rule = GapRule<T>;
-        if constexpr (Rule::negatives) {
+        if constexpr (Rule::Negatives) {
             const double negative =
                 std::is_integral_v<T> ? -1.0
                                       : -static_cast<double>(std::numeric_limits<T>::denorm_min());
             if (upTo(negative) != 0)
                 return true;
         }
-        if constexpr (Rule::top && (sizeof(T) == 8 || !std::is_integral_v<T>))
-            return statistics.maximum >= static_cast<double>(Rule::firstTop);
-        else if constexpr (Rule::top)
-            return upTo(Rule::firstTop - 1.0) != upTo(Rule::largest);
+        if constexpr (Rule::Top && (sizeof(T) == 8 || !std::is_integral_v<T>))
+            return statistics.maximum >= static_cast<double>(Rule::FirstTop);
+        else if constexpr (Rule::Top)
+            return upTo(Rule::FirstTop - 1.0) != upTo(Rule::Largest);
         else
             return false;
     });
@@ -89,7 +89,7 @@ bool mayHoldMarks(const MImage& image, const ImageStatistics& statistics)
 
 MImage MaskFixup::operator()(MImage& image)
 {
-    const MImage mask = image.optionalData().pixel_mask().get_value_or(MImage());
+    MImage mask = image.optionalData().pixel_mask().get_value_or(MImage());
     if (!mask.empty() && sameSize(mask, image)) {
         _given = MImage();
         return mask;

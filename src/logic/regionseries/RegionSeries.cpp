@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <mutex>
 #include <set>
 #include <stop_token>
@@ -28,6 +29,9 @@ namespace {
 constexpr int MostLanes = 4;
 /// A lane opens the file for itself, which pays from some images on.
 constexpr int ImagesOfALane = 8;
+/// Small images share a job, as threads that take turns cost more than they do. Jobs of a view wait
+/// no longer for it than for an image.
+constexpr std::chrono::milliseconds JobTime{2};
 
 int lanesFor(int images, int wanted)
 {
@@ -66,9 +70,11 @@ struct RegionSeries::State : std::enable_shared_from_this<State> {
 
     void addLane();
     void post(std::shared_ptr<Lane> lane);
-    /// One image of a lane.
+    /// An image of a lane, or some small ones.
     void step(const std::shared_ptr<Lane>& lane);
     bool openFor(Lane& lane);
+    /// @returns false after the last
+    bool computeNext(Lane& lane);
     /// The next image that nobody has taken, -1 after the last.
     int takeNumber(const MImageSeries& series);
     SeriesPoint compute(Lane& lane, int number);
@@ -118,17 +124,30 @@ void RegionSeries::State::step(const std::shared_ptr<Lane>& lane)
     if (stopped)
         return;
     try {
-        const int number = openFor(*lane) ? takeNumber(lane->series) : -1;
-        if (number < 0)
+        const auto end = std::chrono::steady_clock::now() + JobTime;
+        bool more = openFor(*lane);
+        do
+            more = more && computeNext(*lane);
+        while (more && !stopped && std::chrono::steady_clock::now() < end);
+        if (!more)
             return endLane();
-        deliver(compute(*lane, number));
     } catch (const MTerminateException&) {
         return;  // nobody waits
     } catch (const std::exception& error) {
         giveUp(error.what());
         return endLane();
     }
+    announce();
     post(lane);
+}
+
+bool RegionSeries::State::computeNext(Lane& lane)
+{
+    const int number = takeNumber(lane.series);
+    if (number < 0)
+        return false;
+    deliver(compute(lane, number));
+    return true;
 }
 
 bool RegionSeries::State::openFor(Lane& lane)
@@ -210,15 +229,12 @@ void RegionSeries::State::fail(int number, const std::exception& error)
 
 void RegionSeries::State::deliver(const SeriesPoint& point)
 {
-    {
-        const std::lock_guard lock(mutex);
-        inWork.erase(point.number);
-        news.points.push_back(point);
-        ++news.done;
-        if (point.state != SeriesPoint::State::Failed)
-            timeouts = 0;
-    }
-    announce();
+    const std::lock_guard lock(mutex);
+    inWork.erase(point.number);
+    news.points.push_back(point);
+    ++news.done;
+    if (point.state != SeriesPoint::State::Failed)
+        timeouts = 0;
 }
 
 void RegionSeries::State::giveUp(const std::string& error)
@@ -232,9 +248,7 @@ void RegionSeries::State::endLane()
 {
     {
         const std::lock_guard lock(mutex);
-        if (--lanes > 0)
-            return;
-        news.finished = true;
+        news.finished = --lanes == 0;
     }
     announce();
 }

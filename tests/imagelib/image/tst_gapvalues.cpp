@@ -52,6 +52,11 @@ TEST(GapMask, MarksValuesThatAreNoCounts)
     EXPECT_EQ(marksOf<float>({-5, Max<float>, 1e38F, HUGE_VALF}), "0103");
     EXPECT_EQ(marksOf<char>({-1, 127}), "");
     EXPECT_EQ(marksOf<int>({0, 1, 2}), "");
+    std::vector<int> many(1000, 7);
+    many[600] = -1;
+    EXPECT_EQ(marksOf(many), std::string(600, '0') + '1' + std::string(399, '0'));
+    many[999] = -3;
+    EXPECT_EQ(marksOf(many), "") << "a negative count far from the mark";
 }
 
 TEST(GapMask, CountsThatReachTheTopOfANarrowTypeAreCounts)

@@ -14,10 +14,9 @@
 class RegionStencil;
 
 /// What RoiComputer finds, but for curves, reflections, length, deviation, centroid and smallest
-/// value. Which part of which pixel belongs to a line, a circle or a ring is worked out once for all images of a
-/// size; their sums differ from those of RoiComputer by rounding alone, and depend neither on the
-/// processor nor on the images before.
-/// Thread: any, several at a time.
+/// value. Which part of which pixel belongs to a line, a circle or a ring is worked out once for
+/// all images of a size; their sums differ from those of RoiComputer by rounding alone, and depend
+/// neither on the processor nor on the images before. Thread: any, several at a time.
 class RegionNumbers {
 public:
     explicit RegionNumbers(const StatisticsData& region);

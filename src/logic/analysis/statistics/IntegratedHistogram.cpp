@@ -115,9 +115,9 @@ IntegratedHistogram::Ranks ranksOfIntensities(const IntergrateHistogramPrivate& 
             return static_cast<T>(value - 1);
     };
     const auto upTo = [&](T value) { return countPixels(histogram, value); };
-    if constexpr (Rule::top)
-        ranks.end = upTo(before(Rule::firstTop));
-    if constexpr (Rule::negatives) {
+    if constexpr (Rule::Top)
+        ranks.end = upTo(before(Rule::FirstTop));
+    if constexpr (Rule::Negatives) {
         const auto equal = [&](T value) { return upTo(value) - upTo(before(value)); };
         const unsigned int negative = upTo(before(T(0)));
         if (negative == equal(T(-1)) + equal(T(-2)))

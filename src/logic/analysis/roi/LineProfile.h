@@ -59,7 +59,7 @@ std::vector<LineSample> readOblique(const PixelReader<L, R>& reader,
 std::vector<LinePixel> straightPixels(int beginX, int beginY, int endX, int endY);
 /// True for a vertical or horizontal line.
 bool straight(const StatisticsData& line);
-/// The pixels under a line, from its begin to its end, also those outside the image. Those of a
+/// The pixels under a line, from its start to its end, also those outside the image. Those of a
 /// straight line have length 1, also at both ends.
 std::vector<LinePixel> pixelsUnder(const StatisticsData& line);
 

@@ -17,8 +17,10 @@ import sys
 import markdown
 
 # In the order of the contents; the first one is index.html.
-PAGES = ["user/views.md", "user/python.md", "display.md", "user/tarvik-image.md", "formats/series.md", "formats/header-keys.md",
-         "formats/cbf.md", "formats/tiff.md", "formats/edf.md", "formats/hdf5.md"]
+PAGES = ["user/index.md", "user/series.md", "user/contrast.md", "user/measure.md", "user/header.md", "user/pictures.md",
+         "user/python.md", "user/trouble.md", "user/views.md", "user/programs.md", "user/tarvik-image.md", "display.md",
+         "formats/series.md", "formats/header-keys.md", "formats/cbf.md", "formats/tiff.md", "formats/edf.md",
+         "formats/hdf5.md"]
 
 STYLE = """
 body { margin: 0; display: flex; font: 16px/1.5 sans-serif; background: #fff; color: #222; }

@@ -4,9 +4,8 @@
 #
 # make-screenshots.sh [BUILD [OUT]]: pictures of the viewer at work, on generated data and a virtual
 # screen, into OUT (screenshots/ in the build folder). BUILD is the build folder (build/ci).
-# docs/images holds some of them, made smaller: convert X.png -resize 900x600 +dither -colors 40 X.png
-# (from-python.png to 600x400; TARVIK_PYTHON is the Python with NumPy)
-# and of the panel its column: convert view-panel.png -crop 346x704+832+60 +repage +dither -colors 100 view-panel.png
+# Those of the guide are also made as small as it shows them, in OUT/guide, to be copied to docs/images.
+# TARVIK_PYTHON is the Python with NumPy.
 # Needs xvfb, xdotool, ImageMagick and NumPy, of which packaging/debian-packages.txt has all.
 set -euo pipefail
 here=$(cd "$(dirname "$0")/.." && pwd)
@@ -60,6 +59,22 @@ take() {
     import -window root -strip -define png:compression-level=9 "$out/$1.png"
     echo "$out/$1.png"
 }
+# for_guide NAME [CONVERT-ARGUMENT...]: the picture of that name as the guide shows it.
+for_guide() {
+    local name=$1
+    shift
+    [ $# -gt 0 ] || set -- -resize 900x600 +dither -colors 40
+    mkdir -p "$out/guide"
+    convert "$out/$name.png" "$@" -strip -define png:compression-level=9 "$out/guide/$name.png"
+}
+# drag BUTTON X Y X Y
+drag() {
+    xdotool mousemove "$2" "$3" mousedown "$1" mousemove "$((($2 + $4) / 2))" "$((($3 + $5) / 2))" \
+        mousemove "$4" "$5"
+    sleep 0.3
+    xdotool mouseup "$1"
+    sleep 0.3
+}
 click() { xdotool mousemove "$1" "$2" click 1; sleep 0.3; }
 key() { xdotool key "$@"; sleep 0.3; }
 
@@ -89,9 +104,52 @@ stop
 XDG_CONFIG_HOME=$work/fresh start "${frames[0]}"
 click 1143 46  # Tools
 take view-panel
+for_guide view-panel -crop 346x704+832+60 +repage +dither -colors 100
 # The arrow beside the choice of a contrast.
 click 1057 555
 take contrast-ranges
+stop
+
+# All panels folded but the ones for a measurement.
+XDG_CONFIG_HOME=$work/measure start "${frames[0]}"
+click 1143 46  # Tools
+take window
+for_guide window
+click 900 75   # View, to fold it
+click 900 105  # Statistics
+click 920 135  # Region of Interest
+click 849 197  # Circle Plot
+xdotool mousemove 477 457 click --repeat 3 4
+settle
+drag 3 477 457 525 457
+xdotool mousemove 250 250
+take measure-spot
+for_guide measure-spot
+key ctrl+0
+xdotool mousemove 1000 130 click --repeat 20 4
+click 1015 197  # Powder Plot
+drag 3 416 256 416 240
+xdotool mousemove 250 140
+take measure-ring
+for_guide measure-ring
+xdotool keydown ctrl
+drag 3 420 422 420 252
+xdotool keyup ctrl
+xdotool mousemove 1000 130 click --repeat 20 4
+sleep 0.3
+click 900 105  # Statistics, to fold it
+click 900 135  # Info
+click 900 187  # Image Info
+xdotool mousemove 1000 600 click --repeat 15 5
+sleep 0.5
+# Empties the angles, which are to stay as they are.
+xdotool mousemove 982 421 click --repeat 2 1 key BackSpace
+sleep 0.3
+xdotool mousemove 1025 444 click --repeat 2 1 key BackSpace
+sleep 0.3
+click 1115 665 # Write To All
+take header-preview
+for_guide header-preview
 stop
 
 start "${frames[0]}"
@@ -101,10 +159,12 @@ take export-name
 xdotool type "$work/picture.png"
 key Return
 take export-dialog
+for_guide export-dialog
 stop
 
 start "${frames[@]:0:3}" "${frames[4]}"
 take four-frames
+for_guide four-frames
 stop
 
 echo "no image" >"$work/broken.cbf"
@@ -124,6 +184,10 @@ start "${frames[2]}"
 click 600 500
 key n  # the keyboard mode is still on
 take strip-with-a-missing-image
+convert "$out/strip-with-a-missing-image.png" -crop 1192x90+4+92 +repage "$work/above.ppm"
+convert "$out/strip-with-a-missing-image.png" -crop 1192x36+4+764 +repage "$work/below.ppm"
+convert "$work/above.ppm" "$work/below.ppm" -append "$out/strip.png"
+for_guide strip -resize 900x +dither -colors 40
 stop
 
 # The lines of README.md, with the image of a file as array.
@@ -150,6 +214,7 @@ for _ in $(seq 300); do
     sleep 0.1
 done
 take from-python
+for_guide from-python -resize 600x400 +dither -colors 40
 stop
 
 QT_SCALE_FACTOR=2 start "${frames[0]}"

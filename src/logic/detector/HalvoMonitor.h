@@ -8,21 +8,27 @@
 
 #include <QObject>
 #include <QString>
+#include <QThread>
 
 #include <string>
 
-/// Hands a view a detector's latest picture, at a pace that the view can follow: the next
-/// one comes when newImageSlot() has reported that the one before is shown.
+/// Hands a view a detector's latest picture, at a pace that the view can follow: the next one comes
+/// when newImageSlot() has reported that the one before is shown.
 ///
-/// It cannot reach a detector yet: start() reports this by errorSignal() and on standard error, and
-/// no picture comes. Thread: GUI only.
+/// The first start() makes a thread for it, which sleeps while the monitor is stopped and ends with
+/// this object; most views never have one. The unit is asked until it answers, however often it
+/// fails. Thread: GUI only; no call waits for the unit.
 class HalvoMonitor : public QObject {
     Q_OBJECT
 public:
     explicit HalvoMonitor(QObject* parent = nullptr);
+    ~HalvoMonitor() override;
 
+    /// Starts, or starts again with another address.
+    /// @param host      name or address, or a URL with one
     /// @param minPause  least number of seconds between two pictures
     void start(const std::string& host, int port, double minPause);
+    /// No picture comes any more, not even one that is on its way.
     void stop();
     bool running() const { return _running; }
 
@@ -35,7 +41,7 @@ public:
     static void setDefaultMinPause(double seconds);
 
 public slots:
-    /// The view has shown an image: the next picture may come.
+    /// The view has shown an image, or failed to: the next picture may come.
     void newImageSlot();
 
 signals:
@@ -44,5 +50,13 @@ signals:
     void errorSignal(QString message);
 
 private:
+    class Worker;
+
+    void _makeWorker();
+    void _take(const morvend::imglib::MImage& picture, unsigned int start);
+
     bool _running = false;
+    unsigned int _starts = 0;
+    QThread _thread;
+    Worker* _worker = nullptr;  // null before the first start; goes with its thread
 };

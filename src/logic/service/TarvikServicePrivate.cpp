@@ -43,6 +43,8 @@ TarvikService::TarvikServicePrivate::TarvikServicePrivate(TarvikService& service
     const auto open = qOverload<MImage>(&S::openImage);
     connect(&modes.monitor(), &HalvoMonitor::newImage, &service, open);
     connect(&service, &S::newImageSignal, &modes.monitor(), &HalvoMonitor::newImageSlot);
+    connect(&service, &S::imageLoadErrorSignal, &modes.monitor(), &HalvoMonitor::newImageSlot);
+    connect(&modes.monitor(), &HalvoMonitor::errorSignal, &service, &S::noticeSignal);
     connect(halvoClient.get(), &HalvoClient::monitorSignal, &service, open);
 }
 

@@ -58,11 +58,13 @@ TEST_F(Switches, WithoutImageOnlyTheMonitorBegins)
         fire(step);
     EXPECT_THAT(view.take(), IsEmpty());
     EXPECT_EQ(mode(), "");
-    testing::internal::CaptureStderr();
+    modes.setHalvoMonitorHost("127.0.0.1", 1, 0);
+    view.take();
+    QSignalSpy errors(&modes.monitor(), &HalvoMonitor::errorSignal);
     fire("monitor on");
-    EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("detector: 0.0.0.0:80"))
-        << "there is no detector, and that is said";
     EXPECT_EQ(mode(), "monitor");
+    ASSERT_TRUE(waitFor([&] { return !errors.empty(); }));
+    EXPECT_THAT(errors[0][0].toString().toStdString(), HasSubstr("127.0.0.1:1"));
     fire("monitor on");
     fire("monitor off");
     EXPECT_THAT(view.take(), ElementsAre("monitor on", "monitor off"));
@@ -123,11 +125,11 @@ TEST_F(Switches, AddressOfTheMonitorIsKeptAndSharedWithTheDetector)
 
     modes.setHalvoMonitor(true);
     view.take();
-    testing::internal::CaptureStderr();
-    modes.setHalvoMonitorHost("other", 8080, 0.5);
-    EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("other:8080"))
-        << "a running monitor changes over";
+    QSignalSpy errors(&modes.monitor(), &HalvoMonitor::errorSignal);
+    modes.setHalvoMonitorHost("127.0.0.1", 1, 0.5);
     EXPECT_THAT(view.take(), ElementsAre("watch off", "movie off", "address"));
+    ASSERT_TRUE(waitFor([&] { return !errors.empty(); })) << "a running monitor changes over";
+    EXPECT_THAT(errors[0][0].toString().toStdString(), HasSubstr("127.0.0.1:1"));
     QSettings().setValue("HalvoPort", "no number");
     EXPECT_EQ(HalvoService::defaultPort(), 0) << "a value of a wrong type";
 }

@@ -119,6 +119,7 @@ void DataFile::append(std::span<const std::byte> pixels)
         packed = pack(pixels, _compression, _layout.bits / 8);
         pixels = packed;
     }
+    _file.reserve(pixels.size());
     const auto setFrames = [this](std::size_t frames) {
         const hsize_t extent[] = {frames, static_cast<hsize_t>(_layout.height),
                                   static_cast<hsize_t>(_layout.width)};

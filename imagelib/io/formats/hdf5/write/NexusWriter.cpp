@@ -72,7 +72,7 @@ std::string sizeText(const FrameLayout& layout)
 
 }  // namespace
 
-NexusWriter::NexusWriter(const std::string& path, nexus::MBasicNeXusTree tree,
+NexusWriter::NexusWriter(const std::string& path, const nexus::MBasicNeXusTree& tree,
                          const Options& options)
     : _master(std::make_unique<PendingFile>(path, options.replaces))
     , _tree(withoutImages(tree))
@@ -85,7 +85,7 @@ NexusWriter::~NexusWriter()
 {
     try {
         flush();
-    } catch (const MException&) {
+    } catch (...) {
         // A destructor can't report; the files stay as the last flush left them.
     }
 }

@@ -36,7 +36,8 @@ public:
     };
 
     /// @throws MNoFileAccessException when the file can't be created
-    NexusWriter(const std::string& path, nexus::MBasicNeXusTree tree, const Options& options);
+    NexusWriter(const std::string& path, const nexus::MBasicNeXusTree& tree,
+                const Options& options);
     /// Publishes what was written. Errors are not reported here: call flush() first to learn of
     /// them.
     ~NexusWriter();

@@ -58,6 +58,21 @@ PendingFile::~PendingFile()
         ::unlink(_temporary.c_str());
 }
 
+void PendingFile::reserve(std::size_t bytes)
+{
+    constexpr off_t Index = 1 << 16;  // that grows with the data
+    void* handle = nullptr;
+    hsize_t size = 0;
+    if (H5Fget_vfd_handle(id(), H5P_DEFAULT, &handle) < 0 || H5Fget_filesize(id(), &size) < 0)
+        return;
+    const int file = *static_cast<int*>(handle);
+    if (::fallocate(file, 0, static_cast<off_t>(size), static_cast<off_t>(bytes) + Index) == 0)
+        return;
+    if (errno == ENOSPC || errno == EDQUOT || errno == EFBIG)
+        throw MRuntimeException("HDF5: cannot write file (" +
+                                std::generic_category().message(errno) + "): " + _path);
+}
+
 void PendingFile::flush() { check(H5Fflush(id(), H5F_SCOPE_LOCAL), "cannot write file", _path); }
 
 void PendingFile::publish()

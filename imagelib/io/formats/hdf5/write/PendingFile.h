@@ -6,6 +6,7 @@
 
 #include "imagelib/io/formats/hdf5/library/Hdf5Handles.h"
 
+#include <cstddef>
 #include <string>
 
 namespace morvend::imglib::hdf5 {
@@ -23,6 +24,9 @@ public:
 
     hid_t id() const { return _file.id(); }
     const std::string& path() const { return _path; }
+    /// Makes sure of room for so many bytes more, where the file system can: a write that fails for
+    /// lack of it would leave a file that no library opens. @throws MRuntimeException without room
+    void reserve(std::size_t bytes);
     /// Writes all that the library still holds. @throws MRuntimeException
     void flush();
     /// Flushes and, the first time, renames to the final name. @throws MRuntimeException, also when

@@ -142,6 +142,8 @@ void HalvoAsync::startSeries(const AsyncTicket& ticket, const HalvoState& state,
         Detector detector(ticket.host, ticket.port);
         _runSeries(detector, ticket, state, fileName);
         _threads->abortOnTimeout();
+        // Without an answer after an abort the detector would go on to count as acquiring.
+        _flags.abort = _flags.ending.load();
         emit stateSignal(true, _queryState(detector));
     } else {
         emit finishedSeries(false, QStringLiteral("Series Aborted"));

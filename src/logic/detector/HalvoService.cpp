@@ -2,14 +2,48 @@
 // SPDX-License-Identifier: MIT
 #include "logic/detector/HalvoService.h"
 
+#include "logic/detector/HalvoAsync.h"
 #include "logic/detector/HalvoClient.h"
 #include "logic/detector/HalvoMonitor.h"
+#include "logic/detector/NextFileName.h"
+#include "logic/support/Assert.h"
+#include "logic/support/Console.h"
 
+#include <QFile>
+#include <QThread>
 #include <QUrl>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace {
+
+constexpr int PollMs = 10000;
+constexpr int ProgressMs = 200;
+
+}  // namespace
+
+/// A worker with its thread.
+struct HalvoService::Worker {
+    explicit Worker(HalvoAsync* made)
+        : async(made)
+    {
+        async->moveToThread(&thread);
+        connect(&thread, &QThread::finished, async, &QObject::deleteLater);
+    }
+    QThread thread;
+    HalvoAsync* const async;  // deleted by the end of its thread
+};
 
 HalvoService::HalvoService(QObject* parent, const QString& machineSettings)
     : QObject(parent)
     , _machineSettings(machineSettings)
+    , _meter(std::make_shared<SeriesMeter>())
+    , _relay(_meter)
+    , _requests(std::make_unique<Worker>(new HalvoAsync(_meter, &_relay)))
+    , _polls(std::make_unique<Worker>(new HalvoAsync))
+    , _aborts(std::make_unique<Worker>(new HalvoAsync))
 {
     qRegisterMetaType<MImage>("morvend::imglib::MImage");
     qRegisterMetaType<ImageData>("morvend::imglib::MImage::ImageData");
@@ -24,9 +58,51 @@ HalvoService::HalvoService(QObject* parent, const QString& machineSettings)
     if (defaultPort() != 80)
         _host += QStringLiteral(":$1");
     setHost(_host);
+    setFileNamePattern(QStringLiteral("/tmp/test_tarvik"));
+    connect(&_monitorTimer, &QTimer::timeout, this, &HalvoService::_emitMonitor);
+    connect(&_poll, &QTimer::timeout, this, &HalvoService::_pollDetector);
+    connect(&_progressTimer, &QTimer::timeout, this, &HalvoService::_emitProgress);
+    connect(&_relay, &FrameRelay::newSeries, this, &HalvoService::_newSeriesSlot);
+    connect(&_relay, &FrameRelay::newFrame, this, &HalvoService::_newFrameSlot);
+
+    HalvoAsync* const requests = _requests->async;
+    _connectParameters(*requests);
+    connect(this, &HalvoService::initDetector, requests, &HalvoAsync::initDetector);
+    connect(this, &HalvoService::startSeries, requests, &HalvoAsync::startSeries);
+    connect(requests, &HalvoAsync::startFileWriter, this,
+            [this] { _progressTimer.start(ProgressMs); });
+    connect(requests, &HalvoAsync::seriesFinished, this, &HalvoService::_emitProgress);
+    connect(this, &HalvoService::stateSignal, _polls->async, &HalvoAsync::state);
+    connect(this, &HalvoService::abortSeries, _aborts->async, &HalvoAsync::abortSeries);
+    for (const auto* worker : {&_requests, &_polls, &_aborts}) {
+        _connectAnswers(*(*worker)->async);
+        (*worker)->thread.start();
+    }
 }
 
-HalvoService::~HalvoService() = default;
+HalvoService::~HalvoService()
+{
+    const auto workers = {&_requests, &_polls, &_aborts};
+    for (const auto* worker : workers)
+        (*worker)->async->end();
+    for (const auto* worker : workers)
+        (*worker)->thread.quit();
+    for (const auto* worker : workers)
+        (*worker)->thread.wait();
+}
+
+void HalvoService::_connectAnswers(const HalvoAsync& worker)
+{
+    using S = HalvoService;
+    using A = HalvoAsync;
+    connect(&worker, &A::error, this, &S::error);
+    connect(&worker, &A::finished, this, &S::_finishedSlot);
+    connect(&worker, &A::stateSignal, this, &S::_stateSlot);
+    connect(&worker, &A::configSignal, this, &S::_configSlot);
+    connect(&worker, &A::finishedInitialize, this, &S::_finishedInitSlot);
+    connect(&worker, &A::finishedSeries, this, &S::_finishedSeriesSlot);
+    connect(&worker, &A::finishedAbort, this, &S::finishedAbort);
+}
 
 QString HalvoService::defaultHost() { return HalvoMonitor::defaultHost(); }
 int HalvoService::defaultPort() { return HalvoMonitor::defaultPort(); }
@@ -38,6 +114,10 @@ bool HalvoService::setHost(const QString& text)
     const QUrl url = QUrl::fromUserInput(text);
     if (!url.isValid()) {
         emit error(url.errorString());
+        return false;
+    }
+    if (url.host().isEmpty()) {
+        emit error(QStringLiteral("There is no host in \"%1\"").arg(text));
         return false;
     }
     _host = text;
@@ -55,8 +135,68 @@ bool HalvoService::setHost(const QString& text)
 
 void HalvoService::setConnected(bool connect)
 {
-    if (connect)
-        emit error(QStringLiteral("This version cannot connect to a detector: %1").arg(_host));
+    _requests->async->abort(_lastTicket);
+    // An answer about the detector of before must not end the connection to the next one.
+    _polls->async->abort(_lastTicket);
+    _startPending = false;
+    _initialising = connect;
+    if (connect) {
+        const AsyncTicket ticket = _genTicket();
+        _initTickets.insert(ticket.id);
+        emit initDetector(ticket);
+    } else {
+        _poll.stop();
+    }
+    _state.state.reset();
+    emit stateChanged(true);
+}
+
+void HalvoService::_finishedInitSlot(bool success, const QString& error)
+{
+    // Another connection has been requested since.
+    if (_initTickets.size() > 1)
+        return;
+    const bool wanted = std::exchange(_initialising, false);
+    if (success && !wanted) {
+        emit finishedInitialize(false, QStringLiteral("Aborted"));
+        return;
+    }
+    if (success)
+        _poll.start(PollMs);
+    emit finishedInitialize(success, error);
+}
+
+void HalvoService::_pollDetector() { emit stateSignal(_genTicket()); }
+
+void HalvoService::_stateSlot(bool success, const HalvoState& received)
+{
+    using Status = HalvoState::Status;
+    received.override(_state);
+    if (_initialising)
+        _state.state = Status::Initializing;
+    else if (_seriesRunning)
+        _state.state = Status::Acquiring;
+    if (_state.state == Status::NotAvailable || _state.state == Status::Error) {
+        if (connected())
+            emit error(QStringLiteral("Lost connection to detector"));
+        _disconnect();
+    }
+    emit stateChanged(success);
+}
+
+void HalvoService::_disconnect()
+{
+    _requests->async->abort(_lastTicket);
+    _startPending = false;
+    _poll.stop();
+    _state.state.reset();
+    emit stateChanged(true);
+}
+
+void HalvoService::_configSlot(bool success, const HalvoState& received)
+{
+    received.override(_state);
+    emit configChanged(success);
 }
 
 bool HalvoService::permission() const
@@ -81,17 +221,64 @@ void HalvoService::setUserPermission(bool permitted)
 
 void HalvoService::startDetector(HalvoClient* client)
 {
-    if (connected())
-        _client = client;
+    if (!connected())
+        return;
+    // The pictures of a series that still runs are not his.
+    _pendingClient = client;
+    setFileNamePattern(_fileNamePattern);
+    if (_tickets.empty())
+        _runSeries();
+    else
+        _startPending = true;
 }
 
-void HalvoService::abortDetector() {}
+void HalvoService::_runSeries()
+{
+    if (!_state.nImages) {
+        emit finishedSeries(false, QStringLiteral("The detector's number of images is not known"));
+        return;
+    }
+    _client = _pendingClient;
+    _seriesRunning = true;
+    const AsyncTicket ticket = _genTicket();
+    _seriesTicket = ticket.id;
+    emit startSeries(ticket, _state, _fileName);
+    console::print("DEBUG NIMAGES: " + std::to_string(_state.nImages->value) + '\n');
+    _state.state.reset();
+    emit stateChanged(true);
+}
+
+void HalvoService::abortDetector()
+{
+    if (!connected())
+        return;
+    // What was requested after the series is still done.
+    _requests->async->abort(_seriesTicket);
+    const bool waited = std::exchange(_startPending, false);
+    emit abortSeries(_genTicket());
+    _state.state.reset();
+    emit stateChanged(true);
+    if (waited && !_seriesRunning)
+        emit finishedSeries(false, QStringLiteral("Series Aborted"));
+}
+
+void HalvoService::_finishedSeriesSlot(bool success, const QString& error)
+{
+    _seriesRunning = false;
+    emit finishedSeries(success, error);
+}
 
 const HalvoClient* HalvoService::seriesClient() const { return _client.data(); }
 
 void HalvoService::setFileNamePattern(const QString& pattern)
 {
+    const NextFileName next = nextFileName(QFile::encodeName(pattern).toStdString());
+    if (!next.error.empty()) {
+        emit error(QFile::decodeName(QByteArray::fromStdString(next.error)));
+        return;
+    }
     _fileNamePattern = pattern;
+    _fileName = QFile::decodeName(QByteArray::fromStdString(next.name));
     emit fileNameChanged();
 }
 
@@ -114,100 +301,44 @@ AsyncTicket HalvoService::_genTicket()
     return ticket;
 }
 
-template <class Field>
-Field HalvoService::_read(const Field& field, bool request,
-                          void (HalvoService::*signal)(AsyncTicket))
+void HalvoService::_finishedSlot(std::uint32_t ticketId)
 {
-    if (!connected())
-        return {};
-    if (request && !field)
-        emit(this->*signal)(_genTicket());
-    return field;
+    assert(_tickets.count(ticketId) > 0);
+    _tickets.erase(ticketId);
+    _initTickets.erase(ticketId);
+    console::print("Number of open HALVO requests: " + std::to_string(_tickets.size()) + '\n');
+    emit finished();
+    if (_tickets.empty() && std::exchange(_startPending, false))
+        startDetector(_pendingClient.data());
 }
 
-std::optional<HalvoState::Status> HalvoService::state(bool request)
+void HalvoService::_newSeriesSlot(const OptionalData& header, int) { _header = header; }
+
+void HalvoService::_newFrameSlot(const ImageData& frame, int seriesId, int frameId)
 {
-    return _read(_state.state, request, &HalvoService::stateSignal);
-}
-std::optional<QString> HalvoService::detectorDescription(bool request)
-{
-    return _read(_state.detectorDescription, request, &HalvoService::stateSignal);
-}
-std::optional<QString> HalvoService::detectorNumber(bool request)
-{
-    return _read(_state.detectorNumber, request, &HalvoService::stateSignal);
-}
-std::optional<HalvoState::Limited<int>> HalvoService::nImages(bool request)
-{
-    return _read(_state.nImages, request, &HalvoService::nImagesSignal);
-}
-std::optional<HalvoState::Limited<double>> HalvoService::frameTime(bool request)
-{
-    return _read(_state.frameTime, request, &HalvoService::frameTimeSignal);
-}
-std::optional<HalvoState::Limited<double>> HalvoService::countTime(bool request)
-{
-    return _read(_state.countTime, request, &HalvoService::countTimeSignal);
-}
-std::optional<HalvoState::Limited<double>> HalvoService::photonEnergy(bool request)
-{
-    return _read(_state.photonEnergy, request, &HalvoService::photonEnergySignal);
-}
-std::optional<HalvoState::Limited<double>> HalvoService::thresholdEnergy(bool request)
-{
-    return _read(_state.thresholdEnergy, request, &HalvoService::thresholdEnergySignal);
-}
-std::optional<HalvoState::Choice> HalvoService::triggerMode(bool request)
-{
-    return _read(_state.triggerMode, request, &HalvoService::triggerModeSignal);
-}
-std::optional<bool> HalvoService::flatfieldCorrectionApplied(bool request)
-{
-    return _read(_state.flatfieldCorrectionApplied, request,
-                 &HalvoService::flatFieldCorrectionAppliedSignal);
-}
-std::optional<bool> HalvoService::pixelMaskApplied(bool request)
-{
-    return _read(_state.pixelMaskApplied, request, &HalvoService::pixelMaskAppliedSignal);
+    emit newFrame(frame, seriesId, frameId);
+    if (_monitorTimer.isActive()) {
+        _frame = frame;
+        _header.set_description("Series: " + std::to_string(seriesId) +
+                                "   Image: " + std::to_string(frameId));
+        return;
+    }
+    const double pause = std::ceil(_monitorMinPause * 1000);
+    _monitorTimer.start(pause > 0 ? static_cast<int>(std::min(pause, 1e9)) : 0);
+    emit monitorSignal(_client.data(), withHeader(frame, _header));
 }
 
-template <class Parameter, class Value>
-void HalvoService::_write(void (HalvoService::*signal)(Parameter, AsyncTicket), const Value& value)
+void HalvoService::_emitMonitor()
 {
-    if (connected())
-        emit(this->*signal)(value, _genTicket());
+    if (const auto frame = std::exchange(_frame, std::nullopt))
+        emit monitorSignal(_client.data(), withHeader(*frame, _header));
 }
 
-void HalvoService::setNImages(int images) { _write(&HalvoService::setNImagesSignal, images); }
-void HalvoService::setFrameTime(double seconds)
+void HalvoService::_emitProgress()
 {
-    _write(&HalvoService::setFrameTimeSignal, seconds);
-}
-void HalvoService::setCountTime(double seconds)
-{
-    _write(&HalvoService::setCountTimeSignal, seconds);
-}
-void HalvoService::setPhotonEnergy(double electronVolts)
-{
-    _write(&HalvoService::setPhotonEnergySignal, electronVolts);
-}
-void HalvoService::setThresholdEnergy(double electronVolts)
-{
-    _write(&HalvoService::setThresholdEnergySignal, electronVolts);
-}
-void HalvoService::setElement(const QString& symbol)
-{
-    _write(&HalvoService::setElementSignal, symbol);
-}
-void HalvoService::setTriggerMode(const QString& mode)
-{
-    _write(&HalvoService::setTriggerModeSignal, mode);
-}
-void HalvoService::setFlatfieldCorrectionApplied(bool applied)
-{
-    _write(&HalvoService::setFlatfieldCorrectionAppliedSignal, applied);
-}
-void HalvoService::setPixelMaskApplied(bool applied)
-{
-    _write(&HalvoService::setPixelMaskAppliedSignal, applied);
+    const SeriesProgress progress = _meter->progress();
+    if (!_seriesRunning && !progress.fileOpen)
+        _progressTimer.stop();
+    if (progress != std::exchange(_progress, progress))
+        emit progressSignal(progress);
 }

@@ -5,8 +5,10 @@
 #pragma once
 
 #include "logic/detector/AsyncTicket.h"
+#include "logic/detector/FrameRelay.h"
 #include "logic/detector/FrameTypes.h"
 #include "logic/detector/HalvoState.h"
+#include "logic/detector/SeriesMeter.h"
 #include "logic/detector/SeriesProgress.h"
 #include "logic/support/GlobalSettings.h"
 
@@ -16,17 +18,26 @@
 #include <QTimer>
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <set>
+#include <string>
 
+class HalvoAsync;
 class HalvoClient;
 
 /// The one place of the process that stands for a detector: what is known of it, the requests that
 /// are open, the file name of the next series, and the right to drive it. Each view talks to it
 /// through a HalvoClient.
 ///
-/// It cannot reach a detector yet: setConnected(true) reports this by error(), and connected()
-/// stays false. Thread: GUI only.
+/// It never talks to the detector itself: requests cross to three workers (HalvoAsync) by queued
+/// signals, one for polls and one for aborts beside that of all others, so that neither waits for a
+/// slow request. Answers are merged into what is known. Destruction ends all requests, even one
+/// that waits for a detector, within a fraction of a second; only a series gives the detector up to
+/// a second more to switch its own file writer back on.
+/// Thread: GUI only, which never waits for the network. Files are looked at by setFileNamePattern()
+/// and startDetector() on another thread, for which they wait two seconds at most; a folder that
+/// did not answer is refused at once until it does.
 class HalvoService : public QObject {
     Q_OBJECT
 public:
@@ -45,7 +56,8 @@ public:
     /// As the user gave it.
     QString host() const { return _host; }
     /// Requests a connection, which initialises a detector in need of it; finishedInitialize()
-    /// reports the end. Or ends the connection.
+    /// reports the end, that of the last request if there are several. Or ends the connection.
+    /// Open requests are dropped.
     void setConnected(bool connect);
     bool connected() const { return _poll.isActive(); }
     /// The address that was used last, from the user's settings; "0.0.0.0" and 80 at first. The
@@ -66,6 +78,7 @@ public:
     /// Starts a series for a client as soon as no request is open; finishedSeries() reports the end
     /// of the exposure. The newest pictures go to the client by monitorSignal().
     void startDetector(HalvoClient* client);
+    /// Ends a series at any stage, also one that still waits for its start.
     void abortDetector();
     /// Who started the last series; null before, and when it has gone.
     const HalvoClient* seriesClient() const;
@@ -157,6 +170,22 @@ private:
     template <class Parameter, class Value>
     void _write(void (HalvoService::*signal)(Parameter, AsyncTicket), const Value& value);
     AsyncTicket _genTicket();
+    struct Worker;
+    void _connectParameters(HalvoAsync& requests);
+    void _connectAnswers(const HalvoAsync& worker);
+    void _disconnect();
+    void _runSeries();
+    void _emitProgress();
+
+    void _stateSlot(bool success, const HalvoState& received);
+    void _configSlot(bool success, const HalvoState& received);
+    void _finishedSeriesSlot(bool success, const QString& error);
+    void _finishedInitSlot(bool success, const QString& error);
+    void _finishedSlot(std::uint32_t ticketId);
+    void _newFrameSlot(const ImageData& frame, int seriesId, int frameId);
+    void _newSeriesSlot(const OptionalData& header, int seriesId);
+    void _pollDetector();
+    void _emitMonitor();
 
     const QString _machineSettings;
     QPointer<HalvoClient> _client;
@@ -165,9 +194,23 @@ private:
     int _port = 80;
     Mode _mode = Mode::Automatic;
     double _monitorMinPause = 0.2;
+    QTimer _monitorTimer;             // runs from the first frame on
+    std::optional<ImageData> _frame;  // the newest one, until the timer's next tick
+    OptionalData _header;
     QString _fileNamePattern, _fileName;
+    bool _seriesRunning = false;
+    bool _initialising = false;
+    const std::shared_ptr<SeriesMeter> _meter;
+    FrameRelay _relay;
+    const std::unique_ptr<Worker> _requests, _polls, _aborts;
     QTimer _poll;
+    QTimer _progressTimer;
+    SeriesProgress _progress;  // as last reported
+    bool _startPending = false;
+    QPointer<HalvoClient> _pendingClient;
     HalvoState _state;
     std::uint32_t _lastTicket = 0;
+    std::uint32_t _seriesTicket = 0;  // of the last series
     std::set<std::uint32_t> _tickets;
+    std::set<std::uint32_t> _initTickets;  // of these, those that initialise
 };

@@ -62,8 +62,8 @@ private:
     std::unordered_set<std::string> _names;
 };
 
-/// Folders whose file systems have not answered yet. Never destroyed, since a thread that is left
-/// behind may come back when the program ends.
+/// Folders whose file systems have not answered yet. Never destroyed, since one of the threads that
+/// were left may come back when the program ends.
 class SilentFolders {
 public:
     static SilentFolders& ofThisProcess()
@@ -108,7 +108,7 @@ NextFileName nextFileName(const std::string& pattern, std::chrono::milliseconds 
 try {
     const FileNamePattern parts(pattern);
     auto& silent = SilentFolders::ofThisProcess();
-    const NextFileName noAnswer{{}, "Directory " + parts.directory() + "/ does not answer"};
+    NextFileName noAnswer{{}, "Directory " + parts.directory() + "/ does not answer"};
     if (silent.has(parts.directory()))
         return noAnswer;
     // Silent from the start, so that its thread is surely the last one to change that.

@@ -34,6 +34,7 @@ inline void checkWithin(const std::string& value,
         return;
     std::string text;
     for (const std::string& each : allowed)
-        text += (text.empty() ? "" : ", ") + each;
-    throw morvend::MRuntimeException("Not within [" + text + "]");
+        text += ", " + each;
+    throw morvend::MRuntimeException("Not within [" + (allowed.empty() ? text : text.substr(2)) +
+                                     "]");
 }

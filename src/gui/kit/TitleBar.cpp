@@ -53,6 +53,8 @@ TitleBar::TitleBar(QWidget* parent)
     setAttribute(Qt::WA_StyledBackground);
     setFixedHeight(FixedHeight);
     _exitButton->setIcon(svgIcon(QStringLiteral(":icons/checked.svg"), QSize(10, 10)));
+    _exitButton->setToolTip(QStringLiteral("Close this view"));
+    _exitButton->setAccessibleName(QStringLiteral("Close View"));
     _exitButton->setFocusPolicy(Qt::NoFocus);
     _itemLayout->setContentsMargins(0, 0, 0, 0);
 

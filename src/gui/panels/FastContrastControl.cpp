@@ -31,6 +31,7 @@ FastContrastControl::FastContrastControl(QWidget* parent, TarvikService* service
     setMinimumHeight(HandleSize.height());
     setGeometry(0, 0, sizeHint().width(), sizeHint().height());
     setIcon(svgIcon(QStringLiteral(":icons/levels.svg"), QSize(25, 15)));
+    action()->setText(QStringLiteral("Contrast"));
     action()->setToolTip(QStringLiteral("Set image contrast. For a more sophisticated tool refer "
                                         "to Tools -> View -> Histogram."));
     connect(service, &TarvikService::newContrastSignal, this,

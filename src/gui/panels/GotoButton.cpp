@@ -9,6 +9,7 @@ GotoButton::GotoButton(TarvikService* service, QWidget* parent)
     : PopupButton(new GotoWidget(service, nullptr), parent)
 {
     constexpr QSize IconSize(25, 15);
+    setAccessibleName(QStringLiteral("Go To Image"));
     setIcon(svgIcon(QStringLiteral(":icons/goto.svg"), IconSize));
     setIconSize(IconSize);
     setToolTip(QStringLiteral("Go to image: Load image by entering its file number"));

@@ -29,9 +29,10 @@ namespace {
 
 const QString SmallText = QStringLiteral("font-size: 10pt;");
 
-QLabel* levelLabel(const QString& text)
+QLabel* levelLabel(const QString& text, QWidget* buddy)
 {
     auto* label = new QLabel(text);
+    label->setBuddy(buddy);
     label->setStyleSheet(SmallText);
     return label;
 }
@@ -98,6 +99,7 @@ QCheckBox* Histogram::_logBox(const QString& toolTip)
 {
     auto* box = new QCheckBox(this);
     box->setToolTip(toolTip);
+    box->setAccessibleName(QStringLiteral("Log"));
     box->setFocusPolicy(Qt::NoFocus);
     box->setStyleSheet(
         QStringLiteral("QCheckBox{spacing: 0px; background: transparent;}"
@@ -122,10 +124,10 @@ void Histogram::_createLayout()
     levels->setContentsMargins(0, 0, 0, 0);
     levels->setSpacing(5);
     levels->addStretch();
-    levels->addWidget(levelLabel(QStringLiteral("Background")));
+    levels->addWidget(levelLabel(QStringLiteral("Background"), _backgroundBox));
     levels->addWidget(_backgroundBox, 100);
     levels->addSpacing(5);
-    levels->addWidget(levelLabel(QStringLiteral("Foreground")));
+    levels->addWidget(levelLabel(QStringLiteral("Foreground"), _foregroundBox));
     levels->addWidget(_foregroundBox, 100);
     levels->addStretch();
 

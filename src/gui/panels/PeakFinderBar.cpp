@@ -37,7 +37,9 @@ PeakFinderBar::PeakFinderBar(unsigned long long id, TarvikService* service, QWid
     _table->setMinimumHeight(_table->sizeHint().height());
     _table->hide();
     auto* row = new QHBoxLayout;
-    row->addWidget(new QLabel(QStringLiteral("Find Peaks")));
+    auto* label = new QLabel(QStringLiteral("Find Peaks"));
+    label->setBuddy(_number);
+    row->addWidget(label);
     row->addWidget(_number);
     auto* rows = new QVBoxLayout(this);
     rows->addLayout(row);

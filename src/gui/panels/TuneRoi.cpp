@@ -48,6 +48,15 @@ void addLabel(QGridLayout& grid, int row, int column, const char* text)
     grid.addWidget(new QLabel(QString::fromLatin1(text)), row, column);
 }
 
+/// Places a box and has the label before it name it; of two boxes after a label, the first.
+void addBox(QGridLayout& grid, int row, int column, QWidget* box)
+{
+    grid.addWidget(box, row, column);
+    if (const QLayoutItem* before = grid.itemAtPosition(row, column - 1))
+        if (auto* label = qobject_cast<QLabel*>(before->widget()))
+            label->setBuddy(box);
+}
+
 }  // namespace
 
 TuneRoi::TuneRoi(TarvikService* service, QWidget* parent)
@@ -74,7 +83,7 @@ QGridLayout* TuneRoi::_addPage()
 QSpinBox* TuneRoi::_box(QGridLayout& grid, int row, int column, IntSlot slot)
 {
     auto* box = new QSpinBox;
-    grid.addWidget(box, row, column);
+    addBox(grid, row, column, box);
     connect(box, &QSpinBox::valueChanged, this, slot);
     return box;
 }
@@ -82,7 +91,7 @@ QSpinBox* TuneRoi::_box(QGridLayout& grid, int row, int column, IntSlot slot)
 QDoubleSpinBox* TuneRoi::_doubleBox(QGridLayout& grid, int row, int column, DoubleSlot slot)
 {
     auto* box = new QDoubleSpinBox;
-    grid.addWidget(box, row, column);
+    addBox(grid, row, column, box);
     connect(box, &QDoubleSpinBox::valueChanged, this, slot);
     return box;
 }

@@ -49,6 +49,7 @@ Plotter::Plotter(int minimumWidth, int minimumHeight, int margin, QWidget* paren
     _picture.frame.right = margin;
     _picture.frame.bottom = margin + 20;
     _logBox->setToolTip(QStringLiteral("Plot on a logarithmic scale"));
+    _logBox->setAccessibleName(QStringLiteral("Log"));
     _logBox->setFocusPolicy(Qt::NoFocus);
     _logBox->setStyleSheet(
         QStringLiteral("QCheckBox{spacing: 0px; background: transparent;}"

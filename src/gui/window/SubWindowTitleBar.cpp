@@ -31,7 +31,7 @@ SubWindowTitleBar::SubWindowTitleBar(AbstractSubWindow& frame, TarvikService* se
     , _nextAction(stepAction(QStringLiteral("Next"),
                              QStringLiteral("Go forward within the present image series"),
                              QStringLiteral(":icons/next.svg"), this))
-    , _movieAction(new QAction(this))
+    , _movieAction(new QAction(QStringLiteral("Movie"), this))
     , _gotoButton(new GotoButton(service, frame.titleBar()))
     , _fastContrast(new FastContrastControl(&frame, service))
     , _continueIcon(svgIcon(QStringLiteral(":icons/continue.svg"), IconSize))

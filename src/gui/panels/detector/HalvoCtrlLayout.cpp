@@ -120,7 +120,7 @@ void HalvoCtrlLayout::_addConnection(QVBoxLayout* rows)
     connectionLabel = plainLabel();
     connectionLabel->setWordWrap(true);
     // As high as the two lines that a detector's description takes, so that nothing below moves.
-    connectionLabel->setMinimumHeight(44);
+    connectionLabel->setMinimumHeight(48);
     connectionLabel->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     auto* row = new QHBoxLayout;
     row->addWidget(connection);
@@ -177,6 +177,8 @@ void HalvoCtrlLayout::_addFields(QVBoxLayout* rows)
                         "to prevent overriding files, \"_master.h5\" or \"_<number>_master.h5\" "
                         "may be appended.");
     pathName = new TextField;
+    pathName->setAlignment(corner);
+    pathName->setMinimumHeight(66);  // of three lines: while one types a path, nothing below moves
     pathName->setContentsMargins(0, 0, 12, 0);  // for the last letter of a line
     grid->addWidget(plainLabel(QStringLiteral("Path Name")), 9, 0, corner);
     grid->addWidget(pathName, 9, 1, corner);

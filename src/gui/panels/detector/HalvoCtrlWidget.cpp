@@ -24,6 +24,7 @@
 #include <QUrl>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -113,7 +114,8 @@ void HalvoCtrlWidget::_connectService()
     connect(_client, &C::finishedAbort, this, &W::_finishedAbort);
     connect(_client, &C::error, this, &W::_error);
     connect(_client, &C::newFrame, this, &W::_newFrame);
-    connect(_client, &C::progressSignal, _ui->counts, &SeriesLine::setProgress);
+    connect(_client, &C::monitorSignal, this, &W::_newPicture);
+    connect(_client, &C::progressSignal, this, &W::_newProgress);
     connect(_client, &C::permissionSignal, this, [this](bool permitted) {
         if (!_ui->userMode)
             return;
@@ -262,10 +264,43 @@ void HalvoCtrlWidget::_finishedAbort(bool success, const QString& error)
 
 void HalvoCtrlWidget::_error(const QString& text) { _ui->info->reportError(text); }
 
-void HalvoCtrlWidget::_newFrame(const ImageData& /*image*/, int /*seriesId*/, int frameId)
+void HalvoCtrlWidget::_newFrame(const ImageData& /*image*/, int seriesId, int frameId)
 {
+    if (seriesId != std::exchange(_seriesId, seriesId)) {
+        _pictures = 0;
+        _shownFrame = -1;
+    }
+    _lastFrame = frameId;
     _ui->progress->setMaximum(_nImages);
     _ui->progress->setValue(frameId + 1);
+}
+
+void HalvoCtrlWidget::_newPicture()
+{
+    // A picture is the newest frame at its time.
+    _shownFrame = _lastFrame;
+    ++_pictures;
+    // The last one comes after the end of the series.
+    if (!_running)
+        _showCounts();
+}
+
+void HalvoCtrlWidget::_newProgress(const SeriesProgress& progress)
+{
+    _progress = progress;
+    _showCounts();
+}
+
+void HalvoCtrlWidget::_showCounts()
+{
+    // Of what the display is handed, the view gets what it can show in peace.
+    SeriesProgress counts = _progress;
+    const bool complete = !_running && _shownFrame == _lastFrame;
+    const std::int64_t behind =
+        complete ? 0 : std::max<std::int64_t>(counts.received + counts.lost - _shownFrame - 1, 0);
+    counts.shown = _pictures;
+    counts.leftOut = counts.received - counts.shown - behind;
+    _ui->counts->setProgress(counts);
 }
 
 bool HalvoCtrlWidget::_setHost()
@@ -301,7 +336,7 @@ void HalvoCtrlWidget::_series()
     if (const auto nImages = _client->nImages(true))
         _nImages = nImages->value;
     _ui->progress->setMaximum(0);
-    _ui->counts->setProgress({});
+    _newProgress({});
     _client->startDetector();
     _ui->start->setText(QStringLiteral("Abort"));
 }

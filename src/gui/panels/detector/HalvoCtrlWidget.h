@@ -6,8 +6,10 @@
 
 #include "gui/kit/SideBar.h"
 #include "logic/detector/FrameTypes.h"
+#include "logic/detector/SeriesProgress.h"
 #include "logic/support/GlobalSettings.h"
 
+#include <cstdint>
 #include <memory>
 
 class HalvoClient;
@@ -49,6 +51,8 @@ private slots:
     void _finishedAbort(bool success, const QString& error);
     void _error(const QString& text);
     void _newFrame(const ImageData& image, int seriesId, int frameId);
+    void _newPicture();
+    void _newProgress(const SeriesProgress& progress);
 
     // The user acts. A text that is no value of its field is left alone.
     bool _setHost();
@@ -72,10 +76,17 @@ private:
     void _connectFields();
     void _showIdle(bool ready);
     void _showRunning();
+    void _showCounts();
     void _finish(const QString& what, bool success, const QString& error);
 
     HalvoClient* const _client;
     const std::unique_ptr<HalvoCtrlLayout> _ui;
     bool _running = false;  // a series, which the button aborts
     int _nImages = 0;       // as last reported
+    // Of the series of this view.
+    SeriesProgress _progress;
+    int _seriesId = -1;
+    int _lastFrame = -1;   // that was handed to the display
+    int _shownFrame = -1;  // that is in the view
+    std::int64_t _pictures = 0;
 };

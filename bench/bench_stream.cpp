@@ -9,66 +9,23 @@
 #include "simulator/Frames.h"
 
 #include "Peer.h"
+#include "SimulatorProcess.h"
 
 #include <benchmark/benchmark.h>
 
 #include <cstring>
-#include <stdexcept>
 #include <thread>
-
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace {
 
 using namespace morvend::imglib;
 using tarvik::bench::median;
+using tarvik::bench::simulator;
 using Clock = std::chrono::steady_clock;
 
 constexpr QSize FrameSize{2072, 2168};
 constexpr int FramesOfAPass = 100;
 const std::atomic<bool> Never = false;
-
-/// The simulator as a process, for as long as it lives.
-class Simulator {
-public:
-    Simulator()
-    {
-        int out[2];
-        if (::pipe(out) != 0 || (_child = ::fork()) < 0)
-            throw std::runtime_error("no process for the simulator");
-        if (_child == 0) {
-            ::dup2(out[1], STDOUT_FILENO);
-            ::execl(TARVIK_SIMULATOR, TARVIK_SIMULATOR, "--port", "0", "--frame-size", "2072x2168",
-                    nullptr);
-            ::_exit(127);
-        }
-        ::close(out[1]);
-        std::FILE* const lines = ::fdopen(out[0], "r");
-        if (std::fscanf(lines, "Listening on port %d", &_port) != 1)
-            throw std::runtime_error("the simulator does not start");
-        std::fclose(lines);
-    }
-    ~Simulator()
-    {
-        ::kill(_child, SIGTERM);
-        ::waitpid(_child, nullptr, 0);
-    }
-    Simulator(const Simulator&) = delete;
-    Simulator& operator=(const Simulator&) = delete;
-    int port() const { return _port; }
-
-private:
-    pid_t _child = -1;
-    int _port = 0;
-};
-
-Simulator& simulator()
-{
-    static Simulator running;
-    return running;
-}
 
 double secondsSince(Clock::time_point begin)
 {

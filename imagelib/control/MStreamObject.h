@@ -6,8 +6,12 @@
 
 #include "imagelib/image/MImage.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <memory>
+#include <utility>
 #include <variant>
+#include <vector>
 
 namespace morvend::imglib {
 
@@ -39,10 +43,14 @@ private:
 /// A frame. A value; copies share their pixels.
 class MStreamData {
 public:
-    MStreamData(int seriesId, int imageId, MImage image)
+    /// Pixels as they were sent.
+    using Packed = std::shared_ptr<const std::vector<std::byte>>;
+
+    MStreamData(int seriesId, int imageId, MImage image, Packed packed = {})
         : _seriesId(seriesId)
         , _imageId(imageId)
         , _image(std::move(image))
+        , _packed(std::move(packed))
     {}
     int seriesId() const { return _seriesId; }
     /// Number of the frame in its series, from 0. A gap means that frames were lost.
@@ -51,11 +59,14 @@ public:
     const image::MBasicImage<>& data() const { return _image.imageData(); }
     /// The pixels with width and height, and no header.
     const MImage& image() const { return _image; }
+    /// The same pixels as a chunk of the HDF5 filter bitshuffle+LZ4; null if they came otherwise.
+    const Packed& packed() const { return _packed; }
 
 private:
     int _seriesId;
     int _imageId;
     MImage _image;
+    Packed _packed;
 };
 
 /// The end of a series: complete, or aborted.

@@ -158,8 +158,11 @@ MStreamObject readFrame(const json& head, Bytes rest, unsigned threads)
     MImage image = readPixels(member(head, "pixels"), rest, threads);
     if (memberIfAny(head, "config"))
         image.setOptionalData(headerFromConfig(readConfig(head)));
-    return MStreamObject(
-        MStreamData(number(head, "series"), number(head, "frame"), std::move(image)));
+    MStreamData::Packed packed;
+    if (toText(member(member(head, "pixels"), "compression"), "compression") == "bslz4")
+        packed = std::make_shared<const std::vector<std::byte>>(rest.begin(), rest.end());
+    return MStreamObject(MStreamData(number(head, "series"), number(head, "frame"),
+                                     std::move(image), std::move(packed)));
 }
 
 MStreamObject readStart(const json& head, Bytes rest, unsigned threads)

@@ -41,6 +41,11 @@ void MHdf5Writer::write(const MImage& image) { _d->write(image); }
 
 void MHdf5Writer::write(const image::MBasicImage<>& pixels) { _d->write(pixels); }
 
+void MHdf5Writer::writeAsIs(const MImage& image, std::span<const std::byte> packed)
+{
+    _d->writeAsIs(image, packed);
+}
+
 void MHdf5Writer::flush() { _d->flush(); }
 
 }  // namespace morvend::imglib

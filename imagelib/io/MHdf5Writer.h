@@ -7,7 +7,9 @@
 #include "imagelib/image/MImage.h"
 #include "imagelib/io/MCompression.h"
 
+#include <cstddef>
 #include <memory>
+#include <span>
 #include <string>
 
 namespace morvend::imglib {
@@ -40,6 +42,10 @@ public:
     /// Appends pixels; size from the images before or from the tree's x_pixels_in_detector and
     /// y_pixels_in_detector. @throws MBadParameterException when they don't fit
     void write(const image::MBasicImage<>& pixels);
+    /// As write(image), but without compressing it.
+    /// @param packed  its pixels as BITSHUFFLE_LZ4 packs them, which must be the writer's filter;
+    ///                empty: they are stored plain
+    void writeAsIs(const MImage& image, std::span<const std::byte> packed);
     /// Writes all that is pending.
     void flush();
 

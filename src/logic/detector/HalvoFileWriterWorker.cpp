@@ -13,6 +13,7 @@
 #include <QLocale>
 
 #include <filesystem>
+#include <span>
 #include <utility>
 
 using morvend::MBadParameterException;
@@ -81,7 +82,7 @@ void HalvoFileWriterWorker::initSeries(const OptionalData& header, int)
         _fileName = free;
         // The bytes of a name in ASCII; any other name keeps its letters too.
         _writer = std::make_unique<MHdf5Writer>(QFile::encodeName(_fileName).toStdString(), 0,
-                                                header.nexusTree(), MCompression::NONE,
+                                                header.nexusTree(), MCompression::BITSHUFFLE_LZ4,
                                                 MHdf5Writer::Existing::Keep);
         _meter->setFileOpen(true);
     } catch (const morvend::MException& failure) {
@@ -122,13 +123,18 @@ void HalvoFileWriterWorker::finish()
 
 void HalvoFileWriterWorker::_write(const ImageData& frame, int frameId)
 {
-    const auto bytes = static_cast<std::int64_t>(frame.dataSize());
+    const auto plain = static_cast<std::int64_t>(frame.dataSize());
+    const std::span packed = frame.packed ? std::span(*frame.packed) : std::span<const std::byte>();
+    const auto bytes = frame.packed ? static_cast<std::int64_t>(packed.size()) : plain;
     if (_written == 0)
-        _warnOfSpace(bytes);
+        _warnOfSpace(plain);
     if (!_hasSpace(bytes))
         return _giveUp(QStringLiteral("The disk is full"), frameId);
     try {
-        _writer->write(_written == 0 ? withHeader(frame, _header) : frame);
+        if (_written == 0)
+            _writer->writeAsIs(withHeader(frame, _header), packed);
+        else
+            _writer->writeAsIs(frame, packed);
     } catch (const MBadParameterException& refusal) {
         const QString text = QFile::decodeName(refusal.what());
         if (std::exchange(_refusal, text) != text)

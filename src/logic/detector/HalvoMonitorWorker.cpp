@@ -119,7 +119,6 @@ void HalvoMonitorWorker::_begin()
     _aborted = _next->aborted;
     _abortOnTimeout = _next->abortOnTimeout;
     _current = std::move(_next);
-    _meter->startReading();
 }
 
 bool HalvoMonitorWorker::_startWaits() const
@@ -160,6 +159,7 @@ void HalvoMonitorWorker::_read()
     _lastFrame = -1;
     _lost = 0;
     _failures = 0;
+    _meter->startReading();
     if (request.source == Request::Stream)
         _stream(request.host, request.port);
     else
@@ -216,7 +216,8 @@ void HalvoMonitorWorker::_stream(const std::string& host, int port)
         if (object.type() == MStreamObject::Header) {
             _beginSeries(headerOf(object.config()), object.config().seriesId());
         } else if (object.type() == MStreamObject::Frame) {
-            _handOn(object.data().image(), object.data().imageId());
+            const MStreamData& data = object.data();
+            _handOn({data.image(), data.packed()}, data.imageId());
         } else if (object.type() == MStreamObject::End) {
             emit finished();
             _addLost(object.end().frames - 1 - _lastFrame);
@@ -247,7 +248,7 @@ void HalvoMonitorWorker::_beginSeries(const OptionalData& header, int seriesId)
 {
     _lastFrame = -1;
     _lost = 0;
-    _meter->setLost(0);
+    _meter->startReading();
     emit newSeries(header, seriesId);
     _seriesId = seriesId;
 }

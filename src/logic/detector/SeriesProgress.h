@@ -21,7 +21,7 @@ struct SeriesProgress {
     /// Seconds until the disk is full at the present rate.
     std::optional<double> diskSeconds;
     bool fileOpen = false;
-    std::int64_t bytes = 0;  ///< of the frames written
+    std::int64_t bytes = 0;  ///< of the frames written, as they are in the file
 
     friend bool operator==(const SeriesProgress&, const SeriesProgress&) = default;
 };

@@ -11,6 +11,8 @@
 #include "tests/support/SimulatedDetector.h"
 #include "tests/support/WaitFor.h"
 
+#include "simulator/Frames.h"
+
 #include <QSemaphore>
 
 #include <gmock/gmock.h>
@@ -43,6 +45,7 @@ protected:
         QObject::connect(reader, &HalvoMonitorWorker::newFrame, &context,
                          [this](const ImageData& frame, int series, int id) {
                              EXPECT_EQ(frame.width(), 96);
+                             last = frame;
                              log.push_back(std::to_string(series) + "." + std::to_string(id));
                              if (gives)
                                  budget->giveBack(FrameBytes);
@@ -96,6 +99,7 @@ protected:
     QThread thread;
     HalvoMonitorWorker* const reader = new HalvoMonitorWorker(budget, meter);
     OptionalData header;
+    ImageData last;
     Log log;
 };
 
@@ -107,6 +111,9 @@ TEST_F(Reader, StreamBringsASeriesAndEndsTwice)
     EXPECT_FLOAT_EQ(*header.wavelength(), 12398.42F / 8047.8F);
     EXPECT_EQ(header.pixel_mask()->width(), 96);
     EXPECT_TRUE(header.nexusTree().find("/entry/instrument/detector/frame_time"));
+    ASSERT_TRUE(last.packed);
+    const QByteArray& sent = tarvik::simulator::Frames({96, 80}).frame(2).bytes;
+    EXPECT_EQ(std::memcmp(last.packed->data(), sent.constData(), last.packed->size()), 0);
     EXPECT_THAT(endByTimeout(2), ContainsRegex("^Timeout after 0\\.2[0-9]*seconds\n$"));
     EXPECT_EQ(log, (Log{"series 1", "1.0", "1.1", "1.2", "finished", "finished"}));
 }

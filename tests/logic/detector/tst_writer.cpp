@@ -2,9 +2,12 @@
 // SPDX-License-Identifier: MIT
 //
 // The writer of a series, its files as h5py reads them, and disks that fail.
+#include "imagelib/io/MImageSeries.h"
 #include "logic/detector/HalvoFileWriterWorker.h"
 #include "tests/support/TempFolder.h"
 #include "tests/support/WaitFor.h"
+
+#include "simulator/Frames.h"
 
 #include <QFile>
 #include <QSignalSpy>
@@ -113,6 +116,27 @@ TEST_F(Writer, WritesEachFrameAndEndsByTheirNumber)
         EXPECT_EQ(content(folder / row.name), row.content);
     }
     EXPECT_EQ(budget->taken(), 0);
+}
+
+TEST_F(Writer, FramesGoIntoTheFileAsTheyWereSent)
+{
+    tarvik::simulator::Frames simulated({Width, Height});
+    const QByteArray sent = simulated.frame(0).bytes;
+    const auto* const bytes = reinterpret_cast<const std::byte*>(sent.constData());
+    begin("x_master.h5", 2);
+    for (const bool packed : {true, false}) {
+        ImageData frame(simulated.pixels(packed ? 0 : 1));
+        if (packed)
+            frame.packed =
+                std::make_shared<const std::vector<std::byte>>(bytes, bytes + sent.size());
+        budget->take(FrameBytes, false);
+        writer.add(frame, 1, packed ? 0 : 1);
+    }
+    EXPECT_THAT(takeErrors(), IsEmpty());
+    EXPECT_EQ(meter->progress().bytes, sent.size() + FrameBytes);
+    const morvend::imglib::MImageSeries series(folder / "x_master.h5");
+    for (int i = 0; i < 2; ++i)
+        EXPECT_TRUE(morvend::imglib::samePixels(series.at(i + 1), simulated.pixels(i)));
 }
 
 TEST_F(Writer, WithoutAFileEachFrameSaysSo)

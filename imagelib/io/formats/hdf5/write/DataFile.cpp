@@ -114,12 +114,16 @@ DataFile::DataFile(const std::string& path, const FrameLayout& layout, Compressi
 void DataFile::append(std::span<const std::byte> pixels)
 {
     assert(pixels.size() == _layout.bytes());
-    std::vector<std::byte> packed;
-    if (_compression != Compression::None) {
-        packed = pack(pixels, _compression, _layout.bits / 8);
-        pixels = packed;
-    }
-    _file.reserve(pixels.size());
+    if (_compression == Compression::None)
+        return appendChunk(pixels, true);
+    appendChunk(pack(pixels, _compression, _layout.bits / 8), true);
+}
+
+void DataFile::appendChunk(std::span<const std::byte> bytes, bool filtered)
+{
+    // A bit of the mask leaves out a filter.
+    const std::uint32_t left = filtered ? 0 : ~std::uint32_t(0);
+    _file.reserve(bytes.size());
     const auto setFrames = [this](std::size_t frames) {
         const hsize_t extent[] = {frames, static_cast<hsize_t>(_layout.height),
                                   static_cast<hsize_t>(_layout.width)};
@@ -127,7 +131,7 @@ void DataFile::append(std::span<const std::byte> pixels)
     };
     check(setFrames(_frames + 1), "cannot add a frame", _file.path());
     const hsize_t at[] = {_frames, 0, 0};
-    if (H5Dwrite_chunk(_data.id(), H5P_DEFAULT, 0, at, pixels.size(), pixels.data()) < 0) {
+    if (H5Dwrite_chunk(_data.id(), H5P_DEFAULT, left, at, bytes.size(), bytes.data()) < 0) {
         const std::string reason = takeErrorText();
         setFrames(_frames);  // as far as possible: the file must not claim frames that it lacks
         throw MRuntimeException("HDF5: cannot write image " +

@@ -27,6 +27,8 @@ public:
     std::size_t frames() const { return _frames; }
     /// Appends a frame, which has layout.bytes() bytes.
     void append(std::span<const std::byte> pixels);
+    /// Appends a frame that has passed the filter, or is to be stored without.
+    void appendChunk(std::span<const std::byte> bytes, bool filtered);
     /// Makes all frames so far readable under the file's name.
     void publish();
 

@@ -90,12 +90,25 @@ NexusWriter::~NexusWriter()
     }
 }
 
-void NexusWriter::write(const MImage& image)
+FrameLayout NexusWriter::_layoutOf(const MImage& image) const
 {
     if (image.empty())
         throw MBadParameterException("HDF5: an empty image can't be written: " + _master->path());
-    _append({image.width(), image.height(), image.type(), image.typeBits()}, image.cdata(),
-            image.optionalData());
+    return {image.width(), image.height(), image.type(), image.typeBits()};
+}
+
+void NexusWriter::write(const MImage& image)
+{
+    _append(_layoutOf(image), image.cdata(), image.optionalData());
+}
+
+void NexusWriter::writeAsIs(const MImage& image, std::span<const std::byte> packed)
+{
+    const FrameLayout layout = _layoutOf(image);
+    const std::span plain(static_cast<const std::byte*>(image.cdata()), layout.bytes());
+    _dataFor(layout, image.optionalData())
+        .appendChunk(packed.empty() ? plain : packed, !packed.empty());
+    _count(image.optionalData());
 }
 
 void NexusWriter::write(const image::MBasicImage<>& pixels)
@@ -117,6 +130,13 @@ void NexusWriter::write(const image::MBasicImage<>& pixels)
 void NexusWriter::_append(const FrameLayout& layout, const void* pixels,
                           const MBasicImageOptionalData<>& header)
 {
+    _dataFor(layout, header).append({static_cast<const std::byte*>(pixels), layout.bytes()});
+    _count(header);
+}
+
+/// The data file that has room for the next frame.
+DataFile& NexusWriter::_dataFor(const FrameLayout& layout, const MBasicImageOptionalData<>& header)
+{
     silenceErrors();
     if (_frames == 0)
         _begin(layout, header);
@@ -126,7 +146,11 @@ void NexusWriter::_append(const FrameLayout& layout, const void* pixels,
                                      _master->path());
     if (!_data || _data->frames() == _options.framesPerFile)
         _nextDataFile();
-    _data->append({static_cast<const std::byte*>(pixels), layout.bytes()});
+    return *_data;
+}
+
+void NexusWriter::_count(const MBasicImageOptionalData<>& header)
+{
     ++_frames;
     const auto& angle = header.rotation_angle();
     _angles.push_back(angle ? exactDecimal(*angle) : std::numeric_limits<double>::quiet_NaN());

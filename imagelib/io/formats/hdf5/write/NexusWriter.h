@@ -9,6 +9,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -51,6 +52,10 @@ public:
     /// detectorSpecific/x_pixels_in_detector and y_pixels_in_detector.
     /// @throws MBadParameterException when they don't fit or no geometry is known
     void write(const image::MBasicImage<>& pixels);
+    /// As write(image), but without compressing it.
+    /// @param packed  its pixels as the writer's compression packs them; empty: they are stored
+    /// plain
+    void writeAsIs(const MImage& image, std::span<const std::byte> packed);
     /// Makes all frames so far readable.
     void flush();
     std::size_t frames() const { return _frames; }
@@ -58,6 +63,10 @@ public:
 private:
     void _append(const hdf5::FrameLayout& layout, const void* pixels,
                  const MBasicImageOptionalData<>& header);
+    hdf5::DataFile& _dataFor(const hdf5::FrameLayout& layout,
+                             const MBasicImageOptionalData<>& header);
+    hdf5::FrameLayout _layoutOf(const MImage& image) const;
+    void _count(const MBasicImageOptionalData<>& header);
     void _begin(const hdf5::FrameLayout& layout, const MBasicImageOptionalData<>& header);
     void _nextDataFile();
     void _writeMask(const MImage& mask);

@@ -112,7 +112,7 @@ TEST_F(Reader, StreamBringsASeriesAndEndsTwice)
     EXPECT_EQ(header.pixel_mask()->width(), 96);
     EXPECT_TRUE(header.nexusTree().find("/entry/instrument/detector/frame_time"));
     ASSERT_TRUE(last.packed);
-    const QByteArray& sent = tarvik::simulator::Frames({96, 80}).frame(2).bytes;
+    const QByteArray sent = tarvik::simulator::Frames({96, 80}).frame(2).bytes;
     EXPECT_EQ(std::memcmp(last.packed->data(), sent.constData(), last.packed->size()), 0);
     EXPECT_THAT(endByTimeout(2), ContainsRegex("^Timeout after 0\\.2[0-9]*seconds\n$"));
     EXPECT_EQ(log, (Log{"series 1", "1.0", "1.1", "1.2", "finished", "finished"}));

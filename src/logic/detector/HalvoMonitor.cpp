@@ -33,9 +33,9 @@ constexpr int PictureMs = 100;
 /// Until a unit is asked once more that could not be switched to give pictures.
 constexpr std::chrono::milliseconds SwitchPause{100};
 
-const QString hostKey = QStringLiteral("HalvoHost");
-const QString portKey = QStringLiteral("HalvoPort");
-const QString minPauseKey = QStringLiteral("HalvoMinPause");
+const QString HostKey = QStringLiteral("HalvoHost");
+const QString PortKey = QStringLiteral("HalvoPort");
+const QString MinPauseKey = QStringLiteral("HalvoMinPause");
 
 /// A setting of the user, read each time.
 QVariant setting(const QString& key, const QVariant& absent)
@@ -266,15 +266,15 @@ void HalvoMonitor::_take(const MImage& picture, unsigned int start)
 
 QString HalvoMonitor::defaultHost()
 {
-    return setting(hostKey, QStringLiteral("0.0.0.0")).toString();
+    return setting(HostKey, QStringLiteral("0.0.0.0")).toString();
 }
-int HalvoMonitor::defaultPort() { return setting(portKey, 80).toInt(); }
-double HalvoMonitor::defaultMinPause() { return setting(minPauseKey, 0.0).toDouble(); }
-void HalvoMonitor::setDefaultHost(const QString& host) { QSettings().setValue(hostKey, host); }
-void HalvoMonitor::setDefaultPort(int port) { QSettings().setValue(portKey, port); }
+int HalvoMonitor::defaultPort() { return setting(PortKey, 80).toInt(); }
+double HalvoMonitor::defaultMinPause() { return setting(MinPauseKey, 0.0).toDouble(); }
+void HalvoMonitor::setDefaultHost(const QString& host) { QSettings().setValue(HostKey, host); }
+void HalvoMonitor::setDefaultPort(int port) { QSettings().setValue(PortKey, port); }
 void HalvoMonitor::setDefaultMinPause(double seconds)
 {
-    QSettings().setValue(minPauseKey, seconds);
+    QSettings().setValue(MinPauseKey, seconds);
 }
 
 void HalvoMonitor::newImageSlot()

@@ -5,6 +5,7 @@
 #include "imagelib/control/MHalvoFileWriter.h"
 #include "logic/detector/HalvoClient.h"
 #include "logic/detector/HalvoService.h"
+#include "simulator/HttpServer.h"
 #include "tests/support/SignalLog.h"
 #include "tests/support/SimulatedDetector.h"
 #include "tests/support/TempFolder.h"
@@ -155,6 +156,63 @@ TEST_F(Service, RunsASeriesFromConnectionToFile)
 
     EXPECT_EQ(runSeries(), "good");
     EXPECT_EQ(service->fileName().toStdString(), folder / "x_001_master.h5");
+}
+
+TEST_F(Service, ThinsThePicturesOfAClient)
+{
+    QSignalSpy mine(&client, &HalvoClient::monitorSignal);
+    QSignalSpy frames(service.get(), &HalvoService::newFrame);
+    service->setMonitorMinPause(1e9);
+    connectToUnit();
+    service->setNImages(5);
+    ASSERT_TRUE(idle());
+    EXPECT_EQ(runSeries(), "good");
+    EXPECT_TRUE(waitFor([&] { return !frames.empty() && frames.back()[2].toInt() == 4; }));
+    EXPECT_EQ(mine.size(), 1);
+    service->setMonitorMinPause(0);
+    EXPECT_EQ(runSeries(), "good");
+    EXPECT_EQ(mine.size(), 1) << "the pause is that of the first frame";
+}
+
+/// A unit that answers nothing but its status.
+class StatusOnly : public Service {
+protected:
+    QByteArray answer = R"({"status": "idle", "error": false})";
+    tarvik::simulator::FaultScript faults;
+    tarvik::simulator::HttpServer server{
+        [this](const tarvik::simulator::Request& request,
+               const tarvik::simulator::Respond& respond) {
+            if (request.path.endsWith("status"))
+                respond({200, answer});
+            else
+                respond({200, R"({"type": "string", "access": "r", "value": "x"})"});
+        },
+        faults};
+};
+
+TEST_F(StatusOnly, IsMadeOfWordAndFlagAndAnErrorEndsTheConnection)
+{
+    server.listen(0);
+    for (const auto& [word, flag, status] : {std::tuple{"idle", "false", Status::Ready},
+                                             {"error", "false", Status::Ready},
+                                             {"initialize", "false", Status::Initializing},
+                                             {"initialize", "true", Status::NotAvailable},
+                                             {"error", "true", Status::Error}}) {
+        SCOPED_TRACE(std::string(word) + flag);
+        answer = R"({"status": "idle", "error": false})";
+        errors.clear();
+        ASSERT_TRUE(service->setHost(QString("127.0.0.1:%1").arg(server.port())));
+        service->setConnected(true);
+        ASSERT_TRUE(idle());
+        ASSERT_TRUE(service->connected());
+        answer = QString(R"({"status": "%1", "error": %2})").arg(word, flag).toUtf8();
+        service->abortDetector();
+        ASSERT_TRUE(idle());
+        const bool good = status == Status::Ready || status == Status::Initializing;
+        EXPECT_EQ(service->connected(), good);
+        EXPECT_EQ(service->state(false), good ? std::optional(status) : std::nullopt);
+        EXPECT_EQ(std::count(errors.begin(), errors.end(), "Lost connection to detector"), !good);
+    }
 }
 
 TEST_F(Service, AStartWaitsForOpenRequests)

@@ -321,10 +321,17 @@ TEST_F(Requests, EndByAnAbortWhenTheDetectorSaysNothing)
         request.join();
         EXPECT_THAT(testing::internal::GetCapturedStdout(), Not(HasSubstr("Retrying")));
         EXPECT_EQ(events.back(), finished());
+        if (row.prefix == std::string("state")) {
+            EXPECT_EQ(events.front(), "state") << "nothing is said of the detector";
+        }
         unit.heal();
         // Issued before the abort: left out. Issued after it: done.
+        unit.fault("* * delay 0");
+        const int asked = unit.struck();
         take();
         row.call(async, issued);
+        EXPECT_EQ(unit.struck(), asked);
+        unit.heal();
         EXPECT_THAT(take(), testing::AllOf(testing::Not(testing::Contains(StartsWith("error"))),
                                            testing::Contains(finished())));
     }

@@ -60,6 +60,10 @@ RoiSeries::RoiSeries(TarvikService* service, QWidget* parent)
     });
     connect(_plotter, &Plotter::clickedSignal, this,
             [this](double number) { _service->openImage(static_cast<int>(number)); });
+    connect(_floating, &FloatingWidget::released, this, [this](bool out) {
+        if (!out)
+            emit plotOpenedSignal(_floating);
+    });
     connect(_choice, &QComboBox::currentIndexChanged, this, &RoiSeries::_plot);
     connect(_startButton, &QPushButton::clicked, this, &RoiSeries::_startOrStop);
     connect(_saveButton, &QPushButton::clicked, _plotter, &Plotter::save);

@@ -28,7 +28,7 @@ public:
     const SeriesCurve& curve() const { return _curve; }
 
 signals:
-    /// The plot has been opened on request.
+    /// The plot has been opened on request, or has come home from its window.
     void plotOpenedSignal(QWidget* plot);
 
 private slots:

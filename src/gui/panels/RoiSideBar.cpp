@@ -159,6 +159,8 @@ void RoiSideBar::_numbersArrived()
 void RoiSideBar::_popoutSlot(bool checked)
 {
     _popoutButton->setText(checked ? QStringLiteral("Pop In") : QStringLiteral("Pop Out"));
+    if (!checked)
+        ensureVisible(*_floating);
 }
 
 void RoiSideBar::_setWriteButtonEnableState(const StatisticsData& region)

@@ -299,8 +299,10 @@ TEST_F(RoiSideBarTest, TheResultsComeOutAndHome)
     EXPECT_TRUE(floating.childIsCatched());
     EXPECT_FALSE(child<QPushButton>("Pop Out").isChecked());
     press("Pop Out");
+    const QSignalSpy wanted(&bar, &SideBar::ensurePartVisibleSignal);
     press("Pop In");
     EXPECT_TRUE(floating.childIsCatched());
+    EXPECT_EQ(wanted.count(), 1) << "what comes home is scrolled into sight";
 }
 
 /// A series of files, whose images 3, 5 and 6 have no numbers in the region.

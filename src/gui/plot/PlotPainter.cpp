@@ -64,6 +64,17 @@ void paintYTicks(QPainter& painter, const Picture& picture)
     }
 }
 
+/// Over a ground that keeps a dense curve behind it from hiding it.
+void paintOverCurve(QPainter& painter, QPointF base, const QString& text)
+{
+    constexpr QColor Ground(40, 40, 40, 200);
+    const QFontMetrics metrics(painter.font());
+    painter.fillRect(QRectF(base.x() - 1, base.y() - metrics.capHeight() - 2,
+                            metrics.horizontalAdvance(text) + 2, metrics.capHeight() + 3),
+                     Ground);
+    painter.drawText(base, text);
+}
+
 void paintReadout(QPainter& painter, const Picture& picture)
 {
     const auto& [point, x, y] = *picture.readout;
@@ -75,8 +86,10 @@ void paintReadout(QPainter& painter, const Picture& picture)
         '(' + xText(picture, x, 3) + ", " + shortText(y, picture.frame.wholeX ? 6 : 3) + ')';
     const QFontMetrics metrics(painter.font());
     const PlotFrame& frame = picture.frame;
-    painter.drawText(frame.size.width() - frame.right - 4 - metrics.horizontalAdvance(text),
-                     metrics.height() + frame.top + 3, text);
+    paintOverCurve(painter,
+                   QPointF(frame.size.width() - frame.right - 4 - metrics.horizontalAdvance(text),
+                           metrics.height() + frame.top + 3),
+                   text);
 }
 
 /// An arrow head whose tip lies at a point; `length` is negative for one that points to the right.
@@ -110,7 +123,7 @@ void paintArrows(QPainter& painter, const Picture& picture)
         double& end = ends.at(arrow.level ? 1 : 0);
         if (start < end + Gap)
             continue;
-        painter.drawText(QPointF(start, base), arrow.text);
+        paintOverCurve(painter, QPointF(start, base), arrow.text);
         end = start + width;
     }
     painter.restore();

@@ -42,8 +42,6 @@ SideBarColumn::SideBarColumn(QSplitter& splitter)
     _sideBarScrollArea->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     _sideBarScrollArea->setFrameShape(QFrame::NoFrame);
     _sideBarScrollArea->setWidgetResizable(true);
-    // The vertical bar takes a little of the panels' width.
-    _sideBarScrollArea->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     _sideBarScrollArea->setMaximumWidth(MaximumWidth);
     _sideBarScrollArea->setStyleSheet(QString::fromLatin1(AreaStyle));
     _sideBarScrollArea->setWidget(_sideBarStack);

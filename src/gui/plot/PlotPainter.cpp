@@ -64,7 +64,7 @@ void paintYTicks(QPainter& painter, const Picture& picture)
     }
 }
 
-/// Over a ground that keeps a dense curve behind it from hiding it.
+/// On a ground of its own, so that a dense curve does not hide it.
 void paintOverCurve(QPainter& painter, QPointF base, const QString& text)
 {
     constexpr QColor Ground(40, 40, 40, 200);

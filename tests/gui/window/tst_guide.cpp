@@ -122,12 +122,12 @@ protected:
             if (button->text() == QLatin1String("Circle Plot"))
                 button->click();
         settle();
-        _collect(*_window);
-        _collectMenus();
-        _collectDialogs();
+        collect(*_window);
+        collectMenus();
+        collectDialogs();
     }
 
-    void _add(const QString& name, const QObject& owner)
+    void add(const QString& name, const QObject& owner)
     {
         static const QRegularExpression letters(QStringLiteral("[A-Za-z]{2}|1:1|σ|%"));
         const QString plain = bare(name.section('\n', 0, 0));
@@ -135,31 +135,31 @@ protected:
             _controls.insert(plain, QString::fromLatin1(owner.metaObject()->className()));
     }
 
-    void _collect(const QWidget& root)
+    void collect(const QWidget& root)
     {
         for (const auto* action : root.findChildren<QAction*>())
             // That of a bar itself would hide it; the window offers no menu for it. And files have
             // their own names.
             if (!action->isSeparator() && !qobject_cast<QToolBar*>(action->parent()) &&
                 !qobject_cast<RecentFiles*>(action->parent()))
-                _add(action->text(), *action);
+                add(action->text(), *action);
         for (const auto* button : root.findChildren<QAbstractButton*>())
-            _collectButton(*button);
+            collectButton(*button);
         for (const auto* box : root.findChildren<QGroupBox*>())
-            _add(box->title(), *box);
+            add(box->title(), *box);
         for (const auto* panel : root.findChildren<SideBar*>())
-            _add(panel->title(), *panel);
+            add(panel->title(), *panel);
         for (const auto* choice : root.findChildren<QComboBox*>())
             for (int i = 0; i < choice->count(); ++i)
-                _add(choice->itemText(i), *choice);
+                add(choice->itemText(i), *choice);
         for (const auto* label : root.findChildren<QLabel*>())
-            _collectLabel(*label);
+            collectLabel(*label);
         for (const auto* text : root.findChildren<QTextEdit*>())
-            _collectFields(*text);
+            collectFields(*text);
     }
 
     /// A button says what it is: by its text or, as an icon, by a name for those who can't see it.
-    void _collectButton(const QAbstractButton& button)
+    void collectButton(const QAbstractButton& button)
     {
         if (button.objectName().startsWith(QLatin1String("qt_")))
             return;  // of the toolkit, as the arrow of a tool bar without room
@@ -167,42 +167,42 @@ protected:
         EXPECT_FALSE(name.isEmpty())
             << "a button without a name: " << button.metaObject()->className() << ' '
             << qPrintable(button.toolTip());
-        _add(name, button);
+        add(name, button);
     }
 
     /// Of labels those that name a field, and the results of a region.
-    void _collectLabel(const QLabel& label)
+    void collectLabel(const QLabel& label)
     {
         _labels.insert(bare(label.text()));
         if (qobject_cast<const ResultField*>(&label)) {
             static const QRegularExpression tags(QStringLiteral("<[^>]*>"));
             for (const QString& name :
                  matches(label.text().remove(tags), QStringLiteral("([A-Z][A-Za-z]+):")))
-                _add(name, label);
+                add(name, label);
         } else if (label.buddy()) {
-            _add(label.text(), label);
+            add(label.text(), label);
         }
     }
 
     /// The grey fields of a text.
-    void _collectFields(const QTextEdit& text)
+    void collectFields(const QTextEdit& text)
     {
         for (const auto& field : text.extraSelections())
-            _add(field.cursor.block().text().section(':', 0, 0), text);
+            add(field.cursor.block().text().section(':', 0, 0), text);
     }
 
     /// Menus of the right button.
-    void _collectMenus()
+    void collectMenus()
     {
-        const auto collect = [this](auto open) {
+        const auto collectFrom = [this](auto open) {
             bool seen = false;
             QTimer poll;
             QObject::connect(&poll, &QTimer::timeout, [&] {
                 if (QWidget* menu = QApplication::activePopupWidget()) {
                     seen = true;
-                    _collect(*menu);
+                    collect(*menu);
                     for (const QAction* action : menu->actions())
-                        _add(action->text(), *action);
+                        add(action->text(), *action);
                     menu->close();
                 }
             });
@@ -212,13 +212,13 @@ protected:
         };
         for (auto* plot : _window->findChildren<Plotter*>())
             if (plot->isVisible()) {
-                collect([plot] { QTest::mouseClick(plot, Qt::RightButton); });
+                collectFrom([plot] { QTest::mouseClick(plot, Qt::RightButton); });
                 break;
             }
         for (auto* text : _window->findChildren<QTextEdit*>()) {
             if (!text->isVisible() || text->contextMenuPolicy() != Qt::DefaultContextMenu)
                 continue;
-            collect([text] {
+            collectFrom([text] {
                 QContextMenuEvent event(QContextMenuEvent::Mouse, {5, 5},
                                         text->viewport()->mapToGlobal(QPoint(5, 5)));
                 QApplication::sendEvent(text->viewport(), &event);
@@ -226,16 +226,16 @@ protected:
         }
     }
 
-    void _collectDialogs()
+    void collectDialogs()
     {
         const auto job = [] { return HeaderJob::undo(std::make_unique<UndoHeadersThread>()); };
         const auto write = [] { return HeaderJob::write(std::make_unique<UndoHeadersThread>()); };
-        _collect(About(_window.get()));
-        _collect(ExportDialog(_view, QStringLiteral("x.png"), QStringLiteral("png")));
+        collect(About(_window.get()));
+        collect(ExportDialog(_view, QStringLiteral("x.png"), QStringLiteral("png")));
         // They delete themselves when they are closed, which they never are here.
-        _collect(HeaderPreviewDialog(job(), _window.get()));
-        _collect(HeaderPreviewDialog(write(), _window.get()));
-        _collect(WriteHeaderToFilesDialog(job(), _window.get()));
+        collect(HeaderPreviewDialog(job(), _window.get()));
+        collect(HeaderPreviewDialog(write(), _window.get()));
+        collect(WriteHeaderToFilesDialog(job(), _window.get()));
     }
 
     SubWindow* _view = nullptr;

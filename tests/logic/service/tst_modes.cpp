@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Movies, watching and monitoring: how they exclude each other and how they move.
+#include "imagelib/control/MHalvoDetector.h"
 #include "logic/detector/HalvoClient.h"
 #include "logic/detector/HalvoService.h"
 #include "logic/service/AutoModes.h"
@@ -9,6 +10,7 @@
 #include "tests/logic/service/ServiceTest.h"
 #include "tests/support/EdfText.h"
 #include "tests/support/HangingReads.h"
+#include "tests/support/SimulatedDetector.h"
 #include "tests/support/TempFolder.h"
 #include "tests/support/WaitFor.h"
 
@@ -207,6 +209,28 @@ TEST_F(Modes, SwitchingNeverWaitsForALoad)
     EXPECT_THAT(shown, ElementsAre(2));
     EXPECT_THAT(log.take(), ElementsAre("movie on", "movie off", "watch on", "watch off", "image",
                                         "statistics", "peaks", "resolution", "powder"));
+}
+
+TEST_F(Modes, TheMonitorShowsPictureAfterPicture)
+{
+    const std::atomic<bool> never = false;
+    const SimulatedDetector simulated;
+    morvend::imglib::MHalvoDetector detector(SimulatedDetector::Host, simulated.port());
+    QSignalSpy notices(view, &TarvikService::noticeSignal);
+    view->setHalvoMonitorHost(SimulatedDetector::Host, 1, 0);
+    view->setHalvoMonitorMode(true);
+    ASSERT_TRUE(waitFor([&] { return !notices.empty(); })) << "why there is no picture";
+    view->setHalvoMonitorHost(SimulatedDetector::Host, simulated.port(), 0);
+    for (std::size_t pictures = 1; pictures < 4; ++pictures)
+        ASSERT_TRUE(waitFor([&] {
+            detector.arm(never);
+            detector.trigger(never);
+            return shown.size() >= pictures;
+        }));
+    view->setHalvoMonitorMode(false);
+    EXPECT_EQ(view->image().width(), 96);
+    EXPECT_TRUE(view->image().optionalData().wavelength());
+    QSettings().clear();
 }
 
 TEST_F(Modes, PicturesOfADetectorReachTheirViewOnly)

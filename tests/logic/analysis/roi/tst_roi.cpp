@@ -14,6 +14,8 @@
 #include <gmock/gmock.h>
 #include <tbb/task_arena.h>
 
+#include <atomic>
+#include <barrier>
 #include <cmath>
 #include <cstdlib>
 #include <fstream>
@@ -21,6 +23,7 @@
 #include <random>
 #include <set>
 #include <sstream>
+#include <thread>
 
 namespace {
 
@@ -216,6 +219,31 @@ TEST(Regions, AreThoseThatAreKept)
     EXPECT_GT(seed, 30U);
     if (std::getenv("TARVIK_UPDATE_REGIONS"))
         std::ofstream(path) << updated.str();
+}
+
+/// Sizes change all the time, so that the pixels of the region are worked out anew while others
+/// use those of before.
+TEST(Regions, OfManyImagesAreComputedByManyThreadsAtOnce)
+{
+    Random random(5);
+    const MImage images[] = {randomImage<int>(random, 30, 20), randomImage<int>(random, 50, 40)};
+    const MImage masks[] = {MImage(images[0], 0U), MImage(images[1], 0U)};
+    for (const char* line : {"line 1 2 25 18", "circle 14 9 6 0", "powder 14.3 9.6 2 9"}) {
+        RegionNumbers numbers(regionOf(line));
+        const auto integral = [&](int i) { return numbers.compute(images[i], masks[i]).integral; };
+        const double expected[] = {integral(0), integral(1)};
+        std::atomic<int> wrong = 0;
+        std::barrier start(4);
+        std::vector<std::jthread> threads;
+        for (int first = 0; first < 4; ++first)
+            threads.emplace_back([&, first] {
+                start.arrive_and_wait();
+                for (int i = first; i < first + 50; ++i)
+                    wrong += integral(i % 2) != expected[i % 2];
+            });
+        threads.clear();
+        EXPECT_EQ(wrong, 0) << line;
+    }
 }
 
 /// All kinds of regions of an image as text.

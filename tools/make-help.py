@@ -17,7 +17,8 @@ import sys
 import markdown
 
 # In the order of the contents; the first one is index.html.
-PAGES = ["user/index.md", "user/series.md", "user/contrast.md", "user/measure.md", "user/header.md", "user/pictures.md",
+PAGES = ["user/index.md", "user/series.md", "user/contrast.md", "user/measure.md", "user/header.md", "user/acquisition.md",
+         "user/pictures.md",
          "user/python.md", "user/trouble.md", "user/views.md", "user/programs.md", "user/tarvik-image.md", "display.md",
          "formats/series.md", "formats/header-keys.md", "formats/cbf.md", "formats/tiff.md", "formats/edf.md",
          "formats/hdf5.md"]

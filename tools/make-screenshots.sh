@@ -167,6 +167,42 @@ take four-frames
 for_guide four-frames
 stop
 
+# A series of a simulated detector, in the middle of it.
+"$build/bin/tarvik-control-unit-simulator" --port 0 --frame-size 1030x1065 >"$work/unit" 2>&1 &
+unit=$!
+for _ in $(seq 100); do
+    ! grep -q Listening "$work/unit" || break
+    sleep 0.1
+done
+XDG_CONFIG_HOME=$work/acquisition start
+click 70 46  # New Window
+click 1143 46 # Tools
+click 996 74  # View, to fold it
+click 996 164 # Data Acquisition
+# field X Y TEXT: types into a field of the panel.
+field() {
+    click "$1" "$2"
+    key ctrl+a
+    xdotool type "$3"
+    key Tab
+    sleep 1
+}
+click 876 249 # Connect
+xdotool type "localhost:$(sed -n 's/Listening on port //p' "$work/unit")"
+key Return
+sleep 2
+field 1066 350 100 # images
+field 1066 384 0.1 # seconds between them
+field 1076 513 "$work/lysozyme"
+click 866 629 # Start
+sleep 4
+key ctrl+0
+sleep 4
+import -window root -strip -define png:compression-level=9 "$out/acquisition.png"
+for_guide acquisition -crop 1192x764+0+0 +repage -resize 900x600 +dither -colors 60
+stop
+kill "$unit"
+
 echo "no image" >"$work/broken.cbf"
 "$build/bin/tarvik" "${frames[0]}" "$work/broken.cbf" >"$work/log" 2>&1 &
 program=$!

@@ -202,7 +202,7 @@ void HalvoCtrlWidget::_updateConfig(bool success)
 {
     // The service begins with a text that is no address where the port is not 80.
     const QString host = _client->host();
-    if (QUrl::fromUserInput(host).isValid() && !sameAddress(_ui->host->text(), host))
+    if (!QUrl::fromUserInput(host).host().isEmpty() && !sameAddress(_ui->host->text(), host))
         fill(_ui->host, host);
     const auto nImages = _client->nImages(success);
     if (nImages) {
@@ -296,10 +296,10 @@ void HalvoCtrlWidget::_showCounts()
     // Of what the display is handed, the view gets what it can show in peace.
     SeriesProgress counts = _progress;
     const bool complete = !_running && _shownFrame == _lastFrame;
-    const std::int64_t behind =
+    const std::int64_t waiting =
         complete ? 0 : std::max<std::int64_t>(counts.received + counts.lost - _shownFrame - 1, 0);
     counts.shown = _pictures;
-    counts.leftOut = counts.received - counts.shown - behind;
+    counts.leftOut = counts.received - counts.shown - waiting;
     _ui->counts->setProgress(counts);
 }
 

@@ -19,9 +19,9 @@ struct Column {
 constexpr std::array<Column, SeriesLine::Counts> Columns{{
     {"received", "Frames that have arrived", 9},
     {"written", "Frames in the file", 8},
-    {"lost", "Frames that the detector took, but that never arrived", 6},
+    {"lost", "Frames that the detector took, but that never arrived", 5},
     {"shown", "Frames that were shown; the others are only written", 7},
-    {"behind", "Frames that have arrived and are still to be shown", 7},
+    {"waiting", "Frames that have arrived since the one that is shown", 8},
     {"per s", "Frames that arrive in a second", 6},
     {"disk left", "Time until the disk is full at this rate", 9},
 }};
@@ -48,7 +48,7 @@ QString rateText(double rate)
 }
 
 /// Without what the display has left out for good.
-std::int64_t behind(const SeriesProgress& progress)
+std::int64_t waiting(const SeriesProgress& progress)
 {
     return std::max<std::int64_t>(progress.received - progress.shown - progress.leftOut, 0);
 }
@@ -107,7 +107,7 @@ std::array<QString, SeriesLine::Counts> SeriesLine::texts(const SeriesProgress& 
             QString::number(progress.written),
             QString::number(progress.lost),
             QString::number(progress.shown),
-            QString::number(behind(progress)),
+            QString::number(waiting(progress)),
             rateText(progress.rate),
             progress.diskSeconds ? duration(*progress.diskSeconds) : QStringLiteral("\u2013")};
 }

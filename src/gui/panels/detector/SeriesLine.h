@@ -18,7 +18,7 @@ class QLabel;
 class SeriesLine : public QWidget {
     Q_OBJECT
 public:
-    enum Count { Received, Written, Lost, Shown, Behind, Rate, Disk, Counts };
+    enum Count { Received, Written, Lost, Shown, Waiting, Rate, Disk, Counts };
 
     explicit SeriesLine(QWidget* parent = nullptr);
 

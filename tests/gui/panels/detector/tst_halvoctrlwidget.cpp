@@ -24,7 +24,6 @@
 
 using tarvik::tests::SimulatedDetector;
 using tarvik::tests::TempFolder;
-using testing::HasSubstr;
 using testing::StartsWith;
 
 namespace {
@@ -140,6 +139,14 @@ TEST_F(PanelTest, OffersNothingBeforeItIsConnected)
     mode.setCurrentIndex(1);
     EXPECT_EQ(view.client.mode(), HalvoClient::Mode::Manual);
     EXPECT_TRUE(view.field("Trigger Mode").isVisible());
+}
+
+TEST_F(PanelTest, OffersTheLastAddress)
+{
+    HalvoService::setDefaultHost("beamline");
+    HalvoService::setDefaultPort(8080);
+    const View restarted(std::make_shared<HalvoService>(nullptr, settings), settings);
+    EXPECT_EQ(restarted.text("Host"), "beamline:8080");
 }
 
 TEST_F(PanelTest, TakesASeries)

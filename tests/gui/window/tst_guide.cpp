@@ -97,10 +97,10 @@ private:
                 entries.insert(bare(entry));
         }
         text.remove(code);
-        for (const QString& part : matches(text, QStringLiteral("\\*\\*([^*\\n]+)\\*\\*")))
+        for (const QString& part : matches(text, QStringLiteral("\\*\\*([^*]+)\\*\\*")))
             parts.insert(bare(part));
         text.remove(QStringLiteral("**"));
-        for (const QString& name : matches(text, QStringLiteral("\\*([^*\\n]+)\\*")))
+        for (const QString& name : matches(text, QStringLiteral("\\*([^*]+)\\*")))
             names.insert(bare(name));
     }
 };

@@ -190,6 +190,8 @@ TEST_F(PanelTest, TakesASeries)
         waitFor([&] { return QFile::exists(QString::fromStdString(folder / "x_master.h5")); }));
     EXPECT_TRUE(waitFor([&] { return view.count("written") == 20; }));
     EXPECT_EQ(view.count("lost"), 0);
+    EXPECT_TRUE(waitFor([&] { return view.count("waiting") == 0; })) << "the last one is shown";
+    EXPECT_EQ(view.count("shown"), view.pictures);
     EXPECT_GE(view.pictures, 1);
     EXPECT_EQ(view.bar().text(), "20/20") << "stays until the next series";
 }
@@ -285,6 +287,9 @@ TEST_F(PanelTest, AnotherViewShowsNothingOfTheSeries)
     EXPECT_GE(view.pictures, 1);
     EXPECT_EQ(other.pictures, 0);
     EXPECT_TRUE(other.counts().isHidden());
+    QTest::mouseClick(&other.start(), Qt::LeftButton);
+    EXPECT_TRUE(waitFor([&] { return other.count("received") > 0; }));
+    EXPECT_TRUE(view.counts().isHidden()) << "the numbers of its own series are over";
 }
 
 TEST_F(PanelTest, AdministratorsDecideWhetherUsersSeeIt)

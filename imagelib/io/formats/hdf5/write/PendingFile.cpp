@@ -12,6 +12,8 @@
 #include <system_error>
 
 #include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace morvend::imglib::hdf5 {
@@ -37,6 +39,14 @@ int renameToFree(const char* from, const char* to)
     return std::rename(from, to);
 }
 
+/// Whether this process may not write so far.
+bool tooLong(off_t end)
+{
+    rlimit most = {};
+    return ::getrlimit(RLIMIT_FSIZE, &most) == 0 && most.rlim_cur != RLIM_INFINITY &&
+           static_cast<rlim_t>(end) > most.rlim_cur;
+}
+
 }  // namespace
 
 PendingFile::PendingFile(const std::string& path, bool replaces)
@@ -54,8 +64,16 @@ PendingFile::PendingFile(const std::string& path, bool replaces)
 PendingFile::~PendingFile()
 {
     _file = File();
-    if (!_temporary.empty())
+    if (!_temporary.empty()) {
         ::unlink(_temporary.c_str());
+        return;
+    }
+    struct stat status = {};
+    if (!_reserved || ::stat(_path.c_str(), &status) != 0)
+        return;
+    // Gives back what was reserved and not needed; it stays in use if that fails, which harms
+    // nobody.
+    [[maybe_unused]] const int result = ::truncate(_path.c_str(), status.st_size);
 }
 
 void PendingFile::reserve(std::size_t bytes)
@@ -66,11 +84,16 @@ void PendingFile::reserve(std::size_t bytes)
     if (H5Fget_vfd_handle(id(), H5P_DEFAULT, &handle) < 0 || H5Fget_filesize(id(), &size) < 0)
         return;
     const int file = *static_cast<int*>(handle);
-    if (::fallocate(file, 0, static_cast<off_t>(size), static_cast<off_t>(bytes) + Index) == 0)
-        return;
-    if (errno == ENOSPC || errno == EDQUOT || errno == EFBIG)
+    const off_t end = static_cast<off_t>(size + bytes) + Index;
+    // The size stays: a longer file would look complete to whoever finds it cut.
+    int failure = tooLong(end) ? EFBIG : 0;
+    if (failure == 0 && ::fallocate(file, FALLOC_FL_KEEP_SIZE, static_cast<off_t>(size),
+                                    end - static_cast<off_t>(size)) != 0)
+        failure = errno;
+    _reserved = _reserved || failure == 0;
+    if (failure == ENOSPC || failure == EDQUOT || failure == EFBIG)
         throw MRuntimeException("HDF5: cannot write file (" +
-                                std::generic_category().message(errno) + "): " + _path);
+                                std::generic_category().message(failure) + "): " + _path);
 }
 
 void PendingFile::flush() { check(H5Fflush(id(), H5F_SCOPE_LOCAL), "cannot write file", _path); }

@@ -37,6 +37,7 @@ private:
     std::string _path;
     std::string _temporary;  // empty once published
     bool _replaces;
+    bool _reserved = false;
     File _file;
 };
 

@@ -40,7 +40,8 @@ void ToolBarOverflow::_fill()
         menu = new QMenu(&_bar);
         _button->setMenu(menu);
     }
-    qDeleteAll(std::exchange(_entries, {}));
+    for (QPointer<QAction>& entry : std::exchange(_entries, {}))
+        delete entry;
     for (QAction* action : _bar.actions()) {
         auto* button = qobject_cast<QAbstractButton*>(_bar.widgetForAction(action));
         if (!button || button->isVisible() || menu->actions().contains(action))

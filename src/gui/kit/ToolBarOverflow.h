@@ -7,6 +7,7 @@
 #include <QAction>
 #include <QList>
 #include <QObject>
+#include <QPointer>
 #include <QToolBar>
 #include <QToolButton>
 
@@ -26,5 +27,6 @@ private:
 
     QToolBar& _bar;
     QToolButton* _button;
-    QList<QAction*> _entries;
+    /// The bar empties its menu at each layout, and the entries go with it.
+    QList<QPointer<QAction>> _entries;
 };

@@ -41,27 +41,28 @@ Monkey::Monkey(MainWindow& window, QStringList files, unsigned seed)
 void Monkey::act(int deeds)
 {
     _left = deeds;
+    _done = false;
     _next();
-    // A nested loop may eat the end of a deed, not the deed itself.
-    while (_left > 0)
+    while (!_done)
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 1000);
-    for (int i = 0;
-         i < 1000 && (QApplication::activePopupWidget() || QApplication::activeModalWidget());
-         ++i) {
-        _close();
-        QTest::qWait(1);
-    }
 }
 
 void Monkey::_next()
 {
     QTimer::singleShot(0, this, [this] {
-        if (_left <= 0)
+        const bool over = _left <= 0;
+        // The loop of a dialog or a menu ends only from within.
+        if (over && !QApplication::activePopupWidget() && !QApplication::activeModalWidget()) {
+            _done = true;
             return;
+        }
         --_left;
         // Before the deed, which may stay in a dialog of its own for a while.
         _next();
-        _do();
+        if (over)
+            _close();
+        else
+            _do();
     });
 }
 

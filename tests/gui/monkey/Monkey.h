@@ -56,6 +56,7 @@ private:
     std::mt19937 _random;
     QStringList _deeds;
     int _left = 0;
+    bool _done = false;
 };
 
 }  // namespace tarvik::tests

@@ -3,7 +3,7 @@
 //
 // Random deeds on the whole window. The variable DEEDS says how many, SEED which:
 //
-//     DEEDS=100000 SEED=7 xvfb-run -a build/asan/bin/tst_monkey
+//     DEEDS=100000 SEED=7 xvfb-run -a build/asan/bin/monkey
 #include "gui/window/MainWindow.h"
 #include "logic/core/TarvikCore.h"
 #include "tests/gui/monkey/Monkey.h"
@@ -56,7 +56,7 @@ void keepWarnings(QtMsgType type, const QMessageLogContext&, const QString& text
 
 TEST(Monkey, FindsNothing)
 {
-    const int deeds = qEnvironmentVariable("DEEDS", "400").toInt();
+    const int deeds = qEnvironmentVariable("DEEDS", "3000").toInt();
     const unsigned seed = qEnvironmentVariable("SEED", "1").toUInt();
     const TempFolder folder;
     // What it saves by chance stays in the folder.
@@ -85,4 +85,4 @@ TEST(Monkey, FindsNothing)
 
 }  // namespace
 
-#include "tst_monkey.moc"
+#include "main_monkey.moc"

@@ -143,7 +143,9 @@ void HalvoAsync::startSeries(const AsyncTicket& ticket, const HalvoState& state,
         _runSeries(detector, ticket, state, fileName);
         _threads->abortOnTimeout();
         // Without an answer after an abort the detector would go on to count as acquiring.
-        _flags.abort = _flags.ending.load();
+        _flags.abort = false;
+        if (_flags.ending)
+            _flags.abort = true;
         emit stateSignal(true, _queryState(detector));
     } else {
         emit finishedSeries(false, QStringLiteral("Series Aborted"));

@@ -239,6 +239,7 @@ void HalvoService::_runSeries()
         return;
     }
     _client = _pendingClient;
+    _frame.reset();
     _seriesRunning = true;
     const AsyncTicket ticket = _genTicket();
     _seriesTicket = ticket.id;
@@ -308,7 +309,8 @@ void HalvoService::_finishedSlot(std::uint32_t ticketId)
     _initTickets.erase(ticketId);
     console::print("Number of open HALVO requests: " + std::to_string(_tickets.size()) + '\n');
     emit finished();
-    if (_tickets.empty() && std::exchange(_startPending, false))
+    // The view may have been closed since.
+    if (_tickets.empty() && std::exchange(_startPending, false) && _pendingClient)
         startDetector(_pendingClient.data());
 }
 

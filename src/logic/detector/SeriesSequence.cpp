@@ -41,8 +41,9 @@ private:
     try {
         // An abort must not prevent it; only the end of the program does not wait long for it.
         std::atomic<bool> giveUp = false;
-        MTimer watch;
-        const std::function<void()> look = [&] {
+        std::function<void()> look;
+        MTimer watch;  // goes first: its thread copies the function
+        look = [&] {
             if (_flags.ending)
                 giveUp = true;
             else

@@ -16,6 +16,7 @@ SeriesThreads::SeriesThreads(const std::shared_ptr<SeriesMeter>& meter, FrameRel
     auto* const writer = new Writer(_budget, meter);  // deleted by the end of its thread
     _reader->moveToThread(&_reading);
     writer->moveToThread(&_writing);
+    _lastCall.moveToThread(&_writing);
     connect(&_reading, &QThread::finished, _reader, &QObject::deleteLater);
     connect(&_writing, &QThread::finished, writer, &QObject::deleteLater);
 
@@ -42,8 +43,10 @@ SeriesThreads::~SeriesThreads()
 {
     _reader->abort();
     _reading.quit();
-    _writing.quit();
+    // First all that has arrived, then the end of the file, then the end of the writer's loop.
     _reading.wait();
+    QMetaObject::invokeMethod(
+        &_lastCall, [this] { _writing.quit(); }, Qt::QueuedConnection);
     _writing.wait();
 }
 

@@ -43,6 +43,7 @@ signals:
 
 private:
     QThread _reading, _writing;
+    QObject _lastCall;  // in the writer's thread
     const std::shared_ptr<FrameBudget> _budget;
     HalvoMonitorWorker* const _reader;  // deleted by the end of its thread
 };

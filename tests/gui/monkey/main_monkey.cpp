@@ -50,6 +50,9 @@ QStringList* warnings = nullptr;
 void keepWarnings(QtMsgType type, const QMessageLogContext&, const QString& text)
 {
     fprintf(stderr, "%s\n", text.toLocal8Bit().constData());
+    // The test library's own remark: keys go to whatever has no use for them.
+    if (text.startsWith("Keyboard event not accepted"))
+        return;
     if (type != QtDebugMsg && type != QtInfoMsg)
         warnings->append(text);
 }

@@ -243,7 +243,8 @@ void NexusWriter::flush()
     if (_frames == 0)
         return;
     silenceErrors();
-    _data->publish();
+    if (_data)  // null after the next file could not be made
+        _data->publish();
     _writeAngles();
     _master->publish();
 }
